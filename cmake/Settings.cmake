@@ -1,0 +1,20 @@
+# Settings of our own targets; nothing here reaches the targets of whoever embeds the project.
+function(project_adaptors_settings target)
+    target_compile_features(${target} PUBLIC cxx_std_20)
+    set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF POSITION_INDEPENDENT_CODE ON)
+    target_compile_options(${target} PRIVATE
+        -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
+        # Stored doubles are the same to the last bit on every machine: no fused multiply-add.
+        -ffp-contract=off)
+    # __FILE__ in a log line is the path below the project, not that of the building machine.
+    target_compile_options(${target} PRIVATE "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=")
+endfunction()
+
+# A target's sources are the files of its folder: adding a step needs no change here.
+function(project_adaptors_library target)
+    file(GLOB_RECURSE sources CONFIGURE_DEPENDS
+        "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp" "${CMAKE_CURRENT_SOURCE_DIR}/*.h")
+    add_library(${target} STATIC ${sources})
+    target_include_directories(${target} PUBLIC "${CMAKE_CURRENT_SOURCE_DIR}")
+    project_adaptors_settings(${target})
+endfunction()

@@ -1,0 +1,18 @@
+#pragma once
+
+// For the library's own use.
+
+namespace Archive::Internal {
+
+/// `number` + 1. Ids, sizes and indexes come from files: the greatest number wraps instead of overflowing.
+constexpr long long plusOne(long long number) {
+    return static_cast<long long>(static_cast<unsigned long long>(number) + 1U);
+}
+
+/// Counts a running object id up and gives the new number.
+constexpr long long nextId(long long& greatest) {
+    greatest = plusOne(greatest);
+    return greatest;
+}
+
+} // namespace Archive::Internal

@@ -1,0 +1,28 @@
+#pragma once
+
+// For the library's own use.
+
+#include <QDomDocument>
+#include <QString>
+
+#include <initializer_list>
+#include <utility>
+
+namespace Archive::Internal {
+
+/// An effect's three nested levels, which share one id.
+struct EffectObject {
+    QDomElement root;   ///< the `RootObject` of the concrete class
+    QDomElement base;   ///< its base class part, such as "Effect::VideoEffect"
+    QDomElement object; ///< the innermost part, "Effect::Object"
+};
+
+/// Makes the levels, not yet inserted. A step appends the fields that are its own to each.
+EffectObject createEffectObject(QDomDocument& doc, const QString& className, const QString& baseName,
+                                long long id);
+
+/// Appends one "String" field after the other.
+void appendStrings(QDomDocument& doc, QDomElement& object,
+                   std::initializer_list<std::pair<const char*, QString>> fields);
+
+} // namespace Archive::Internal

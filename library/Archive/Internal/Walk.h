@@ -1,0 +1,47 @@
+#pragma once
+
+// For the library's own use. Every walk here gives a list that was collected at once: the caller may change the
+// document while going through it, nothing is skipped, and no list is built again after each change.
+
+#include "Archive/Internal/Words.h"
+
+#include <QDomElement>
+#include <QString>
+
+#include <functional>
+#include <vector>
+
+namespace Archive::Internal {
+
+using Elements = std::vector<QDomElement>;
+
+/// All descendants of that tag, in document order; in the second form those with that `type`.
+Elements elements(const QDomNode& below, const QString& tag);
+Elements elements(const QDomNode& below, const QString& tag, const QString& type);
+
+/// All `RootObject` descendants of that `type`.
+inline Elements rootObjects(const QDomNode& below, const QString& type) {
+    return elements(below, Words::RootObject, type);
+}
+
+/// The direct children of that tag.
+Elements children(const QDomElement& parent, const QString& tag);
+
+/// The first descendant of that tag, as `elementsByTagName(tag)` gives it first, without walking further.
+QDomElement firstDescendant(const QDomNode& below, const QString& tag);
+
+/// The first child of the first child ... along a path of tags; a null element where one is missing.
+QDomElement childAt(QDomElement e, std::initializer_list<QString> path);
+
+/// Removes an element from the tree, wherever it stands; nothing for one that stands nowhere.
+void removeFromParent(QDomElement e);
+
+/// The document's one `Archive` element, at any depth; a null element where there are none or several.
+QDomElement soleArchive(const QDomDocument& document);
+
+/// The next node behind `node` in document order, its descendants first, that is still below `root`.
+QDomNode nextInDocument(const QDomNode& node, const QDomNode& root);
+/// The same behind `node` and all its descendants.
+QDomNode nextBeyond(QDomNode node, const QDomNode& root);
+
+} // namespace Archive::Internal

@@ -1,0 +1,136 @@
+#include "Archive/Internal/Count.h"
+#include "Archive/Internal/Predeclarations.h"
+#include "Archive/Internal/Words.h"
+#include "Archive/Xml.h"
+
+#include <vector>
+
+using Archive::Internal::nextId;
+using Archive::Internal::plusOne;
+
+namespace Archive {
+namespace {
+
+long long sizeOf(const QDomElement& array) {
+    return array.attribute(Words::size).toLongLong();
+}
+
+void setSize(QDomElement& array, long long size) {
+    array.setAttribute(Words::size, QString::number(size));
+}
+
+QDomElement takeOrMakeArray(QDomDocument& doc, QDomElement& parent, const QString& name) {
+    QDomElement array = parent.firstChildElement(name);
+    if (array.isNull()) {
+        array = createArray(doc, name, 0);
+        parent.appendChild(array);
+    }
+    return array;
+}
+
+QDomElement createRecord(QDomDocument& doc, const QString& typeName, long long id, long long poid,
+                         long long& maxId, const QList<long long>& refs) {
+    QDomElement record = createObject(doc, Words::Data, Words::Predeclare, nextId(maxId));
+    record.appendChild(createString(doc, Words::typeName, typeName));
+    record.appendChild(createObjectRef(doc, Words::oid, id));
+    record.appendChild(createObjectRef(doc, Words::poid, poid));
+    QDomElement list = createArray(doc, Words::refs, refs.size());
+    long long index = 0;
+    for (const long long target : refs) {
+        QDomElement item = createArrayItem(doc, ++index);
+        item.appendChild(createObjectRef(doc, Words::Data, target));
+        list.appendChild(item);
+    }
+    record.appendChild(list);
+    return record;
+}
+
+} // namespace
+
+QDomElement appendArrayElement(QDomDocument& doc, QDomElement& array) {
+    const long long size = plusOne(sizeOf(array));
+    QDomElement item = createArrayItem(doc, size);
+    if (!array.isNull()) {
+        array.appendChild(item);
+        setSize(array, size);
+    }
+    return item;
+}
+
+QDomElement appendArrayElement(QDomDocument& doc, QDomElement& parent, const QString& name) {
+    QDomElement array = takeOrMakeArray(doc, parent, name);
+    return appendArrayElement(doc, array);
+}
+
+QDomElement prependArrayElement(QDomDocument& doc, QDomElement& array) {
+    QDomElement item = createArrayItem(doc, 0);
+    if (array.isNull())
+        return item;
+    const QDomElement first = array.firstChildElement();
+    if (first.isNull())
+        array.appendChild(item);
+    else
+        array.insertBefore(item, first);
+    setSize(array, plusOne(sizeOf(array)));
+    // Each index counts up from what it was: gaps stay gaps.
+    for (QDomElement e = array.firstChildElement(Words::Item); !e.isNull();
+         e = e.nextSiblingElement(Words::Item))
+        e.setAttribute(Words::index, QString::number(plusOne(e.attribute(Words::index).toLongLong())));
+    return item;
+}
+
+QDomElement prependArrayElement(QDomDocument& doc, QDomElement& parent, const QString& name) {
+    QDomElement array = takeOrMakeArray(doc, parent, name);
+    return prependArrayElement(doc, array);
+}
+
+bool removeItemsFromList(QDomElement& array, const std::function<bool(QDomElement&)>& pred) {
+    const long long size = sizeOf(array);
+    std::vector<QDomElement> victims;
+    long long index = 0;
+    for (QDomElement item = array.firstChildElement(Words::Item); !item.isNull();
+         item = item.nextSiblingElement(Words::Item)) {
+        QDomElement data = item.firstChildElement(Words::Data);
+        if (pred(data))
+            victims.push_back(item);
+        else
+            item.setAttribute(Words::index, QString::number(++index)); // also where nothing goes in the end
+    }
+    if (victims.empty())
+        return false;
+    for (const QDomElement& victim : victims)
+        array.removeChild(victim);
+    // The old attribute less the removals, not a fresh count: a wrong size stays as wrong as it was.
+    setSize(array, static_cast<long long>(static_cast<unsigned long long>(size) - victims.size()));
+    return true;
+}
+
+long long addPredeclaration(QDomElement& predeclarations, QDomDocument& doc, const QString& typeName,
+                            long long poid, long long& maxId, const long long& oid,
+                            const QList<long long>& refs) {
+    const long long id = oid < 1 ? nextId(maxId) : oid;
+    QDomElement record = createRecord(doc, typeName, id, poid, maxId, refs);
+    appendArrayElement(doc, predeclarations).appendChild(record);
+    return id;
+}
+
+bool removePredeclare(QDomElement& predeclarations, long long id) {
+    return removeItemsFromList(predeclarations,
+                               [id](QDomElement& data) { return Internal::declaredId(data) == id; });
+}
+
+namespace Internal {
+
+long long declaredId(const QDomElement& record) {
+    return valueOf(record, Words::oid).toLongLong();
+}
+
+bool removePredeclares(QDomElement& predeclarations, const QSet<long long>& ids) {
+    if (ids.isEmpty())
+        return false; // no call, no renumbering
+    return removeItemsFromList(predeclarations,
+                               [&ids](QDomElement& data) { return ids.contains(declaredId(data)); });
+}
+
+} // namespace Internal
+} // namespace Archive

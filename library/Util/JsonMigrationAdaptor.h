@@ -1,0 +1,27 @@
+#pragma once
+
+#include "Adaptors/IReaderAdaptor.h"
+
+#include <nlohmann/json.hpp>
+
+namespace Util {
+
+/// The step from the XML archive to JSON. A document reader derives from it and gives it a name.
+class JsonMigrationAdaptor : public Bundle::IReaderAdaptor {
+public:
+    /// `version` is the schema version under which the converted document goes on; it is handed back as it is.
+    explicit JsonMigrationAdaptor(int version) : m_version(version) {}
+
+    bool needAdaptForActualVersion(const nlohmann::json& document) const override;
+    bool canConvert(Bundle::Backend from, Bundle::Backend to) const override;
+    std::pair<int, nlohmann::json> convert(const QDomDocument& document) override;
+
+    /// Whether convert() has been called.
+    bool converted() const { return m_converted; }
+
+private:
+    int m_version;
+    bool m_converted = false;
+};
+
+} // namespace Util

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+class QDomDocument;
+
+namespace Util {
+
+/// Turns an XML archive into one nested JSON value with the keys "data" (the project's root object) and
+/// "version" ("1.0"). Each object stands in full at its first reference and as a link at later ones. Needs no
+/// more stack for a deep document than for a flat one.
+class XmlToJsonAdaptor {
+public:
+    nlohmann::json adapt(const QDomDocument& document);
+};
+
+} // namespace Util

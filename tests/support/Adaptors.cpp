@@ -1,0 +1,32 @@
+#include "support/Adaptors.h"
+
+#include "Adaptors/Project/PortableLoadAdaptor.h"
+#include "Adaptors/Project/PortableSaveAdaptor.h"
+#include "Reader/Chain.h"
+
+using nlohmann::json;
+
+namespace Tests {
+namespace {
+
+QString locationIn(const json& setup) {
+    return QString::fromStdString(setup.value("location", std::string()));
+}
+
+} // namespace
+
+std::unique_ptr<Bundle::AbstractAdaptorXml> makeXmlAdaptor(const std::string& className, json&) {
+    const Reader::Step* step = Reader::findStep(className);
+    return step && step->hasXml() ? step->makeXml() : nullptr;
+}
+
+std::unique_ptr<Bundle::AbstractAdaptorJson> makeJsonAdaptor(const std::string& className, json& setup) {
+    if (className == "PortableLoadAdaptor")
+        return std::make_unique<Project::PortableLoadAdaptor>(locationIn(setup));
+    if (className == "PortableSaveAdaptor")
+        return std::make_unique<Project::PortableSaveAdaptor>(locationIn(setup));
+    const Reader::Step* step = Reader::findStep(className);
+    return step && step->hasJson() ? step->makeJson() : nullptr;
+}
+
+} // namespace Tests

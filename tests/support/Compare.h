@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QDomDocument>
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+
+namespace Tests {
+
+/// The first place where two documents differ, as a sentence; empty where they are the same. Attributes have no
+/// order, children have one, white space between elements does not count.
+std::string difference(const QDomNode& expected, const QDomNode& actual);
+
+/// The same for JSON values. Integers and floating numbers differ; signed and unsigned integers do not.
+std::string difference(const nlohmann::json& expected, const nlohmann::json& actual);
+
+} // namespace Tests
