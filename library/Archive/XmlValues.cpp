@@ -5,7 +5,6 @@
 
 #include <bit>
 #include <cmath>
-#include <cstdint>
 
 namespace Archive {
 
@@ -44,9 +43,9 @@ MTime extractValue(const QString& text, MTime fallback) {
 double extractValue(const QString& text, double fallback) {
     const QByteArray bytes = QByteArray::fromBase64(text.toUtf8());
     // Too few bytes are a stored 0.0, not a missing number: the fallback has no say.
-    if (bytes.size() < static_cast<int>(sizeof(std::uint64_t)))
+    if (bytes.size() < static_cast<int>(sizeof(quint64)))
         return 0.0;
-    const double number = std::bit_cast<double>(qFromBigEndian<std::uint64_t>(bytes.constData()));
+    const double number = std::bit_cast<double>(qFromBigEndian<quint64>(bytes.constData()));
     return std::isinf(number) ? fallback : number;
 }
 
@@ -58,8 +57,8 @@ double readValue(const QDomElement& e, double fallback) {
 
 QString serializeValue(double value) {
     const double finite = std::isinf(value) ? 0.0 : value;
-    QByteArray bytes(sizeof(std::uint64_t), Qt::Uninitialized);
-    qToBigEndian(std::bit_cast<std::uint64_t>(finite), bytes.data());
+    QByteArray bytes(sizeof(quint64), Qt::Uninitialized);
+    qToBigEndian(std::bit_cast<quint64>(finite), bytes.data());
     return QString::fromLatin1(bytes.toBase64());
 }
 
