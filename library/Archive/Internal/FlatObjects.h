@@ -1,6 +1,6 @@
 #pragma once
 
-// For the library's own use: what JSON steps share. Nothing here leaves a key behind that was only looked for.
+// For this project's own use: what JSON steps share. Nothing here leaves a key behind that was only looked for.
 
 #include "Serialize/Json/FlatObject.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-// For the library's own use: what the two portable path adaptors share.
+// For this project's own use: what the two portable path adaptors share.
 
 #include "Serialize/Json/FlatObject.h"
 

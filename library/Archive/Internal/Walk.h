@@ -1,6 +1,6 @@
 #pragma once
 
-// For the library's own use. Every walk here gives a list that was collected at once: the caller may change the
+// For this project's own use. Every walk here gives a list that was collected at once: the caller may change the
 // document while going through it, nothing is skipped, and no list is built again after each change.
 
 #include "Archive/Internal/Words.h"

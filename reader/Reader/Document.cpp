@@ -1,0 +1,153 @@
+#include "Reader/Document.h"
+
+#include "Reader/Error.h"
+#include "Reader/JsonText.h"
+#include "Reader/XmlText.h"
+
+#include <stdexcept>
+
+using nlohmann::json;
+
+namespace Reader {
+namespace {
+
+const QString archiveTag = QStringLiteral("Archive");
+const QString versionAttribute = QStringLiteral("schemaVersion");
+constexpr const char* dataKey = "data";
+constexpr const char* formVersionKey = "version";
+constexpr const char* schemaVersionKey = "schemaVersion";
+
+/// The first byte that is no white space, behind a byte order mark.
+char firstByte(const QByteArray& bytes) {
+    int position = bytes.startsWith("\xEF\xBB\xBF") ? 3 : 0;
+    while (position < bytes.size() && QByteArray(" \t\r\n").contains(bytes.at(position)))
+        ++position;
+    return position < bytes.size() ? bytes.at(position) : '\0';
+}
+
+[[noreturn]] void fail(Problem problem, const QString& name, const std::string& reason) {
+    throw Error(problem, name.toStdString() + ": " + reason);
+}
+
+constexpr long long greatestVersion = 1000000; // far beyond any that there will be
+
+[[noreturn]] void refuseVersion(const QString& name, const std::string& text) {
+    fail(Problem::NoVersion, name,
+         "the schema version " + text + " is no version number; give the right one with --from N");
+}
+
+std::optional<int> versionOf(const QDomElement& archive, const QString& name) {
+    if (!archive.hasAttribute(versionAttribute))
+        return std::nullopt;
+    const QString text = archive.attribute(versionAttribute);
+    bool isNumber = false;
+    const long long version = text.toLongLong(&isNumber);
+    if (!isNumber || version < 0 || version > greatestVersion)
+        refuseVersion(name, '"' + text.toStdString() + '"');
+    return static_cast<int>(version);
+}
+
+std::optional<int> versionOf(const json& envelope, const QString& name) {
+    const auto it = envelope.find(schemaVersionKey);
+    if (it == envelope.end())
+        return std::nullopt;
+    const auto version = Serialize::Json::toId(*it);
+    if (!version || *version > static_cast<unsigned long long>(greatestVersion))
+        refuseVersion(name, it->dump());
+    return static_cast<int>(*version);
+}
+
+Document parseArchive(const QByteArray& bytes, const QString& name, std::optional<int> version) {
+    const QDomDocument xml = parseXml(bytes, name);
+    const QDomElement archive = xml.documentElement();
+    if (archive.tagName() != archiveTag)
+        fail(Problem::NoArchive, name,
+             "the document element is <" + archive.tagName().toStdString() + ">, a project has <Archive>");
+    if (const int count = xml.elementsByTagName(archiveTag).length(); count != 1)
+        fail(Problem::NoArchive, name,
+             "there are " + std::to_string(count) + " <Archive> elements, a project has one");
+    return {xml, version ? version : versionOf(archive, name)};
+}
+
+Document parseProjectJson(const QByteArray& bytes, const QString& name, std::optional<int> version) {
+    json envelope = parseJson(bytes, name);
+    if (!envelope.is_object())
+        fail(Problem::WrongEnvelope, name,
+             std::string("the document is a JSON ") + envelope.type_name() +
+                 ", a project is an object with \"data\" and \"version\"");
+    if (!version)
+        version = versionOf(envelope, name);
+    envelope.erase(schemaVersionKey);
+    return {openEnvelope(std::move(envelope), name), version};
+}
+
+Serialized serializeXml(Document document) {
+    QDomElement archive = document.xml().documentElement();
+    if (document.version)
+        archive.setAttribute(versionAttribute, QString::number(*document.version));
+    return {writeXml(document.xml()), 0};
+}
+
+Serialized serializeJson(Document document) {
+    JsonDocument& project = document.json();
+    json envelope = std::move(project.envelope);
+    Serialized result;
+    envelope[dataKey] = nest(std::move(project), result.leftOut);
+    if (document.version)
+        envelope[schemaVersionKey] = *document.version;
+    result.bytes = writeJson(envelope) + '\n';
+    return result;
+}
+
+} // namespace
+
+Document parse(const QByteArray& bytes, const QString& name, std::optional<int> version) {
+    switch (firstByte(bytes)) {
+    case '\0':
+        if (bytes.trimmed().isEmpty())
+            fail(Problem::Empty, name, "the file is empty");
+        fail(Problem::UnknownForm, name, "neither XML nor JSON in UTF-8");
+    case '<':
+        return parseArchive(bytes, name, version);
+    case '{':
+    case '[':
+        return parseProjectJson(bytes, name, version);
+    default:
+        fail(Problem::UnknownForm, name, "neither XML nor JSON; a project begins with '<' or '{'");
+    }
+}
+
+JsonDocument openEnvelope(json envelope, const QString& name) {
+    const auto version = envelope.find(formVersionKey);
+    if (version == envelope.end() || *version != "1.0")
+        fail(Problem::WrongEnvelope, name,
+             "\"version\" is " + (version == envelope.end() ? "missing" : version->dump()) +
+                 ", a project has \"1.0\"");
+    const auto data = envelope.find(dataKey);
+    if (data == envelope.end())
+        fail(Problem::WrongEnvelope, name, "\"data\" is missing");
+    if (!isClassObject(*data))
+        fail(Problem::WrongEnvelope, name,
+             std::string("\"data\" is ") + (data->is_object() ? "no class object" : data->type_name()) +
+                 ", a project has its root object there");
+    JsonDocument document;
+    json root = std::move(*data);
+    envelope.erase(data);
+    try {
+        static_cast<FlatDocument&>(document) = flatten(std::move(root), document.notes);
+    } catch (const std::length_error& error) {
+        fail(Problem::WrongEnvelope, name, error.what());
+    }
+    document.envelope = std::move(envelope);
+    return document;
+}
+
+Serialized serialize(Document document) {
+    return document.isXml() ? serializeXml(std::move(document)) : serializeJson(std::move(document));
+}
+
+QString formName(Bundle::Backend form) {
+    return form == Bundle::Backend::Xml ? QStringLiteral("XML archive") : QStringLiteral("JSON");
+}
+
+} // namespace Reader

@@ -1,0 +1,254 @@
+#include "Reader/Flatten.h"
+
+#include <algorithm>
+#include <limits>
+#include <stdexcept>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+
+using nlohmann::json;
+using Serialize::Json::FlatObject;
+using Serialize::Json::MetaDetails;
+
+namespace Reader {
+namespace {
+
+/// A place in a walk through nested values: a container and the member whose turn it is.
+struct Place {
+    json* container;
+    json::iterator next;
+};
+
+json makeLink(unsigned long long id) {
+    json link = json::object();
+    link[MetaDetails::s_meta_reference] = id;
+    return link;
+}
+
+void setId(json& object, unsigned long long id) {
+    object[MetaDetails::s_meta][MetaDetails::s_object_id] = id;
+}
+
+/// Calls `visit` on a value and on all that it holds, an object before what it holds; "@meta" is left out.
+template <class Visit>
+void walk(json& root, Visit visit) {
+    std::vector<Place> places;
+    const auto enter = [&](json& value) {
+        visit(value);
+        if (value.is_structured())
+            places.push_back({&value, value.begin()});
+    };
+    enter(root);
+    while (!places.empty()) {
+        Place& place = places.back();
+        if (place.next == place.container->end()) {
+            places.pop_back();
+            continue;
+        }
+        const json::iterator member = place.next++;
+        if (!place.container->is_object() || member.key() != MetaDetails::s_meta)
+            enter(*member);
+    }
+}
+
+class Flattener {
+public:
+    Flattener(json& root, FlattenNotes& notes) : m_notes(notes), m_greatest(greatestId(root)) {}
+
+    FlatDocument run(json root);
+
+private:
+    struct Level {
+        Place place;
+        unsigned long long id; ///< of a class object, otherwise 0
+    };
+
+    static unsigned long long greatestId(json& root);
+    void enter(json& value, const std::string* key);
+    unsigned long long takeId(json& object, const std::string* key);
+    unsigned long long freshId();
+    void leave();
+    void meetLink(json& link, unsigned long long target);
+
+    FlattenNotes& m_notes;
+    unsigned long long m_greatest;
+    std::vector<Level> m_levels;
+    std::unordered_map<unsigned long long, bool> m_isBasePart; ///< by id that was met
+    std::vector<json*>
+        m_openLinks; ///< whose id has no object of its own yet; members stay in place when moved
+    FlatDocument m_result;
+};
+
+unsigned long long Flattener::greatestId(json& root) {
+    unsigned long long greatest = 0;
+    walk(root, [&](const json& value) {
+        if (isClassObject(value))
+            greatest = std::max(greatest, Serialize::Json::getObjectId(value).value_or(0));
+        else
+            greatest = std::max(greatest, linkTarget(value));
+    });
+    return greatest;
+}
+
+FlatDocument Flattener::run(json root) {
+    enter(root, nullptr);
+    m_result.root = m_levels.front().id;
+    while (!m_levels.empty()) {
+        Place& place = m_levels.back().place;
+        if (place.next == place.container->end()) {
+            leave();
+            continue;
+        }
+        const json::iterator member = place.next++;
+        if (!place.container->is_object())
+            enter(*member, nullptr);
+        else if (member.key() != MetaDetails::s_meta)
+            enter(*member, &member.key());
+    }
+    for (json* link : std::exchange(m_openLinks, {}))
+        meetLink(*link, linkTarget(*link));
+    std::sort(m_notes.duplicateIds.begin(), m_notes.duplicateIds.end());
+    const auto last = std::unique(m_notes.duplicateIds.begin(), m_notes.duplicateIds.end());
+    m_notes.duplicateIds.erase(last, m_notes.duplicateIds.end());
+    return std::move(m_result);
+}
+
+void Flattener::enter(json& value, const std::string* key) {
+    if (!value.is_structured())
+        return;
+    if (const unsigned long long target = linkTarget(value)) {
+        meetLink(value, target);
+        return;
+    }
+    const unsigned long long id = isClassObject(value) ? takeId(value, key) : 0;
+    m_levels.push_back({{&value, value.begin()}, id});
+}
+
+unsigned long long Flattener::takeId(json& object, const std::string* key) {
+    const unsigned long long own = Serialize::Json::getObjectId(object).value_or(0);
+    if (own == 0) {
+        ++m_notes.missingIds;
+        const unsigned long long id = freshId();
+        setId(object, id);
+        return id;
+    }
+    const std::string* className = Serialize::Json::classNameOf(object);
+    const bool isBasePart = key && className && *key == *className;
+    const auto [first, isFirst] = m_isBasePart.emplace(own, isBasePart);
+    if (isFirst)
+        return own;
+    m_notes.duplicateIds.push_back(own);
+    const unsigned long long id = freshId();
+    setId(object, id);
+    // A link means an object of its own rather than a part of another one.
+    if (first->second && !isBasePart) {
+        first->second = false;
+        m_notes.redirected[own] = id;
+    }
+    return id;
+}
+
+unsigned long long Flattener::freshId() {
+    if (m_greatest == std::numeric_limits<unsigned long long>::max())
+        throw std::length_error("no object id is left");
+    return ++m_greatest;
+}
+
+void Flattener::leave() {
+    const Level level = m_levels.back();
+    m_levels.pop_back();
+    if (level.id == 0)
+        return;
+    json& value = *level.place.container;
+    m_result.flat.objects.emplace(level.id, std::move(value));
+    value = makeLink(level.id);
+}
+
+void Flattener::meetLink(json& link, unsigned long long target) {
+    if (const auto it = m_notes.redirected.find(target); it != m_notes.redirected.end()) {
+        link = makeLink(it->second);
+        return;
+    }
+    const auto owner = m_isBasePart.find(target);
+    if (owner == m_isBasePart.end() || owner->second)
+        m_openLinks.push_back(&link);
+}
+
+class Nester {
+public:
+    explicit Nester(FlatObject& flat) : m_flat(flat) {}
+
+    json run(unsigned long long root);
+    std::size_t leftOut() const { return m_flat.objects.size() - m_written.size(); }
+
+private:
+    void visit(json& value);
+    void standInFull(json& place, json& entry, unsigned long long id);
+
+    FlatObject& m_flat;
+    std::unordered_set<unsigned long long> m_written;
+};
+
+/// Whether an entry of the flat document can be written as a class object.
+bool canStand(const json& entry) {
+    if (!entry.is_object())
+        return false;
+    const auto meta = entry.find(MetaDetails::s_meta);
+    return meta == entry.end() || meta->is_object();
+}
+
+json Nester::run(unsigned long long root) {
+    json result = makeLink(root);
+    walk(result, [this](json& value) { visit(value); });
+    return result;
+}
+
+void Nester::visit(json& value) {
+    const unsigned long long target = linkTarget(value);
+    const bool isEmbedded = target == 0 && isClassObject(value);
+    if (target == 0 && !isEmbedded)
+        return;
+    const unsigned long long id = isEmbedded ? Serialize::Json::getObjectId(value).value_or(0) : target;
+    const auto it = m_flat.objects.find(id);
+    if (it == m_flat.objects.end())
+        return; // a dangling link, or an object that stands here alone
+    const bool isFirst = m_written.insert(id).second;
+    if (!isFirst)
+        value = makeLink(id);
+    else if (canStand(it->second))
+        standInFull(value, it->second, id);
+    // Otherwise an entry that is no object: the link, or what is embedded here, is all that there is.
+}
+
+void Nester::standInFull(json& place, json& entry, unsigned long long id) {
+    place = std::exchange(entry, json());
+    setId(place, id); // the key in the flat document is what links mean
+}
+
+} // namespace
+
+bool isClassObject(const json& value) {
+    if (!value.is_object())
+        return false;
+    const auto meta = value.find(MetaDetails::s_meta);
+    return meta != value.end() && meta->is_object();
+}
+
+unsigned long long linkTarget(const json& value) {
+    return value.is_object() && value.size() == 1 ? Serialize::Json::getReferenceObjectId(value).value_or(0)
+                                                  : 0;
+}
+
+FlatDocument flatten(json root, FlattenNotes& notes) {
+    return Flattener(root, notes).run(std::move(root));
+}
+
+json nest(FlatDocument document, std::size_t& leftOut) {
+    Nester nester(document.flat);
+    json result = nester.run(document.root);
+    leftOut = nester.leftOut();
+    return result;
+}
+
+} // namespace Reader

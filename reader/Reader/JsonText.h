@@ -1,0 +1,16 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+#include <QByteArray>
+#include <QString>
+
+namespace Reader {
+
+/// Reads JSON text; `name` is the file's name for errors. Throws Error with the byte of the first fault.
+nlohmann::json parseJson(const QByteArray& bytes, const QString& name);
+
+/// Writes JSON text as nlohmann::json::dump() does, without white space. Depth costs memory, not stack.
+QByteArray writeJson(const nlohmann::json& value);
+
+} // namespace Reader

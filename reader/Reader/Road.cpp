@@ -1,0 +1,220 @@
+#include "Reader/Road.h"
+
+#include "Adaptors/Project/PortableLoadAdaptor.h"
+#include "Adaptors/Project/PortableSaveAdaptor.h"
+#include "Archive/Internal/Walk.h"
+#include "Archive/Xml.h"
+#include "Reader/Conversion.h"
+#include "Reader/Error.h"
+#include "Settings/Settings.h"
+
+#include <algorithm>
+#include <functional>
+
+namespace Words = Archive::Words;
+
+namespace Reader {
+namespace {
+
+[[noreturn]] void fail(Problem problem, const Journey& journey, const std::string& reason) {
+    throw Error(problem, journey.name.toStdString() + ": " + reason);
+}
+
+/// Runs one adaptor after the other, and gives what goes wrong the name of the adaptor and of the file.
+class Runner {
+public:
+    Runner(const Journey& journey, Report& report) : m_journey(journey), m_report(report) {}
+    ~Runner() { m_report.log.insert(m_report.log.end(), m_log.lines().begin(), m_log.lines().end()); }
+    Runner(const Runner&) = delete;
+    Runner& operator=(const Runner&) = delete;
+
+    void run(const std::string& name, const std::function<void()>& adapt) {
+        m_log.setStep(name);
+        try {
+            adapt();
+        } catch (const Error&) {
+            throw;
+        } catch (const std::exception& error) {
+            fail(Problem::StepFailed, m_journey, name + ": " + error.what());
+        }
+    }
+
+private:
+    const Journey& m_journey;
+    Report& m_report;
+    StepLog m_log;
+};
+
+void checkVersions(const Document& document, const Journey& journey) {
+    if (!document.version)
+        fail(Problem::NoVersion, journey, "the document names no schema version; give it with --from N");
+    const int from = *document.version;
+    if (from > currentVersion)
+        fail(Problem::WrongVersion, journey,
+             "schema version " + std::to_string(from) + " is too new, this program knows versions up to " +
+                 std::to_string(currentVersion));
+    if (journey.to < from || journey.to > currentVersion)
+        fail(Problem::WrongVersion, journey,
+             "a document of schema version " + std::to_string(from) + " can go to a version from " +
+                 std::to_string(from) + " to " + std::to_string(currentVersion) + ", not to " +
+                 std::to_string(journey.to));
+    if (!document.isXml() && journey.to <= lastXmlVersion)
+        fail(Problem::WrongVersion, journey,
+             "a JSON document can't become an archive again; ask for version " +
+                 std::to_string(lastXmlVersion + 1) + " or above");
+}
+
+/// Sets the predeclarations first among the root objects and the project's root object behind them. Their order
+/// means nothing to the format, but some steps take the first timeline that they meet, and the main one must not
+/// lose to a nested one.
+void sortRootObjects(QDomDocument& xml) {
+    QDomElement archive = xml.documentElement();
+    const auto objects = Archive::Internal::children(archive, Words::RootObject);
+    const QString root = archive.firstChildElement(Words::RootRef).attribute(Words::value);
+    Archive::Internal::Elements first;
+    for (const QDomElement& e : objects) {
+        if (Archive::typeOf(e) == Words::Predeclarator)
+            first.push_back(e);
+    }
+    const auto main = std::find_if(objects.begin(), objects.end(), [&](const QDomElement& e) {
+        return Archive::typeOf(e) != Words::Predeclarator && Archive::objectIdOf(e) == root.toULongLong();
+    });
+    if (main != objects.end())
+        first.push_back(*main);
+    QDomElement place = objects.empty() ? QDomElement() : objects.front();
+    for (const QDomElement& e : first) {
+        if (e == place)
+            place = place.nextSiblingElement(Words::RootObject);
+        else
+            archive.insertBefore(e, place);
+    }
+}
+
+void runXmlSteps(Document& document, int to, Runner& runner, Report& report) {
+    for (const Step* step : stepsFor(Bundle::Backend::Xml, *document.version, std::min(to, lastXmlVersion))) {
+        runner.run(std::string(step->className), [&] { step->makeXml()->adapt(document.xml()); });
+        report.steps.emplace_back(step->className);
+    }
+}
+
+void checkRootObject(const QDomDocument& xml, const Journey& journey) {
+    const QDomElement ref = xml.documentElement().firstChildElement(Words::RootRef);
+    const auto id = ref.attribute(Words::value).toLongLong();
+    const auto objects = Archive::Internal::elements(xml, Words::RootObject);
+    const bool isThere = std::any_of(objects.begin(), objects.end(), [&](const QDomElement& e) {
+        return e.attribute(Words::objectId).toLongLong() == id && Archive::typeOf(e) != Words::Predeclarator;
+    });
+    if (!isThere)
+        fail(Problem::NoArchive, journey,
+             "<RootRef> names the object " + std::to_string(id) + ", and there is no such <RootObject>");
+}
+
+void convertToJson(Document& document, const Journey& journey, Runner& runner) {
+    checkRootObject(document.xml(), journey);
+    Conversion conversion;
+    runner.run(conversion.name().toStdString(), [&] {
+        auto [version, envelope] = conversion.convert(document.xml());
+        document.content = openEnvelope(std::move(envelope), journey.name);
+        document.version = std::max(*document.version, version);
+    });
+}
+
+void runJsonSteps(Document& document, int to, Runner& runner, Report& report) {
+    for (const Step* step : stepsFor(Bundle::Backend::Json, *document.version, to)) {
+        if (!step->hasJson()) {
+            report.skipped.emplace_back(step->className);
+            continue;
+        }
+        runner.run(std::string(step->className), [&] { step->makeJson()->adapt(document.json().flat); });
+        report.steps.emplace_back(step->className);
+    }
+}
+
+void runLoadAdaptors(Document& document, const Journey& journey, Runner& runner) {
+    runner.run("PortableLoadAdaptor",
+               [&] { Project::PortableLoadAdaptor(journey.location).adapt(document.json().flat); });
+}
+
+/// Which of the clips that the document had at first are reached at last. Ids of an archive live on in JSON,
+/// but for objects that had to share theirs with another.
+void countClips(const std::vector<Clip>& before, const Document& document, Report& report) {
+    const auto reachable = findReachable(document);
+    const auto idNow = [&](unsigned long long id) {
+        if (document.isXml() || report.formBefore == Bundle::Backend::Json)
+            return id;
+        const auto& redirected = document.json().notes.redirected;
+        const auto it = redirected.find(id);
+        return it == redirected.end() ? id : it->second;
+    };
+    report.clipsBefore = before.size();
+    for (const Clip& clip : before) {
+        if (!reachable.count(idNow(clip.id)))
+            report.lostClips.push_back(clip);
+    }
+    report.clipsAfter = report.clipsBefore - report.lostClips.size();
+}
+
+} // namespace
+
+bool Report::hasErrors() const {
+    return std::any_of(log.begin(), log.end(), [](const LogLine& line) { return line.isError(); });
+}
+
+std::vector<const Step*> stepsFor(Bundle::Backend form, int from, int to) {
+    std::vector<const Step*> steps;
+    for (const Step& step : chain()) {
+        const bool isForm = form == Bundle::Backend::Json || step.hasXml();
+        if (step.number > from && step.number <= to && isForm)
+            steps.push_back(&step);
+    }
+    return steps;
+}
+
+Report migrate(Document& document, const Journey& journey) {
+    checkVersions(document, journey);
+    Report report;
+    report.formBefore = document.form();
+    report.from = *document.version;
+    report.objectsBefore = countObjects(document);
+    const std::vector<Clip> clips = listClips(document);
+    {
+        Runner runner(journey, report);
+        if (document.isXml()) {
+            sortRootObjects(document.xml());
+            runXmlSteps(document, journey.to, runner, report);
+            if (journey.to > lastXmlVersion)
+                convertToJson(document, journey, runner);
+        }
+        if (!document.isXml()) {
+            runJsonSteps(document, journey.to, runner, report);
+            runLoadAdaptors(document, journey, runner);
+            report.duplicateIds = document.json().notes.duplicateIds;
+        }
+    }
+    document.version = report.to = journey.to;
+    report.formAfter = document.form();
+    report.objectsAfter = countObjects(document);
+    countClips(clips, document, report);
+    return report;
+}
+
+Serialized save(Document document, const Journey& journey, Report& report) {
+    if (!document.isXml()) {
+        Runner runner(journey, report);
+        runner.run("PortableSaveAdaptor",
+                   [&] { Project::PortableSaveAdaptor(journey.target).adapt(document.json().flat); });
+    }
+    return serialize(std::move(document));
+}
+
+void useStandInFolders() {
+    const auto standIn = [](const char* marker) { return QStringLiteral("/") + QString::fromLatin1(marker); };
+    if (Settings::legacyPackageDeploymentPath().isEmpty())
+        Settings::setLegacyPackageDeploymentPath(standIn("#PACKAGES_ROOT#"));
+    if (Settings::aiModelsPath().isEmpty())
+        Settings::setAiModelsPath(standIn("#AI_MODELS_ROOT#"));
+    if (Settings::downloadableResourcesPath().isEmpty())
+        Settings::setDownloadableResourcesPath(standIn("#DOWNLOADABLE_ROOT#"));
+}
+
+} // namespace Reader

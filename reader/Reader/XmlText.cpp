@@ -1,0 +1,233 @@
+#include "Reader/XmlText.h"
+
+#include "Reader/Error.h"
+
+#include <QStringList>
+#include <QXmlStreamReader>
+#include <QXmlStreamWriter>
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace Reader {
+namespace {
+
+[[noreturn]] void fail(Problem problem, const QString& name, qint64 line, qint64 column,
+                       const QString& reason) {
+    throw Error(problem,
+                QStringLiteral("%1:%2:%3: %4").arg(name).arg(line).arg(column).arg(reason).toStdString());
+}
+
+/// Goes over the text's tags without reading what is in them. That costs little beside loading, and the tree need
+/// not be built to know that it is too deep for its own operations. Text that is not well-formed is none of its
+/// business: up to the first error its count is right, and the parser stops there.
+class TagScan {
+public:
+    explicit TagScan(std::string_view text) : m_text(text) {}
+
+    /// The greatest depth, or a number above maxXmlDepth as soon as it is reached.
+    int depth();
+    bool hasDoctype() const { return m_hasDoctype; }
+    std::size_t position() const { return m_position; }
+
+private:
+    void skipPast(std::string_view end);
+    /// Stands on '<'; gives by how much the depth changes.
+    int passTag();
+    bool passStartTag();
+
+    std::string_view m_text;
+    std::size_t m_position = 0;
+    bool m_hasDoctype = false;
+};
+
+int TagScan::depth() {
+    int depth = 0;
+    int greatest = 0;
+    while (!m_hasDoctype && greatest <= maxXmlDepth) {
+        const std::size_t tag = m_text.find('<', m_position);
+        if (tag == std::string_view::npos)
+            break;
+        m_position = tag;
+        depth += passTag();
+        greatest = std::max(greatest, depth);
+    }
+    return greatest;
+}
+
+int TagScan::passTag() {
+    const std::string_view rest = m_text.substr(m_position);
+    if (rest.starts_with("<!--")) {
+        m_position += 4;
+        skipPast("-->");
+        return 0;
+    }
+    if (rest.starts_with("<![CDATA[")) {
+        skipPast("]]>");
+        return 0;
+    }
+    if (rest.starts_with("<!")) {
+        m_hasDoctype = true;
+        return 0;
+    }
+    if (rest.starts_with("<?")) {
+        skipPast("?>");
+        return 0;
+    }
+    if (rest.starts_with("</")) {
+        skipPast(">");
+        return -1;
+    }
+    return passStartTag() ? 1 : 0;
+}
+
+bool TagScan::passStartTag() {
+    char quote = 0;
+    for (++m_position; m_position < m_text.size(); ++m_position) {
+        const char c = m_text[m_position];
+        if (quote) {
+            quote = c == quote ? char(0) : quote;
+        } else if (c == '"' || c == '\'') {
+            quote = c;
+        } else if (c == '>') {
+            const bool isEmpty = m_text[m_position - 1] == '/';
+            ++m_position;
+            return !isEmpty;
+        }
+    }
+    return false;
+}
+
+void TagScan::skipPast(std::string_view end) {
+    const std::size_t found = m_text.find(end, m_position);
+    m_position = found == std::string_view::npos ? m_text.size() : found + end.size();
+}
+
+std::pair<qint64, qint64> lineAndColumn(std::string_view text, std::size_t position) {
+    const std::string_view before = text.substr(0, position);
+    const auto line = std::count(before.begin(), before.end(), '\n') + 1;
+    const std::size_t lineStart = before.rfind('\n');
+    return {line,
+            static_cast<qint64>(lineStart == std::string_view::npos ? position + 1 : position - lineStart)};
+}
+
+/// Tags are told from bytes, so the encoding must be one that writes them as ASCII does.
+void refuseForeignEncoding(const QByteArray& bytes, const QString& name) {
+    QXmlStreamReader start(bytes.left(1024));
+    start.readNext();
+    const QString encoding = start.documentEncoding().toString().toLower();
+    static const QStringList known = {QStringLiteral("utf-8"), QStringLiteral("us-ascii"),
+                                      QStringLiteral("iso-8859-"), QStringLiteral("windows-125")};
+    const bool isKnown =
+        encoding.isEmpty() || std::any_of(known.begin(), known.end(),
+                                          [&](const QString& prefix) { return encoding.startsWith(prefix); });
+    if (!isKnown || bytes.left(4).contains('\0') || bytes.startsWith("\xFF\xFE") ||
+        bytes.startsWith("\xFE\xFF"))
+        fail(Problem::RefusedXml, name, 1, 1,
+             QStringLiteral("the text is not in an encoding that projects use; convert it to UTF-8"));
+}
+
+void refuseHostileText(const QByteArray& bytes, const QString& name) {
+    const std::string_view text(bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    TagScan scan(text);
+    const int depth = scan.depth();
+    if (!scan.hasDoctype() && depth <= maxXmlDepth)
+        return;
+    const auto [line, column] = lineAndColumn(text, scan.position());
+    if (scan.hasDoctype())
+        fail(Problem::RefusedXml, name, line, column,
+             QStringLiteral("document type declarations and entities are refused; a project has none"));
+    fail(Problem::RefusedXml, name, line, column,
+         QStringLiteral("elements are nested deeper than %1 levels; no project is").arg(maxXmlDepth));
+}
+
+class Writer {
+public:
+    QByteArray run(const QDomDocument& document);
+
+private:
+    void begin(const QDomNode& node);
+    void writeAttributes(const QDomElement& element);
+
+    QByteArray m_text;
+    QXmlStreamWriter m_out{&m_text};
+};
+
+QByteArray Writer::run(const QDomDocument& document) {
+    m_out.setAutoFormatting(true);
+    m_out.setAutoFormattingIndent(1);
+    m_out.writeStartDocument();
+    QDomNode node = document.firstChild();
+    while (!node.isNull()) {
+        begin(node);
+        QDomNode next = node.firstChild();
+        while (next.isNull() && !node.isNull() && node != document) {
+            if (node.isElement())
+                m_out.writeEndElement();
+            next = node.nextSibling();
+            if (next.isNull())
+                node = node.parentNode();
+        }
+        node = next;
+    }
+    m_out.writeEndDocument();
+    return m_text;
+}
+
+void Writer::begin(const QDomNode& node) {
+    switch (node.nodeType()) {
+    case QDomNode::ElementNode:
+        m_out.writeStartElement(node.nodeName());
+        writeAttributes(node.toElement());
+        break;
+    case QDomNode::TextNode:
+        m_out.writeCharacters(node.nodeValue());
+        break;
+    case QDomNode::CDATASectionNode:
+        m_out.writeCDATA(node.nodeValue());
+        break;
+    case QDomNode::CommentNode:
+        m_out.writeComment(node.nodeValue());
+        break;
+    case QDomNode::ProcessingInstructionNode:
+        if (node.nodeName() != QLatin1String("xml")) // the declaration is written anew
+            m_out.writeProcessingInstruction(node.nodeName(), node.nodeValue());
+        break;
+    default:
+        break;
+    }
+}
+
+void Writer::writeAttributes(const QDomElement& element) {
+    const QDomNamedNodeMap map = element.attributes();
+    std::vector<std::pair<QString, QString>> attributes;
+    for (int number = 0; number < map.length(); ++number) {
+        const QDomNode attribute = map.item(number);
+        attributes.emplace_back(attribute.nodeName(), attribute.nodeValue());
+    }
+    std::sort(attributes.begin(), attributes.end());
+    for (const auto& [key, value] : attributes)
+        m_out.writeAttribute(key, value);
+}
+
+} // namespace
+
+QDomDocument parseXml(const QByteArray& bytes, const QString& name) {
+    refuseForeignEncoding(bytes, name);
+    refuseHostileText(bytes, name);
+    QXmlStreamReader reader(bytes);
+    reader.setNamespaceProcessing(false);
+    QDomDocument document;
+    document.setContent(&reader, false);
+    if (reader.hasError())
+        fail(Problem::BrokenXml, name, reader.lineNumber(), reader.columnNumber(), reader.errorString());
+    return document;
+}
+
+QByteArray writeXml(const QDomDocument& document) {
+    return Writer().run(document);
+}
+
+} // namespace Reader
