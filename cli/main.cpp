@@ -1,3 +1,300 @@
-int main() {
+#include "Reader/Error.h"
+#include "Reader/Files.h"
+#include "Reader/Road.h"
+#include "Settings/Settings.h"
+#include "Summary.h"
+#include "Terminal.h"
+
+#include <QFileInfo>
+#include <QHashFunctions>
+
+#include <CLI/CLI.hpp>
+#include <glog/logging.h>
+
+#include <iostream>
+#include <optional>
+#include <string>
+
+using Reader::Problem;
+
+namespace {
+
+constexpr int usageError = 2;
+
+constexpr const char* exitCodes = R"(
+Exit codes:
+   0  done
+   1  an unexpected failure
+   2  wrong use: options, an unknown step
+   3  the input can't be read             4  the input is empty
+   5  neither XML nor JSON                6  broken XML
+   7  broken JSON                         8  not one <Archive>, or its root object is missing
+   9  XML that is refused: document type declarations, foreign encodings, hostile depth
+  10  JSON that is no project             11  no usable schema version: give --from N
+  12  a version that can't be migrated    13  a step failed
+  14  --strict: a step reported an error or a clip was lost; nothing was written
+  15  the output can't be written         16  the output exists: give --force)";
+
+/// What the command line said.
+struct Arguments {
+    std::string file;
+    std::string output;
+    std::string step;
+    std::string packagesRoot;
+    std::string aiModelsRoot;
+    std::string downloadableRoot;
+    std::optional<int> from;
+    int to = Reader::currentVersion;
+    bool force = false;
+    bool inPlace = false;
+    bool strict = false;
+    bool json = false;
+};
+
+QString path(const std::string& text) {
+    return QString::fromLocal8Bit(text.c_str());
+}
+
+bool isStandardStream(const QString& file) {
+    return file == Reader::standardStream;
+}
+
+QString nameOf(const QString& file) {
+    return isStandardStream(file) ? QStringLiteral("standard input") : file;
+}
+
+/// Tells things to people, and to programs that asked for JSON: on standard output unless the document is there.
+void tell(const Arguments& arguments, const QString& output, const Summary& summary) {
+    if (!arguments.json)
+        std::cerr << asText(summary);
+    else
+        (isStandardStream(output) ? std::cerr : std::cout) << asJson(summary);
+}
+
+/// Where the result goes: as told, in the input's place, or beside it under the version's name.
+QString outputFor(const Arguments& arguments, const QString& input) {
+    if (arguments.inPlace)
+        return input;
+    if (!arguments.output.empty())
+        return path(arguments.output);
+    if (isStandardStream(input))
+        return Reader::standardStream;
+    const QFileInfo file(input);
+    const char* suffix = arguments.to > Reader::lastXmlVersion ? "json" : "xml";
+    const QString name =
+        QStringLiteral("%1.v%2.%3").arg(file.completeBaseName()).arg(arguments.to).arg(suffix);
+    return file.path() == QLatin1String(".") ? name : file.path() + QLatin1Char('/') + name;
+}
+
+void refuseExisting(const Arguments& arguments, const QString& output) {
+    const bool exists = QFileInfo::exists(output) || QFileInfo(output).isSymLink();
+    if (!isStandardStream(output) && !arguments.inPlace && !arguments.force && exists)
+        throw Reader::Error(Problem::OutputExists,
+                            output.toStdString() +
+                                ": exists already; give --force to replace it, or -o another name");
+}
+
+/// Paths inside a project count from the folder of its file; from the working folder where there is no file.
+QString projectLocation(const QString& file, const QString& otherwise) {
+    if (!isStandardStream(file))
+        return file;
+    return isStandardStream(otherwise) ? QStringLiteral("project") : otherwise;
+}
+
+void useFolders(const Arguments& arguments) {
+    Settings::setLegacyPackageDeploymentPath(path(arguments.packagesRoot));
+    Settings::setAiModelsPath(path(arguments.aiModelsRoot));
+    Settings::setDownloadableResourcesPath(path(arguments.downloadableRoot));
+    Reader::useStandInFolders();
+}
+
+int migrate(const Arguments& arguments) {
+    const QString input = path(arguments.file);
+    const QString output = outputFor(arguments, input);
+    if (arguments.inPlace && isStandardStream(input))
+        throw Reader::Error(Problem::WrongUse, "--in-place needs a file, not standard input");
+    refuseExisting(arguments, output);
+    useFolders(arguments);
+
+    const Reader::Journey journey{nameOf(input), projectLocation(input, output),
+                                  projectLocation(output, input), arguments.to};
+    const QByteArray bytes = Reader::readFile(input);
+    Reader::Document document = Reader::parse(bytes, journey.name, arguments.from);
+    Reader::Report report = Reader::migrate(document, journey);
+    const Reader::Serialized result = Reader::save(std::move(document), journey, report);
+
+    Summary summary{report, journey.name, {}, {}, result.leftOut};
+    if (arguments.strict && (report.hasErrors() || !report.lostClips.empty())) {
+        tell(arguments, output, summary);
+        throw Reader::Error(Problem::StrictFailure,
+                            journey.name.toStdString() +
+                                ": not written, since --strict lets no error and no loss pass");
+    }
+    if (arguments.inPlace)
+        summary.backup = Reader::keepBackup(output, bytes);
+    Reader::writeFile(output, result.bytes);
+    summary.output = isStandardStream(output) ? QStringLiteral("standard output") : output;
+    tell(arguments, output, summary);
     return 0;
+}
+
+int run(const Arguments& arguments) {
+    const QString input = path(arguments.file);
+    const QString output = arguments.output.empty() ? Reader::standardStream : path(arguments.output);
+    refuseExisting(arguments, output);
+    useFolders(arguments);
+
+    const Reader::Journey journey{nameOf(input), projectLocation(input, output),
+                                  projectLocation(output, input)};
+    Reader::Document document = Reader::parse(Reader::readFile(input), journey.name, arguments.from);
+    const Reader::Report report = Reader::runOne(document, arguments.step, journey);
+    for (const Reader::LogLine& line : report.log)
+        std::cerr << (line.isError() ? Terminal::red("error") : Terminal::yellow("warning")) << ": "
+                  << line.step << ": " << line.text << '\n';
+    Reader::writeFile(output, Reader::serialize(std::move(document)).bytes);
+    return 0;
+}
+
+int info(const Arguments& arguments) {
+    const QString name = nameOf(path(arguments.file));
+    const Reader::Document document =
+        Reader::parse(Reader::readFile(path(arguments.file)), name, arguments.from);
+    std::cout << (arguments.json ? infoAsJson(document, name) : infoAsText(document, name));
+    return 0;
+}
+
+int steps(const Arguments& arguments) {
+    const int from = arguments.from.value_or(0);
+    std::cout << (arguments.json ? stepsAsJson(from, arguments.to) : stepsAsText(from, arguments.to));
+    return 0;
+}
+
+CLI::Option* addFile(CLI::App* command, Arguments& arguments) {
+    return command->add_option("FILE", arguments.file, "The project; - is standard input")->required();
+}
+
+void addFrom(CLI::App* command, Arguments& arguments) {
+    command
+        ->add_option("--from", arguments.from,
+                     "The document's schema version, whatever it says itself (older files don't say)")
+        ->check(CLI::Range(0, Reader::currentVersion));
+}
+
+void addTo(CLI::App* command, Arguments& arguments, const std::string& help) {
+    command->add_option("--to", arguments.to, help)
+        ->check(CLI::Range(0, Reader::currentVersion))
+        ->capture_default_str();
+}
+
+void addFolders(CLI::App* command, Arguments& arguments) {
+    const char* group = "Folders of the installed editor (unset, markers in paths stay as they are)";
+    command->add_option("--packages-root", arguments.packagesRoot, "What #PACKAGES_ROOT# stands for")
+        ->group(group);
+    command->add_option("--ai-models-root", arguments.aiModelsRoot, "What #AI_MODELS_ROOT# stands for")
+        ->group(group);
+    command
+        ->add_option("--downloadable-root", arguments.downloadableRoot, "What #DOWNLOADABLE_ROOT# stands for")
+        ->group(group);
+}
+
+void addMigrate(CLI::App& app, Arguments& arguments) {
+    CLI::App* command = app.add_subcommand("migrate", "Bring a project to the newest schema version");
+    addFile(command, arguments);
+    CLI::Option* output =
+        command->add_option("-o,--output", arguments.output,
+                            "Where the result goes; - is standard output [FILE's name with .v77.json]");
+    command->add_flag("--in-place", arguments.inPlace, "Replace FILE and keep what it was as FILE.bak")
+        ->excludes(output);
+    command->add_flag("--force", arguments.force, "Replace an output that exists");
+    addFrom(command, arguments);
+    addTo(command, arguments, "The schema version to stop at: up to 62 an XML archive, from 63 on JSON");
+    command->add_flag("--strict", arguments.strict,
+                      "Write nothing where a step reports an error or a clip is lost");
+    command->add_flag(
+        "--json", arguments.json,
+        "Print the summary as JSON on standard output (standard error where the project goes there)");
+    addFolders(command, arguments);
+    command->footer("Examples:\n"
+                    "  adaptors migrate film.xml                      writes film.v77.json\n"
+                    "  adaptors migrate film.xml --in-place           keeps film.xml.bak\n"
+                    "  adaptors migrate film.xml -o new/film.json --strict\n"
+                    "  adaptors migrate - --from 27 < film.xml > film.json");
+    command->callback([&] { throw CLI::RuntimeError(migrate(arguments)); });
+}
+
+void addSteps(CLI::App& app, Arguments& arguments) {
+    CLI::App* command = app.add_subcommand("steps", "List the steps of the chain and what each does");
+    command->add_option("--from", arguments.from, "Only steps above this schema version");
+    command->add_option("--to", arguments.to, "Only steps up to this schema version")->capture_default_str();
+    command->add_flag("--json", arguments.json, "Print JSON");
+    command->footer("Example:\n  adaptors steps --from 27 --to 35");
+    command->callback([&] { throw CLI::RuntimeError(steps(arguments)); });
+}
+
+void addRun(CLI::App& app, Arguments& arguments) {
+    CLI::App* command =
+        app.add_subcommand("run", "Run one step on a document in the form that it is in; its version stays");
+    command->add_option("STEP", arguments.step, "Class name, as \"adaptors steps\" lists it")->required();
+    addFile(command, arguments);
+    command->add_option("-o,--output", arguments.output, "Where the result goes [standard output]");
+    command->add_flag("--force", arguments.force, "Replace an output that exists");
+    addFolders(command, arguments);
+    command->footer("Example:\n  adaptors run V28_ClipLabelAdaptor film.xml -o labelled.xml");
+    command->callback([&] { throw CLI::RuntimeError(run(arguments)); });
+}
+
+void addInfo(CLI::App& app, Arguments& arguments) {
+    CLI::App* command =
+        app.add_subcommand("info", "Tell what a project is and holds, and what it would need");
+    addFile(command, arguments);
+    addFrom(command, arguments);
+    command->add_flag("--json", arguments.json, "Print JSON");
+    command->footer("Example:\n  adaptors info film.xml --json");
+    command->callback([&] { throw CLI::RuntimeError(info(arguments)); });
+}
+
+int runProgram(int argc, char** argv) {
+    Arguments arguments;
+    CLI::App app("Brings old projects of the video editor to the newest schema version.", "adaptors");
+    app.set_version_flag("--version",
+                         "adaptors 1.0.0, schema version " + std::to_string(Reader::currentVersion));
+    app.require_subcommand(1);
+    app.set_help_all_flag("--help-all", "Help for all commands");
+    app.footer(std::string("Example:\n  adaptors migrate film.xml\n") + exitCodes);
+    addMigrate(app, arguments);
+    addSteps(app, arguments);
+    addRun(app, arguments);
+    addInfo(app, arguments);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::RuntimeError& done) {
+        return done.get_exit_code();
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? 0 : usageError;
+    }
+    return 0;
+}
+
+int complain(const std::string& text, int code) {
+    std::cerr << "adaptors: " << Terminal::red("error") << ": " << text << '\n';
+    return code;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    // Qt orders attributes by a hash: the same input gives the same bytes only with a fixed seed.
+    qSetGlobalQHashSeed(0);
+    // Log lines of steps reach people through the summary; glog writes no files and nothing of its own.
+    FLAGS_stderrthreshold = google::NUM_SEVERITIES;
+    for (int severity = 0; severity < google::NUM_SEVERITIES; ++severity)
+        google::SetLogDestination(severity, "");
+    google::InitGoogleLogging(argv[0]);
+    try {
+        return runProgram(argc, argv);
+    } catch (const Reader::Error& error) {
+        return complain(error.what(), static_cast<int>(error.problem()));
+    } catch (const std::exception& error) {
+        return complain(error.what(), 1);
+    }
 }

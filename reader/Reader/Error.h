@@ -7,6 +7,7 @@ namespace Reader {
 
 /// What went wrong, as the program's exit code tells it.
 enum class Problem {
+    WrongUse = 2,       ///< no such step, or options that exclude each other
     Unreadable = 3,     ///< the input can't be opened or read
     Empty = 4,          ///< the input has no content
     UnknownForm = 5,    ///< neither XML nor JSON

@@ -6,6 +6,7 @@
 #include "Archive/Xml.h"
 #include "Reader/Conversion.h"
 #include "Reader/Error.h"
+#include "Reader/Unnumbered.h"
 #include "Settings/Settings.h"
 
 #include <algorithm>
@@ -135,6 +136,32 @@ void runLoadAdaptors(Document& document, const Journey& journey, Runner& runner)
                [&] { Project::PortableLoadAdaptor(journey.location).adapt(document.json().flat); });
 }
 
+/// The adaptor of that name as a call on the document in its form; empty where there is none in that form.
+std::function<void()> adaptorCall(Document& document, const std::string& className, const Journey& journey) {
+    const Surroundings surroundings{journey.location};
+    const Step* step = findStep(className);
+    const Unnumbered* unnumbered = findUnnumbered(className);
+    if (!step && !unnumbered)
+        throw Error(Problem::WrongUse,
+                    "there is no step " + className + "; \"adaptors steps\" lists them all");
+    if (document.isXml()) {
+        if (step && step->hasXml())
+            return [&document, step] { step->makeXml()->adapt(document.xml()); };
+        if (unnumbered && unnumbered->makeXml)
+            return [&document, unnumbered, surroundings] {
+                unnumbered->makeXml(surroundings)->adapt(document.xml());
+            };
+        return {};
+    }
+    if (step && step->hasJson())
+        return [&document, step] { step->makeJson()->adapt(document.json().flat); };
+    if (unnumbered && unnumbered->makeJson)
+        return [&document, unnumbered, surroundings] {
+            unnumbered->makeJson(surroundings)->adapt(document.json().flat);
+        };
+    return {};
+}
+
 /// Which of the clips that the document had at first are reached at last. Ids of an archive live on in JSON,
 /// but for objects that had to share theirs with another.
 void countClips(const std::vector<Clip>& before, const Document& document, Report& report) {
@@ -195,6 +222,24 @@ Report migrate(Document& document, const Journey& journey) {
     report.formAfter = document.form();
     report.objectsAfter = countObjects(document);
     countClips(clips, document, report);
+    return report;
+}
+
+Report runOne(Document& document, const std::string& className, const Journey& journey) {
+    const auto adapt = adaptorCall(document, className, journey);
+    if (!adapt)
+        fail(Problem::WrongUse, journey,
+             className + " has no form for a document that is " + formName(document.form()).toStdString());
+    Report report;
+    report.formBefore = report.formAfter = document.form();
+    report.from = report.to = document.version.value_or(0);
+    report.objectsBefore = countObjects(document);
+    {
+        Runner runner(journey, report);
+        runner.run(className, adapt);
+    }
+    report.steps.push_back(className);
+    report.objectsAfter = countObjects(document);
     return report;
 }
 

@@ -46,6 +46,9 @@ Report migrate(Document& document, const Journey& journey);
 /// Makes a migrated document ready and gives its bytes. Adds to the report what saving tells.
 Serialized save(Document document, const Journey& journey, Report& report);
 
+/// Runs one adaptor, numbered or not, on a document in the form that it is in, and nothing else. Throws Error.
+Report runOne(Document& document, const std::string& className, const Journey& journey);
+
 /// Makes the markers of saved paths survive where the editor's folders are not known: each unset folder gets a
 /// stand-in that no real path lies below.
 void useStandInFolders();

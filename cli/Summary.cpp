@@ -1,0 +1,223 @@
+#include "Summary.h"
+
+#include "Reader/Unnumbered.h"
+#include "Terminal.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <iomanip>
+#include <numeric>
+#include <sstream>
+
+using Json = nlohmann::ordered_json;
+using Reader::Step;
+
+namespace {
+
+std::size_t total(const Reader::ObjectCounts& counts) {
+    return std::accumulate(counts.begin(), counts.end(), std::size_t(0),
+                           [](std::size_t sum, const auto& entry) { return sum + entry.second; });
+}
+
+std::string stateOf(Bundle::Backend form, int version) {
+    return Reader::formName(form).toStdString() + " of schema version " + std::to_string(version);
+}
+
+std::string plural(std::size_t count, const std::string& noun) {
+    return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
+}
+
+std::string clipText(const Reader::Clip& clip) {
+    return (clip.name.empty() ? std::string("unnamed") : '"' + clip.name + '"') + " (id " +
+           std::to_string(clip.id) + ')';
+}
+
+std::string join(const std::vector<std::string>& words) {
+    std::string text;
+    for (const std::string& word : words)
+        text += (text.empty() ? "" : ", ") + word;
+    return text;
+}
+
+std::string formsOf(bool hasXml, bool hasJson) {
+    return hasXml && hasJson ? "XML, JSON" : hasXml ? "XML" : "JSON";
+}
+
+/// Counts by class as a JSON object whose order is that of the map.
+Json countsAsJson(const Reader::ObjectCounts& counts) {
+    Json result = Json::object();
+    for (const auto& [className, count] : counts)
+        result[className] = count;
+    return result;
+}
+
+Json formAsJson(Bundle::Backend form) {
+    return form == Bundle::Backend::Xml ? "xml" : "json";
+}
+
+std::vector<const Step*> stepsBetween(int from, int to) {
+    std::vector<const Step*> steps;
+    for (const Step& step : Reader::chain()) {
+        if (step.number > from && step.number <= to)
+            steps.push_back(&step);
+    }
+    return steps;
+}
+
+std::vector<std::string> namesOfStepsToRun(const Reader::Document& document) {
+    std::vector<std::string> names;
+    if (!document.version)
+        return names;
+    const auto add = [&](Bundle::Backend form, int from, int to) {
+        for (const Step* step : Reader::stepsFor(form, from, to)) {
+            if (form == Bundle::Backend::Xml ? step->hasXml() : step->hasJson())
+                names.emplace_back(step->className);
+        }
+    };
+    if (document.isXml()) {
+        add(Bundle::Backend::Xml, *document.version, Reader::lastXmlVersion);
+        add(Bundle::Backend::Json, std::max(*document.version, Reader::lastXmlVersion),
+            Reader::currentVersion);
+    } else {
+        add(Bundle::Backend::Json, *document.version, Reader::currentVersion);
+    }
+    return names;
+}
+
+} // namespace
+
+std::string asText(const Summary& summary) {
+    const Reader::Report& report = summary.report;
+    std::ostringstream out;
+    out << summary.input.toStdString() << ": " << stateOf(report.formBefore, report.from) << " -> "
+        << stateOf(report.formAfter, report.to) << '\n';
+    out << "  steps:   " << report.steps.size() << " run\n";
+    if (!report.skipped.empty())
+        out << "  " << Terminal::yellow("warning") << ": " << plural(report.skipped.size(), "step")
+            << " skipped, made for archives only: " << join(report.skipped) << '\n';
+    for (const Reader::LogLine& line : report.log)
+        out << "  " << (line.isError() ? Terminal::red("error") : Terminal::yellow("warning")) << ": "
+            << line.step << ": " << line.text << '\n';
+    out << "  objects: " << total(report.objectsBefore) << " in, " << total(report.objectsAfter) << " out\n";
+    if (summary.leftOut > 0)
+        out << "  " << plural(summary.leftOut, "object") << " left out that nothing refers to\n";
+    if (!report.duplicateIds.empty())
+        out << "  " << Terminal::yellow("warning") << ": " << plural(report.duplicateIds.size(), "id")
+            << " stood for several objects; the later ones have new ids\n";
+    out << "  clips:   " << report.clipsBefore << " in, " << report.clipsAfter << " out\n";
+    for (const Reader::Clip& clip : report.lostClips)
+        out << "  " << Terminal::red("lost clip") << ": " << clipText(clip) << '\n';
+    if (!summary.backup.isEmpty())
+        out << "  backup:  " << summary.backup.toStdString() << '\n';
+    if (!summary.output.isEmpty())
+        out << "  written: " << summary.output.toStdString() << '\n';
+    return out.str();
+}
+
+std::string asJson(const Summary& summary) {
+    const Reader::Report& report = summary.report;
+    Json result;
+    result["input"] = summary.input.toStdString();
+    result["output"] = summary.output.isEmpty() ? Json() : Json(summary.output.toStdString());
+    result["backup"] = summary.backup.isEmpty() ? Json() : Json(summary.backup.toStdString());
+    result["from"] = {{"form", formAsJson(report.formBefore)}, {"version", report.from}};
+    result["to"] = {{"form", formAsJson(report.formAfter)}, {"version", report.to}};
+    result["steps"] = report.steps;
+    result["skipped"] = report.skipped;
+    result["log"] = Json::array();
+    for (const Reader::LogLine& line : report.log)
+        result["log"].push_back(
+            {{"step", line.step}, {"severity", line.severity}, {"text", line.text}, {"place", line.place}});
+    result["objects"] = {{"in", countsAsJson(report.objectsBefore)},
+                         {"out", countsAsJson(report.objectsAfter)},
+                         {"leftOut", summary.leftOut}};
+    result["duplicateIds"] = report.duplicateIds;
+    Json lost = Json::array();
+    for (const Reader::Clip& clip : report.lostClips)
+        lost.push_back({{"id", clip.id}, {"name", clip.name}});
+    result["clips"] = {{"in", report.clipsBefore}, {"out", report.clipsAfter}, {"lost", std::move(lost)}};
+    return result.dump(2) + '\n';
+}
+
+std::string infoAsText(const Reader::Document& document, const QString& name) {
+    std::ostringstream out;
+    out << name.toStdString() << '\n';
+    out << "  form:    " << Reader::formName(document.form()).toStdString() << '\n';
+    out << "  version: "
+        << (document.version ? std::to_string(*document.version) : "none; give it with --from N") << '\n';
+    const auto counts = Reader::countObjects(document);
+    out << "  objects: " << total(counts) << '\n';
+    for (const auto& [className, count] : counts)
+        out << std::setw(10) << count << "  " << (className.empty() ? "(no class)" : className) << '\n';
+    out << "  clips:   " << Reader::listClips(document).size() << '\n';
+    const auto dangling = Reader::findDanglingReferences(document);
+    out << "  dangling references: " << dangling.size() << '\n';
+    for (const auto& reference : dangling)
+        out << "          " << reference.fromClass << " (id " << reference.from << ") refers to "
+            << reference.to << '\n';
+    const auto duplicates = Reader::findDuplicateIds(document);
+    out << "  duplicate ids: " << duplicates.size() << '\n';
+    for (const auto id : duplicates)
+        out << "          " << id << '\n';
+    const auto steps = namesOfStepsToRun(document);
+    out << "  steps to version " << Reader::currentVersion << ": " << steps.size() << '\n';
+    for (const std::string& step : steps)
+        out << "          " << step << '\n';
+    return out.str();
+}
+
+std::string infoAsJson(const Reader::Document& document, const QString& name) {
+    Json result;
+    result["file"] = name.toStdString();
+    result["form"] = formAsJson(document.form());
+    result["version"] = document.version ? Json(*document.version) : Json();
+    result["objects"] = countsAsJson(Reader::countObjects(document));
+    result["clips"] = Json::array();
+    for (const Reader::Clip& clip : Reader::listClips(document))
+        result["clips"].push_back({{"id", clip.id}, {"name", clip.name}});
+    result["danglingReferences"] = Json::array();
+    for (const auto& reference : Reader::findDanglingReferences(document))
+        result["danglingReferences"].push_back(
+            {{"from", reference.from}, {"class", reference.fromClass}, {"to", reference.to}});
+    result["duplicateIds"] = Reader::findDuplicateIds(document);
+    result["steps"] = namesOfStepsToRun(document);
+    return result.dump(2) + '\n';
+}
+
+std::string stepsAsText(int from, int to) {
+    std::ostringstream out;
+    for (const Step* step : stepsBetween(from, to))
+        out << std::setw(3) << step->number << "  " << std::left << std::setw(42) << step->className
+            << std::setw(10) << formsOf(step->hasXml(), step->hasJson()) << std::right << "  "
+            << step->summary << '\n';
+    out << "\nOutside the numbering:\n";
+    for (const Reader::Unnumbered& adaptor : Reader::unnumberedAdaptors())
+        out << "     " << std::left << std::setw(42) << adaptor.className << std::setw(10)
+            << formsOf(adaptor.makeXml != nullptr, adaptor.makeJson != nullptr) << std::right << "  "
+            << adaptor.summary << '\n';
+    return out.str();
+}
+
+std::string stepsAsJson(int from, int to) {
+    const auto forms = [](bool hasXml, bool hasJson) {
+        Json list = Json::array();
+        if (hasXml)
+            list.push_back("xml");
+        if (hasJson)
+            list.push_back("json");
+        return list;
+    };
+    Json result = Json::array();
+    for (const Step* step : stepsBetween(from, to))
+        result.push_back({{"number", step->number},
+                          {"class", step->className},
+                          {"forms", forms(step->hasXml(), step->hasJson())},
+                          {"summary", step->summary}});
+    for (const Reader::Unnumbered& adaptor : Reader::unnumberedAdaptors())
+        result.push_back({{"number", nullptr},
+                          {"class", adaptor.className},
+                          {"forms", forms(adaptor.makeXml != nullptr, adaptor.makeJson != nullptr)},
+                          {"summary", adaptor.summary}});
+    return result.dump(2) + '\n';
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "Reader/Road.h"
+
+#include <QString>
+
+#include <string>
+
+/// What the program says of its work.
+struct Summary {
+    const Reader::Report& report;
+    QString input;
+    QString output; ///< empty where nothing was written
+    QString backup; ///< empty for none
+    std::size_t leftOut = 0;
+};
+
+/// For people, some lines.
+std::string asText(const Summary& summary);
+
+/// For programs, one JSON object.
+std::string asJson(const Summary& summary);
+
+/// What `adaptors info` says.
+std::string infoAsText(const Reader::Document& document, const QString& name);
+std::string infoAsJson(const Reader::Document& document, const QString& name);
+
+/// What `adaptors steps` says.
+std::string stepsAsText(int from, int to);
+std::string stepsAsJson(int from, int to);
