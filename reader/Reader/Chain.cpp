@@ -1,7 +1,11 @@
 #include "Reader/Chain.h"
 
+#include "Adaptors/Project/V12_ClipPreviewAdaptor.h"
 #include "Adaptors/Project/V28_ClipLabelAdaptor.h"
 #include "Adaptors/Project/V29_ClipTimingModeAdaptor.h"
+#include "Adaptors/Project/V34_NoPreviewAdaptor.h"
+#include "Adaptors/Project/V44_StringPtrToStringAdaptor.h"
+#include "Adaptors/Project/V48_OldPortablePathAdaptor.h"
 
 #include <algorithm>
 #include <type_traits>
@@ -26,8 +30,12 @@ constexpr Step step(int number, std::string_view className, std::string_view sum
 // By number, then by class name; the steps of version 77 alone stand in the order in which they need each other.
 // clang-format off
 constexpr Step steps[] = {
+    step<Project::V12_ClipPreviewAdaptor>(12, "V12_ClipPreviewAdaptor", "The preview image of a clip becomes an object of its own."),
     step<Project::V28_ClipLabelAdaptor>(28, "V28_ClipLabelAdaptor", "Clips get an empty list of labels."),
     step<Project::V29_ClipTimingModeAdaptor>(29, "V29_ClipTimingModeAdaptor", "Clip timings get the timing mode 0."),
+    step<Project::V34_NoPreviewAdaptor>(34, "V34_NoPreviewAdaptor", "Previews of clips are no longer saved."),
+    step<Project::V44_StringPtrToStringAdaptor>(44, "V44_StringPtrToStringAdaptor", "Strings that could be null become plain strings."),
+    step<Project::V48_OldPortablePathAdaptor>(48, "V48_OldPortablePathAdaptor", "Old portable paths become the paths themselves."),
 };
 // clang-format on
 
