@@ -6,6 +6,12 @@
 #include "Adaptors/Project/V34_NoPreviewAdaptor.h"
 #include "Adaptors/Project/V44_StringPtrToStringAdaptor.h"
 #include "Adaptors/Project/V48_OldPortablePathAdaptor.h"
+#include "Adaptors/Project/V56_LutUniqueIdAdaptor.h"
+#include "Adaptors/Project/V56_ResourceTableAdaptor.h"
+#include "Adaptors/Project/V57_ProjectPersistentObjectAdaptor.h"
+#include "Adaptors/Project/V58_EffectAuxResourceAdaptor.h"
+#include "Adaptors/Project/V59_EffectAuxResourceDownloadingAdaptor.h"
+#include "Adaptors/Project/V63_LutEffectAuxResourceAdaptor.h"
 
 #include <algorithm>
 #include <type_traits>
@@ -36,6 +42,12 @@ constexpr Step steps[] = {
     step<Project::V34_NoPreviewAdaptor>(34, "V34_NoPreviewAdaptor", "Previews of clips are no longer saved."),
     step<Project::V44_StringPtrToStringAdaptor>(44, "V44_StringPtrToStringAdaptor", "Strings that could be null become plain strings."),
     step<Project::V48_OldPortablePathAdaptor>(48, "V48_OldPortablePathAdaptor", "Old portable paths become the paths themselves."),
+    step<Project::V56_LutUniqueIdAdaptor>(56, "V56_LutUniqueIdAdaptor", "Generic LUT effects are named after their cube."),
+    step<Project::V56_ResourceTableAdaptor>(56, "V56_ResourceTableAdaptor", "The project gets an empty table of its resources."),
+    step<Project::V57_ProjectPersistentObjectAdaptor>(57, "V57_ProjectPersistentObjectAdaptor", "Content and resource table move into a new root."),
+    step<Project::V58_EffectAuxResourceAdaptor>(58, "V58_EffectAuxResourceAdaptor", "Effects get an empty auxiliary resource."),
+    step<Project::V59_EffectAuxResourceDownloadingAdaptor>(59, "V59_EffectAuxResourceDownloadingAdaptor", "Effects get place, address and size of their auxiliary resource."),
+    step<Project::V63_LutEffectAuxResourceAdaptor>(63, "V63_LutEffectAuxResourceAdaptor", "The cube of a LUT becomes its auxiliary resource."),
 };
 // clang-format on
 
