@@ -1,7 +1,22 @@
 #include "Reader/Chain.h"
 
+#include "Adaptors/Project/V12_ClipPreviewAdaptor.h"
 #include "Adaptors/Project/V28_ClipLabelAdaptor.h"
 #include "Adaptors/Project/V29_ClipTimingModeAdaptor.h"
+#include "Adaptors/Project/V34_NoPreviewAdaptor.h"
+#include "Adaptors/Project/V35_UserCollectionAdaptor.h"
+#include "Adaptors/Project/V44_StringPtrToStringAdaptor.h"
+#include "Adaptors/Project/V48_OldPortablePathAdaptor.h"
+#include "Adaptors/Project/V49_ImportRemoteSizeAdaptor.h"
+#include "Adaptors/Project/V56_LutUniqueIdAdaptor.h"
+#include "Adaptors/Project/V56_ResourceTableAdaptor.h"
+#include "Adaptors/Project/V57_ProjectPersistentObjectAdaptor.h"
+#include "Adaptors/Project/V58_EffectAuxResourceAdaptor.h"
+#include "Adaptors/Project/V59_EffectAuxResourceDownloadingAdaptor.h"
+#include "Adaptors/Project/V60_CollectionItemDescriptionAdaptor.h"
+#include "Adaptors/Project/V62_CollectionItemPayloadAdaptor.h"
+#include "Adaptors/Project/V63_LutEffectAuxResourceAdaptor.h"
+#include "Adaptors/Project/V67_ClipCollectionItemInfoAdaptor.h"
 
 #include <algorithm>
 #include <type_traits>
@@ -26,8 +41,23 @@ constexpr Step step(int number, std::string_view className, std::string_view sum
 // By number, then by class name; the steps of version 77 alone stand in the order in which they need each other.
 // clang-format off
 constexpr Step steps[] = {
+    step<Project::V12_ClipPreviewAdaptor>(12, "V12_ClipPreviewAdaptor", "The preview image of a clip becomes an object of its own."),
     step<Project::V28_ClipLabelAdaptor>(28, "V28_ClipLabelAdaptor", "Clips get an empty list of labels."),
     step<Project::V29_ClipTimingModeAdaptor>(29, "V29_ClipTimingModeAdaptor", "Clip timings get the timing mode 0."),
+    step<Project::V34_NoPreviewAdaptor>(34, "V34_NoPreviewAdaptor", "Previews of clips are no longer saved."),
+    step<Project::V35_UserCollectionAdaptor>(35, "V35_UserCollectionAdaptor", "The project gets a user collection and a new root above the timeline."),
+    step<Project::V44_StringPtrToStringAdaptor>(44, "V44_StringPtrToStringAdaptor", "Strings that could be null become plain strings."),
+    step<Project::V48_OldPortablePathAdaptor>(48, "V48_OldPortablePathAdaptor", "Old portable paths become the paths themselves."),
+    step<Project::V49_ImportRemoteSizeAdaptor>(49, "V49_ImportRemoteSizeAdaptor", "Imports get an unknown remote size."),
+    step<Project::V56_LutUniqueIdAdaptor>(56, "V56_LutUniqueIdAdaptor", "Generic LUT effects are named after their cube."),
+    step<Project::V56_ResourceTableAdaptor>(56, "V56_ResourceTableAdaptor", "The project gets an empty table of its resources."),
+    step<Project::V57_ProjectPersistentObjectAdaptor>(57, "V57_ProjectPersistentObjectAdaptor", "Content and resource table move into a new root."),
+    step<Project::V58_EffectAuxResourceAdaptor>(58, "V58_EffectAuxResourceAdaptor", "Effects get an empty auxiliary resource."),
+    step<Project::V59_EffectAuxResourceDownloadingAdaptor>(59, "V59_EffectAuxResourceDownloadingAdaptor", "Effects get place, address and size of their auxiliary resource."),
+    step<Project::V60_CollectionItemDescriptionAdaptor>(60, "V60_CollectionItemDescriptionAdaptor", "Effects, transitions, overlays and imports are described by their tag."),
+    step<Project::V62_CollectionItemPayloadAdaptor>(62, "V62_CollectionItemPayloadAdaptor", "Collection items take over the download of the object they hold."),
+    step<Project::V63_LutEffectAuxResourceAdaptor>(63, "V63_LutEffectAuxResourceAdaptor", "The cube of a LUT becomes its auxiliary resource."),
+    step<Project::V67_ClipCollectionItemInfoAdaptor>(67, "V67_ClipCollectionItemInfoAdaptor", "Clips get an empty collection item info."),
 };
 // clang-format on
 

@@ -1,0 +1,9 @@
+#pragma once
+
+#include "Adaptors/AbstractAdaptorXml.h"
+
+/// As the reader chooses: gives every "Import::Object" the `descriptionUrl` that older files may lack.
+class ImportDescriptionAdaptor : public Bundle::AbstractAdaptorXml {
+public:
+    void adapt(QDomDocument& document) override;
+};

@@ -1,0 +1,34 @@
+#include "Archive/Internal/RootObjects.h"
+
+#include "Archive/Xml.h"
+
+namespace Archive::Internal {
+
+Elements ofType(const Elements& objects, const QString& type) {
+    Elements result;
+    for (const QDomElement& object : objects) {
+        if (typeOf(object) == type)
+            result.push_back(object);
+    }
+    return result;
+}
+
+QDomElement lastOfType(const Elements& objects, const QString& type) {
+    for (auto object = objects.rbegin(); object != objects.rend(); ++object) {
+        if (typeOf(*object) == type)
+            return *object;
+    }
+    return {};
+}
+
+QDomElement lastPredeclarations(const Elements& objects) {
+    return lastOfType(objects, Words::Predeclarator).firstChildElement(Words::predeclarations);
+}
+
+NewRootObject declareRootObject(QDomDocument& doc, QDomElement& predeclarations, const QString& type,
+                                long long& maxId, const QList<long long>& refs) {
+    const long long id = addPredeclaration(predeclarations, doc, type, 0, maxId, -1, refs);
+    return {createObject(doc, Words::RootObject, type, id), id};
+}
+
+} // namespace Archive::Internal

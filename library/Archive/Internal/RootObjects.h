@@ -1,0 +1,32 @@
+#pragma once
+
+// For the library's own use: picking from root objects that were collected in one walk, and adding to them.
+
+#include "Archive/Internal/Walk.h"
+
+#include <QDomDocument>
+#include <QList>
+
+namespace Archive::Internal {
+
+/// Those of that type, in order.
+Elements ofType(const Elements& objects, const QString& type);
+
+/// The last of that type, or a null element.
+QDomElement lastOfType(const Elements& objects, const QString& type);
+
+/// The `predeclarations` of the last "Predeclarator"; a null element where it has none.
+QDomElement lastPredeclarations(const Elements& objects);
+
+/// A new `RootObject`, not yet inserted, with its id.
+struct NewRootObject {
+    QDomElement element;
+    long long id;
+};
+
+/// Makes an object that has no parent and adds its record to `predeclarations`, which may be a null element: the
+/// object and its record take the next two ids all the same.
+NewRootObject declareRootObject(QDomDocument& doc, QDomElement& predeclarations, const QString& type,
+                                long long& maxId, const QList<long long>& refs = {});
+
+} // namespace Archive::Internal
