@@ -1,8 +1,10 @@
 #include "Reader/Chain.h"
 
 #include "Adaptors/Project/V16_PanZoomAdaptor.h"
+#include "Adaptors/Project/V20_HighlightConcealAdaptor.h"
 #include "Adaptors/Project/V28_ClipLabelAdaptor.h"
 #include "Adaptors/Project/V29_ClipTimingModeAdaptor.h"
+#include "Adaptors/Project/V51_MaskEffectAdaptor.h"
 
 #include <algorithm>
 #include <type_traits>
@@ -28,8 +30,10 @@ constexpr Step step(int number, std::string_view className, std::string_view sum
 // clang-format off
 constexpr Step steps[] = {
     step<Project::V16_PanZoomAdaptor>(16, "V16_PanZoomAdaptor", "Zoom and pan-and-zoom effects become crop envelopes of their clips."),
+    step<Project::V20_HighlightConcealAdaptor>(20, "V20_HighlightConcealAdaptor", "Mask effects become highlight or conceal effects with a list of frames."),
     step<Project::V28_ClipLabelAdaptor>(28, "V28_ClipLabelAdaptor", "Clips get an empty list of labels."),
     step<Project::V29_ClipTimingModeAdaptor>(29, "V29_ClipTimingModeAdaptor", "Clip timings get the timing mode 0."),
+    step<Project::V51_MaskEffectAdaptor>(51, "V51_MaskEffectAdaptor", "The highlight and conceal effects of a clip are merged into one mask effect."),
 };
 // clang-format on
 
