@@ -64,7 +64,7 @@ TEST(PredeclarationEditsTest, GivesWhatOneCallEachGives) {
     std::mt19937 random(1);
     const auto below = [&](int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); };
     const QString sizes[] = {"4", "0", "17", "-3", "none", "", "9223372036854775807"};
-    for (int run = 0; run < 2000; ++run) {
+    for (int run = 0; run < 1000; ++run) {
         QList<long long> ids;
         for (int count = below(7); count > 0; --count)
             ids.append(1 + below(8));

@@ -87,6 +87,7 @@ private:
     void moveConcealFrames(NewMask& mask, const QDomElement& conceal, Edits& predeclares);
     void addTracking(QDomElement& frame, Edits& predeclares);
     void appendFrameBase(QDomElement& frame, long long transformId);
+    QDomElement frameRecord(long long frameId) const;
     void addReference(long long frameId, long long transformId);
     void appendPixelSize(QDomElement& frame, const QDomElement& conceal);
     void moveFrame(NewMask& mask, const QString& arrayName, const QDomElement& frame);
@@ -235,12 +236,18 @@ void Impl::appendFrameBase(QDomElement& frame, long long transformId) {
     frame.appendChild(base); // last, not first as base class parts stand elsewhere
 }
 
-void Impl::addReference(long long frameId, long long transformId) {
+QDomElement Impl::frameRecord(long long frameId) const {
     const QDomElement record = m_frameRecords.value(frameId);
-    if (record.isNull()) {
+    // One line each time it is wanted, so two for a frame.
+    if (record.isNull())
         LOG(WARNING) << "Cannot find predeclaration for OID = " << frameId;
+    return record;
+}
+
+void Impl::addReference(long long frameId, long long transformId) {
+    const QDomElement record = frameRecord(frameId);
+    if (record.isNull())
         return;
-    }
     QDomElement refs = record.firstChildElement(Words::refs);
     if (!refs.isNull())
         Archive::appendArrayElement(m_document, refs)
@@ -263,11 +270,9 @@ void Impl::moveFrame(NewMask& mask, const QString& arrayName, const QDomElement&
 }
 
 void Impl::setParent(long long frameId, long long parent) {
-    const QDomElement record = m_frameRecords.value(frameId);
-    if (record.isNull()) {
-        LOG(WARNING) << "Cannot find predeclaration for OID = " << frameId;
+    const QDomElement record = frameRecord(frameId);
+    if (record.isNull())
         return;
-    }
     if (record.firstChildElement(Words::poid).isNull()) {
         LOG(WARNING) << "Cannot find predeclaration poid element for OID = " << frameId;
         return;
