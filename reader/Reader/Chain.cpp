@@ -1,6 +1,8 @@
 #include "Reader/Chain.h"
 
 #include "Adaptors/Project/V12_ClipPreviewAdaptor.h"
+#include "Adaptors/Project/V16_PanZoomAdaptor.h"
+#include "Adaptors/Project/V20_HighlightConcealAdaptor.h"
 #include "Adaptors/Project/V28_ClipLabelAdaptor.h"
 #include "Adaptors/Project/V29_ClipTimingModeAdaptor.h"
 #include "Adaptors/Project/V34_NoPreviewAdaptor.h"
@@ -8,6 +10,7 @@
 #include "Adaptors/Project/V44_StringPtrToStringAdaptor.h"
 #include "Adaptors/Project/V48_OldPortablePathAdaptor.h"
 #include "Adaptors/Project/V49_ImportRemoteSizeAdaptor.h"
+#include "Adaptors/Project/V51_MaskEffectAdaptor.h"
 #include "Adaptors/Project/V56_LutUniqueIdAdaptor.h"
 #include "Adaptors/Project/V56_ResourceTableAdaptor.h"
 #include "Adaptors/Project/V57_ProjectPersistentObjectAdaptor.h"
@@ -42,6 +45,8 @@ constexpr Step step(int number, std::string_view className, std::string_view sum
 // clang-format off
 constexpr Step steps[] = {
     step<Project::V12_ClipPreviewAdaptor>(12, "V12_ClipPreviewAdaptor", "The preview image of a clip becomes an object of its own."),
+    step<Project::V16_PanZoomAdaptor>(16, "V16_PanZoomAdaptor", "Zoom and pan-and-zoom effects become crop envelopes of their clips."),
+    step<Project::V20_HighlightConcealAdaptor>(20, "V20_HighlightConcealAdaptor", "Mask effects become highlight or conceal effects with a list of frames."),
     step<Project::V28_ClipLabelAdaptor>(28, "V28_ClipLabelAdaptor", "Clips get an empty list of labels."),
     step<Project::V29_ClipTimingModeAdaptor>(29, "V29_ClipTimingModeAdaptor", "Clip timings get the timing mode 0."),
     step<Project::V34_NoPreviewAdaptor>(34, "V34_NoPreviewAdaptor", "Previews of clips are no longer saved."),
@@ -49,6 +54,7 @@ constexpr Step steps[] = {
     step<Project::V44_StringPtrToStringAdaptor>(44, "V44_StringPtrToStringAdaptor", "Strings that could be null become plain strings."),
     step<Project::V48_OldPortablePathAdaptor>(48, "V48_OldPortablePathAdaptor", "Old portable paths become the paths themselves."),
     step<Project::V49_ImportRemoteSizeAdaptor>(49, "V49_ImportRemoteSizeAdaptor", "Imports get an unknown remote size."),
+    step<Project::V51_MaskEffectAdaptor>(51, "V51_MaskEffectAdaptor", "The highlight and conceal effects of a clip are merged into one mask effect."),
     step<Project::V56_LutUniqueIdAdaptor>(56, "V56_LutUniqueIdAdaptor", "Generic LUT effects are named after their cube."),
     step<Project::V56_ResourceTableAdaptor>(56, "V56_ResourceTableAdaptor", "The project gets an empty table of its resources."),
     step<Project::V57_ProjectPersistentObjectAdaptor>(57, "V57_ProjectPersistentObjectAdaptor", "Content and resource table move into a new root."),

@@ -213,15 +213,15 @@ void Nester::visit(json& value) {
     const auto it = m_flat.objects.find(id);
     if (it == m_flat.objects.end())
         return; // a dangling link, or an object that stands here alone
-    const bool isFirst = m_written.insert(id).second;
-    if (!isFirst)
+    if (m_written.count(id))
         value = makeLink(id);
     else if (canStand(it->second))
         standInFull(value, it->second, id);
-    // Otherwise an entry that is no object: the link, or what is embedded here, is all that there is.
+    // Otherwise the entry is no object: the link, or what is embedded here, is all that there is.
 }
 
 void Nester::standInFull(json& place, json& entry, unsigned long long id) {
+    m_written.insert(id);
     place = std::exchange(entry, json());
     setId(place, id); // the key in the flat document is what links mean
 }

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "Adaptors/AbstractAdaptorXml.h"
+
+namespace Project {
+
+/// Version 51: the highlight and the conceal effect of a clip are one `Effect::Mask` with two lists of frames, and
+/// each frame can follow what is tracked in the clip.
+class V51_MaskEffectAdaptor : public Bundle::AbstractAdaptorXml {
+public:
+    void adapt(QDomDocument& document) override;
+};
+
+} // namespace Project

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QByteArray>
+#include <QProcess>
+#include <QStringList>
+
+#include <cstdlib>
+
+namespace Tests {
+
+struct Outcome {
+    int exitCode;
+    QByteArray out;
+    QByteArray err;
+};
+
+/// Runs the program `adaptors` in a folder, with `input` as its standard input.
+inline Outcome runProgram(const QStringList& arguments, const QString& folder, const QByteArray& input = {}) {
+    QProcess process;
+    process.setWorkingDirectory(folder);
+    process.start(QStringLiteral(ADAPTORS_PROGRAM), arguments);
+    if (!process.waitForStarted(30000))
+        return {-1, {}, process.errorString().toUtf8()};
+    process.write(input);
+    process.closeWriteChannel();
+    process.waitForFinished(120000);
+    const int code = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
+    return {code, process.readAllStandardOutput(), process.readAllStandardError()};
+}
+
+} // namespace Tests
