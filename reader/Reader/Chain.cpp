@@ -1,7 +1,14 @@
 #include "Reader/Chain.h"
 
+#include "Adaptors/Project/V15_SvgRetainFeatureAdaptor.h"
+#include "Adaptors/Project/V17_TitleAdaptorSunLabel.h"
+#include "Adaptors/Project/V21_KeepAspectAdaptor.h"
 #include "Adaptors/Project/V28_ClipLabelAdaptor.h"
 #include "Adaptors/Project/V29_ClipTimingModeAdaptor.h"
+#include "Adaptors/Project/V36_UnlimitedIntroAdaptor.h"
+#include "Adaptors/Project/V50_OverlayItemTextEncode.h"
+#include "Adaptors/Project/V64_OverlayPayloadFontDirAdaptor.h"
+#include "Adaptors/Project/V64_OverlayResourceInfoAdaptor.h"
 
 #include <algorithm>
 #include <type_traits>
@@ -26,8 +33,15 @@ constexpr Step step(int number, std::string_view className, std::string_view sum
 // By number, then by class name; the steps of version 77 alone stand in the order in which they need each other.
 // clang-format off
 constexpr Step steps[] = {
+    step<Project::V15_SvgRetainFeatureAdaptor>(15, "V15_SvgRetainFeatureAdaptor", "The solid white gradient of titles keeps its colours."),
+    step<Project::V17_TitleAdaptorSunLabel>(17, "V17_TitleAdaptorSunLabel", "The two items of the title SunLabel change order."),
+    step<Project::V21_KeepAspectAdaptor>(21, "V21_KeepAspectAdaptor", "Transformations lose their aspect flag."),
     step<Project::V28_ClipLabelAdaptor>(28, "V28_ClipLabelAdaptor", "Clips get an empty list of labels."),
     step<Project::V29_ClipTimingModeAdaptor>(29, "V29_ClipTimingModeAdaptor", "Clip timings get the timing mode 0."),
+    step<Project::V36_UnlimitedIntroAdaptor>(36, "V36_UnlimitedIntroAdaptor", "Clips of the types 8 and 16 are no longer of unlimited duration."),
+    step<Project::V50_OverlayItemTextEncode>(50, "V50_OverlayItemTextEncode", "Texts of overlay items are stored as base64."),
+    step<Project::V64_OverlayPayloadFontDirAdaptor>(64, "V64_OverlayPayloadFontDirAdaptor", "Overlays get an empty folder of fonts."),
+    step<Project::V64_OverlayResourceInfoAdaptor>(64, "V64_OverlayResourceInfoAdaptor", "Overlay items get an empty list of resources."),
 };
 // clang-format on
 
