@@ -7,6 +7,7 @@
 #include "Adaptors/Project/V29_ClipTimingModeAdaptor.h"
 #include "Adaptors/Project/V36_UnlimitedIntroAdaptor.h"
 #include "Adaptors/Project/V50_OverlayItemTextEncode.h"
+#include "Adaptors/Project/V5_PresetSettingsAdaptor.h"
 #include "Adaptors/Project/V64_OverlayPayloadFontDirAdaptor.h"
 #include "Adaptors/Project/V64_OverlayResourceInfoAdaptor.h"
 
@@ -33,6 +34,7 @@ constexpr Step step(int number, std::string_view className, std::string_view sum
 // By number, then by class name; the steps of version 77 alone stand in the order in which they need each other.
 // clang-format off
 constexpr Step steps[] = {
+    step<Project::V5_PresetSettingsAdaptor>(5, "V5_PresetSettingsAdaptor", "Stock presets store the settings that their tag implied."),
     step<Project::V15_SvgRetainFeatureAdaptor>(15, "V15_SvgRetainFeatureAdaptor", "The solid white gradient of titles keeps its colours."),
     step<Project::V17_TitleAdaptorSunLabel>(17, "V17_TitleAdaptorSunLabel", "The two items of the title SunLabel change order."),
     step<Project::V21_KeepAspectAdaptor>(21, "V21_KeepAspectAdaptor", "Transformations lose their aspect flag."),
