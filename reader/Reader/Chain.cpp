@@ -8,10 +8,12 @@
 #include "Adaptors/Project/V29_ClipTimingModeAdaptor.h"
 #include "Adaptors/Project/V36_UnlimitedIntroAdaptor.h"
 #include "Adaptors/Project/V38_OverlayDropShadowAdaptor.h"
+#include "Adaptors/Project/V40_RemoveQuizFromOverlayAdaptor.h"
 #include "Adaptors/Project/V50_OverlayItemTextEncode.h"
 #include "Adaptors/Project/V5_PresetSettingsAdaptor.h"
 #include "Adaptors/Project/V64_OverlayPayloadFontDirAdaptor.h"
 #include "Adaptors/Project/V64_OverlayResourceInfoAdaptor.h"
+#include "Adaptors/Project/V69_RemoveQuizzesAdaptor.h"
 #include "Adaptors/Project/V7_PenEnableAdaptor.h"
 
 #include <algorithm>
@@ -47,9 +49,11 @@ constexpr Step steps[] = {
     step<Project::V29_ClipTimingModeAdaptor>(29, "V29_ClipTimingModeAdaptor", "Clip timings get the timing mode 0."),
     step<Project::V36_UnlimitedIntroAdaptor>(36, "V36_UnlimitedIntroAdaptor", "Clips of the types 8 and 16 are no longer of unlimited duration."),
     step<Project::V38_OverlayDropShadowAdaptor>(38, "V38_OverlayDropShadowAdaptor", "Overlay items get a drop shadow, switched off."),
+    step<Project::V40_RemoveQuizFromOverlayAdaptor>(40, "V40_RemoveQuizFromOverlayAdaptor", "Quizzes become objects of their own instead of overlays."),
     step<Project::V50_OverlayItemTextEncode>(50, "V50_OverlayItemTextEncode", "Texts of overlay items are stored as base64."),
     step<Project::V64_OverlayPayloadFontDirAdaptor>(64, "V64_OverlayPayloadFontDirAdaptor", "Overlays get an empty folder of fonts."),
     step<Project::V64_OverlayResourceInfoAdaptor>(64, "V64_OverlayResourceInfoAdaptor", "Overlay items get an empty list of resources."),
+    step<Project::V69_RemoveQuizzesAdaptor>(69, "V69_RemoveQuizzesAdaptor", "Quiz clips leave the timelines; a title keeps the length."),
 };
 // clang-format on
 
