@@ -1,25 +1,38 @@
 #include "Reader/Chain.h"
 
 #include "Adaptors/Project/V12_ClipPreviewAdaptor.h"
+#include "Adaptors/Project/V15_SvgRetainFeatureAdaptor.h"
 #include "Adaptors/Project/V16_PanZoomAdaptor.h"
+#include "Adaptors/Project/V17_TitleAdaptorSunLabel.h"
 #include "Adaptors/Project/V20_HighlightConcealAdaptor.h"
+#include "Adaptors/Project/V21_KeepAspectAdaptor.h"
+#include "Adaptors/Project/V25_OverlayAnimationAdaptor.h"
 #include "Adaptors/Project/V28_ClipLabelAdaptor.h"
 #include "Adaptors/Project/V29_ClipTimingModeAdaptor.h"
 #include "Adaptors/Project/V34_NoPreviewAdaptor.h"
 #include "Adaptors/Project/V35_UserCollectionAdaptor.h"
+#include "Adaptors/Project/V36_UnlimitedIntroAdaptor.h"
+#include "Adaptors/Project/V38_OverlayDropShadowAdaptor.h"
+#include "Adaptors/Project/V40_RemoveQuizFromOverlayAdaptor.h"
 #include "Adaptors/Project/V44_StringPtrToStringAdaptor.h"
 #include "Adaptors/Project/V48_OldPortablePathAdaptor.h"
 #include "Adaptors/Project/V49_ImportRemoteSizeAdaptor.h"
+#include "Adaptors/Project/V50_OverlayItemTextEncode.h"
 #include "Adaptors/Project/V51_MaskEffectAdaptor.h"
 #include "Adaptors/Project/V56_LutUniqueIdAdaptor.h"
 #include "Adaptors/Project/V56_ResourceTableAdaptor.h"
 #include "Adaptors/Project/V57_ProjectPersistentObjectAdaptor.h"
 #include "Adaptors/Project/V58_EffectAuxResourceAdaptor.h"
 #include "Adaptors/Project/V59_EffectAuxResourceDownloadingAdaptor.h"
+#include "Adaptors/Project/V5_PresetSettingsAdaptor.h"
 #include "Adaptors/Project/V60_CollectionItemDescriptionAdaptor.h"
 #include "Adaptors/Project/V62_CollectionItemPayloadAdaptor.h"
 #include "Adaptors/Project/V63_LutEffectAuxResourceAdaptor.h"
+#include "Adaptors/Project/V64_OverlayPayloadFontDirAdaptor.h"
+#include "Adaptors/Project/V64_OverlayResourceInfoAdaptor.h"
 #include "Adaptors/Project/V67_ClipCollectionItemInfoAdaptor.h"
+#include "Adaptors/Project/V69_RemoveQuizzesAdaptor.h"
+#include "Adaptors/Project/V7_PenEnableAdaptor.h"
 
 #include <algorithm>
 #include <type_traits>
@@ -44,16 +57,26 @@ constexpr Step step(int number, std::string_view className, std::string_view sum
 // By number, then by class name; the steps of version 77 alone stand in the order in which they need each other.
 // clang-format off
 constexpr Step steps[] = {
+    step<Project::V5_PresetSettingsAdaptor>(5, "V5_PresetSettingsAdaptor", "Stock presets store the settings that their tag implied."),
+    step<Project::V7_PenEnableAdaptor>(7, "V7_PenEnableAdaptor", "Outlines can be switched off."),
     step<Project::V12_ClipPreviewAdaptor>(12, "V12_ClipPreviewAdaptor", "The preview image of a clip becomes an object of its own."),
+    step<Project::V15_SvgRetainFeatureAdaptor>(15, "V15_SvgRetainFeatureAdaptor", "The solid white gradient of titles keeps its colours."),
     step<Project::V16_PanZoomAdaptor>(16, "V16_PanZoomAdaptor", "Zoom and pan-and-zoom effects become crop envelopes of their clips."),
+    step<Project::V17_TitleAdaptorSunLabel>(17, "V17_TitleAdaptorSunLabel", "The two items of the title SunLabel change order."),
     step<Project::V20_HighlightConcealAdaptor>(20, "V20_HighlightConcealAdaptor", "Mask effects become highlight or conceal effects with a list of frames."),
+    step<Project::V21_KeepAspectAdaptor>(21, "V21_KeepAspectAdaptor", "Transformations lose their aspect flag."),
+    step<Project::V25_OverlayAnimationAdaptor>(25, "V25_OverlayAnimationAdaptor", "Overlay items get an envelope for their movement."),
     step<Project::V28_ClipLabelAdaptor>(28, "V28_ClipLabelAdaptor", "Clips get an empty list of labels."),
     step<Project::V29_ClipTimingModeAdaptor>(29, "V29_ClipTimingModeAdaptor", "Clip timings get the timing mode 0."),
     step<Project::V34_NoPreviewAdaptor>(34, "V34_NoPreviewAdaptor", "Previews of clips are no longer saved."),
     step<Project::V35_UserCollectionAdaptor>(35, "V35_UserCollectionAdaptor", "The project gets a user collection and a new root above the timeline."),
+    step<Project::V36_UnlimitedIntroAdaptor>(36, "V36_UnlimitedIntroAdaptor", "Clips of the types 8 and 16 are no longer of unlimited duration."),
+    step<Project::V38_OverlayDropShadowAdaptor>(38, "V38_OverlayDropShadowAdaptor", "Overlay items get a drop shadow, switched off."),
+    step<Project::V40_RemoveQuizFromOverlayAdaptor>(40, "V40_RemoveQuizFromOverlayAdaptor", "Quizzes become objects of their own instead of overlays."),
     step<Project::V44_StringPtrToStringAdaptor>(44, "V44_StringPtrToStringAdaptor", "Strings that could be null become plain strings."),
     step<Project::V48_OldPortablePathAdaptor>(48, "V48_OldPortablePathAdaptor", "Old portable paths become the paths themselves."),
     step<Project::V49_ImportRemoteSizeAdaptor>(49, "V49_ImportRemoteSizeAdaptor", "Imports get an unknown remote size."),
+    step<Project::V50_OverlayItemTextEncode>(50, "V50_OverlayItemTextEncode", "Texts of overlay items are stored as base64."),
     step<Project::V51_MaskEffectAdaptor>(51, "V51_MaskEffectAdaptor", "The highlight and conceal effects of a clip are merged into one mask effect."),
     step<Project::V56_LutUniqueIdAdaptor>(56, "V56_LutUniqueIdAdaptor", "Generic LUT effects are named after their cube."),
     step<Project::V56_ResourceTableAdaptor>(56, "V56_ResourceTableAdaptor", "The project gets an empty table of its resources."),
@@ -63,7 +86,10 @@ constexpr Step steps[] = {
     step<Project::V60_CollectionItemDescriptionAdaptor>(60, "V60_CollectionItemDescriptionAdaptor", "Effects, transitions, overlays and imports are described by their tag."),
     step<Project::V62_CollectionItemPayloadAdaptor>(62, "V62_CollectionItemPayloadAdaptor", "Collection items take over the download of the object they hold."),
     step<Project::V63_LutEffectAuxResourceAdaptor>(63, "V63_LutEffectAuxResourceAdaptor", "The cube of a LUT becomes its auxiliary resource."),
+    step<Project::V64_OverlayPayloadFontDirAdaptor>(64, "V64_OverlayPayloadFontDirAdaptor", "Overlays get an empty folder of fonts."),
+    step<Project::V64_OverlayResourceInfoAdaptor>(64, "V64_OverlayResourceInfoAdaptor", "Overlay items get an empty list of resources."),
     step<Project::V67_ClipCollectionItemInfoAdaptor>(67, "V67_ClipCollectionItemInfoAdaptor", "Clips get an empty collection item info."),
+    step<Project::V69_RemoveQuizzesAdaptor>(69, "V69_RemoveQuizzesAdaptor", "Quiz clips leave the timelines; a title keeps the length."),
 };
 // clang-format on
 

@@ -1,7 +1,5 @@
 #include "Reader/Road.h"
 
-#include "Adaptors/Project/PortableLoadAdaptor.h"
-#include "Adaptors/Project/PortableSaveAdaptor.h"
 #include "Archive/Internal/Walk.h"
 #include "Archive/Xml.h"
 #include "Reader/Conversion.h"
@@ -131,14 +129,28 @@ void runJsonSteps(Document& document, int to, Runner& runner, Report& report) {
     }
 }
 
-void runLoadAdaptors(Document& document, const Journey& journey, Runner& runner) {
-    runner.run("PortableLoadAdaptor",
-               [&] { Project::PortableLoadAdaptor(journey.location).adapt(document.json().flat); });
+Surroundings surroundingsOf(const Journey& journey) {
+    return {journey.location, [&journey](const QString& name) { return journey.sourceFiles.read(name); },
+            [&journey](const QString& name, const QByteArray& content) {
+                return journey.targetFiles.write(name, content);
+            }};
+}
+
+/// Runs an adaptor outside the numbering in the form that the document has.
+void runUnnumbered(const char* className, Document& document, const Surroundings& surroundings,
+                   Runner& runner) {
+    const Unnumbered* adaptor = findUnnumbered(className);
+    runner.run(className, [&] {
+        if (document.isXml())
+            adaptor->makeXml(surroundings)->adapt(document.xml());
+        else
+            adaptor->makeJson(surroundings)->adapt(document.json().flat);
+    });
 }
 
 /// The adaptor of that name as a call on the document in its form; empty where there is none in that form.
 std::function<void()> adaptorCall(Document& document, const std::string& className, const Journey& journey) {
-    const Surroundings surroundings{journey.location};
+    const Surroundings surroundings = surroundingsOf(journey);
     const Step* step = findStep(className);
     const Unnumbered* unnumbered = findUnnumbered(className);
     if (!step && !unnumbered)
@@ -204,17 +216,25 @@ Report migrate(Document& document, const Journey& journey) {
     report.from = *document.version;
     report.objectsBefore = countObjects(document);
     const std::vector<Clip> clips = listClips(document);
+    const bool wasXml = document.isXml();
+    const Surroundings surroundings = surroundingsOf(journey);
     {
         Runner runner(journey, report);
-        if (document.isXml()) {
+        if (wasXml) {
             sortRootObjects(document.xml());
+            runUnnumbered("OverlayFileContentReadAdaptor", document, surroundings, runner);
+            runUnnumbered("ThemeTransitionsAndSceneAdaptor", document, surroundings, runner);
             runXmlSteps(document, journey.to, runner, report);
-            if (journey.to > lastXmlVersion)
+            if (journey.to > lastXmlVersion) {
+                runUnnumbered("ImportDescriptionAdaptor", document, surroundings, runner);
                 convertToJson(document, journey, runner);
+            }
         }
         if (!document.isXml()) {
             runJsonSteps(document, journey.to, runner, report);
-            runLoadAdaptors(document, journey, runner);
+            runUnnumbered("PortableLoadAdaptor", document, surroundings, runner);
+            if (!wasXml)
+                runUnnumbered("OverlayFileContentReadAdaptor", document, surroundings, runner);
             report.duplicateIds = document.json().notes.duplicateIds;
         }
     }
@@ -245,9 +265,12 @@ Report runOne(Document& document, const std::string& className, const Journey& j
 
 Serialized save(Document document, const Journey& journey, Report& report) {
     if (!document.isXml()) {
+        Surroundings surroundings = surroundingsOf(journey);
+        surroundings.location = journey.target;
         Runner runner(journey, report);
-        runner.run("PortableSaveAdaptor",
-                   [&] { Project::PortableSaveAdaptor(journey.target).adapt(document.json().flat); });
+        runUnnumbered("PortableSaveAdaptor", document, surroundings, runner);
+        if (journey.toBundle)
+            runUnnumbered("OverlayFileContentWriteAdaptor", document, surroundings, runner);
     }
     return serialize(std::move(document));
 }

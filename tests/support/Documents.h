@@ -29,10 +29,9 @@ inline std::string predeclarator(const std::vector<std::pair<std::string, long l
                        std::to_string(records.size()) + "'>";
     long long index = 1;
     for (const auto& [typeName, id] : records) {
-        text += "<Item type='Item' index='" + std::to_string(index) +
-                "'><Data type='Predeclare' objectId='" + std::to_string(900 + index) +
-                "'><typeName type='String' value='" + typeName + "'/><oid type='ObjectRef' value='" +
-                std::to_string(id) + "'/></Data></Item>";
+        text += "<Item type='Item' index='" + std::to_string(index) + "'><Data type='Predeclare' objectId='" +
+                std::to_string(900 + index) + "'><typeName type='String' value='" + typeName +
+                "'/><oid type='ObjectRef' value='" + std::to_string(id) + "'/></Data></Item>";
         ++index;
     }
     return text + "</predeclarations></RootObject>";
