@@ -54,8 +54,8 @@ QDomDocument readXml(const fs::path& file) {
 }
 
 FlatObject readJson(const fs::path& file) {
-    const json objects = json::parse(Tests::readFile(file));
     FlatObject document;
+    const json objects = json::parse(Tests::readFile(file)); // items() borrows: a temporary would be gone
     for (const auto& [id, object] : objects.items())
         document.objects.emplace(std::stoull(id), object);
     return document;

@@ -1,5 +1,5 @@
-// 5,000 clips with three effects each go through every audio and stabilization step. A step whose cost grew with
-// the square of the clips would not come back in time.
+// 5,000 clips with three effects each go through every audio and stabilization step. A step whose cost grew
+// with the square of the clips would not come back in time.
 
 #include "Archive/Archive.h"
 #include "Archive/Internal/Walk.h"

@@ -1,4 +1,4 @@
-// Version 18 turns every noise gate into a noise suppression; the gates that version 57 finds were made later.
+// Version 18 turns noise gates into noise suppressions; the gates that version 57 finds were made later.
 
 #include "Adaptors/Project/V18_AudioEffectToFilterAdaptor.h"
 #include "Adaptors/Project/V18_NoiseRemovalAdaptor.h"

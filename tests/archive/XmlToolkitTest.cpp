@@ -1,5 +1,5 @@
-// The toolkit of XML archives, operation by operation. Texts of doubles were computed apart from the library, as
-// base64 of the eight bytes with the most significant first.
+// The toolkit of XML archives, operation by operation. Texts of doubles were computed apart from the library,
+// as base64 of the eight bytes with the most significant first.
 
 #include "Archive/Archive.h"
 #include "Archive/Internal/ObjectIds.h"
@@ -515,8 +515,8 @@ TEST(ForEachChild, ElementsOfOtherTagsMayComeAndGo) {
     EXPECT_EQ(textOf(doc.documentElement()), "a [d, b id=1 [d], d, b id=2 [d], d, b id=3 [d]]");
 }
 
-/// Makes the same random changes on two equal documents, one walked by forEachChild, one by number through Qt's
-/// own list, whose length is read once.
+/// Makes the same random changes on two equal documents, one walked by forEachChild, one by number through
+/// Qt's own list, whose length is read once.
 class RandomChanges {
 public:
     RandomChanges(const QString& text, unsigned seed) : m_random(seed) { m_document.setContent(text); }

@@ -4,7 +4,7 @@
 
 namespace Project {
 
-/// Version 55: audio effects that shared the `uniqueId` of their group get an identity of their own, their `id`.
+/// Version 55: audio effects that shared the `uniqueId` of their group are told apart by their own `id`.
 class V55_AudioEffectsGroupIdAdaptor : public Bundle::AbstractAdaptorXml {
 public:
     void adapt(QDomDocument& document) override;

@@ -53,8 +53,8 @@ void V55_AudioNormalizationEffectAdaptor::adapt(QDomDocument& document) {
     const auto objects = Archive::Internal::elements(archive, Words::RootObject);
     QDomElement predeclarations = Archive::Internal::predeclarationsAmong(objects);
     Archive::Internal::ObjectIds ids(document);
-    // `volumeNormalize` stays on every clip, although the effect has taken its place: documents of this version
-    // have it so.
+    // `volumeNormalize` stays on every clip, although the effect has taken its place: documents of this
+    // version have it so.
     for (const QDomElement& clip : objects) {
         if (!isNormalizedClip(clip))
             continue;

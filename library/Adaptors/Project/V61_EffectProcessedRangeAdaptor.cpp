@@ -38,7 +38,7 @@ QHash<long long, QDomElement> collectEffects(const QDomDocument& document) {
     return effects;
 }
 
-/// In the order of the records; an effect with two records stands here twice, one without a record not at all.
+/// In the order of the records: an effect with two stands here twice, one without not at all.
 std::vector<Declared> collectDeclared(const QDomDocument& document, const QDomElement& predeclarations) {
     const auto effects = collectEffects(document);
     std::vector<Declared> declared;

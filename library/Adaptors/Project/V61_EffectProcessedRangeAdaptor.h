@@ -5,7 +5,7 @@
 
 namespace Project {
 
-/// Version 61: an effect can work on a part of its clip, so every effect gets a `processedRange`, the whole at first.
+/// Version 61: an effect can work on a part of its clip, so every effect gets a `processedRange`: the whole.
 class V61_EffectProcessedRangeAdaptor : public Bundle::AbstractAdaptorXml,
                                         public Bundle::AbstractAdaptorJson {
 public:
