@@ -1,9 +1,15 @@
 #include "Reader/Chain.h"
 
+#include "Adaptors/Project/V5_PresetSettingsAdaptor.h"
+#include "Adaptors/Project/V7_PenEnableAdaptor.h"
+#include "Adaptors/Project/V9_StabilizationAdaptor.h"
 #include "Adaptors/Project/V12_ClipPreviewAdaptor.h"
 #include "Adaptors/Project/V15_SvgRetainFeatureAdaptor.h"
+#include "Adaptors/Project/V15_TwoPassStabilizationAdaptor.h"
 #include "Adaptors/Project/V16_PanZoomAdaptor.h"
 #include "Adaptors/Project/V17_TitleAdaptorSunLabel.h"
+#include "Adaptors/Project/V18_AudioEffectToFilterAdaptor.h"
+#include "Adaptors/Project/V18_NoiseRemovalAdaptor.h"
 #include "Adaptors/Project/V20_HighlightConcealAdaptor.h"
 #include "Adaptors/Project/V21_KeepAspectAdaptor.h"
 #include "Adaptors/Project/V25_OverlayAnimationAdaptor.h"
@@ -19,20 +25,24 @@
 #include "Adaptors/Project/V49_ImportRemoteSizeAdaptor.h"
 #include "Adaptors/Project/V50_OverlayItemTextEncode.h"
 #include "Adaptors/Project/V51_MaskEffectAdaptor.h"
+#include "Adaptors/Project/V55_AudioEffectsGroupIdAdaptor.h"
+#include "Adaptors/Project/V55_AudioEffectsIntensityAdaptor.h"
+#include "Adaptors/Project/V55_AudioNormalizationEffectAdaptor.h"
+#include "Adaptors/Project/V55_EffectBypassAdaptor.h"
 #include "Adaptors/Project/V56_LutUniqueIdAdaptor.h"
 #include "Adaptors/Project/V56_ResourceTableAdaptor.h"
+#include "Adaptors/Project/V57_NoiseGateEffectRangeAdaptor.h"
 #include "Adaptors/Project/V57_ProjectPersistentObjectAdaptor.h"
 #include "Adaptors/Project/V58_EffectAuxResourceAdaptor.h"
 #include "Adaptors/Project/V59_EffectAuxResourceDownloadingAdaptor.h"
-#include "Adaptors/Project/V5_PresetSettingsAdaptor.h"
 #include "Adaptors/Project/V60_CollectionItemDescriptionAdaptor.h"
+#include "Adaptors/Project/V61_EffectProcessedRangeAdaptor.h"
 #include "Adaptors/Project/V62_CollectionItemPayloadAdaptor.h"
 #include "Adaptors/Project/V63_LutEffectAuxResourceAdaptor.h"
 #include "Adaptors/Project/V64_OverlayPayloadFontDirAdaptor.h"
 #include "Adaptors/Project/V64_OverlayResourceInfoAdaptor.h"
 #include "Adaptors/Project/V67_ClipCollectionItemInfoAdaptor.h"
 #include "Adaptors/Project/V69_RemoveQuizzesAdaptor.h"
-#include "Adaptors/Project/V7_PenEnableAdaptor.h"
 
 #include <algorithm>
 #include <type_traits>
@@ -59,10 +69,14 @@ constexpr Step step(int number, std::string_view className, std::string_view sum
 constexpr Step steps[] = {
     step<Project::V5_PresetSettingsAdaptor>(5, "V5_PresetSettingsAdaptor", "Stock presets store the settings that their tag implied."),
     step<Project::V7_PenEnableAdaptor>(7, "V7_PenEnableAdaptor", "Outlines can be switched off."),
+    step<Project::V9_StabilizationAdaptor>(9, "V9_StabilizationAdaptor", "Clips keep the path of their source file as their original path."),
     step<Project::V12_ClipPreviewAdaptor>(12, "V12_ClipPreviewAdaptor", "The preview image of a clip becomes an object of its own."),
     step<Project::V15_SvgRetainFeatureAdaptor>(15, "V15_SvgRetainFeatureAdaptor", "The solid white gradient of titles keeps its colours."),
+    step<Project::V15_TwoPassStabilizationAdaptor>(15, "V15_TwoPassStabilizationAdaptor", "Stabilized clips get a stabilization object with settings in place of two paths."),
     step<Project::V16_PanZoomAdaptor>(16, "V16_PanZoomAdaptor", "Zoom and pan-and-zoom effects become crop envelopes of their clips."),
     step<Project::V17_TitleAdaptorSunLabel>(17, "V17_TitleAdaptorSunLabel", "The two items of the title SunLabel change order."),
+    step<Project::V18_AudioEffectToFilterAdaptor>(18, "V18_AudioEffectToFilterAdaptor", "Equalizers and noise reductions become audio filters."),
+    step<Project::V18_NoiseRemovalAdaptor>(18, "V18_NoiseRemovalAdaptor", "Noise reductions and noise gates become noise suppressions."),
     step<Project::V20_HighlightConcealAdaptor>(20, "V20_HighlightConcealAdaptor", "Mask effects become highlight or conceal effects with a list of frames."),
     step<Project::V21_KeepAspectAdaptor>(21, "V21_KeepAspectAdaptor", "Transformations lose their aspect flag."),
     step<Project::V25_OverlayAnimationAdaptor>(25, "V25_OverlayAnimationAdaptor", "Overlay items get an envelope for their movement."),
@@ -78,12 +92,18 @@ constexpr Step steps[] = {
     step<Project::V49_ImportRemoteSizeAdaptor>(49, "V49_ImportRemoteSizeAdaptor", "Imports get an unknown remote size."),
     step<Project::V50_OverlayItemTextEncode>(50, "V50_OverlayItemTextEncode", "Texts of overlay items are stored as base64."),
     step<Project::V51_MaskEffectAdaptor>(51, "V51_MaskEffectAdaptor", "The highlight and conceal effects of a clip are merged into one mask effect."),
+    step<Project::V55_AudioEffectsGroupIdAdaptor>(55, "V55_AudioEffectsGroupIdAdaptor", "Audio effects that share their group's identity get one of their own."),
+    step<Project::V55_AudioEffectsIntensityAdaptor>(55, "V55_AudioEffectsIntensityAdaptor", "Phone and pitch presets get an intensity."),
+    step<Project::V55_AudioNormalizationEffectAdaptor>(55, "V55_AudioNormalizationEffectAdaptor", "Normalized clips get a normalization effect."),
+    step<Project::V55_EffectBypassAdaptor>(55, "V55_EffectBypassAdaptor", "Effects can be bypassed; none is yet."),
     step<Project::V56_LutUniqueIdAdaptor>(56, "V56_LutUniqueIdAdaptor", "Generic LUT effects are named after their cube."),
     step<Project::V56_ResourceTableAdaptor>(56, "V56_ResourceTableAdaptor", "The project gets an empty table of its resources."),
+    step<Project::V57_NoiseGateEffectRangeAdaptor>(57, "V57_NoiseGateEffectRangeAdaptor", "Noise gates are set by their intensity instead of a range."),
     step<Project::V57_ProjectPersistentObjectAdaptor>(57, "V57_ProjectPersistentObjectAdaptor", "Content and resource table move into a new root."),
     step<Project::V58_EffectAuxResourceAdaptor>(58, "V58_EffectAuxResourceAdaptor", "Effects get an empty auxiliary resource."),
     step<Project::V59_EffectAuxResourceDownloadingAdaptor>(59, "V59_EffectAuxResourceDownloadingAdaptor", "Effects get place, address and size of their auxiliary resource."),
     step<Project::V60_CollectionItemDescriptionAdaptor>(60, "V60_CollectionItemDescriptionAdaptor", "Effects, transitions, overlays and imports are described by their tag."),
+    step<Project::V61_EffectProcessedRangeAdaptor>(61, "V61_EffectProcessedRangeAdaptor", "Effects get the range that they work on, which is the whole."),
     step<Project::V62_CollectionItemPayloadAdaptor>(62, "V62_CollectionItemPayloadAdaptor", "Collection items take over the download of the object they hold."),
     step<Project::V63_LutEffectAuxResourceAdaptor>(63, "V63_LutEffectAuxResourceAdaptor", "The cube of a LUT becomes its auxiliary resource."),
     step<Project::V64_OverlayPayloadFontDirAdaptor>(64, "V64_OverlayPayloadFontDirAdaptor", "Overlays get an empty folder of fonts."),

@@ -9,11 +9,11 @@
 
 namespace Tests {
 
-/// A document from its text; throws where the text is not well-formed.
+/// A document from its text, with space allowed before it; throws where the text is not well-formed.
 inline QDomDocument xml(const std::string& text) {
     QDomDocument document;
     QString error;
-    if (!document.setContent(QByteArray::fromStdString(text), &error))
+    if (!document.setContent(QByteArray::fromStdString(text).trimmed(), &error))
         throw std::runtime_error("bad XML in a test: " + error.toStdString());
     return document;
 }

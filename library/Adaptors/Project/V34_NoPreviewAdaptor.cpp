@@ -19,7 +19,7 @@ void removePreviewObjects(const Elements& objects) {
             removeFromParent(object);
         }
     }
-    QDomElement predeclarations = lastPredeclarations(objects);
+    QDomElement predeclarations = predeclarationsAmong(objects);
     removePredeclares(predeclarations, ids);
 }
 

@@ -21,10 +21,6 @@ QDomElement lastOfType(const Elements& objects, const QString& type) {
     return {};
 }
 
-QDomElement lastPredeclarations(const Elements& objects) {
-    return lastOfType(objects, Words::Predeclarator).firstChildElement(Words::predeclarations);
-}
-
 NewRootObject declareRootObject(QDomDocument& doc, QDomElement& predeclarations, const QString& type,
                                 long long& maxId, const QList<long long>& refs) {
     const long long id = addPredeclaration(predeclarations, doc, type, 0, maxId, -1, refs);

@@ -1,7 +1,8 @@
 #pragma once
 
-// For the library's own use: picking from root objects that were collected in one walk, and adding to them.
+// For this project's own use: picking from root objects that were collected in one walk, and adding to them.
 
+#include "Archive/Internal/Predeclarations.h"
 #include "Archive/Internal/Walk.h"
 
 #include <QDomDocument>
@@ -14,9 +15,6 @@ Elements ofType(const Elements& objects, const QString& type);
 
 /// The last of that type, or a null element.
 QDomElement lastOfType(const Elements& objects, const QString& type);
-
-/// The `predeclarations` of the last "Predeclarator"; a null element where it has none.
-QDomElement lastPredeclarations(const Elements& objects);
 
 /// A new `RootObject`, not yet inserted, with its id.
 struct NewRootObject {
