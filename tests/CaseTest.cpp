@@ -54,8 +54,9 @@ QDomDocument readXml(const fs::path& file) {
 }
 
 FlatObject readJson(const fs::path& file) {
+    const json objects = json::parse(Tests::readFile(file));
     FlatObject document;
-    for (const auto& [id, object] : json::parse(Tests::readFile(file)).items())
+    for (const auto& [id, object] : objects.items())
         document.objects.emplace(std::stoull(id), object);
     return document;
 }
