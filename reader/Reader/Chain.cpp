@@ -5,6 +5,9 @@
 #include "Adaptors/Project/V25_TransitionTypeResourceAdaptor.h"
 #include "Adaptors/Project/V28_ClipLabelAdaptor.h"
 #include "Adaptors/Project/V29_ClipTimingModeAdaptor.h"
+#include "Adaptors/Project/V37_UnusedBlindsAndRippleParamsAdaptor.h"
+#include "Adaptors/Project/V54_TransitionVolumeAdaptor.h"
+#include "Adaptors/Project/V5_EnumcastAdaptor.h"
 
 #include <algorithm>
 #include <type_traits>
@@ -29,11 +32,14 @@ constexpr Step step(int number, std::string_view className, std::string_view sum
 // By number, then by class name; the steps of version 77 alone stand in the order in which they need each other.
 // clang-format off
 constexpr Step steps[] = {
+    step<Project::V5_EnumcastAdaptor>(5, "V5_EnumcastAdaptor", "Enumerated fields of transitions and effects are stored as signed numbers."),
     step<Project::V22_TransitionsAdaptor>(22, "V22_TransitionsAdaptor", "Transitions take half their length from each of the two clips around them."),
     step<Project::V23_EffectTransitionIdToStringAdaptor>(23, "V23_EffectTransitionIdToStringAdaptor", "Numbers of effects and transitions become resource identifiers."),
     step<Project::V25_TransitionTypeResourceAdaptor>(25, "V25_TransitionTypeResourceAdaptor", "Transitions get the type 0 and an empty list of resources."),
     step<Project::V28_ClipLabelAdaptor>(28, "V28_ClipLabelAdaptor", "Clips get an empty list of labels."),
     step<Project::V29_ClipTimingModeAdaptor>(29, "V29_ClipTimingModeAdaptor", "Clip timings get the timing mode 0."),
+    step<Project::V37_UnusedBlindsAndRippleParamsAdaptor>(37, "V37_UnusedBlindsAndRippleParamsAdaptor", "Ripple and blinds transitions lose a field that nothing uses."),
+    step<Project::V54_TransitionVolumeAdaptor>(54, "V54_TransitionVolumeAdaptor", "Transitions get the volume 100."),
 };
 // clang-format on
 
