@@ -8,6 +8,10 @@
 #include "Adaptors/Project/V37_UnusedBlindsAndRippleParamsAdaptor.h"
 #include "Adaptors/Project/V54_TransitionVolumeAdaptor.h"
 #include "Adaptors/Project/V5_EnumcastAdaptor.h"
+#include "Adaptors/Project/V72_TrackTypeAdaptor.h"
+#include "Adaptors/Project/V77_TitlesTrackAdaptor.h"
+#include "Adaptors/Project/V77_TrackLevelAdaptor.h"
+#include "Adaptors/Project/V77_TrackUsedAdaptor.h"
 
 #include <algorithm>
 #include <type_traits>
@@ -40,6 +44,10 @@ constexpr Step steps[] = {
     step<Project::V29_ClipTimingModeAdaptor>(29, "V29_ClipTimingModeAdaptor", "Clip timings get the timing mode 0."),
     step<Project::V37_UnusedBlindsAndRippleParamsAdaptor>(37, "V37_UnusedBlindsAndRippleParamsAdaptor", "Ripple and blinds transitions lose a field that nothing uses."),
     step<Project::V54_TransitionVolumeAdaptor>(54, "V54_TransitionVolumeAdaptor", "Transitions get the volume 100."),
+    step<Project::V72_TrackTypeAdaptor>(72, "V72_TrackTypeAdaptor", "Track types become bit values."),
+    step<Project::V77_TrackUsedAdaptor>(77, "V77_TrackUsedAdaptor", "Unused and empty tracks leave their timeline."),
+    step<Project::V77_TitlesTrackAdaptor>(77, "V77_TitlesTrackAdaptor", "Titles move from the primary track to a titles track."),
+    step<Project::V77_TrackLevelAdaptor>(77, "V77_TrackLevelAdaptor", "Each level of a track becomes a track of its own."),
 };
 // clang-format on
 
