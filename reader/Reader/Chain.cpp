@@ -1,5 +1,6 @@
 #include "Reader/Chain.h"
 
+#include "Adaptors/Project/V5_EnumcastAdaptor.h"
 #include "Adaptors/Project/V5_PresetSettingsAdaptor.h"
 #include "Adaptors/Project/V7_PenEnableAdaptor.h"
 #include "Adaptors/Project/V9_StabilizationAdaptor.h"
@@ -12,12 +13,16 @@
 #include "Adaptors/Project/V18_NoiseRemovalAdaptor.h"
 #include "Adaptors/Project/V20_HighlightConcealAdaptor.h"
 #include "Adaptors/Project/V21_KeepAspectAdaptor.h"
+#include "Adaptors/Project/V22_TransitionsAdaptor.h"
+#include "Adaptors/Project/V23_EffectTransitionIdToStringAdaptor.h"
 #include "Adaptors/Project/V25_OverlayAnimationAdaptor.h"
+#include "Adaptors/Project/V25_TransitionTypeResourceAdaptor.h"
 #include "Adaptors/Project/V28_ClipLabelAdaptor.h"
 #include "Adaptors/Project/V29_ClipTimingModeAdaptor.h"
 #include "Adaptors/Project/V34_NoPreviewAdaptor.h"
 #include "Adaptors/Project/V35_UserCollectionAdaptor.h"
 #include "Adaptors/Project/V36_UnlimitedIntroAdaptor.h"
+#include "Adaptors/Project/V37_UnusedBlindsAndRippleParamsAdaptor.h"
 #include "Adaptors/Project/V38_OverlayDropShadowAdaptor.h"
 #include "Adaptors/Project/V40_RemoveQuizFromOverlayAdaptor.h"
 #include "Adaptors/Project/V44_StringPtrToStringAdaptor.h"
@@ -25,6 +30,7 @@
 #include "Adaptors/Project/V49_ImportRemoteSizeAdaptor.h"
 #include "Adaptors/Project/V50_OverlayItemTextEncode.h"
 #include "Adaptors/Project/V51_MaskEffectAdaptor.h"
+#include "Adaptors/Project/V54_TransitionVolumeAdaptor.h"
 #include "Adaptors/Project/V55_AudioEffectsGroupIdAdaptor.h"
 #include "Adaptors/Project/V55_AudioEffectsIntensityAdaptor.h"
 #include "Adaptors/Project/V55_AudioNormalizationEffectAdaptor.h"
@@ -43,6 +49,10 @@
 #include "Adaptors/Project/V64_OverlayResourceInfoAdaptor.h"
 #include "Adaptors/Project/V67_ClipCollectionItemInfoAdaptor.h"
 #include "Adaptors/Project/V69_RemoveQuizzesAdaptor.h"
+#include "Adaptors/Project/V72_TrackTypeAdaptor.h"
+#include "Adaptors/Project/V77_TitlesTrackAdaptor.h"
+#include "Adaptors/Project/V77_TrackLevelAdaptor.h"
+#include "Adaptors/Project/V77_TrackUsedAdaptor.h"
 
 #include <algorithm>
 #include <type_traits>
@@ -67,6 +77,7 @@ constexpr Step step(int number, std::string_view className, std::string_view sum
 // By number, then by class name; the steps of version 77 alone stand in the order in which they need each other.
 // clang-format off
 constexpr Step steps[] = {
+    step<Project::V5_EnumcastAdaptor>(5, "V5_EnumcastAdaptor", "Enumerated fields of transitions and effects are stored as signed numbers."),
     step<Project::V5_PresetSettingsAdaptor>(5, "V5_PresetSettingsAdaptor", "Stock presets store the settings that their tag implied."),
     step<Project::V7_PenEnableAdaptor>(7, "V7_PenEnableAdaptor", "Outlines can be switched off."),
     step<Project::V9_StabilizationAdaptor>(9, "V9_StabilizationAdaptor", "Clips keep the path of their source file as their original path."),
@@ -79,12 +90,16 @@ constexpr Step steps[] = {
     step<Project::V18_NoiseRemovalAdaptor>(18, "V18_NoiseRemovalAdaptor", "Noise reductions and noise gates become noise suppressions."),
     step<Project::V20_HighlightConcealAdaptor>(20, "V20_HighlightConcealAdaptor", "Mask effects become highlight or conceal effects with a list of frames."),
     step<Project::V21_KeepAspectAdaptor>(21, "V21_KeepAspectAdaptor", "Transformations lose their aspect flag."),
+    step<Project::V22_TransitionsAdaptor>(22, "V22_TransitionsAdaptor", "Transitions take half their length from each of the two clips around them."),
+    step<Project::V23_EffectTransitionIdToStringAdaptor>(23, "V23_EffectTransitionIdToStringAdaptor", "Numbers of effects and transitions become resource identifiers."),
     step<Project::V25_OverlayAnimationAdaptor>(25, "V25_OverlayAnimationAdaptor", "Overlay items get an envelope for their movement."),
+    step<Project::V25_TransitionTypeResourceAdaptor>(25, "V25_TransitionTypeResourceAdaptor", "Transitions get the type 0 and an empty list of resources."),
     step<Project::V28_ClipLabelAdaptor>(28, "V28_ClipLabelAdaptor", "Clips get an empty list of labels."),
     step<Project::V29_ClipTimingModeAdaptor>(29, "V29_ClipTimingModeAdaptor", "Clip timings get the timing mode 0."),
     step<Project::V34_NoPreviewAdaptor>(34, "V34_NoPreviewAdaptor", "Previews of clips are no longer saved."),
     step<Project::V35_UserCollectionAdaptor>(35, "V35_UserCollectionAdaptor", "The project gets a user collection and a new root above the timeline."),
     step<Project::V36_UnlimitedIntroAdaptor>(36, "V36_UnlimitedIntroAdaptor", "Clips of the types 8 and 16 are no longer of unlimited duration."),
+    step<Project::V37_UnusedBlindsAndRippleParamsAdaptor>(37, "V37_UnusedBlindsAndRippleParamsAdaptor", "Ripple and blinds transitions lose a field that nothing uses."),
     step<Project::V38_OverlayDropShadowAdaptor>(38, "V38_OverlayDropShadowAdaptor", "Overlay items get a drop shadow, switched off."),
     step<Project::V40_RemoveQuizFromOverlayAdaptor>(40, "V40_RemoveQuizFromOverlayAdaptor", "Quizzes become objects of their own instead of overlays."),
     step<Project::V44_StringPtrToStringAdaptor>(44, "V44_StringPtrToStringAdaptor", "Strings that could be null become plain strings."),
@@ -92,6 +107,7 @@ constexpr Step steps[] = {
     step<Project::V49_ImportRemoteSizeAdaptor>(49, "V49_ImportRemoteSizeAdaptor", "Imports get an unknown remote size."),
     step<Project::V50_OverlayItemTextEncode>(50, "V50_OverlayItemTextEncode", "Texts of overlay items are stored as base64."),
     step<Project::V51_MaskEffectAdaptor>(51, "V51_MaskEffectAdaptor", "The highlight and conceal effects of a clip are merged into one mask effect."),
+    step<Project::V54_TransitionVolumeAdaptor>(54, "V54_TransitionVolumeAdaptor", "Transitions get the volume 100."),
     step<Project::V55_AudioEffectsGroupIdAdaptor>(55, "V55_AudioEffectsGroupIdAdaptor", "Audio effects that share their group's identity get one of their own."),
     step<Project::V55_AudioEffectsIntensityAdaptor>(55, "V55_AudioEffectsIntensityAdaptor", "Phone and pitch presets get an intensity."),
     step<Project::V55_AudioNormalizationEffectAdaptor>(55, "V55_AudioNormalizationEffectAdaptor", "Normalized clips get a normalization effect."),
@@ -110,6 +126,10 @@ constexpr Step steps[] = {
     step<Project::V64_OverlayResourceInfoAdaptor>(64, "V64_OverlayResourceInfoAdaptor", "Overlay items get an empty list of resources."),
     step<Project::V67_ClipCollectionItemInfoAdaptor>(67, "V67_ClipCollectionItemInfoAdaptor", "Clips get an empty collection item info."),
     step<Project::V69_RemoveQuizzesAdaptor>(69, "V69_RemoveQuizzesAdaptor", "Quiz clips leave the timelines; a title keeps the length."),
+    step<Project::V72_TrackTypeAdaptor>(72, "V72_TrackTypeAdaptor", "Track types become bit values."),
+    step<Project::V77_TrackUsedAdaptor>(77, "V77_TrackUsedAdaptor", "Unused and empty tracks leave their timeline."),
+    step<Project::V77_TitlesTrackAdaptor>(77, "V77_TitlesTrackAdaptor", "Titles move from the primary track to a titles track."),
+    step<Project::V77_TrackLevelAdaptor>(77, "V77_TrackLevelAdaptor", "Each level of a track becomes a track of its own."),
 };
 // clang-format on
 
