@@ -2,6 +2,7 @@
 
 #include "Adaptors/Project/V24_CompositionRemoveAdaptor.h"
 #include "Adaptors/Project/V26_VideoResizeMethodAdaptor.h"
+#include "Adaptors/Project/V27_MultitrackAdaptor.h"
 #include "Adaptors/Project/V28_ClipLabelAdaptor.h"
 #include "Adaptors/Project/V29_ClipTimingModeAdaptor.h"
 #include "Adaptors/Project/V46_GaplessTrackAdaptor.h"
@@ -37,6 +38,7 @@ constexpr Step steps[] = {
     step<Project::V4_TrackValueAdaptor>(4, "V4_TrackValueAdaptor", "Clips on the tracks 1 to 5 lie on the tracks 16, 48, 64, 80 and 96."),
     step<Project::V24_CompositionRemoveAdaptor>(24, "V24_CompositionRemoveAdaptor", "Files lose their composition with its markers and ranges."),
     step<Project::V26_VideoResizeMethodAdaptor>(26, "V26_VideoResizeMethodAdaptor", "Videos lose their resize mode."),
+    step<Project::V27_MultitrackAdaptor>(27, "V27_MultitrackAdaptor", "Timelines get six track objects, and clips refer to the track they lie on."),
     step<Project::V28_ClipLabelAdaptor>(28, "V28_ClipLabelAdaptor", "Clips get an empty list of labels."),
     step<Project::V29_ClipTimingModeAdaptor>(29, "V29_ClipTimingModeAdaptor", "Clip timings get the timing mode 0."),
     step<Project::V46_GaplessTrackAdaptor>(46, "V46_GaplessTrackAdaptor", "Tracks say whether they are kept without gaps."),
