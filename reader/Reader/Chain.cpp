@@ -6,6 +6,7 @@
 #include "Adaptors/Project/V28_ClipLabelAdaptor.h"
 #include "Adaptors/Project/V29_ClipTimingModeAdaptor.h"
 #include "Adaptors/Project/V46_GaplessTrackAdaptor.h"
+#include "Adaptors/Project/V46_TransitionToClipPairAdaptor.h"
 #include "Adaptors/Project/V47_TransitionDurationAdaptor.h"
 #include "Adaptors/Project/V4_TrackValueAdaptor.h"
 #include "Adaptors/Project/V51_ClipTrackingAdaptor.h"
@@ -42,6 +43,7 @@ constexpr Step steps[] = {
     step<Project::V28_ClipLabelAdaptor>(28, "V28_ClipLabelAdaptor", "Clips get an empty list of labels."),
     step<Project::V29_ClipTimingModeAdaptor>(29, "V29_ClipTimingModeAdaptor", "Clip timings get the timing mode 0."),
     step<Project::V46_GaplessTrackAdaptor>(46, "V46_GaplessTrackAdaptor", "Tracks say whether they are kept without gaps."),
+    step<Project::V46_TransitionToClipPairAdaptor>(46, "V46_TransitionToClipPairAdaptor", "Timelines list their transitions, each with the two clips that it joins."),
     step<Project::V47_TransitionDurationAdaptor>(47, "V47_TransitionDurationAdaptor", "Transitions get the default duration 2000."),
     step<Project::V51_ClipTrackingAdaptor>(51, "V51_ClipTrackingAdaptor", "Clips get an empty list of motion trackings."),
     step<Project::V52_SpeedCompensationAdaptor>(52, "V52_SpeedCompensationAdaptor", "Clip timings get the flag for speed compensation, off."),
