@@ -157,8 +157,8 @@ TEST(TransitionToClipPair, ATimelineWithinTheRecordsAddsEntriesToThem) {
     const QDomDocument document =
         adapted(archive(within.arg(timeline(20)) + record(10) + record(20), timeline(10)));
     EXPECT_THAT(presetIds(document), ElementsAre(26, 46));
-    // The search for 10 passes the clip of 20. That for 20 passes it too, then the two items of the transition
-    // that 20 lists by now, and the reference of 10.
+    // The search for 10 passes the clip of 20. That for 20 passes it too, then the two items of the
+    // transition that 20 lists by now, and the reference of 10.
     EXPECT_EQ(log.lines(), std::vector<std::string>(5, dataIsNull));
 }
 

@@ -25,10 +25,16 @@ struct TrackRow {
 };
 
 // From the top down, as tracks are made and listed. Track 96 shares the type of track 64: that is wanted.
+// clang-format off
 constexpr TrackRow trackRows[] = {
-    {96, 64, false, true}, {80, 80, true, true},  {64, 64, true, false},
-    {48, 48, true, true},  {32, 32, true, false}, {16, 16, false, true},
+    {96, 64, false, true},
+    {80, 80, true, true},
+    {64, 64, true, false},
+    {48, 48, true, true},
+    {32, 32, true, false},
+    {16, 16, false, true},
 };
+// clang-format on
 constexpr int numberStep = 16;
 
 /// The first `track` below each `Item`, at whatever depth, as often as items share it.

@@ -136,9 +136,9 @@ void setTime(QDomDocument& doc, QDomElement& timing, const QString& name, long l
         Archive::setValueOf(timing, name, QString::number(time));
 }
 
-/// The entries of `predeclarations` that the search for a timeline's record meets, at any depth: those that declare
-/// a timeline, and those without `Data`, each of which is reported by every search that comes past it. They are
-/// kept between searches, so that many timelines don't walk all records each.
+/// The entries of `predeclarations`, at any depth, that matter to the search for a timeline's record: those
+/// that declare a timeline, and those without `Data`, each of which is reported by every search that comes past
+/// it. They are kept between searches, so that many timelines don't walk all records each.
 class TimelineRecords {
 public:
     void collect(const QDomElement& predeclarations);
@@ -249,8 +249,8 @@ private:
     QDomDocument& m_document;
     QDomElement m_archive;
     std::vector<TimelineData> m_timelines;
-    // Of several objects in one role the last in the document counts, and timelines are taken from the last to
-    // the first.
+    // Of several objects in one role the last in the document counts, and timelines are taken from the last
+    // to the first.
     QHash<unsigned long long, QDomElement> m_objects;
     QHash<unsigned long long, unsigned long long> m_primaryTracks; ///< track by timeline
     QDomElement m_predeclarator;

@@ -4,7 +4,7 @@
 
 namespace Project {
 
-/// Version 46: a timeline lists its transitions, each with the clips before and after it, where the clip of the
+/// Version 46: a timeline lists its transitions, each with the clips before and after it, where a clip of the
 /// primary track had named the transition behind it.
 class V46_TransitionToClipPairAdaptor : public Bundle::AbstractAdaptorXml {
 public:

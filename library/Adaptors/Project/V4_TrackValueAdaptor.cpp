@@ -18,9 +18,15 @@ struct TrackNumber {
 };
 
 // No track had the place of 32. Every other number stays as it is.
+// clang-format off
 constexpr TrackNumber trackNumbers[] = {
-    {1, 16}, {2, 48}, {3, 64}, {4, 80}, {5, 96},
+    {1, 16},
+    {2, 48},
+    {3, 64},
+    {4, 80},
+    {5, 96},
 };
+// clang-format on
 
 void renumber(QDomElement& track) {
     const int number = track.attribute(Archive::Words::value).toInt();
