@@ -1,5 +1,6 @@
 #include "Reader/Chain.h"
 
+#include "Adaptors/Project/V4_TrackValueAdaptor.h"
 #include "Adaptors/Project/V5_EnumcastAdaptor.h"
 #include "Adaptors/Project/V5_PresetSettingsAdaptor.h"
 #include "Adaptors/Project/V7_PenEnableAdaptor.h"
@@ -15,8 +16,11 @@
 #include "Adaptors/Project/V21_KeepAspectAdaptor.h"
 #include "Adaptors/Project/V22_TransitionsAdaptor.h"
 #include "Adaptors/Project/V23_EffectTransitionIdToStringAdaptor.h"
+#include "Adaptors/Project/V24_CompositionRemoveAdaptor.h"
 #include "Adaptors/Project/V25_OverlayAnimationAdaptor.h"
 #include "Adaptors/Project/V25_TransitionTypeResourceAdaptor.h"
+#include "Adaptors/Project/V26_VideoResizeMethodAdaptor.h"
+#include "Adaptors/Project/V27_MultitrackAdaptor.h"
 #include "Adaptors/Project/V28_ClipLabelAdaptor.h"
 #include "Adaptors/Project/V29_ClipTimingModeAdaptor.h"
 #include "Adaptors/Project/V34_NoPreviewAdaptor.h"
@@ -26,10 +30,16 @@
 #include "Adaptors/Project/V38_OverlayDropShadowAdaptor.h"
 #include "Adaptors/Project/V40_RemoveQuizFromOverlayAdaptor.h"
 #include "Adaptors/Project/V44_StringPtrToStringAdaptor.h"
+#include "Adaptors/Project/V46_GaplessTrackAdaptor.h"
+#include "Adaptors/Project/V46_TransitionToClipPairAdaptor.h"
+#include "Adaptors/Project/V47_TransitionDurationAdaptor.h"
 #include "Adaptors/Project/V48_OldPortablePathAdaptor.h"
 #include "Adaptors/Project/V49_ImportRemoteSizeAdaptor.h"
 #include "Adaptors/Project/V50_OverlayItemTextEncode.h"
+#include "Adaptors/Project/V51_ClipTrackingAdaptor.h"
 #include "Adaptors/Project/V51_MaskEffectAdaptor.h"
+#include "Adaptors/Project/V52_SpeedCompensationAdaptor.h"
+#include "Adaptors/Project/V53_TrackingLinkAdaptor.h"
 #include "Adaptors/Project/V54_TransitionVolumeAdaptor.h"
 #include "Adaptors/Project/V55_AudioEffectsGroupIdAdaptor.h"
 #include "Adaptors/Project/V55_AudioEffectsIntensityAdaptor.h"
@@ -77,6 +87,7 @@ constexpr Step step(int number, std::string_view className, std::string_view sum
 // By number, then by class name; the steps of version 77 alone stand in the order in which they need each other.
 // clang-format off
 constexpr Step steps[] = {
+    step<Project::V4_TrackValueAdaptor>(4, "V4_TrackValueAdaptor", "Clips on the tracks 1 to 5 lie on the tracks 16, 48, 64, 80 and 96."),
     step<Project::V5_EnumcastAdaptor>(5, "V5_EnumcastAdaptor", "Enumerated fields of transitions and effects are stored as signed numbers."),
     step<Project::V5_PresetSettingsAdaptor>(5, "V5_PresetSettingsAdaptor", "Stock presets store the settings that their tag implied."),
     step<Project::V7_PenEnableAdaptor>(7, "V7_PenEnableAdaptor", "Outlines can be switched off."),
@@ -92,8 +103,11 @@ constexpr Step steps[] = {
     step<Project::V21_KeepAspectAdaptor>(21, "V21_KeepAspectAdaptor", "Transformations lose their aspect flag."),
     step<Project::V22_TransitionsAdaptor>(22, "V22_TransitionsAdaptor", "Transitions take half their length from each of the two clips around them."),
     step<Project::V23_EffectTransitionIdToStringAdaptor>(23, "V23_EffectTransitionIdToStringAdaptor", "Numbers of effects and transitions become resource identifiers."),
+    step<Project::V24_CompositionRemoveAdaptor>(24, "V24_CompositionRemoveAdaptor", "Files lose their composition with its markers and ranges."),
     step<Project::V25_OverlayAnimationAdaptor>(25, "V25_OverlayAnimationAdaptor", "Overlay items get an envelope for their movement."),
     step<Project::V25_TransitionTypeResourceAdaptor>(25, "V25_TransitionTypeResourceAdaptor", "Transitions get the type 0 and an empty list of resources."),
+    step<Project::V26_VideoResizeMethodAdaptor>(26, "V26_VideoResizeMethodAdaptor", "Videos lose their resize mode."),
+    step<Project::V27_MultitrackAdaptor>(27, "V27_MultitrackAdaptor", "Timelines get six track objects, and clips refer to the track they lie on."),
     step<Project::V28_ClipLabelAdaptor>(28, "V28_ClipLabelAdaptor", "Clips get an empty list of labels."),
     step<Project::V29_ClipTimingModeAdaptor>(29, "V29_ClipTimingModeAdaptor", "Clip timings get the timing mode 0."),
     step<Project::V34_NoPreviewAdaptor>(34, "V34_NoPreviewAdaptor", "Previews of clips are no longer saved."),
@@ -103,10 +117,16 @@ constexpr Step steps[] = {
     step<Project::V38_OverlayDropShadowAdaptor>(38, "V38_OverlayDropShadowAdaptor", "Overlay items get a drop shadow, switched off."),
     step<Project::V40_RemoveQuizFromOverlayAdaptor>(40, "V40_RemoveQuizFromOverlayAdaptor", "Quizzes become objects of their own instead of overlays."),
     step<Project::V44_StringPtrToStringAdaptor>(44, "V44_StringPtrToStringAdaptor", "Strings that could be null become plain strings."),
+    step<Project::V46_GaplessTrackAdaptor>(46, "V46_GaplessTrackAdaptor", "Tracks say whether they are kept without gaps."),
+    step<Project::V46_TransitionToClipPairAdaptor>(46, "V46_TransitionToClipPairAdaptor", "Timelines list their transitions, each with the two clips that it joins."),
+    step<Project::V47_TransitionDurationAdaptor>(47, "V47_TransitionDurationAdaptor", "Transitions get the default duration 2000."),
     step<Project::V48_OldPortablePathAdaptor>(48, "V48_OldPortablePathAdaptor", "Old portable paths become the paths themselves."),
     step<Project::V49_ImportRemoteSizeAdaptor>(49, "V49_ImportRemoteSizeAdaptor", "Imports get an unknown remote size."),
     step<Project::V50_OverlayItemTextEncode>(50, "V50_OverlayItemTextEncode", "Texts of overlay items are stored as base64."),
+    step<Project::V51_ClipTrackingAdaptor>(51, "V51_ClipTrackingAdaptor", "Clips get an empty list of motion trackings."),
     step<Project::V51_MaskEffectAdaptor>(51, "V51_MaskEffectAdaptor", "The highlight and conceal effects of a clip are merged into one mask effect."),
+    step<Project::V52_SpeedCompensationAdaptor>(52, "V52_SpeedCompensationAdaptor", "Clip timings get the flag for speed compensation, off."),
+    step<Project::V53_TrackingLinkAdaptor>(53, "V53_TrackingLinkAdaptor", "Timelines get an empty list of tracking links."),
     step<Project::V54_TransitionVolumeAdaptor>(54, "V54_TransitionVolumeAdaptor", "Transitions get the volume 100."),
     step<Project::V55_AudioEffectsGroupIdAdaptor>(55, "V55_AudioEffectsGroupIdAdaptor", "Audio effects that share their group's identity get one of their own."),
     step<Project::V55_AudioEffectsIntensityAdaptor>(55, "V55_AudioEffectsIntensityAdaptor", "Phone and pitch presets get an intensity."),

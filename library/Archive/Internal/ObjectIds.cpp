@@ -108,4 +108,23 @@ long long ObjectIds::next() {
     return nextId(greatest());
 }
 
+long long RenewedMaximum::take() {
+    if (m_isTrusted && !m_known) {
+        m_known = maxInTree(m_document);
+        // Where the text is in doubt, only its scan tells whether what is added counts.
+        m_isTrusted = m_known.has_value();
+    }
+    return m_known ? *m_known : maxObjectId(m_document);
+}
+
+void RenewedMaximum::added(long long id) {
+    if (m_known)
+        m_known = std::max(*m_known, id);
+}
+
+void RenewedMaximum::distrust() {
+    m_isTrusted = false;
+    m_known.reset();
+}
+
 } // namespace Archive::Internal
