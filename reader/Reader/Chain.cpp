@@ -1,9 +1,8 @@
 #include "Reader/Chain.h"
 
-#include "Adaptors/Project/V5_PresetSettingsAdaptor.h"
-#include "Adaptors/Project/V7_PenEnableAdaptor.h"
-#include "Adaptors/Project/V9_StabilizationAdaptor.h"
+#include "Adaptors/Project/V11_PopArtPresetAdaptor.h"
 #include "Adaptors/Project/V12_ClipPreviewAdaptor.h"
+#include "Adaptors/Project/V14_CropEffectAdaptor.h"
 #include "Adaptors/Project/V15_SvgRetainFeatureAdaptor.h"
 #include "Adaptors/Project/V15_TwoPassStabilizationAdaptor.h"
 #include "Adaptors/Project/V16_PanZoomAdaptor.h"
@@ -23,6 +22,8 @@
 #include "Adaptors/Project/V44_StringPtrToStringAdaptor.h"
 #include "Adaptors/Project/V48_OldPortablePathAdaptor.h"
 #include "Adaptors/Project/V49_ImportRemoteSizeAdaptor.h"
+#include "Adaptors/Project/V4_EffectNamespaceAdaptor.h"
+#include "Adaptors/Project/V4_TransposeEffectAdaptor.h"
 #include "Adaptors/Project/V50_OverlayItemTextEncode.h"
 #include "Adaptors/Project/V51_MaskEffectAdaptor.h"
 #include "Adaptors/Project/V55_AudioEffectsGroupIdAdaptor.h"
@@ -35,6 +36,7 @@
 #include "Adaptors/Project/V57_ProjectPersistentObjectAdaptor.h"
 #include "Adaptors/Project/V58_EffectAuxResourceAdaptor.h"
 #include "Adaptors/Project/V59_EffectAuxResourceDownloadingAdaptor.h"
+#include "Adaptors/Project/V5_PresetSettingsAdaptor.h"
 #include "Adaptors/Project/V60_CollectionItemDescriptionAdaptor.h"
 #include "Adaptors/Project/V61_EffectProcessedRangeAdaptor.h"
 #include "Adaptors/Project/V62_CollectionItemPayloadAdaptor.h"
@@ -43,6 +45,8 @@
 #include "Adaptors/Project/V64_OverlayResourceInfoAdaptor.h"
 #include "Adaptors/Project/V67_ClipCollectionItemInfoAdaptor.h"
 #include "Adaptors/Project/V69_RemoveQuizzesAdaptor.h"
+#include "Adaptors/Project/V7_PenEnableAdaptor.h"
+#include "Adaptors/Project/V9_StabilizationAdaptor.h"
 
 #include <algorithm>
 #include <type_traits>
@@ -67,10 +71,14 @@ constexpr Step step(int number, std::string_view className, std::string_view sum
 // By number, then by class name; the steps of version 77 alone stand in the order in which they need each other.
 // clang-format off
 constexpr Step steps[] = {
+    step<Project::V4_EffectNamespaceAdaptor>(4, "V4_EffectNamespaceAdaptor", "Effect and transition classes move into namespaces."),
+    step<Project::V4_TransposeEffectAdaptor>(4, "V4_TransposeEffectAdaptor", "A clip's angle becomes an effect that turns it."),
     step<Project::V5_PresetSettingsAdaptor>(5, "V5_PresetSettingsAdaptor", "Stock presets store the settings that their tag implied."),
     step<Project::V7_PenEnableAdaptor>(7, "V7_PenEnableAdaptor", "Outlines can be switched off."),
     step<Project::V9_StabilizationAdaptor>(9, "V9_StabilizationAdaptor", "Clips keep the path of their source file as their original path."),
+    step<Project::V11_PopArtPresetAdaptor>(11, "V11_PopArtPresetAdaptor", "Pop art effects get the preset that their tag implied."),
     step<Project::V12_ClipPreviewAdaptor>(12, "V12_ClipPreviewAdaptor", "The preview image of a clip becomes an object of its own."),
+    step<Project::V14_CropEffectAdaptor>(14, "V14_CropEffectAdaptor", "Crop effects hold a matrix in place of a rectangle."),
     step<Project::V15_SvgRetainFeatureAdaptor>(15, "V15_SvgRetainFeatureAdaptor", "The solid white gradient of titles keeps its colours."),
     step<Project::V15_TwoPassStabilizationAdaptor>(15, "V15_TwoPassStabilizationAdaptor", "Stabilized clips get a stabilization object with settings in place of two paths."),
     step<Project::V16_PanZoomAdaptor>(16, "V16_PanZoomAdaptor", "Zoom and pan-and-zoom effects become crop envelopes of their clips."),
