@@ -2,6 +2,7 @@
 
 #include "Adaptors/Project/V11_PopArtPresetAdaptor.h"
 #include "Adaptors/Project/V12_ClipPreviewAdaptor.h"
+#include "Adaptors/Project/V13_PictureInPictureAdaptor.h"
 #include "Adaptors/Project/V14_CropEffectAdaptor.h"
 #include "Adaptors/Project/V15_SvgRetainFeatureAdaptor.h"
 #include "Adaptors/Project/V15_TwoPassStabilizationAdaptor.h"
@@ -19,6 +20,8 @@
 #include "Adaptors/Project/V36_UnlimitedIntroAdaptor.h"
 #include "Adaptors/Project/V38_OverlayDropShadowAdaptor.h"
 #include "Adaptors/Project/V40_RemoveQuizFromOverlayAdaptor.h"
+#include "Adaptors/Project/V41_CutawayToPictureInPictureAdaptor.h"
+#include "Adaptors/Project/V42_SideBySideTransformAdaptor.h"
 #include "Adaptors/Project/V44_StringPtrToStringAdaptor.h"
 #include "Adaptors/Project/V48_OldPortablePathAdaptor.h"
 #include "Adaptors/Project/V49_ImportRemoteSizeAdaptor.h"
@@ -45,7 +48,9 @@
 #include "Adaptors/Project/V64_OverlayResourceInfoAdaptor.h"
 #include "Adaptors/Project/V67_ClipCollectionItemInfoAdaptor.h"
 #include "Adaptors/Project/V69_RemoveQuizzesAdaptor.h"
+#include "Adaptors/Project/V71_ImportBlendAndTransformAdaptor.h"
 #include "Adaptors/Project/V7_PenEnableAdaptor.h"
+#include "Adaptors/Project/V8_ChromaKeyPiPAdaptor.h"
 #include "Adaptors/Project/V9_StabilizationAdaptor.h"
 
 #include <algorithm>
@@ -75,9 +80,11 @@ constexpr Step steps[] = {
     step<Project::V4_TransposeEffectAdaptor>(4, "V4_TransposeEffectAdaptor", "A clip's angle becomes an effect that turns it."),
     step<Project::V5_PresetSettingsAdaptor>(5, "V5_PresetSettingsAdaptor", "Stock presets store the settings that their tag implied."),
     step<Project::V7_PenEnableAdaptor>(7, "V7_PenEnableAdaptor", "Outlines can be switched off."),
+    step<Project::V8_ChromaKeyPiPAdaptor>(8, "V8_ChromaKeyPiPAdaptor", "Clips with a chroma key get a cutaway besides."),
     step<Project::V9_StabilizationAdaptor>(9, "V9_StabilizationAdaptor", "Clips keep the path of their source file as their original path."),
     step<Project::V11_PopArtPresetAdaptor>(11, "V11_PopArtPresetAdaptor", "Pop art effects get the preset that their tag implied."),
     step<Project::V12_ClipPreviewAdaptor>(12, "V12_ClipPreviewAdaptor", "The preview image of a clip becomes an object of its own."),
+    step<Project::V13_PictureInPictureAdaptor>(13, "V13_PictureInPictureAdaptor", "Picture-in-picture effects hold their place as a matrix and no longer fade."),
     step<Project::V14_CropEffectAdaptor>(14, "V14_CropEffectAdaptor", "Crop effects hold a matrix in place of a rectangle."),
     step<Project::V15_SvgRetainFeatureAdaptor>(15, "V15_SvgRetainFeatureAdaptor", "The solid white gradient of titles keeps its colours."),
     step<Project::V15_TwoPassStabilizationAdaptor>(15, "V15_TwoPassStabilizationAdaptor", "Stabilized clips get a stabilization object with settings in place of two paths."),
@@ -95,6 +102,8 @@ constexpr Step steps[] = {
     step<Project::V36_UnlimitedIntroAdaptor>(36, "V36_UnlimitedIntroAdaptor", "Clips of the types 8 and 16 are no longer of unlimited duration."),
     step<Project::V38_OverlayDropShadowAdaptor>(38, "V38_OverlayDropShadowAdaptor", "Overlay items get a drop shadow, switched off."),
     step<Project::V40_RemoveQuizFromOverlayAdaptor>(40, "V40_RemoveQuizFromOverlayAdaptor", "Quizzes become objects of their own instead of overlays."),
+    step<Project::V41_CutawayToPictureInPictureAdaptor>(41, "V41_CutawayToPictureInPictureAdaptor", "Cutaways become picture-in-picture effects that fill the frame."),
+    step<Project::V42_SideBySideTransformAdaptor>(42, "V42_SideBySideTransformAdaptor", "Side-by-side effects get the matrices that their mode implied."),
     step<Project::V44_StringPtrToStringAdaptor>(44, "V44_StringPtrToStringAdaptor", "Strings that could be null become plain strings."),
     step<Project::V48_OldPortablePathAdaptor>(48, "V48_OldPortablePathAdaptor", "Old portable paths become the paths themselves."),
     step<Project::V49_ImportRemoteSizeAdaptor>(49, "V49_ImportRemoteSizeAdaptor", "Imports get an unknown remote size."),
@@ -118,6 +127,7 @@ constexpr Step steps[] = {
     step<Project::V64_OverlayResourceInfoAdaptor>(64, "V64_OverlayResourceInfoAdaptor", "Overlay items get an empty list of resources."),
     step<Project::V67_ClipCollectionItemInfoAdaptor>(67, "V67_ClipCollectionItemInfoAdaptor", "Clips get an empty collection item info."),
     step<Project::V69_RemoveQuizzesAdaptor>(69, "V69_RemoveQuizzesAdaptor", "Quiz clips leave the timelines; a title keeps the length."),
+    step<Project::V71_ImportBlendAndTransformAdaptor>(71, "V71_ImportBlendAndTransformAdaptor", "Imports get a blending mode and the identity as transform."),
 };
 // clang-format on
 
