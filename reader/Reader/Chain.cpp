@@ -15,6 +15,8 @@
 #include "Adaptors/Project/V25_OverlayAnimationAdaptor.h"
 #include "Adaptors/Project/V28_ClipLabelAdaptor.h"
 #include "Adaptors/Project/V29_ClipTimingModeAdaptor.h"
+#include "Adaptors/Project/V32_ColorFiltersAdaptor.h"
+#include "Adaptors/Project/V33_EffectIntensityAdaptor.h"
 #include "Adaptors/Project/V34_NoPreviewAdaptor.h"
 #include "Adaptors/Project/V35_UserCollectionAdaptor.h"
 #include "Adaptors/Project/V36_UnlimitedIntroAdaptor.h"
@@ -47,6 +49,7 @@
 #include "Adaptors/Project/V64_OverlayPayloadFontDirAdaptor.h"
 #include "Adaptors/Project/V64_OverlayResourceInfoAdaptor.h"
 #include "Adaptors/Project/V67_ClipCollectionItemInfoAdaptor.h"
+#include "Adaptors/Project/V68_ManualEnhanceEffectAdaptor.h"
 #include "Adaptors/Project/V69_RemoveQuizzesAdaptor.h"
 #include "Adaptors/Project/V71_ImportBlendAndTransformAdaptor.h"
 #include "Adaptors/Project/V7_PenEnableAdaptor.h"
@@ -97,6 +100,8 @@ constexpr Step steps[] = {
     step<Project::V25_OverlayAnimationAdaptor>(25, "V25_OverlayAnimationAdaptor", "Overlay items get an envelope for their movement."),
     step<Project::V28_ClipLabelAdaptor>(28, "V28_ClipLabelAdaptor", "Clips get an empty list of labels."),
     step<Project::V29_ClipTimingModeAdaptor>(29, "V29_ClipTimingModeAdaptor", "Clip timings get the timing mode 0."),
+    step<Project::V32_ColorFiltersAdaptor>(32, "V32_ColorFiltersAdaptor", "Each automatic colour correction becomes an effect of its own."),
+    step<Project::V33_EffectIntensityAdaptor>(33, "V33_EffectIntensityAdaptor", "Every effect gets an intensity; eight effects fold their own strength into it."),
     step<Project::V34_NoPreviewAdaptor>(34, "V34_NoPreviewAdaptor", "Previews of clips are no longer saved."),
     step<Project::V35_UserCollectionAdaptor>(35, "V35_UserCollectionAdaptor", "The project gets a user collection and a new root above the timeline."),
     step<Project::V36_UnlimitedIntroAdaptor>(36, "V36_UnlimitedIntroAdaptor", "Clips of the types 8 and 16 are no longer of unlimited duration."),
@@ -126,6 +131,7 @@ constexpr Step steps[] = {
     step<Project::V64_OverlayPayloadFontDirAdaptor>(64, "V64_OverlayPayloadFontDirAdaptor", "Overlays get an empty folder of fonts."),
     step<Project::V64_OverlayResourceInfoAdaptor>(64, "V64_OverlayResourceInfoAdaptor", "Overlay items get an empty list of resources."),
     step<Project::V67_ClipCollectionItemInfoAdaptor>(67, "V67_ClipCollectionItemInfoAdaptor", "Clips get an empty collection item info."),
+    step<Project::V68_ManualEnhanceEffectAdaptor>(68, "V68_ManualEnhanceEffectAdaptor", "The parameters of manual enhance move to a common scale from -1 to 1."),
     step<Project::V69_RemoveQuizzesAdaptor>(69, "V69_RemoveQuizzesAdaptor", "Quiz clips leave the timelines; a title keeps the length."),
     step<Project::V71_ImportBlendAndTransformAdaptor>(71, "V71_ImportBlendAndTransformAdaptor", "Imports get a blending mode and the identity as transform."),
 };
