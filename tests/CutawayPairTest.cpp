@@ -28,7 +28,9 @@ constexpr const char* project = R"(
     </effects>
   </RootObject>
   <RootObject type="Timeline::Clip" objectId="4">
-    <effects type="Array" size="1"><Item type="Item" index="1"><Data type="ObjectRef" value="5"/></Item></effects>
+    <effects type="Array" size="1">
+      <Item type="Item" index="1"><Data type="ObjectRef" value="5"/></Item>
+    </effects>
   </RootObject>
   <RootObject type="Effect::ChromaKey" objectId="5">
     <BaseOfObject type="Effect::VideoEffect" objectId="5">

@@ -1,5 +1,5 @@
-// Stored doubles are the same to the last bit on every machine: no product is fused with a sum, which would leave
-// out a rounding. The numbers below differ in their last bits, or altogether, between the two.
+// Stored doubles are the same to the last bit on every machine: no product is fused with a sum, which would
+// leave out a rounding.
 
 #include "Archive/Internal/Transforms.h"
 
@@ -18,8 +18,8 @@
 
 namespace {
 
-// (1 + e)(1 - e) is 1 - e squared, which rounds to 1: the unfused sum is 0, the fused one -e squared. Volatile, so
-// that the sum is made when the test runs.
+// (1 + e)(1 - e) is 1 - e squared, which rounds to 1: the unfused sum is 0, the fused one -e squared. Volatile,
+// so that the sum is made when the test runs.
 constexpr double e = 0x1p-30;
 const volatile double a = 1.0 + e;
 const volatile double b = 1.0 - e;

@@ -1,7 +1,7 @@
 #include "Adaptors/Project/V13_PictureInPictureAdaptor.h"
 
-#include "Archive/Internal/Transforms.h"
 #include "Archive/Internal/TransformedEffects.h"
+#include "Archive/Internal/Transforms.h"
 #include "Archive/Xml.h"
 
 #include <glog/logging.h>
@@ -32,8 +32,8 @@ void dropFades(QDomElement& effect) {
                      << " fadeOut = " << fadeOut;
 }
 
-/// The offsets name the picture's top left corner in the unit frame; the matrix moves its centre, counted from
-/// the centre of the frame.
+/// The offsets name the picture's top left corner in the unit frame; the matrix moves its centre, counted
+/// from the centre of the frame.
 QTransform takeTransform(QDomElement& effect) {
     const double offsetX = takeDouble(effect, QStringLiteral("offsetX"));
     const double offsetY = takeDouble(effect, QStringLiteral("offsetY"));

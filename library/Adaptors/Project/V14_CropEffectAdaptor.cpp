@@ -1,6 +1,7 @@
 #include "Adaptors/Project/V14_CropEffectAdaptor.h"
 
 #include "Archive/Internal/PredeclarationEdits.h"
+#include "Archive/Internal/RootObjects.h"
 #include "Archive/Internal/TransformedEffects.h"
 #include "Archive/Internal/Transforms.h"
 #include "Archive/Xml.h"

@@ -3,6 +3,7 @@
 #include "Archive/Internal/EffectObject.h"
 #include "Archive/Internal/ObjectIds.h"
 #include "Archive/Internal/Predeclarations.h"
+#include "Archive/Internal/RootObjects.h"
 #include "Archive/Internal/Walk.h"
 #include "Archive/Xml.h"
 
@@ -19,6 +20,7 @@ namespace Words = Archive::Words;
 using Archive::Internal::Elements;
 using Archive::Internal::elements;
 using Archive::Internal::firstDescendant;
+using Archive::Internal::idOf;
 
 struct ColorFilter {
     const char* flag;
@@ -40,10 +42,6 @@ constexpr ColorFilter filters[] = {
 
 const QString autoEnhance = QStringLiteral("Effect::AutoEnhance");
 const QString manualEnhanceId = QStringLiteral("7cbc055b-98bf-4fcc-be7d-f431a05e608a");
-
-long long idOf(const QDomElement& object) {
-    return object.attribute(Words::objectId).toLongLong();
-}
 
 /// The object that an item's `Data` refers to.
 long long targetOf(const QDomElement& item) {
@@ -134,8 +132,9 @@ void Impl::findOnClips() {
 }
 
 void Impl::cleanUpOldAutoEffects() {
+    // Where no clip lists an auto effect, all of them stay as they are.
     if (m_effectOfClip.empty())
-        return;       // unused auto effects stay then, predeclared as they are
+        return;
     m_ids.greatest(); // before anything goes: ids of what goes are not given again
     removePredeclarations();
     for (const QDomElement& effect : m_autoEffects)

@@ -1,7 +1,7 @@
 #include "Adaptors/Project/V42_SideBySideTransformAdaptor.h"
 
-#include "Archive/Internal/Transforms.h"
 #include "Archive/Internal/TransformedEffects.h"
+#include "Archive/Internal/Transforms.h"
 #include "Archive/Xml.h"
 
 #include <glog/logging.h>

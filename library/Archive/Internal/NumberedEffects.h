@@ -1,6 +1,6 @@
 #pragma once
 
-// For the library's own use.
+// For the project's own use.
 
 #include "Archive/Internal/EffectObject.h"
 
@@ -16,8 +16,8 @@ struct NumberedEffect {
     unsigned int uniqueId;
 };
 
-/// Makes a video effect under the next two ids, its own and that of its record, declares it, appends it to the
-/// archive and lists it last in a clip's `effects`.
+/// Makes a video effect under the next two ids, its own and that of its record, declares it, appends it to
+/// the archive and lists it last in a clip's `effects`.
 EffectObject addNumberedEffect(QDomDocument& document, QDomElement& archive, QDomElement& predeclarations,
                                long long& greatestId, const NumberedEffect& kind, QDomElement& effects);
 

@@ -2,13 +2,18 @@
 
 #include "Archive/Internal/ObjectIds.h"
 #include "Archive/Internal/Predeclarations.h"
+#include "Archive/Internal/RootObjects.h"
 #include "Archive/Xml.h"
+
+#include <QSet>
 
 namespace Archive::Internal {
 
 TransformedEffects::TransformedEffects(const QDomDocument& document, const QDomElement& archive,
                                        const QString& className) {
-    collect(archive, className);
+    const Elements objects = elements(archive, Words::RootObject);
+    m_effects = ofType(objects, className);
+    m_predeclarations = lastPredeclarations(objects);
     if (m_effects.empty())
         return;
     collectRecords();
@@ -37,16 +42,6 @@ void TransformedEffects::appendRefs(QDomDocument& document, const QDomElement& e
     }
 }
 
-void TransformedEffects::collect(const QDomElement& archive, const QString& className) {
-    for (const QDomElement& object : elements(archive, Words::RootObject)) {
-        const QString type = typeOf(object);
-        if (type == Words::Predeclarator)
-            m_predeclarations = object.firstChildElement(Words::predeclarations);
-        else if (type == className)
-            m_effects.push_back(object);
-    }
-}
-
 void TransformedEffects::collectRecords() {
     QSet<long long> ids;
     for (const QDomElement& effect : m_effects)
@@ -57,10 +52,6 @@ void TransformedEffects::collectRecords() {
         if (ids.contains(id))
             m_records.insert(id, record);
     }
-}
-
-long long idOf(const QDomElement& object) {
-    return object.attribute(Words::objectId).toLongLong();
 }
 
 } // namespace Archive::Internal

@@ -1,6 +1,6 @@
 #pragma once
 
-// For the library's own use.
+// For the project's own use.
 
 #include "Archive/Internal/Walk.h"
 
@@ -38,7 +38,6 @@ public:
     void appendRefs(QDomDocument& document, const QDomElement& effect, std::initializer_list<long long> ids);
 
 private:
-    void collect(const QDomElement& archive, const QString& className);
     void collectRecords();
 
     Elements m_effects;
@@ -46,9 +45,6 @@ private:
     QHash<long long, QDomElement> m_records; // by the effect's id; of several the last
     long long m_greatestId = 0;
 };
-
-/// The id of an object element; 0 where it can't be read.
-long long idOf(const QDomElement& object);
 
 /// The class name of stored matrices.
 inline const QString transformClass = QStringLiteral("Types::Transform");
