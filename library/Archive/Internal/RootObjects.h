@@ -10,6 +10,11 @@
 
 namespace Archive::Internal {
 
+/// The id of an object element as ids are compared, 64-bit and signed; 0 where it can't be read.
+inline long long idOf(const QDomElement& object) {
+    return object.attribute(Words::objectId).toLongLong();
+}
+
 /// Those of that type, in order.
 Elements ofType(const Elements& objects, const QString& type);
 
