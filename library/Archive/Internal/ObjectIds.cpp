@@ -33,20 +33,27 @@ bool readElement(const QDomElement& e, long long& greatest) {
     return true;
 }
 
+/// Takes in all ids below a document element; false where its text is in doubt.
+bool readElements(const QDomElement& top, long long& greatest) {
+    for (QDomNode node = top; !node.isNull(); node = nextInDocument(node, top)) {
+        const bool isPlain = node.isElement()
+                                 ? readElement(node.toElement(), greatest)
+                                 : node.nodeType() == QDomNode::TextNode && isPlainText(node.nodeValue());
+        if (!isPlain)
+            return false;
+    }
+    return true;
+}
+
 std::optional<long long> maxInTree(const QDomDocument& document) {
     long long greatest = 1;
-    int documentElements = 0;
-    for (QDomNode node = document.firstChild(); !node.isNull(); node = nextInDocument(node, document)) {
-        if (node.isElement()) {
-            documentElements += node.parentNode() == document ? 1 : 0;
-            if (documentElements > 1 || !readElement(node.toElement(), greatest))
-                return std::nullopt;
-        } else if (node.nodeType() == QDomNode::TextNode) {
-            if (!isPlainText(node.nodeValue()))
-                return std::nullopt;
-        } else if (!isPlainDeclaration(node)) {
+    bool hasElement = false;
+    for (QDomNode node = document.firstChild(); !node.isNull(); node = node.nextSibling()) {
+        const bool isPlain = node.isElement() ? !hasElement && readElements(node.toElement(), greatest)
+                                              : isPlainDeclaration(node);
+        if (!isPlain)
             return std::nullopt;
-        }
+        hasElement = hasElement || node.isElement();
     }
     return greatest;
 }

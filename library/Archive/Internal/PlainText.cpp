@@ -6,17 +6,22 @@
 #include <algorithm>
 
 namespace Archive::Internal {
+namespace {
+
+bool isLetter(ushort c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
+}
+
+} // namespace
 
 bool isPlainName(const QString& name) {
-    if (name.isEmpty() || name.startsWith(QLatin1String("xml"), Qt::CaseInsensitive))
+    const ushort* const begin = name.utf16();
+    const ushort* const end = begin + name.size();
+    if (begin == end || !isLetter(*begin))
         return false;
-    const auto isLetter = [](ushort c) {
-        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
-    };
-    if (!isLetter(name.at(0).unicode()))
+    if ((*begin == 'x' || *begin == 'X') && name.startsWith(QLatin1String("xml"), Qt::CaseInsensitive))
         return false;
-    return std::all_of(name.begin(), name.end(), [&](QChar ch) {
-        const ushort c = ch.unicode();
+    return std::all_of(begin + 1, end, [](ushort c) {
         return isLetter(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
     });
 }
