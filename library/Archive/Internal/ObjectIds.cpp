@@ -1,11 +1,11 @@
 #include "Archive/Internal/ObjectIds.h"
 
 #include "Archive/Internal/Count.h"
+#include "Archive/Internal/PlainText.h"
 #include "Archive/Internal/Walk.h"
 #include "Archive/Internal/Words.h"
 #include "Archive/Xml.h"
 
-#include <QRegularExpression>
 #include <QXmlStreamReader>
 
 #include <algorithm>
@@ -16,45 +16,6 @@ namespace {
 // The text's reader stops at its first error, and what stands behind does not count. So the tree is searched
 // only where its text is beyond doubt: plain names, no character that XML forbids, nothing but elements and text
 // below the one document element. Everything else is written out and scanned.
-
-bool isPlainName(const QString& name) {
-    if (name.isEmpty() || name.startsWith(QLatin1String("xml"), Qt::CaseInsensitive))
-        return false;
-    const auto isLetter = [](ushort c) {
-        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
-    };
-    if (!isLetter(name.at(0).unicode()))
-        return false;
-    return std::all_of(name.begin(), name.end(), [&](QChar ch) {
-        const ushort c = ch.unicode();
-        return isLetter(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
-    });
-}
-
-bool isPlainText(const QString& text) {
-    for (int i = 0; i < text.size(); ++i) {
-        const ushort c = text.at(i).unicode();
-        if (c >= 0x20 && c < 0xD800)
-            continue;
-        if (c == '\t' || c == '\n' || c == '\r' || (c >= 0xE000 && c < 0xFFFE))
-            continue;
-        const bool isPair =
-            QChar::isHighSurrogate(c) && i + 1 < text.size() && text.at(i + 1).isLowSurrogate();
-        if (!isPair)
-            return false;
-        ++i;
-    }
-    return true;
-}
-
-/// The reader is strict about the declaration, where the DOM takes anything: it stops at version 1.1.
-bool isPlainDeclaration(const QDomNode& node) {
-    static const QRegularExpression plain(
-        QStringLiteral(R"re(\Aversion=("1\.0"|'1\.0')( encoding=("(?i:UTF-8)"|'(?i:UTF-8)'))?\z)re"));
-    const QDomProcessingInstruction declaration = node.toProcessingInstruction();
-    return declaration.target() == QLatin1String("xml") && plain.match(declaration.data()).hasMatch() &&
-           node.parentNode().isDocument() && node.previousSibling().isNull();
-}
 
 /// Takes in the element's id; false where its text is in doubt.
 bool readElement(const QDomElement& e, long long& greatest) {
@@ -74,20 +35,27 @@ bool readElement(const QDomElement& e, long long& greatest) {
     return true;
 }
 
+/// Takes in all ids below a document element; false where its text is in doubt.
+bool readElements(const QDomElement& top, long long& greatest) {
+    for (QDomNode node = top; !node.isNull(); node = nextInDocument(node, top)) {
+        const bool isPlain = node.isElement()
+                                 ? readElement(node.toElement(), greatest)
+                                 : node.nodeType() == QDomNode::TextNode && isPlainText(node.nodeValue());
+        if (!isPlain)
+            return false;
+    }
+    return true;
+}
+
 std::optional<long long> maxInTree(const QDomDocument& document) {
     long long greatest = 1;
-    int documentElements = 0;
-    for (QDomNode node = document.firstChild(); !node.isNull(); node = nextInDocument(node, document)) {
-        if (node.isElement()) {
-            documentElements += node.parentNode() == document ? 1 : 0;
-            if (documentElements > 1 || !readElement(node.toElement(), greatest))
-                return std::nullopt;
-        } else if (node.nodeType() == QDomNode::TextNode) {
-            if (!isPlainText(node.nodeValue()))
-                return std::nullopt;
-        } else if (!isPlainDeclaration(node)) {
+    bool hasElement = false;
+    for (QDomNode node = document.firstChild(); !node.isNull(); node = node.nextSibling()) {
+        const bool isPlain = node.isElement() ? !hasElement && readElements(node.toElement(), greatest)
+                                              : isPlainDeclaration(node);
+        if (!isPlain)
             return std::nullopt;
-        }
+        hasElement = hasElement || node.isElement();
     }
     return greatest;
 }
