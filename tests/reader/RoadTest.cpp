@@ -1,5 +1,4 @@
 #include "Reader/Road.h"
-#include "Reader/Error.h"
 #include "support/Compare.h"
 #include "support/Files.h"
 
@@ -7,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <QByteArray>
+#include <QDomDocument>
 
 #include <algorithm>
 #include <map>
@@ -826,6 +826,45 @@ TEST_P(RoadTest, EveryEffectIsComplete) {
     }
 }
 
+/// The fields that objects of each class have, as the editor itself saved them shortly before the newest version.
+std::map<std::string, std::set<std::string>> newestFields() {
+    std::map<std::string, std::set<std::string>> fields;
+    const Project film(migrated(bytesOf(samples[std::size(samples) - 1])).bytes);
+    for (const auto& [id, object] : film.objects()) {
+        for (const auto& [key, value] : object.items())
+            fields[Project::classOf(object)].insert(key);
+    }
+    return fields;
+}
+
+TEST_P(RoadTest, ObjectsHaveTheFieldsOfTheNewestVersion) {
+    if (!isLong())
+        return;
+    // References that only clips with something to refer to got, and what the title in place of a quiz goes without.
+    std::map<std::string, std::set<std::string>> optional = {
+        {"Timeline::Clip", {"cropEnvelope", "stabilization", "volumeNormalize"}},
+        {"Overlay::Item", {"envelope"}},
+        {"Effect::Object", {"description"}}, // a noise suppression has none
+        {"Timeline::Track", {"used"}},       // a new titles track has none
+    };
+    if (version() < 21 && !Reader::findStep("V21_PresetTypeAdaptor")) {
+        optional["Overlay::Preset"].insert("type");
+        optional["Overlay::Item"].insert("features");
+    }
+    const auto fields = newestFields();
+    const Project film = project();
+    for (const auto& [id, object] : film.objects()) {
+        const std::string className = Project::classOf(object);
+        const auto wanted = fields.find(className);
+        ASSERT_TRUE(wanted != fields.end()) << className;
+        for (const auto& [key, value] : object.items())
+            EXPECT_TRUE(wanted->second.count(key)) << className << " has " << key;
+        for (const std::string& key : wanted->second)
+            EXPECT_TRUE(object.contains(key) || optional[className].count(key))
+                << className << " lacks " << key;
+    }
+}
+
 TEST_P(RoadTest, NoReferenceIsDanglingAndNoIdIsTwice) {
     const Project film = project();
     for (const Reader::DanglingReference& reference : Reader::findDanglingReferences(film.document()))
@@ -850,7 +889,12 @@ TEST_P(RoadTest, StoppingAnywhereLeadsToTheSameProject) {
     const json atOnce = Renumbered::of(result().bytes);
     const QByteArray bytes = bytesOf(GetParam());
     const int first = GetParam().isXml ? version() : std::max(version(), Reader::lastXmlVersion + 1);
-    for (int stop = first; stop < Reader::currentVersion; ++stop) {
+    std::set<int> stops = {first, Reader::lastXmlVersion + 1}; // and behind the steps of each number
+    for (const Reader::Step& step : Reader::chain())
+        stops.insert(step.number);
+    for (const int stop : stops) {
+        if (stop < first || stop >= Reader::currentVersion)
+            continue;
         const Result half = migrated(bytes, stop);
         const Result whole = migrated(half.bytes);
         EXPECT_EQ(Tests::difference(atOnce, Renumbered::of(whole.bytes)), "") << "stopped at " << stop;
@@ -858,6 +902,61 @@ TEST_P(RoadTest, StoppingAnywhereLeadsToTheSameProject) {
         if (HasFailure())
             return;
     }
+}
+
+TEST_P(RoadTest, TheOrderOfRootObjectsMeansNothing) {
+    if (!GetParam().isXml)
+        return;
+    QDomDocument document;
+    ASSERT_TRUE(document.setContent(bytesOf(GetParam())));
+    QDomElement archive = document.documentElement();
+    std::vector<QDomElement> objects;
+    for (QDomElement e = archive.firstChildElement(QStringLiteral("RootObject")); !e.isNull();
+         e = e.nextSiblingElement(QStringLiteral("RootObject")))
+        objects.push_back(e);
+    for (auto it = objects.rbegin(); it != objects.rend(); ++it)
+        archive.appendChild(*it);
+    const Result reversed = migrated(document.toByteArray(1));
+    EXPECT_EQ(Tests::difference(Renumbered::of(result().bytes), Renumbered::of(reversed.bytes)), "");
+}
+
+/// The id of the track that a clip of the main timeline lies on.
+QString trackOf(const QDomDocument& xml, const QString& clipName) {
+    std::map<QString, QString> names; // by id of the clip
+    const QDomNodeList objects = xml.elementsByTagName(QStringLiteral("RootObject"));
+    for (int i = 0; i < objects.size(); ++i) {
+        const QDomElement object = objects.at(i).toElement();
+        names[object.attribute(QStringLiteral("objectId"))] =
+            object.firstChildElement(QStringLiteral("name")).attribute(QStringLiteral("value"));
+    }
+    const QDomNodeList timings = xml.elementsByTagName(QStringLiteral("Value"));
+    for (int i = 0; i < timings.size(); ++i) {
+        const QDomElement timing = timings.at(i).toElement();
+        const QString clip =
+            timing.parentNode().firstChildElement(QStringLiteral("Key")).attribute(QStringLiteral("value"));
+        if (names[clip] == clipName)
+            return timing.firstChildElement(QStringLiteral("track")).attribute(QStringLiteral("value"));
+    }
+    return {};
+}
+
+// The question of a quiz comes out of an archive of its own, whose ids know nothing of the project's.
+TEST(QuizRoadTest, AnswersWithIdsOfTheProjectTakeNoReferencesAway) {
+    Reader::useStandInFolders();
+    const Sample& sample = *std::find_if(std::begin(samples), std::end(samples),
+                                         [](const Sample& s) { return s.version == 34; });
+    const Document document = Reader::parse(bytesOf(sample), QStringLiteral("holiday"));
+    const QString track = trackOf(document.xml(), QStringLiteral("Where was the boat?"));
+    ASSERT_FALSE(track.isEmpty());
+    QString text = QString::fromUtf8(bytesOf(sample));
+    const QString points = QStringLiteral("&lt;points type=\"int32_t\" value=\"3\"/&gt;");
+    ASSERT_EQ(text.count(points), 2);
+    text.replace(points,
+                 points + QStringLiteral("&lt;answer type=\"Quiz::Answer\" objectId=\"%1\"/&gt;").arg(track));
+
+    const Result result = migrated(text.toUtf8());
+    EXPECT_THAT(result.report.duplicateIds, ElementsAre(track.toULongLong()));
+    expectClips(Project(result.bytes), longCut.front(), sample.version);
 }
 
 INSTANTIATE_TEST_SUITE_P(Samples, RoadTest, testing::ValuesIn(samples), [](const auto& info) {
