@@ -138,7 +138,7 @@ void Impl::cleanUpOldAutoEffects() {
     m_ids.greatest(); // before anything goes: ids of what goes are not given again
     removePredeclarations();
     for (const QDomElement& effect : m_autoEffects)
-        Archive::Internal::removeFromParent(effect);
+        m_archive.removeChild(effect); // one that stands elsewhere stays, while its record goes
     for (const auto& [clipId, effectId] : m_effectOfClip) {
         QDomElement effects = effectsOf(m_clips.at(clipId));
         const long long victim = effectId;
