@@ -17,12 +17,12 @@ constexpr const char* dataKey = "data";
 constexpr const char* formVersionKey = "version";
 constexpr const char* schemaVersionKey = "schemaVersion";
 
-/// The first byte that is no white space, behind a byte order mark.
-char firstByte(const QByteArray& bytes) {
+/// The first byte that is no white space, behind a byte order mark; none in a text without content.
+std::optional<char> firstByte(const QByteArray& bytes) {
     int position = bytes.startsWith("\xEF\xBB\xBF") ? 3 : 0;
     while (position < bytes.size() && QByteArray(" \t\r\n").contains(bytes.at(position)))
         ++position;
-    return position < bytes.size() ? bytes.at(position) : '\0';
+    return position < bytes.size() ? std::optional(bytes.at(position)) : std::nullopt;
 }
 
 [[noreturn]] void fail(Problem problem, const QString& name, const std::string& reason) {
@@ -102,11 +102,10 @@ Serialized serializeJson(Document document) {
 } // namespace
 
 Document parse(const QByteArray& bytes, const QString& name, std::optional<int> version) {
-    switch (firstByte(bytes)) {
-    case '\0':
-        if (bytes.trimmed().isEmpty())
-            fail(Problem::Empty, name, "the file is empty");
-        fail(Problem::UnknownForm, name, "neither XML nor JSON in UTF-8");
+    const auto first = firstByte(bytes);
+    if (!first)
+        fail(Problem::Empty, name, "the file is empty");
+    switch (*first) {
     case '<':
         return parseArchive(bytes, name, version);
     case '{':

@@ -35,6 +35,13 @@ void writeStandardOutput(const QByteArray& bytes) {
         fail(Problem::Unwritable, QStringLiteral("standard output"), out.errorString());
 }
 
+/// A device or a pipe takes the bytes itself: a rename would put a file in its place.
+void writeInto(const QString& path, const QByteArray& bytes) {
+    QFile out(path);
+    if (!out.open(QIODevice::WriteOnly | QIODevice::Unbuffered) || out.write(bytes) != bytes.size())
+        fail(Problem::Unwritable, path, out.errorString());
+}
+
 } // namespace
 
 QByteArray readFile(const QString& path) {
@@ -53,6 +60,11 @@ QByteArray readFile(const QString& path) {
 void writeFile(const QString& path, const QByteArray& bytes) {
     if (path == standardStream) {
         writeStandardOutput(bytes);
+        return;
+    }
+    const QFileInfo target(path);
+    if (target.exists() && !target.isFile() && !target.isDir()) {
+        writeInto(path, bytes);
         return;
     }
     QSaveFile file(path);

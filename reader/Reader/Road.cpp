@@ -249,6 +249,7 @@ Report migrate(Document& document, const Journey& journey) {
     {
         Runner runner(journey, report);
         if (wasXml) {
+            checkRootObject(document.xml(), journey);
             sortRootObjects(document.xml());
             runUnnumbered("OverlayFileContentReadAdaptor", document, surroundings, runner);
             runUnnumbered("ThemeTransitionsAndSceneAdaptor", document, surroundings, runner);

@@ -48,13 +48,29 @@ QByteArray sample(const char* name) {
     return QByteArray::fromStdString(Tests::readFile(std::string(SAMPLES_DIR) + '/' + name));
 }
 
-/// A project of version 29 with a timeline and one clip, to which `extra` is added.
-QByteArray archive(const QByteArray& extra = {}, const QByteArray& version = " schemaVersion='29'") {
+/// A project of version 62, unless told otherwise, with a timeline, a track and one clip, to which `extra` is added.
+QByteArray archive(const QByteArray& extra = {}, const QByteArray& version = " schemaVersion='62'") {
     return "<Archive" + version +
-           "><RootRef type='ObjectRef' value='2'/><RootObject type='Timeline::Object' objectId='2'>"
+           "><RootRef type='ObjectRef' value='2'/>"
+           "<RootObject type='Predeclarator' objectId='1'><predeclarations type='Array' size='1'>"
+           "<Item type='Item' index='1'><Data type='Predeclare' objectId='9'><typeName type='String' "
+           "value='Timeline::Clip'/>"
+           "<oid type='ObjectRef' value='3'/><poid type='ObjectRef' value='0'/><refs type='Array' "
+           "size='0'/></Data></Item>"
+           "</predeclarations></RootObject>"
+           "<RootObject type='Timeline::Object' objectId='2'>"
            "<clips type='Array' size='1'><Item type='Item' index='1'><Key type='ObjectRef' value='3'/>"
-           "<Value type='int32_t' value='0'/></Item></clips></RootObject>"
-           "<RootObject type='Timeline::Clip' objectId='3'><name type='String' value='Beach'/></RootObject>" +
+           "<Value type='Timeline::ClipTiming' objectId='4'><track type='ObjectRef' value='5'/>"
+           "<timestamp type='int64_t' value='0'/><duration type='int64_t' value='40'/></Value></Item></clips>"
+           "<tracks type='Array' size='1'><Item type='Item' index='1'><Data type='ObjectRef' "
+           "value='5'/></Item></tracks>"
+           "</RootObject>"
+           "<RootObject type='Timeline::Clip' objectId='3'><name type='String' value='Beach'/><type "
+           "type='int32_t' value='1'/>"
+           "</RootObject>"
+           "<RootObject type='Timeline::Track' objectId='5'><type type='int32_t' value='16'/><used "
+           "type='bool' value='1'/>"
+           "<timeline type='ObjectRef' value='2'/></RootObject>" +
            extra + "</Archive>";
 }
 
@@ -149,7 +165,8 @@ TEST_F(ProgramTest, BadInputHasItsOwnExitCodes) {
 }
 
 TEST_F(ProgramTest, ARootThatIsNotThereIsNoProject) {
-    write("film.xml", archive().replace("ObjectRef' value='2'", "ObjectRef' value='44'"));
+    write("film.xml",
+          archive({}, " schemaVersion='29'").replace("ObjectRef' value='2'", "ObjectRef' value='44'"));
     expectFailure({"migrate", "film.xml"}, 8, "44");
 }
 
@@ -182,14 +199,14 @@ TEST_F(ProgramTest, LostClipsAreNamedAndStrictStops) {
 
 TEST_F(ProgramTest, LogLinesAreShownWithTheirStep) {
     // Version 35 can't do its work without predeclarations, and says so.
-    write("film.xml", archive());
-    const Outcome outcome = run({"migrate", "film.xml"});
+    write("film.xml", archive({}, " schemaVersion='34'").replace("'Predeclarator'", "'Other'"));
+    const QStringList migrate = {"migrate", "film.xml", "--to", "40", "--force"};
+    const Outcome outcome = run(migrate);
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_TRUE(outcome.err.contains("error: V35_UserCollectionAdaptor: Can't adapt user collection"))
         << outcome.err.toStdString();
-    const Outcome strict = run({"migrate", "film.xml", "--strict", "--force"});
-    EXPECT_EQ(strict.exitCode, 14);
-    const json log = json::parse(run({"migrate", "film.xml", "--json", "--force"}).out.toStdString())["log"];
+    EXPECT_EQ(run(migrate + QStringList{"--strict"}).exitCode, 14);
+    const json log = json::parse(run(migrate + QStringList{"--json"}).out.toStdString())["log"];
     ASSERT_FALSE(log.empty());
     EXPECT_EQ(log[0]["step"], "V35_UserCollectionAdaptor");
     EXPECT_EQ(log[0]["severity"], "ERROR");
@@ -254,6 +271,7 @@ TEST_F(ProgramTest, OutputThatCannotBeWritten) {
     ASSERT_TRUE(QDir(m_folder.path()).mkdir("folder"));
     expectFailure({"migrate", "film.xml", "-o", "folder", "--force"}, 15, "folder");
     expectFailure({"migrate", "film.xml", "-o", "/dev/full", "--force"}, 15, "/dev/full");
+    EXPECT_FALSE(QFileInfo("/dev/full").isFile()); // a device is written into, never replaced
 }
 
 TEST_F(ProgramTest, BundlesAreReadAndWritten) {
@@ -279,7 +297,8 @@ TEST_F(ProgramTest, BundlesAreReadAndWritten) {
     EXPECT_EQ(again.exitCode, 0);
     EXPECT_TRUE(again.err.contains("content_1.svg")) << again.err.toStdString();
     EXPECT_EQ(textOf("new/film.v77.json"), QByteArray("<svg/>").toBase64().toStdString());
-    expectFailure({"migrate", "new/.."}, 3, "name the file");
+    write("old/other.json", "{}");
+    expectFailure({"migrate", "old"}, 3, "name the file");
 }
 
 TEST_F(ProgramTest, SideFilesOutsideTheFolderAreRefused) {
@@ -313,7 +332,7 @@ TEST_F(ProgramTest, RunsOneStep) {
     const Outcome outcome = run({"run", "V28_ClipLabelAdaptor", "film.xml"});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
     EXPECT_TRUE(outcome.out.contains("<labels size=\"0\" type=\"Array\"/>"));
-    EXPECT_TRUE(outcome.out.contains("schemaVersion=\"29\""));
+    EXPECT_TRUE(outcome.out.contains("schemaVersion=\"62\""));
     EXPECT_EQ(run({"run", "Project::V28_ClipLabelAdaptor", "-", "-o", "out.xml"}, archive({}, "")).exitCode,
               0);
     EXPECT_TRUE(read("out.xml").contains("<labels"));
@@ -333,13 +352,16 @@ TEST_F(ProgramTest, TellsAboutADocument) {
           archive("<RootObject type='File' objectId='3'><x type='ObjectRef' value='55'/></RootObject>"));
     const json info = json::parse(run({"info", "film.xml", "--json"}).out.toStdString());
     EXPECT_EQ(info["form"], "xml");
-    EXPECT_EQ(info["version"], 29);
-    EXPECT_EQ(info["objects"], json::parse(R"({"File": 1, "Timeline::Clip": 1, "Timeline::Object": 1})"));
+    EXPECT_EQ(info["version"], 62);
+    EXPECT_EQ(
+        info["objects"],
+        json::parse(
+            R"({"File": 1, "Timeline::Clip": 1, "Timeline::ClipTiming": 1, "Timeline::Object": 1, "Timeline::Track": 1})"));
     EXPECT_EQ(info["duplicateIds"], json({3}));
     EXPECT_EQ(info["danglingReferences"], json::parse(R"([{"from": 3, "class": "File", "to": 55}])"));
-    EXPECT_EQ(info["steps"][0], "V32_ColorFiltersAdaptor");
+    EXPECT_EQ(info["steps"][0], "V63_LutEffectAuxResourceAdaptor");
     const Outcome text = run({"info", "film.xml"});
-    EXPECT_TRUE(text.out.contains("version: 29") && text.out.contains("refers to 55"))
+    EXPECT_TRUE(text.out.contains("version: 62") && text.out.contains("refers to 55"))
         << text.out.toStdString();
     EXPECT_TRUE(run({"info", "-"}, archive({}, "")).out.contains("--from N"));
 }

@@ -498,12 +498,14 @@ TEST_P(RoadTest, TimelinesKeepTheirLengths) {
         }
         return length;
     };
-    if (!isLong())
+    if (!isLong()) {
         EXPECT_EQ(lengthOf("Holiday"), 28000);
-    else
+    } else {
         EXPECT_EQ(lengthOf("Holiday"), version() < sinceQuizzes ? 43750 : 48750);
-    if (isLong() && version() >= sinceScenes)
+    }
+    if (isLong() && version() >= sinceScenes) {
         EXPECT_EQ(lengthOf("Village"), 5000);
+    }
 }
 
 TEST_P(RoadTest, TracksSayWhatTheyAre) {
@@ -548,8 +550,9 @@ TEST_P(RoadTest, TitlesKeepTheirTexts) {
     EXPECT_THAT(midday, Contains(testing::HasSubstr("gradient_solid_white_retain")));
     EXPECT_THAT(midday, Contains(testing::HasSubstr("<circle")));
     EXPECT_THAT(textsOf(film, clipNamed(film, "Look")), Contains("Look!"));
-    if (version() >= sinceQuizzes)
+    if (version() >= sinceQuizzes) {
         EXPECT_THAT(textsOf(film, clipNamed(film, "SimpleText")), Contains(testing::HasSubstr("Quiz")));
+    }
 }
 
 TEST_P(RoadTest, OverlaysAreOfTheNewPresetType) {
@@ -821,8 +824,9 @@ TEST_P(RoadTest, EveryEffectIsComplete) {
         EXPECT_EQ(range.at("from"), 0);
         EXPECT_EQ(range.at("to"), -1);
         EXPECT_FALSE(effect->contains("location"));
-        if (effect->contains("description"))
+        if (effect->contains("description")) {
             EXPECT_EQ(effect->at("description") == "", effect->at("tag") == "") << *effect;
+        }
     }
 }
 
@@ -959,8 +963,8 @@ TEST(QuizRoadTest, AnswersWithIdsOfTheProjectTakeNoReferencesAway) {
     expectClips(Project(result.bytes), longCut.front(), sample.version);
 }
 
-INSTANTIATE_TEST_SUITE_P(Samples, RoadTest, testing::ValuesIn(samples), [](const auto& info) {
-    std::string name = info.param.file;
+INSTANTIATE_TEST_SUITE_P(Samples, RoadTest, testing::ValuesIn(samples), [](const auto& param) {
+    std::string name = param.param.file;
     std::replace_if(
         name.begin(), name.end(), [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); }, '_');
     return name;
