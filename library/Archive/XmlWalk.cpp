@@ -12,13 +12,16 @@ namespace {
 /// Fetches the elements of a live list by number, as QDomNodeList does, but without building the list again
 /// after a change that left the list alone. That is told from the places around the current element and from
 /// walking on to the next; the first sign of an element of the tag that came or went hands over to the real
-/// list for good.
+/// list for good. A change far from the current element shows no sign, so where building the list again each
+/// time is cheap anyway, the real list serves from the start.
 class LiveList {
 public:
     LiveList(const QDomNode& below, const QString& tag, const QDomNodeList& list)
         : m_below(below), m_tag(tag), m_list(list), m_snapshot(Internal::elements(below, tag)) {
-        if (!m_snapshot.empty())
-            m_beforeFirst = m_snapshot.front().previousSibling();
+        if (m_snapshot.empty())
+            return;
+        m_beforeFirst = m_snapshot.front().previousSibling();
+        m_trusted = hasMoreNodesThan(affordableVisits / m_snapshot.size());
     }
 
     std::size_t length() const { return m_snapshot.size(); }
@@ -33,9 +36,21 @@ public:
     }
 
 private:
+    /// Nodes to walk over in all when the list is built again for each of its elements: some tenths of a second.
+    static constexpr std::size_t affordableVisits = 10'000'000;
+
+    bool hasMoreNodesThan(std::size_t limit) const {
+        std::size_t count = 0;
+        for (QDomNode node = m_below; !node.isNull(); node = Internal::nextInDocument(node, m_below)) {
+            if (++count > limit)
+                return true;
+        }
+        return false;
+    }
+
     bool standsAsBefore(std::size_t number) const {
         const QDomElement& previous = m_snapshot[number - 1];
-        return isBelow(previous) && previous.previousSibling() == m_before &&
+        return isBelow(previous) && previous.previousSibling() == m_before && isBelow(m_snapshot.front()) &&
                m_snapshot.front().previousSibling() == m_beforeFirst && next(previous) == m_snapshot[number];
     }
 

@@ -5,6 +5,8 @@
 #include "Archive/Internal/Words.h"
 #include "Archive/Xml.h"
 
+#include <QRegularExpression>
+
 #include <algorithm>
 
 namespace Archive::Internal {
@@ -44,12 +46,13 @@ bool isPlainText(const QString& text) {
     return true;
 }
 
+/// The reader is strict about the declaration, where the DOM takes anything: it stops at version 1.1.
 bool isPlainDeclaration(const QDomNode& node) {
+    static const QRegularExpression plain(
+        QStringLiteral(R"re(\Aversion=("1\.0"|'1\.0')( encoding=("(?i:UTF-8)"|'(?i:UTF-8)'))?\z)re"));
     const QDomProcessingInstruction declaration = node.toProcessingInstruction();
-    return declaration.target() == QLatin1String("xml") &&
-           (!declaration.data().contains(QLatin1String("encoding")) ||
-            declaration.data().contains(QLatin1String("utf-8"), Qt::CaseInsensitive)) &&
-           node.previousSibling().isNull();
+    return declaration.target() == QLatin1String("xml") && plain.match(declaration.data()).hasMatch() &&
+           node.parentNode().isDocument() && node.previousSibling().isNull();
 }
 
 /// Takes in the element's id; false where its text is in doubt.
