@@ -16,8 +16,12 @@ namespace {
 // only where its text is beyond doubt: plain names, no character that XML forbids, nothing but elements and text
 // below the one document element. Everything else is written out and scanned.
 
+constexpr int longestPlainName = 1000;   // the reader takes no name of several thousand characters
+constexpr int mostPlainAttributes = 100; // each one is counted out from the first to be fetched
+
 bool isPlainName(const QString& name) {
-    if (name.isEmpty() || name.startsWith(QLatin1String("xml"), Qt::CaseInsensitive))
+    if (name.isEmpty() || name.size() > longestPlainName ||
+        name.startsWith(QLatin1String("xml"), Qt::CaseInsensitive))
         return false;
     const auto isLetter = [](ushort c) {
         return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
@@ -55,25 +59,33 @@ bool isPlainDeclaration(const QDomNode& node) {
            node.parentNode().isDocument() && node.previousSibling().isNull();
 }
 
+/// What was made with a namespace is written with more than its name, and one attribute may stand twice.
+bool isPlain(const QDomNode& elementOrAttribute) {
+    return isPlainName(elementOrAttribute.nodeName()) && elementOrAttribute.localName().isNull();
+}
+
 /// Takes in the element's id; false where its text is in doubt.
 bool readElement(const QDomElement& e, long long& greatest) {
-    if (!isPlainName(e.tagName()))
+    if (!isPlain(e))
         return false;
     const QDomNamedNodeMap attributes = e.attributes();
     const int length = attributes.length();
+    if (length > mostPlainAttributes)
+        return false;
     for (int number = 0; number < length; ++number) {
         const QDomNode attribute = attributes.item(number);
-        const QString name = attribute.nodeName();
         const QString value = attribute.nodeValue();
-        if (!isPlainName(name) || !isPlainText(value))
+        if (!isPlain(attribute) || !isPlainText(value))
             return false;
-        if (name == Words::objectId)
+        if (attribute.nodeName() == Words::objectId)
             greatest = std::max(greatest, static_cast<long long>(value.toLongLong()));
     }
     return true;
 }
 
 std::optional<long long> maxInTree(const QDomDocument& document) {
+    if (!document.doctype().name().isEmpty())
+        return std::nullopt; // it is written in front, and is no child of the document
     long long greatest = 1;
     int documentElements = 0;
     for (QDomNode node = document.firstChild(); !node.isNull(); node = nextInDocument(node, document)) {
@@ -82,7 +94,7 @@ std::optional<long long> maxInTree(const QDomDocument& document) {
             if (documentElements > 1 || !readElement(node.toElement(), greatest))
                 return std::nullopt;
         } else if (node.nodeType() == QDomNode::TextNode) {
-            if (!isPlainText(node.nodeValue()))
+            if (!isPlainText(node.nodeValue()) || node.parentNode() == document)
                 return std::nullopt;
         } else if (!isPlainDeclaration(node)) {
             return std::nullopt;
