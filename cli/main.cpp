@@ -5,6 +5,7 @@
 #include "Summary.h"
 #include "Terminal.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QHashFunctions>
 
@@ -40,6 +41,7 @@ struct Arguments {
     std::string file;
     std::string output;
     std::string step;
+    std::string bundle;
     std::string packagesRoot;
     std::string aiModelsRoot;
     std::string downloadableRoot;
@@ -71,15 +73,42 @@ void tell(const Arguments& arguments, const QString& output, const Summary& summ
         (isStandardStream(output) ? std::cerr : std::cout) << asJson(summary);
 }
 
+/// The project file in a folder: the one .xml or .json file there.
+QString projectIn(const QString& folder) {
+    const QStringList names =
+        QDir(folder).entryList({QStringLiteral("*.xml"), QStringLiteral("*.json")}, QDir::Files, QDir::Name);
+    if (names.size() != 1)
+        throw Reader::Error(Problem::Unreadable,
+                            folder.toStdString() +
+                                ": a project's folder holds one .xml or .json file, this one " +
+                                std::to_string(names.size()) + "; name the file");
+    return QDir(folder).filePath(names.front());
+}
+
+/// The project's file, for a folder that holds a project too.
+QString inputFor(const Arguments& arguments) {
+    const QString input = path(arguments.file);
+    return QFileInfo(input).isDir() ? projectIn(input) : input;
+}
+
+/// The folder that side files are looked up in and written to.
+QString folderOf(const QString& file) {
+    return isStandardStream(file) ? QString() : QFileInfo(file).absolutePath();
+}
+
 /// Where the result goes: as told, in the input's place, or beside it under the version's name.
 QString outputFor(const Arguments& arguments, const QString& input) {
     if (arguments.inPlace)
         return input;
     if (!arguments.output.empty())
         return path(arguments.output);
-    if (isStandardStream(input))
+    if (isStandardStream(input) && arguments.bundle.empty())
         return Reader::standardStream;
-    const QFileInfo file(input);
+    const QFileInfo file(arguments.bundle.empty()
+                             ? input
+                             : QDir(path(arguments.bundle))
+                                   .filePath(isStandardStream(input) ? QStringLiteral("project")
+                                                                     : QFileInfo(input).fileName()));
     const char* suffix = arguments.to > Reader::lastXmlVersion ? "json" : "xml";
     const QString name =
         QStringLiteral("%1.v%2.%3").arg(file.completeBaseName()).arg(arguments.to).arg(suffix);
@@ -109,15 +138,20 @@ void useFolders(const Arguments& arguments) {
 }
 
 int migrate(const Arguments& arguments) {
-    const QString input = path(arguments.file);
+    const QString input = inputFor(arguments);
     const QString output = outputFor(arguments, input);
     if (arguments.inPlace && isStandardStream(input))
         throw Reader::Error(Problem::WrongUse, "--in-place needs a file, not standard input");
     refuseExisting(arguments, output);
     useFolders(arguments);
 
-    const Reader::Journey journey{nameOf(input), projectLocation(input, output),
-                                  projectLocation(output, input), arguments.to};
+    const Reader::Journey journey{nameOf(input),
+                                  projectLocation(input, output),
+                                  projectLocation(output, input),
+                                  arguments.to,
+                                  Reader::SideFiles(folderOf(input)),
+                                  Reader::SideFiles(folderOf(output), arguments.force),
+                                  !arguments.bundle.empty()};
     const QByteArray bytes = Reader::readFile(input);
     Reader::Document document = Reader::parse(bytes, journey.name, arguments.from);
     Reader::Report report = Reader::migrate(document, journey);
@@ -139,13 +173,17 @@ int migrate(const Arguments& arguments) {
 }
 
 int run(const Arguments& arguments) {
-    const QString input = path(arguments.file);
+    const QString input = inputFor(arguments);
     const QString output = arguments.output.empty() ? Reader::standardStream : path(arguments.output);
     refuseExisting(arguments, output);
     useFolders(arguments);
 
-    const Reader::Journey journey{nameOf(input), projectLocation(input, output),
-                                  projectLocation(output, input)};
+    const Reader::Journey journey{nameOf(input),
+                                  projectLocation(input, output),
+                                  projectLocation(output, input),
+                                  Reader::currentVersion,
+                                  Reader::SideFiles(folderOf(input)),
+                                  Reader::SideFiles(folderOf(output), arguments.force)};
     Reader::Document document = Reader::parse(Reader::readFile(input), journey.name, arguments.from);
     const Reader::Report report = Reader::runOne(document, arguments.step, journey);
     for (const Reader::LogLine& line : report.log)
@@ -156,9 +194,9 @@ int run(const Arguments& arguments) {
 }
 
 int info(const Arguments& arguments) {
-    const QString name = nameOf(path(arguments.file));
-    const Reader::Document document =
-        Reader::parse(Reader::readFile(path(arguments.file)), name, arguments.from);
+    const QString input = inputFor(arguments);
+    const QString name = nameOf(input);
+    const Reader::Document document = Reader::parse(Reader::readFile(input), name, arguments.from);
     std::cout << (arguments.json ? infoAsJson(document, name) : infoAsText(document, name));
     return 0;
 }
@@ -170,7 +208,9 @@ int steps(const Arguments& arguments) {
 }
 
 CLI::Option* addFile(CLI::App* command, Arguments& arguments) {
-    return command->add_option("FILE", arguments.file, "The project; - is standard input")->required();
+    return command
+        ->add_option("FILE", arguments.file, "The project, or the folder that holds it; - is standard input")
+        ->required();
 }
 
 void addFrom(CLI::App* command, Arguments& arguments) {
@@ -203,8 +243,15 @@ void addMigrate(CLI::App& app, Arguments& arguments) {
     CLI::Option* output =
         command->add_option("-o,--output", arguments.output,
                             "Where the result goes; - is standard output [FILE's name with .v77.json]");
-    command->add_flag("--in-place", arguments.inPlace, "Replace FILE and keep what it was as FILE.bak")
-        ->excludes(output);
+    CLI::Option* inPlace =
+        command->add_flag("--in-place", arguments.inPlace, "Replace FILE and keep what it was as FILE.bak");
+    inPlace->excludes(output);
+    command
+        ->add_option("--bundle", arguments.bundle,
+                     "Write to this folder, with texts of titles that are SVG as files beside the project")
+        ->excludes(output)
+        ->excludes(inPlace)
+        ->check(CLI::ExistingDirectory);
     command->add_flag("--force", arguments.force, "Replace an output that exists");
     addFrom(command, arguments);
     addTo(command, arguments, "The schema version to stop at: up to 62 an XML archive, from 63 on JSON");
@@ -256,8 +303,8 @@ void addInfo(CLI::App& app, Arguments& arguments) {
 int runProgram(int argc, char** argv) {
     Arguments arguments;
     CLI::App app("Brings old projects of the video editor to the newest schema version.", "adaptors");
-    app.set_version_flag("--version",
-                         "adaptors 1.0.0, schema version " + std::to_string(Reader::currentVersion));
+    app.set_version_flag("--version", "adaptors " ADAPTORS_VERSION ", schema version " +
+                                          std::to_string(Reader::currentVersion));
     app.require_subcommand(1);
     app.set_help_all_flag("--help-all", "Help for all commands");
     app.footer(std::string("Example:\n  adaptors migrate film.xml\n") + exitCodes);

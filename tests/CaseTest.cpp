@@ -1,7 +1,8 @@
 // Runs the cases of tests/cases/<Class>/<case>/: one adaptor on before.xml or before.json gives after.* and logs
 // the lines of log.txt ("ERROR text"; no file, no line). With throws.txt it throws, and the exception's text
 // contains that of the file; after.* may be missing then. setup.json gives what an adaptor's constructor needs and
-// the editor's folders. JSON documents are written flat, as {"id": object, ...}.
+// the editor's folders. side-files.json holds all side files that the adaptor writes, as {name: text}. JSON
+// documents are written flat, as {"id": object, ...}.
 
 #include "Serialize/Json/FlatObject.h"
 #include "Settings/Settings.h"
@@ -101,7 +102,12 @@ protected:
     fs::path file(const char* name) const { return GetParam() / name; }
     std::string adaptorName() const { return GetParam().parent_path().filename().string(); }
 
-    /// Runs the adaptor and compares its log and its exception with what the case expects.
+    json expectedSideFiles() const {
+        return fs::exists(file("side-files.json")) ? json::parse(Tests::readFile(file("side-files.json")))
+                                                   : json::object();
+    }
+
+    /// Runs the adaptor and compares its log, its exception and its side files with what the case expects.
     template <class Adaptor, class Document>
     void run(Adaptor& adaptor, Document& document) {
         const Tests::Log log;
@@ -121,6 +127,7 @@ protected:
                 << "expected the exception \"" << expected << "\", got \"" << thrown << "\"";
         }
         EXPECT_EQ(log.lines(), readLines(file("log.txt")));
+        EXPECT_EQ(m_setup.value("writtenFiles", json::object()), expectedSideFiles());
     }
 
     json m_setup = json::object();

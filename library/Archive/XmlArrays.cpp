@@ -122,6 +122,15 @@ bool removePredeclare(QDomElement& predeclarations, long long id) {
 
 namespace Internal {
 
+QDomElement predeclarationsAmong(const Elements& rootObjects) {
+    QDomElement predeclarations;
+    for (const QDomElement& object : rootObjects) {
+        if (typeOf(object) == Words::Predeclarator)
+            predeclarations = object.firstChildElement(Words::predeclarations);
+    }
+    return predeclarations;
+}
+
 long long declaredId(const QDomElement& record) {
     return valueOf(record, Words::oid).toLongLong();
 }

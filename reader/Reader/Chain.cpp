@@ -1,25 +1,80 @@
 #include "Reader/Chain.h"
 
+#include "Adaptors/Project/V11_PopArtPresetAdaptor.h"
 #include "Adaptors/Project/V12_ClipPreviewAdaptor.h"
+#include "Adaptors/Project/V13_PictureInPictureAdaptor.h"
+#include "Adaptors/Project/V14_CropEffectAdaptor.h"
+#include "Adaptors/Project/V15_SvgRetainFeatureAdaptor.h"
+#include "Adaptors/Project/V15_TwoPassStabilizationAdaptor.h"
 #include "Adaptors/Project/V16_PanZoomAdaptor.h"
+#include "Adaptors/Project/V17_TitleAdaptorSunLabel.h"
+#include "Adaptors/Project/V18_AudioEffectToFilterAdaptor.h"
+#include "Adaptors/Project/V18_NoiseRemovalAdaptor.h"
 #include "Adaptors/Project/V20_HighlightConcealAdaptor.h"
+#include "Adaptors/Project/V21_KeepAspectAdaptor.h"
+#include "Adaptors/Project/V22_TransitionsAdaptor.h"
+#include "Adaptors/Project/V23_EffectTransitionIdToStringAdaptor.h"
+#include "Adaptors/Project/V24_CompositionRemoveAdaptor.h"
+#include "Adaptors/Project/V25_OverlayAnimationAdaptor.h"
+#include "Adaptors/Project/V25_TransitionTypeResourceAdaptor.h"
+#include "Adaptors/Project/V26_VideoResizeMethodAdaptor.h"
+#include "Adaptors/Project/V27_MultitrackAdaptor.h"
 #include "Adaptors/Project/V28_ClipLabelAdaptor.h"
 #include "Adaptors/Project/V29_ClipTimingModeAdaptor.h"
+#include "Adaptors/Project/V32_ColorFiltersAdaptor.h"
+#include "Adaptors/Project/V33_EffectIntensityAdaptor.h"
 #include "Adaptors/Project/V34_NoPreviewAdaptor.h"
 #include "Adaptors/Project/V35_UserCollectionAdaptor.h"
+#include "Adaptors/Project/V36_UnlimitedIntroAdaptor.h"
+#include "Adaptors/Project/V37_UnusedBlindsAndRippleParamsAdaptor.h"
+#include "Adaptors/Project/V38_OverlayDropShadowAdaptor.h"
+#include "Adaptors/Project/V40_RemoveQuizFromOverlayAdaptor.h"
+#include "Adaptors/Project/V41_CutawayToPictureInPictureAdaptor.h"
+#include "Adaptors/Project/V42_SideBySideTransformAdaptor.h"
 #include "Adaptors/Project/V44_StringPtrToStringAdaptor.h"
+#include "Adaptors/Project/V46_GaplessTrackAdaptor.h"
+#include "Adaptors/Project/V46_TransitionToClipPairAdaptor.h"
+#include "Adaptors/Project/V47_TransitionDurationAdaptor.h"
 #include "Adaptors/Project/V48_OldPortablePathAdaptor.h"
 #include "Adaptors/Project/V49_ImportRemoteSizeAdaptor.h"
+#include "Adaptors/Project/V4_EffectNamespaceAdaptor.h"
+#include "Adaptors/Project/V4_TrackValueAdaptor.h"
+#include "Adaptors/Project/V4_TransposeEffectAdaptor.h"
+#include "Adaptors/Project/V50_OverlayItemTextEncode.h"
+#include "Adaptors/Project/V51_ClipTrackingAdaptor.h"
 #include "Adaptors/Project/V51_MaskEffectAdaptor.h"
+#include "Adaptors/Project/V52_SpeedCompensationAdaptor.h"
+#include "Adaptors/Project/V53_TrackingLinkAdaptor.h"
+#include "Adaptors/Project/V54_TransitionVolumeAdaptor.h"
+#include "Adaptors/Project/V55_AudioEffectsGroupIdAdaptor.h"
+#include "Adaptors/Project/V55_AudioEffectsIntensityAdaptor.h"
+#include "Adaptors/Project/V55_AudioNormalizationEffectAdaptor.h"
+#include "Adaptors/Project/V55_EffectBypassAdaptor.h"
 #include "Adaptors/Project/V56_LutUniqueIdAdaptor.h"
 #include "Adaptors/Project/V56_ResourceTableAdaptor.h"
+#include "Adaptors/Project/V57_NoiseGateEffectRangeAdaptor.h"
 #include "Adaptors/Project/V57_ProjectPersistentObjectAdaptor.h"
 #include "Adaptors/Project/V58_EffectAuxResourceAdaptor.h"
 #include "Adaptors/Project/V59_EffectAuxResourceDownloadingAdaptor.h"
+#include "Adaptors/Project/V5_EnumcastAdaptor.h"
+#include "Adaptors/Project/V5_PresetSettingsAdaptor.h"
 #include "Adaptors/Project/V60_CollectionItemDescriptionAdaptor.h"
+#include "Adaptors/Project/V61_EffectProcessedRangeAdaptor.h"
 #include "Adaptors/Project/V62_CollectionItemPayloadAdaptor.h"
 #include "Adaptors/Project/V63_LutEffectAuxResourceAdaptor.h"
+#include "Adaptors/Project/V64_OverlayPayloadFontDirAdaptor.h"
+#include "Adaptors/Project/V64_OverlayResourceInfoAdaptor.h"
 #include "Adaptors/Project/V67_ClipCollectionItemInfoAdaptor.h"
+#include "Adaptors/Project/V68_ManualEnhanceEffectAdaptor.h"
+#include "Adaptors/Project/V69_RemoveQuizzesAdaptor.h"
+#include "Adaptors/Project/V71_ImportBlendAndTransformAdaptor.h"
+#include "Adaptors/Project/V72_TrackTypeAdaptor.h"
+#include "Adaptors/Project/V77_TitlesTrackAdaptor.h"
+#include "Adaptors/Project/V77_TrackLevelAdaptor.h"
+#include "Adaptors/Project/V77_TrackUsedAdaptor.h"
+#include "Adaptors/Project/V7_PenEnableAdaptor.h"
+#include "Adaptors/Project/V8_ChromaKeyPiPAdaptor.h"
+#include "Adaptors/Project/V9_StabilizationAdaptor.h"
 
 #include <algorithm>
 #include <type_traits>
@@ -44,26 +99,81 @@ constexpr Step step(int number, std::string_view className, std::string_view sum
 // By number, then by class name; the steps of version 77 alone stand in the order in which they need each other.
 // clang-format off
 constexpr Step steps[] = {
+    step<Project::V4_EffectNamespaceAdaptor>(4, "V4_EffectNamespaceAdaptor", "Effect and transition classes move into namespaces."),
+    step<Project::V4_TrackValueAdaptor>(4, "V4_TrackValueAdaptor", "Clips on the tracks 1 to 5 lie on the tracks 16, 48, 64, 80 and 96."),
+    step<Project::V4_TransposeEffectAdaptor>(4, "V4_TransposeEffectAdaptor", "A clip's angle becomes an effect that turns it."),
+    step<Project::V5_EnumcastAdaptor>(5, "V5_EnumcastAdaptor", "Enumerated fields of transitions and effects are stored as signed numbers."),
+    step<Project::V5_PresetSettingsAdaptor>(5, "V5_PresetSettingsAdaptor", "Stock presets store the settings that their tag implied."),
+    step<Project::V7_PenEnableAdaptor>(7, "V7_PenEnableAdaptor", "Outlines can be switched off."),
+    step<Project::V8_ChromaKeyPiPAdaptor>(8, "V8_ChromaKeyPiPAdaptor", "Clips with a chroma key get a cutaway besides."),
+    step<Project::V9_StabilizationAdaptor>(9, "V9_StabilizationAdaptor", "Clips keep the path of their source file as their original path."),
+    step<Project::V11_PopArtPresetAdaptor>(11, "V11_PopArtPresetAdaptor", "Pop art effects get the preset that their tag implied."),
     step<Project::V12_ClipPreviewAdaptor>(12, "V12_ClipPreviewAdaptor", "The preview image of a clip becomes an object of its own."),
+    step<Project::V13_PictureInPictureAdaptor>(13, "V13_PictureInPictureAdaptor", "Picture-in-picture effects hold their place as a matrix and no longer fade."),
+    step<Project::V14_CropEffectAdaptor>(14, "V14_CropEffectAdaptor", "Crop effects hold a matrix in place of a rectangle."),
+    step<Project::V15_SvgRetainFeatureAdaptor>(15, "V15_SvgRetainFeatureAdaptor", "The solid white gradient of titles keeps its colours."),
+    step<Project::V15_TwoPassStabilizationAdaptor>(15, "V15_TwoPassStabilizationAdaptor", "Stabilized clips get a stabilization object with settings in place of two paths."),
     step<Project::V16_PanZoomAdaptor>(16, "V16_PanZoomAdaptor", "Zoom and pan-and-zoom effects become crop envelopes of their clips."),
+    step<Project::V17_TitleAdaptorSunLabel>(17, "V17_TitleAdaptorSunLabel", "The two items of the title SunLabel change order."),
+    step<Project::V18_AudioEffectToFilterAdaptor>(18, "V18_AudioEffectToFilterAdaptor", "Equalizers and noise reductions become audio filters."),
+    step<Project::V18_NoiseRemovalAdaptor>(18, "V18_NoiseRemovalAdaptor", "Noise reductions and noise gates become noise suppressions."),
     step<Project::V20_HighlightConcealAdaptor>(20, "V20_HighlightConcealAdaptor", "Mask effects become highlight or conceal effects with a list of frames."),
+    step<Project::V21_KeepAspectAdaptor>(21, "V21_KeepAspectAdaptor", "Transformations lose their aspect flag."),
+    step<Project::V22_TransitionsAdaptor>(22, "V22_TransitionsAdaptor", "Transitions take half their length from each of the two clips around them."),
+    step<Project::V23_EffectTransitionIdToStringAdaptor>(23, "V23_EffectTransitionIdToStringAdaptor", "Numbers of effects and transitions become resource identifiers."),
+    step<Project::V24_CompositionRemoveAdaptor>(24, "V24_CompositionRemoveAdaptor", "Files lose their composition with its markers and ranges."),
+    step<Project::V25_OverlayAnimationAdaptor>(25, "V25_OverlayAnimationAdaptor", "Overlay items get an envelope for their movement."),
+    step<Project::V25_TransitionTypeResourceAdaptor>(25, "V25_TransitionTypeResourceAdaptor", "Transitions get the type 0 and an empty list of resources."),
+    step<Project::V26_VideoResizeMethodAdaptor>(26, "V26_VideoResizeMethodAdaptor", "Videos lose their resize mode."),
+    step<Project::V27_MultitrackAdaptor>(27, "V27_MultitrackAdaptor", "Timelines get six track objects, and clips refer to the track they lie on."),
     step<Project::V28_ClipLabelAdaptor>(28, "V28_ClipLabelAdaptor", "Clips get an empty list of labels."),
     step<Project::V29_ClipTimingModeAdaptor>(29, "V29_ClipTimingModeAdaptor", "Clip timings get the timing mode 0."),
+    step<Project::V32_ColorFiltersAdaptor>(32, "V32_ColorFiltersAdaptor", "Each automatic colour correction becomes an effect of its own."),
+    step<Project::V33_EffectIntensityAdaptor>(33, "V33_EffectIntensityAdaptor", "Every effect gets an intensity; eight effects fold their own strength into it."),
     step<Project::V34_NoPreviewAdaptor>(34, "V34_NoPreviewAdaptor", "Previews of clips are no longer saved."),
     step<Project::V35_UserCollectionAdaptor>(35, "V35_UserCollectionAdaptor", "The project gets a user collection and a new root above the timeline."),
+    step<Project::V36_UnlimitedIntroAdaptor>(36, "V36_UnlimitedIntroAdaptor", "Clips of the types 8 and 16 are no longer of unlimited duration."),
+    step<Project::V37_UnusedBlindsAndRippleParamsAdaptor>(37, "V37_UnusedBlindsAndRippleParamsAdaptor", "Ripple and blinds transitions lose a field that nothing uses."),
+    step<Project::V38_OverlayDropShadowAdaptor>(38, "V38_OverlayDropShadowAdaptor", "Overlay items get a drop shadow, switched off."),
+    step<Project::V40_RemoveQuizFromOverlayAdaptor>(40, "V40_RemoveQuizFromOverlayAdaptor", "Quizzes become objects of their own instead of overlays."),
+    step<Project::V41_CutawayToPictureInPictureAdaptor>(41, "V41_CutawayToPictureInPictureAdaptor", "Cutaways become picture-in-picture effects that fill the frame."),
+    step<Project::V42_SideBySideTransformAdaptor>(42, "V42_SideBySideTransformAdaptor", "Side-by-side effects get the matrices that their mode implied."),
     step<Project::V44_StringPtrToStringAdaptor>(44, "V44_StringPtrToStringAdaptor", "Strings that could be null become plain strings."),
+    step<Project::V46_GaplessTrackAdaptor>(46, "V46_GaplessTrackAdaptor", "Tracks say whether they are kept without gaps."),
+    step<Project::V46_TransitionToClipPairAdaptor>(46, "V46_TransitionToClipPairAdaptor", "Timelines list their transitions, each with the two clips that it joins."),
+    step<Project::V47_TransitionDurationAdaptor>(47, "V47_TransitionDurationAdaptor", "Transitions get the default duration 2000."),
     step<Project::V48_OldPortablePathAdaptor>(48, "V48_OldPortablePathAdaptor", "Old portable paths become the paths themselves."),
     step<Project::V49_ImportRemoteSizeAdaptor>(49, "V49_ImportRemoteSizeAdaptor", "Imports get an unknown remote size."),
+    step<Project::V50_OverlayItemTextEncode>(50, "V50_OverlayItemTextEncode", "Texts of overlay items are stored as base64."),
+    step<Project::V51_ClipTrackingAdaptor>(51, "V51_ClipTrackingAdaptor", "Clips get an empty list of motion trackings."),
     step<Project::V51_MaskEffectAdaptor>(51, "V51_MaskEffectAdaptor", "The highlight and conceal effects of a clip are merged into one mask effect."),
+    step<Project::V52_SpeedCompensationAdaptor>(52, "V52_SpeedCompensationAdaptor", "Clip timings get the flag for speed compensation, off."),
+    step<Project::V53_TrackingLinkAdaptor>(53, "V53_TrackingLinkAdaptor", "Timelines get an empty list of tracking links."),
+    step<Project::V54_TransitionVolumeAdaptor>(54, "V54_TransitionVolumeAdaptor", "Transitions get the volume 100."),
+    step<Project::V55_AudioEffectsGroupIdAdaptor>(55, "V55_AudioEffectsGroupIdAdaptor", "Audio effects that share their group's identity get one of their own."),
+    step<Project::V55_AudioEffectsIntensityAdaptor>(55, "V55_AudioEffectsIntensityAdaptor", "Phone and pitch presets get an intensity."),
+    step<Project::V55_AudioNormalizationEffectAdaptor>(55, "V55_AudioNormalizationEffectAdaptor", "Normalized clips get a normalization effect."),
+    step<Project::V55_EffectBypassAdaptor>(55, "V55_EffectBypassAdaptor", "Effects can be bypassed; none is yet."),
     step<Project::V56_LutUniqueIdAdaptor>(56, "V56_LutUniqueIdAdaptor", "Generic LUT effects are named after their cube."),
     step<Project::V56_ResourceTableAdaptor>(56, "V56_ResourceTableAdaptor", "The project gets an empty table of its resources."),
+    step<Project::V57_NoiseGateEffectRangeAdaptor>(57, "V57_NoiseGateEffectRangeAdaptor", "Noise gates are set by their intensity instead of a range."),
     step<Project::V57_ProjectPersistentObjectAdaptor>(57, "V57_ProjectPersistentObjectAdaptor", "Content and resource table move into a new root."),
     step<Project::V58_EffectAuxResourceAdaptor>(58, "V58_EffectAuxResourceAdaptor", "Effects get an empty auxiliary resource."),
     step<Project::V59_EffectAuxResourceDownloadingAdaptor>(59, "V59_EffectAuxResourceDownloadingAdaptor", "Effects get place, address and size of their auxiliary resource."),
     step<Project::V60_CollectionItemDescriptionAdaptor>(60, "V60_CollectionItemDescriptionAdaptor", "Effects, transitions, overlays and imports are described by their tag."),
+    step<Project::V61_EffectProcessedRangeAdaptor>(61, "V61_EffectProcessedRangeAdaptor", "Effects get the range that they work on, which is the whole."),
     step<Project::V62_CollectionItemPayloadAdaptor>(62, "V62_CollectionItemPayloadAdaptor", "Collection items take over the download of the object they hold."),
     step<Project::V63_LutEffectAuxResourceAdaptor>(63, "V63_LutEffectAuxResourceAdaptor", "The cube of a LUT becomes its auxiliary resource."),
+    step<Project::V64_OverlayPayloadFontDirAdaptor>(64, "V64_OverlayPayloadFontDirAdaptor", "Overlays get an empty folder of fonts."),
+    step<Project::V64_OverlayResourceInfoAdaptor>(64, "V64_OverlayResourceInfoAdaptor", "Overlay items get an empty list of resources."),
     step<Project::V67_ClipCollectionItemInfoAdaptor>(67, "V67_ClipCollectionItemInfoAdaptor", "Clips get an empty collection item info."),
+    step<Project::V68_ManualEnhanceEffectAdaptor>(68, "V68_ManualEnhanceEffectAdaptor", "The parameters of manual enhance move to a common scale from -1 to 1."),
+    step<Project::V69_RemoveQuizzesAdaptor>(69, "V69_RemoveQuizzesAdaptor", "Quiz clips leave the timelines; a title keeps the length."),
+    step<Project::V71_ImportBlendAndTransformAdaptor>(71, "V71_ImportBlendAndTransformAdaptor", "Imports get a blending mode and the identity as transform."),
+    step<Project::V72_TrackTypeAdaptor>(72, "V72_TrackTypeAdaptor", "Track types become bit values."),
+    step<Project::V77_TrackUsedAdaptor>(77, "V77_TrackUsedAdaptor", "Unused and empty tracks leave their timeline."),
+    step<Project::V77_TitlesTrackAdaptor>(77, "V77_TitlesTrackAdaptor", "Titles move from the primary track to a titles track."),
+    step<Project::V77_TrackLevelAdaptor>(77, "V77_TrackLevelAdaptor", "Each level of a track becomes a track of its own."),
 };
 // clang-format on
 

@@ -1,7 +1,5 @@
 #include "Reader/Road.h"
 
-#include "Adaptors/Project/PortableLoadAdaptor.h"
-#include "Adaptors/Project/PortableSaveAdaptor.h"
 #include "Archive/Internal/Walk.h"
 #include "Archive/Xml.h"
 #include "Reader/Conversion.h"
@@ -11,6 +9,8 @@
 
 #include <algorithm>
 #include <functional>
+#include <set>
+#include <unordered_set>
 
 namespace Words = Archive::Words;
 
@@ -110,14 +110,40 @@ void checkRootObject(const QDomDocument& xml, const Journey& journey) {
              "<RootRef> names the object " + std::to_string(id) + ", and there is no such <RootObject>");
 }
 
+/// Takes ids of root objects away from embedded objects that have the same ones, and gives these ids. References
+/// mean the root objects, and in JSON the object that is met first would get them. Questions of quizzes bring such
+/// objects along: they come out of archives of their own.
+std::set<unsigned long long> freeIdsOfRootObjects(const QDomDocument& xml) {
+    std::unordered_set<unsigned long long> taken;
+    for (const QDomElement& e : Archive::Internal::elements(xml, Words::RootObject))
+        taken.insert(Archive::objectIdOf(e));
+    std::set<unsigned long long> freed;
+    const QDomElement archive = xml.documentElement();
+    for (QDomNode node = archive; !node.isNull(); node = Archive::Internal::nextInDocument(node, archive)) {
+        QDomElement e = node.toElement();
+        const bool isOther = e.tagName() == Words::RootObject || e.tagName() == Words::BaseOfObject ||
+                             Archive::typeOf(e) == Words::Predeclare;
+        if (isOther || !e.hasAttribute(Words::objectId) || !taken.count(Archive::objectIdOf(e)))
+            continue;
+        freed.insert(Archive::objectIdOf(e));
+        e.setAttribute(Words::objectId, 0);
+    }
+    return freed;
+}
+
 void convertToJson(Document& document, const Journey& journey, Runner& runner) {
     checkRootObject(document.xml(), journey);
+    const auto freed = freeIdsOfRootObjects(document.xml());
     Conversion conversion;
     runner.run(conversion.name().toStdString(), [&] {
         auto [version, envelope] = conversion.convert(document.xml());
         document.content = openEnvelope(std::move(envelope), journey.name);
         document.version = std::max(*document.version, version);
     });
+    auto& duplicateIds = document.json().notes.duplicateIds;
+    std::set<unsigned long long> all(duplicateIds.begin(), duplicateIds.end());
+    all.insert(freed.begin(), freed.end());
+    duplicateIds.assign(all.begin(), all.end());
 }
 
 void runJsonSteps(Document& document, int to, Runner& runner, Report& report) {
@@ -131,14 +157,28 @@ void runJsonSteps(Document& document, int to, Runner& runner, Report& report) {
     }
 }
 
-void runLoadAdaptors(Document& document, const Journey& journey, Runner& runner) {
-    runner.run("PortableLoadAdaptor",
-               [&] { Project::PortableLoadAdaptor(journey.location).adapt(document.json().flat); });
+Surroundings surroundingsOf(const Journey& journey) {
+    return {journey.location, [&journey](const QString& name) { return journey.sourceFiles.read(name); },
+            [&journey](const QString& name, const QByteArray& content) {
+                return journey.targetFiles.write(name, content);
+            }};
+}
+
+/// Runs an adaptor outside the numbering in the form that the document has.
+void runUnnumbered(const char* className, Document& document, const Surroundings& surroundings,
+                   Runner& runner) {
+    const Unnumbered* adaptor = findUnnumbered(className);
+    runner.run(className, [&] {
+        if (document.isXml())
+            adaptor->makeXml(surroundings)->adapt(document.xml());
+        else
+            adaptor->makeJson(surroundings)->adapt(document.json().flat);
+    });
 }
 
 /// The adaptor of that name as a call on the document in its form; empty where there is none in that form.
 std::function<void()> adaptorCall(Document& document, const std::string& className, const Journey& journey) {
-    const Surroundings surroundings{journey.location};
+    const Surroundings surroundings = surroundingsOf(journey);
     const Step* step = findStep(className);
     const Unnumbered* unnumbered = findUnnumbered(className);
     if (!step && !unnumbered)
@@ -204,17 +244,25 @@ Report migrate(Document& document, const Journey& journey) {
     report.from = *document.version;
     report.objectsBefore = countObjects(document);
     const std::vector<Clip> clips = listClips(document);
+    const bool wasXml = document.isXml();
+    const Surroundings surroundings = surroundingsOf(journey);
     {
         Runner runner(journey, report);
-        if (document.isXml()) {
+        if (wasXml) {
             sortRootObjects(document.xml());
+            runUnnumbered("OverlayFileContentReadAdaptor", document, surroundings, runner);
+            runUnnumbered("ThemeTransitionsAndSceneAdaptor", document, surroundings, runner);
             runXmlSteps(document, journey.to, runner, report);
-            if (journey.to > lastXmlVersion)
+            if (journey.to > lastXmlVersion) {
+                runUnnumbered("ImportDescriptionAdaptor", document, surroundings, runner);
                 convertToJson(document, journey, runner);
+            }
         }
         if (!document.isXml()) {
             runJsonSteps(document, journey.to, runner, report);
-            runLoadAdaptors(document, journey, runner);
+            runUnnumbered("PortableLoadAdaptor", document, surroundings, runner);
+            if (!wasXml)
+                runUnnumbered("OverlayFileContentReadAdaptor", document, surroundings, runner);
             report.duplicateIds = document.json().notes.duplicateIds;
         }
     }
@@ -245,9 +293,12 @@ Report runOne(Document& document, const std::string& className, const Journey& j
 
 Serialized save(Document document, const Journey& journey, Report& report) {
     if (!document.isXml()) {
+        Surroundings surroundings = surroundingsOf(journey);
+        surroundings.location = journey.target;
         Runner runner(journey, report);
-        runner.run("PortableSaveAdaptor",
-                   [&] { Project::PortableSaveAdaptor(journey.target).adapt(document.json().flat); });
+        runUnnumbered("PortableSaveAdaptor", document, surroundings, runner);
+        if (journey.toBundle)
+            runUnnumbered("OverlayFileContentWriteAdaptor", document, surroundings, runner);
     }
     return serialize(std::move(document));
 }

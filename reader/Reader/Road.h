@@ -3,6 +3,7 @@
 #include "Reader/Chain.h"
 #include "Reader/Contents.h"
 #include "Reader/Document.h"
+#include "Reader/SideFiles.h"
 #include "Reader/StepLog.h"
 
 #include <QString>
@@ -18,6 +19,9 @@ struct Journey {
     QString location; ///< path of the project as it is read; relative paths count from its folder
     QString target;   ///< path of the project as it will be saved
     int to = currentVersion;
+    SideFiles sourceFiles{QString()}; ///< side files that the project is read with
+    SideFiles targetFiles{QString()}; ///< and saved with, if `toBundle`
+    bool toBundle = false;            ///< move texts out to side files when saving
 };
 
 /// What happened on the road.

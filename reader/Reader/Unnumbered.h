@@ -3,8 +3,10 @@
 #include "Adaptors/AbstractAdaptorJson.h"
 #include "Adaptors/AbstractAdaptorXml.h"
 
+#include <QByteArray>
 #include <QString>
 
+#include <functional>
 #include <memory>
 #include <span>
 #include <string_view>
@@ -13,7 +15,9 @@ namespace Reader {
 
 /// What an unnumbered adaptor may need to know of the document's surroundings.
 struct Surroundings {
-    QString location; ///< path of the project file
+    QString location;                                            ///< path of the project file
+    std::function<QByteArray(const QString& name)> readSideFile; ///< empty for none
+    std::function<bool(const QString& name, const QByteArray& content)> writeSideFile; ///< false if it can't
 };
 
 /// An adaptor that stands outside the chain of versions.

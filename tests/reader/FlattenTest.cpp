@@ -218,7 +218,7 @@ TEST(Nest, WhatIsNoObjectStaysALink) {
                        {"b", link(4)},
                        {"c", {{"@meta", {{"object_id", 5}}}, {"x", 1}}},
                        {"d", object("D", 3)}}),
-               nested(std::move(document)));
+               nested(std::move(document), 2));
 }
 
 TEST(Nest, TheKeyInTheDocumentIsTheId) {

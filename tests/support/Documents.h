@@ -9,11 +9,11 @@
 
 namespace Tests {
 
-/// A document from its text; throws where the text is not well-formed.
+/// A document from its text, with space allowed before it; throws where the text is not well-formed.
 inline QDomDocument xml(const std::string& text) {
     QDomDocument document;
     QString error;
-    if (!document.setContent(QByteArray::fromStdString(text), &error))
+    if (!document.setContent(QByteArray::fromStdString(text).trimmed(), &error))
         throw std::runtime_error("bad XML in a test: " + error.toStdString());
     return document;
 }
@@ -29,10 +29,9 @@ inline std::string predeclarator(const std::vector<std::pair<std::string, long l
                        std::to_string(records.size()) + "'>";
     long long index = 1;
     for (const auto& [typeName, id] : records) {
-        text += "<Item type='Item' index='" + std::to_string(index) +
-                "'><Data type='Predeclare' objectId='" + std::to_string(900 + index) +
-                "'><typeName type='String' value='" + typeName + "'/><oid type='ObjectRef' value='" +
-                std::to_string(id) + "'/></Data></Item>";
+        text += "<Item type='Item' index='" + std::to_string(index) + "'><Data type='Predeclare' objectId='" +
+                std::to_string(900 + index) + "'><typeName type='String' value='" + typeName +
+                "'/><oid type='ObjectRef' value='" + std::to_string(id) + "'/></Data></Item>";
         ++index;
     }
     return text + "</predeclarations></RootObject>";

@@ -38,7 +38,7 @@ void V12_ClipPreviewAdaptor::adapt(QDomDocument& document) {
     Elements clips = ofType(objects, QStringLiteral("Timeline::Clip"));
     if (clips.empty())
         return;
-    QDomElement predeclarations = lastPredeclarations(objects);
+    QDomElement predeclarations = predeclarationsAmong(objects);
     long long maxId = maxObjectId(document); // before a `preview` goes that may have an id of its own
 
     const QString preview = QStringLiteral("preview");

@@ -108,7 +108,7 @@ public:
     void adapt();
 
 private:
-    void convert(unsigned long long effectId, MaskEffect& effect, PredeclarationEdits& predeclares);
+    void convert(unsigned long long unsignedId, MaskEffect& effect, PredeclarationEdits& predeclares);
     void appendHighlight(QDomElement& effect, const Mask& mask, long long frameId, long long transformId);
     void appendConceal(QDomElement& effect, const Mask& mask, long long frameId, long long transformId);
     QDomElement appendFrame(QDomElement& effect, const Kind& kind, long long frameId);

@@ -10,16 +10,16 @@ namespace Words = Archive::Words;
 namespace Project {
 namespace {
 
-void removePreviewObjects(const Elements& objects) {
+void removePreviewObjects(QDomElement archive, const Elements& objects) {
     QSet<long long> ids;
     for (const QString& type :
          {QStringLiteral("StaticPreview::ImageObject"), QStringLiteral("StaticPreview::WaveformObject")}) {
         for (const QDomElement& object : ofType(objects, type)) {
             ids.insert(static_cast<long long>(Archive::objectIdOf(object)));
-            removeFromParent(object);
+            archive.removeChild(object); // one that stands elsewhere stays, while its record goes
         }
     }
-    QDomElement predeclarations = lastPredeclarations(objects);
+    QDomElement predeclarations = predeclarationsAmong(objects);
     removePredeclares(predeclarations, ids);
 }
 
@@ -31,7 +31,7 @@ void V34_NoPreviewAdaptor::adapt(QDomDocument& document) {
     if (archive.isNull())
         return;
     const Elements objects = elements(archive, Words::RootObject);
-    removePreviewObjects(objects);
+    removePreviewObjects(archive, objects);
     for (QDomElement& clip : ofType(objects, QStringLiteral("Timeline::Clip")))
         Archive::removeFirstChild(clip, QStringLiteral("preview"));
 }

@@ -37,7 +37,7 @@ void V56_ResourceTableAdaptor::adapt(QDomDocument& document) {
     }
     // A table that is there already is not looked for: the content gets another.
     const Elements objects = elements(archive, Words::RootObject);
-    QDomElement predeclarations = lastPredeclarations(objects);
+    QDomElement predeclarations = predeclarationsAmong(objects);
     QDomElement content = lastOfType(objects, QStringLiteral("Project::Content"));
     long long maxId = maxObjectId(document);
     NewRootObject table =

@@ -47,7 +47,7 @@ void V57_ProjectPersistentObjectAdaptor::adapt(QDomDocument& document) {
     }
     const QString resourceTable = QStringLiteral("resourceTable");
     const Elements objects = elements(archive, Words::RootObject);
-    QDomElement predeclarations = lastPredeclarations(objects);
+    QDomElement predeclarations = predeclarationsAmong(objects);
     QDomElement content = lastOfType(objects, QStringLiteral("Project::Content"));
     QDomElement table = lastOfType(objects, QStringLiteral("ResourceTable::Object"));
     long long maxId = maxObjectId(document);

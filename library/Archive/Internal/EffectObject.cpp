@@ -1,9 +1,13 @@
 #include "Archive/Internal/EffectObject.h"
 
-#include "Archive/Internal/Words.h"
+#include "Archive/Internal/Walk.h"
 #include "Archive/Xml.h"
 
 namespace Archive::Internal {
+
+QDomElement innerBase(const QDomElement& effect) {
+    return childAt(effect, {Words::BaseOfObject, Words::BaseOfObject});
+}
 
 EffectObject createEffectObject(QDomDocument& doc, const QString& className, const QString& baseName,
                                 long long id) {

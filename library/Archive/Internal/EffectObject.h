@@ -17,6 +17,9 @@ struct EffectObject {
     QDomElement object; ///< the innermost part, "Effect::Object"
 };
 
+/// The part that holds the fields of every effect: the first base of the first base; a null element for none.
+QDomElement innerBase(const QDomElement& effect);
+
 /// Makes the levels, not yet inserted. A step appends the fields that are its own to each.
 EffectObject createEffectObject(QDomDocument& doc, const QString& className, const QString& baseName,
                                 long long id);

@@ -1,11 +1,12 @@
 #include "Archive/Internal/ObjectIds.h"
 
 #include "Archive/Internal/Count.h"
+#include "Archive/Internal/PlainText.h"
 #include "Archive/Internal/Walk.h"
 #include "Archive/Internal/Words.h"
 #include "Archive/Xml.h"
 
-#include <QRegularExpression>
+#include <QXmlStreamReader>
 
 #include <algorithm>
 
@@ -16,48 +17,7 @@ namespace {
 // only where its text is beyond doubt: plain names, no character that XML forbids, nothing but elements and text
 // below the one document element. Everything else is written out and scanned.
 
-constexpr int longestPlainName = 1000;   // the reader takes no name of several thousand characters
-constexpr int mostPlainAttributes = 100; // each one is counted out from the first to be fetched
-
-bool isPlainName(const QString& name) {
-    if (name.isEmpty() || name.size() > longestPlainName ||
-        name.startsWith(QLatin1String("xml"), Qt::CaseInsensitive))
-        return false;
-    const auto isLetter = [](ushort c) {
-        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
-    };
-    if (!isLetter(name.at(0).unicode()))
-        return false;
-    return std::all_of(name.begin(), name.end(), [&](QChar ch) {
-        const ushort c = ch.unicode();
-        return isLetter(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
-    });
-}
-
-bool isPlainText(const QString& text) {
-    for (int i = 0; i < text.size(); ++i) {
-        const ushort c = text.at(i).unicode();
-        if (c >= 0x20 && c < 0xD800)
-            continue;
-        if (c == '\t' || c == '\n' || c == '\r' || (c >= 0xE000 && c < 0xFFFE))
-            continue;
-        const bool isPair =
-            QChar::isHighSurrogate(c) && i + 1 < text.size() && text.at(i + 1).isLowSurrogate();
-        if (!isPair)
-            return false;
-        ++i;
-    }
-    return true;
-}
-
-/// The reader is strict about the declaration, where the DOM takes anything: it stops at version 1.1.
-bool isPlainDeclaration(const QDomNode& node) {
-    static const QRegularExpression plain(
-        QStringLiteral(R"re(\Aversion=("1\.0"|'1\.0')( encoding=("(?i:UTF-8)"|'(?i:UTF-8)'))?\z)re"));
-    const QDomProcessingInstruction declaration = node.toProcessingInstruction();
-    return declaration.target() == QLatin1String("xml") && plain.match(declaration.data()).hasMatch() &&
-           node.parentNode().isDocument() && node.previousSibling().isNull();
-}
+constexpr int mostPlainAttributes = 100; // each is counted out from the first when it is fetched by number
 
 /// What was made with a namespace is written with more than its name, and one attribute may stand twice.
 bool isPlain(const QDomNode& elementOrAttribute) {
@@ -83,27 +43,50 @@ bool readElement(const QDomElement& e, long long& greatest) {
     return true;
 }
 
+/// Takes in all ids below a document element; false where its text is in doubt.
+bool readElements(const QDomElement& top, long long& greatest) {
+    for (QDomNode node = top; !node.isNull(); node = nextInDocument(node, top)) {
+        const bool isPlain = node.isElement()
+                                 ? readElement(node.toElement(), greatest)
+                                 : node.nodeType() == QDomNode::TextNode && isPlainText(node.nodeValue());
+        if (!isPlain)
+            return false;
+    }
+    return true;
+}
+
 std::optional<long long> maxInTree(const QDomDocument& document) {
     if (!document.doctype().name().isEmpty())
         return std::nullopt; // it is written in front, and is no child of the document
     long long greatest = 1;
-    int documentElements = 0;
-    for (QDomNode node = document.firstChild(); !node.isNull(); node = nextInDocument(node, document)) {
-        if (node.isElement()) {
-            documentElements += node.parentNode() == document ? 1 : 0;
-            if (documentElements > 1 || !readElement(node.toElement(), greatest))
-                return std::nullopt;
-        } else if (node.nodeType() == QDomNode::TextNode) {
-            if (!isPlainText(node.nodeValue()) || node.parentNode() == document)
-                return std::nullopt;
-        } else if (!isPlainDeclaration(node)) {
+    bool hasElement = false;
+    for (QDomNode node = document.firstChild(); !node.isNull(); node = node.nextSibling()) {
+        const bool isPlain = node.isElement() ? !hasElement && readElements(node.toElement(), greatest)
+                                              : isPlainDeclaration(node);
+        if (!isPlain)
             return std::nullopt;
-        }
+        hasElement = hasElement || node.isElement();
     }
     return greatest;
 }
 
 } // namespace
+
+ScannedIds scanIds(const QByteArray& documentText) {
+    ScannedIds ids;
+    QXmlStreamReader reader(documentText);
+    while (!reader.atEnd()) {
+        if (reader.readNext() != QXmlStreamReader::StartElement)
+            continue;
+        const QXmlStreamAttributes attributes = reader.attributes();
+        for (const QXmlStreamAttribute& attribute : attributes) {
+            if (attribute.qualifiedName() == Words::objectId)
+                ids.greatest = std::max(ids.greatest, static_cast<long long>(attribute.value().toLongLong()));
+        }
+    }
+    ids.isComplete = !reader.hasError();
+    return ids;
+}
 
 long long maxObjectId(const QDomDocument& document) {
     const auto greatest = maxInTree(document);
@@ -118,6 +101,34 @@ long long& ObjectIds::greatest() {
 
 long long ObjectIds::next() {
     return nextId(greatest());
+}
+
+long long RenewedMaximum::take() {
+    if (m_known)
+        return *m_known;
+    if (!m_isTrusted)
+        return maxObjectId(m_document);
+    if (const auto greatest = maxInTree(m_document)) {
+        m_known = greatest;
+        return *greatest;
+    }
+    const ScannedIds ids = scanIds(m_document.toByteArray(1));
+    // Behind an error nothing counts, and only a new scan tells whether what is added stands there.
+    if (ids.isComplete)
+        m_known = ids.greatest;
+    else
+        m_isTrusted = false;
+    return ids.greatest;
+}
+
+void RenewedMaximum::added(long long id) {
+    if (m_known)
+        m_known = std::max(*m_known, id);
+}
+
+void RenewedMaximum::distrust() {
+    m_isTrusted = false;
+    m_known.reset();
 }
 
 } // namespace Archive::Internal

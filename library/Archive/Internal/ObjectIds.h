@@ -2,11 +2,19 @@
 
 // For this project's own use.
 
+#include <QByteArray>
 #include <QDomDocument>
 
 #include <optional>
 
 namespace Archive::Internal {
+
+/// What getMaxObjectId() finds in a text.
+struct ScannedIds {
+    long long greatest = 1;
+    bool isComplete = false; ///< false where an error stopped the reading
+};
+ScannedIds scanIds(const QByteArray& documentText);
 
 /// What getMaxObjectId() gives for the document's toByteArray(1), without writing the text where the tree can
 /// tell as well.
@@ -26,6 +34,26 @@ public:
 private:
     QDomDocument m_document;
     std::optional<long long> m_greatest;
+};
+
+/// The greatest id for a step that takes it anew for each of many objects: always what maxObjectId() gives at
+/// that time, but searched only once where the step tells of all that changes it.
+class RenewedMaximum {
+public:
+    explicit RenewedMaximum(const QDomDocument& document) : m_document(document) {}
+
+    long long take();
+
+    /// An object of that id was added, with plain names and with texts that are plain or stood there before.
+    void added(long long id);
+
+    /// Ids may have gone: from now on every take() searches.
+    void distrust();
+
+private:
+    QDomDocument m_document;
+    std::optional<long long> m_known;
+    bool m_isTrusted = true;
 };
 
 } // namespace Archive::Internal

@@ -2,10 +2,16 @@
 
 // For this project's own use.
 
+#include "Archive/Internal/Walk.h"
+
 #include <QDomElement>
 #include <QSet>
 
 namespace Archive::Internal {
+
+/// The first `predeclarations` child of the `Predeclarator` among these objects; a null element for none. The
+/// last of several counts, also where it has no such child.
+QDomElement predeclarationsAmong(const Elements& rootObjects);
 
 /// The object that a record (the `Data` of an entry of `predeclarations`) declares.
 long long declaredId(const QDomElement& record);

@@ -21,8 +21,22 @@ QDomElement lastOfType(const Elements& objects, const QString& type) {
     return {};
 }
 
-QDomElement lastPredeclarations(const Elements& objects) {
-    return lastOfType(objects, Words::Predeclarator).firstChildElement(Words::predeclarations);
+Elements partsOfRootObjects(const QDomDocument& document, const QString& type) {
+    Elements parts;
+    std::size_t openRootObjects = 0;
+    walkElements(
+        document,
+        [&](const QDomElement& e) {
+            if (e.tagName() == Words::RootObject)
+                ++openRootObjects;
+            else if (e.tagName() == Words::BaseOfObject && typeOf(e) == type)
+                parts.insert(parts.end(), openRootObjects, e);
+        },
+        [&](const QDomElement& e) {
+            if (e.tagName() == Words::RootObject)
+                --openRootObjects;
+        });
+    return parts;
 }
 
 NewRootObject declareRootObject(QDomDocument& doc, QDomElement& predeclarations, const QString& type,

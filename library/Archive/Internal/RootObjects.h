@@ -1,7 +1,8 @@
 #pragma once
 
-// For the library's own use: picking from root objects that were collected in one walk, and adding to them.
+// For this project's own use: picking from root objects that were collected in one walk, and adding to them.
 
+#include "Archive/Internal/Predeclarations.h"
 #include "Archive/Internal/Walk.h"
 
 #include <QDomDocument>
@@ -9,14 +10,20 @@
 
 namespace Archive::Internal {
 
+/// The id of an object element as ids are compared, 64-bit and signed; 0 where it can't be read.
+inline long long idOf(const QDomElement& object) {
+    return object.attribute(Words::objectId).toLongLong();
+}
+
 /// Those of that type, in order.
 Elements ofType(const Elements& objects, const QString& type);
 
 /// The last of that type, or a null element.
 QDomElement lastOfType(const Elements& objects, const QString& type);
 
-/// The `predeclarations` of the last "Predeclarator"; a null element where it has none.
-QDomElement lastPredeclarations(const Elements& objects);
+/// The `BaseOfObject` parts of that type below root objects, in document order, each as often as there are root
+/// objects around it.
+Elements partsOfRootObjects(const QDomDocument& document, const QString& type);
 
 /// A new `RootObject`, not yet inserted, with its id.
 struct NewRootObject {

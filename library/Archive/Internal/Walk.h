@@ -44,4 +44,23 @@ QDomNode nextInDocument(const QDomNode& node, const QDomNode& root);
 /// The same behind `node` and all its descendants.
 QDomNode nextBeyond(QDomNode node, const QDomNode& root);
 
+/// Calls `enter` on each element below `below` before and `leave` after all that is in it. Neither may change
+/// the tree.
+template <class Enter, class Leave>
+void walkElements(const QDomNode& below, Enter enter, Leave leave) {
+    QDomNode node = below.firstChild();
+    while (!node.isNull()) {
+        if (node.isElement())
+            enter(node.toElement());
+        QDomNode next = node.firstChild();
+        while (next.isNull() && node != below) {
+            if (node.isElement())
+                leave(node.toElement());
+            next = node.nextSibling();
+            node = node.parentNode();
+        }
+        node = next;
+    }
+}
+
 } // namespace Archive::Internal

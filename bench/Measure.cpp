@@ -1,0 +1,76 @@
+#include "bench/Measure.h"
+
+#include <QByteArray>
+
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include <malloc.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace Bench {
+namespace {
+
+/// A line of /proc/self/status in bytes; 0 for none.
+std::size_t statusBytes(const std::string& name) {
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.rfind(name + ':', 0) != 0)
+            continue;
+        std::size_t kilobytes = 0;
+        std::istringstream(line.substr(name.size() + 1)) >> kilobytes;
+        return kilobytes * 1024;
+    }
+    return 0;
+}
+
+/// Sets the peak back to what is in use now; whether the system does that.
+bool forgetPeak() {
+    malloc_trim(0);
+    std::ofstream file("/proc/self/clear_refs");
+    file << "5" << std::flush;
+    return file.good();
+}
+
+std::size_t measureHere(const std::function<QByteArray()>& prepare,
+                        const std::function<void(const QByteArray&)>& work) {
+    const QByteArray input = prepare();
+    if (!forgetPeak())
+        return 0;
+    const std::size_t before = statusBytes("VmRSS");
+    work(input);
+    const std::size_t peak = statusBytes("VmHWM");
+    return peak > before ? peak - before : 0;
+}
+
+} // namespace
+
+std::size_t peakMemory(const std::function<QByteArray()>& prepare,
+                       const std::function<void(const QByteArray&)>& work) {
+    int ends[2];
+    if (pipe(ends) != 0)
+        return 0;
+    const pid_t child = fork();
+    if (child == 0) {
+        std::size_t peak = 0;
+        try {
+            peak = measureHere(prepare, work);
+        } catch (...) {
+            _exit(EXIT_FAILURE);
+        }
+        const ssize_t written = write(ends[1], &peak, sizeof peak);
+        _exit(written == static_cast<ssize_t>(sizeof peak) ? EXIT_SUCCESS : EXIT_FAILURE);
+    }
+    close(ends[1]);
+    std::size_t peak = 0;
+    const bool isWhole = child > 0 && read(ends[0], &peak, sizeof peak) == static_cast<ssize_t>(sizeof peak);
+    close(ends[0]);
+    if (child > 0)
+        waitpid(child, nullptr, 0);
+    return isWhole ? peak : 0;
+}
+
+} // namespace Bench

@@ -1,0 +1,153 @@
+#include "bench/Table.h"
+
+#include <cmath>
+#include <functional>
+#include <iomanip>
+#include <numeric>
+#include <ostream>
+#include <sstream>
+#include <string>
+
+namespace Bench {
+namespace {
+
+constexpr int nameWidth = 46;
+constexpr int timeWidth = 11;
+constexpr int shareWidth = 9;
+
+std::string fixed(double number, int digits) {
+    std::ostringstream text;
+    text << std::fixed << std::setprecision(digits) << number;
+    return text.str();
+}
+
+std::string grouped(std::size_t number) {
+    std::string text = std::to_string(number);
+    for (int place = static_cast<int>(text.size()) - 3; place > 0; place -= 3)
+        text.insert(static_cast<std::size_t>(place), ",");
+    return text;
+}
+
+double megabytes(std::size_t bytes) {
+    return static_cast<double>(bytes) / 1e6;
+}
+
+double sum(const std::vector<Part>& parts) {
+    return std::accumulate(parts.begin(), parts.end(), 0.0,
+                           [](double total, const Part& part) { return total + part.milliseconds; });
+}
+
+using Pick = std::function<double(const RoadTimes&)>;
+
+class Table {
+public:
+    Table(std::ostream& out, const std::vector<RoadTimes>& projects) : m_out(out), m_projects(projects) {}
+
+    void print();
+
+private:
+    void head();
+    void time(const std::string& name, const Pick& pick);
+    void number(const std::string& name, const Pick& pick, int digits, const std::string& unit);
+    void parts(std::vector<Part> RoadTimes::*list);
+    void rule() { m_out << std::string(width(), '-') << '\n'; }
+    std::string growth(const Pick& pick) const;
+    std::size_t width() const {
+        return nameWidth + m_projects.size() * (timeWidth + shareWidth) +
+               (m_projects.size() > 1 ? static_cast<std::size_t>(timeWidth) : 0);
+    }
+
+    std::ostream& m_out;
+    const std::vector<RoadTimes>& m_projects;
+};
+
+/// The k for which the time grew as the k-th power of the number of elements, from the first size to the last.
+std::string Table::growth(const Pick& pick) const {
+    if (m_projects.size() < 2)
+        return {};
+    const double first = pick(m_projects.front());
+    const double last = pick(m_projects.back());
+    if (first < 0.05) // too short to tell
+        return "-";
+    const double ratio =
+        static_cast<double>(m_projects.back().elements) / static_cast<double>(m_projects.front().elements);
+    return fixed(std::log(last / first) / std::log(ratio), 2);
+}
+
+void Table::head() {
+    m_out << std::left << std::setw(nameWidth) << "elements" << std::right;
+    for (const RoadTimes& project : m_projects)
+        m_out << std::setw(timeWidth + shareWidth) << grouped(project.elements);
+    m_out << '\n' << std::left << std::setw(nameWidth) << "" << std::right;
+    for (std::size_t column = 0; column < m_projects.size(); ++column)
+        m_out << std::setw(timeWidth) << "ms" << std::setw(shareWidth) << "of load";
+    if (m_projects.size() > 1)
+        m_out << std::setw(timeWidth) << "growth";
+    m_out << '\n';
+    rule();
+}
+
+void Table::time(const std::string& name, const Pick& pick) {
+    m_out << std::left << std::setw(nameWidth) << name << std::right;
+    for (const RoadTimes& project : m_projects)
+        m_out << std::setw(timeWidth) << fixed(pick(project), 2) << std::setw(shareWidth - 1)
+              << fixed(100 * pick(project) / project.load, 1) << '%';
+    if (m_projects.size() > 1)
+        m_out << std::setw(timeWidth) << growth(pick);
+    m_out << '\n';
+}
+
+void Table::number(const std::string& name, const Pick& pick, int digits, const std::string& unit) {
+    m_out << std::left << std::setw(nameWidth) << name << std::right;
+    for (const RoadTimes& project : m_projects)
+        m_out << std::setw(timeWidth) << fixed(pick(project), digits) << std::setw(shareWidth) << unit;
+    m_out << '\n';
+}
+
+void Table::parts(std::vector<Part> RoadTimes::*list) {
+    const std::vector<Part>& rows = m_projects.front().*list;
+    for (std::size_t row = 0; row < rows.size(); ++row)
+        time("  " + rows[row].name,
+             [=](const RoadTimes& project) { return (project.*list)[row].milliseconds; });
+}
+
+void Table::print() {
+    head();
+    number(
+        "text read", [](const RoadTimes& p) { return megabytes(p.bytesRead); }, 1, "MB");
+    number(
+        "text written", [](const RoadTimes& p) { return megabytes(p.bytesWritten); }, 1, "MB");
+    number(
+        "lines logged", [](const RoadTimes& p) { return static_cast<double>(p.logLines); }, 0, "");
+    rule();
+    time("floor: load into the DOM, write the result", [](const RoadTimes& p) { return p.floor(); });
+    time("  load", [](const RoadTimes& p) { return p.load; });
+    time("  write", [](const RoadTimes& p) { return p.write; });
+    time("whole road: parse, migrate, save", [](const RoadTimes& p) { return p.road; });
+    number(
+        "  road / floor", [](const RoadTimes& p) { return p.road / p.floor(); }, 2, "");
+    number(
+        "peak memory of loading", [](const RoadTimes& p) { return megabytes(p.loadMemory); }, 1, "MB");
+    number(
+        "peak memory of the road", [](const RoadTimes& p) { return megabytes(p.roadMemory); }, 1, "MB");
+    number(
+        "  road / loading",
+        [](const RoadTimes& p) {
+            return p.loadMemory ? static_cast<double>(p.roadMemory) / static_cast<double>(p.loadMemory) : 0.0;
+        },
+        2, "");
+    rule();
+    time("all steps", [](const RoadTimes& p) { return sum(p.steps); });
+    parts(&RoadTimes::steps);
+    rule();
+    time("all else between loading and writing", [](const RoadTimes& p) { return sum(p.others); });
+    parts(&RoadTimes::others);
+}
+
+} // namespace
+
+void printTable(std::ostream& out, const std::vector<RoadTimes>& projects) {
+    Table(out, projects).print();
+}
+
+} // namespace Bench

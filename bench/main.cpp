@@ -1,0 +1,95 @@
+#include "Reader/Road.h"
+#include "bench/Generator.h"
+#include "bench/Micro.h"
+#include "bench/RoadTimes.h"
+#include "bench/Table.h"
+
+#include <glog/logging.h>
+
+#include <charconv>
+#include <iostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+constexpr const char* usage =
+    R"(adaptors-bench                       the road from version 3 to 77 at 10,000 and 100,000 elements
+adaptors-bench --large               the same, and at 1,000,000 elements
+adaptors-bench --elements N...       the same at these sizes
+adaptors-bench --write N VERSION     writes such a project to standard output
+adaptors-bench --micro [ARGUMENTS]   single operations, with the arguments of Google Benchmark
+)";
+
+int refuse() {
+    std::cerr << usage;
+    return 2;
+}
+
+template <class Number>
+bool readNumber(std::string_view text, Number& number) {
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return error == std::errc() && end == text.data() + text.size() && number > 0;
+}
+
+int runsFor(std::size_t elements) {
+    return elements <= 20000 ? 9 : elements <= 200000 ? 3 : 1;
+}
+
+int printTable(const std::vector<std::size_t>& sizes) {
+    std::vector<Bench::RoadTimes> projects;
+    for (const std::size_t elements : sizes) {
+        std::cerr << "measuring " << elements << " elements\n";
+        projects.push_back(Bench::measureRoad(elements, runsFor(elements)));
+    }
+    Bench::printTable(std::cout, projects);
+    return 0;
+}
+
+int printSizes(const std::vector<std::string>& arguments) {
+    std::vector<std::size_t> sizes;
+    for (const std::string& argument : arguments) {
+        std::size_t elements = 0;
+        if (!readNumber(argument, elements))
+            return refuse();
+        sizes.push_back(elements);
+    }
+    return sizes.empty() ? refuse() : printTable(sizes);
+}
+
+int writeProject(const std::vector<std::string>& arguments) {
+    std::size_t elements = 0;
+    int version = 0;
+    if (arguments.size() != 2 || !readNumber(arguments[0], elements) || !readNumber(arguments[1], version))
+        return refuse();
+    const QByteArray text = Bench::generateProject(version, {elements, 0});
+    std::cout.write(text.constData(), text.size());
+    return std::cout.good() ? 0 : 1;
+}
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+    google::InitGoogleLogging(argv[0]);
+    FLAGS_logtostderr = false;
+    FLAGS_stderrthreshold = google::GLOG_FATAL;
+    for (int severity = google::GLOG_INFO; severity <= google::GLOG_FATAL; ++severity)
+        google::SetLogDestination(severity, ""); // no files
+    Reader::useStandInFolders();
+
+    std::vector<std::string> arguments(argv + 1, argv + argc);
+    if (arguments.empty())
+        return printTable({10000, 100000});
+    const std::string mode = arguments.front();
+    arguments.erase(arguments.begin());
+    if (mode == "--large" && arguments.empty())
+        return printTable({10000, 100000, 1000000});
+    if (mode == "--elements")
+        return printSizes(arguments);
+    if (mode == "--write")
+        return writeProject(arguments);
+    if (mode == "--micro")
+        return Bench::runMicro(std::move(arguments));
+    return refuse();
+}

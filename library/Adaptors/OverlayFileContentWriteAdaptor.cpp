@@ -1,0 +1,39 @@
+#include "Adaptors/OverlayFileContentWriteAdaptor.h"
+
+#include "Archive/Internal/FlatObjects.h"
+
+namespace {
+
+QString decoded(const std::string& encodedText) {
+    return QString::fromUtf8(QByteArray::fromBase64(QByteArray::fromStdString(encodedText)));
+}
+
+bool isFileName(const QString& text) {
+    return text.endsWith(QLatin1String(".svg"));
+}
+
+bool isSvg(const QString& text) {
+    return text.startsWith(QLatin1String("<svg")) || text.startsWith(QLatin1String("<?xml"));
+}
+
+} // namespace
+
+OverlayFileContentWriteAdaptor::OverlayFileContentWriteAdaptor(
+    const std::function<bool(const QString&, const QByteArray&)>& writeFile)
+    : m_writeFile(writeFile) {}
+
+void OverlayFileContentWriteAdaptor::adapt(Serialize::Json::FlatObject& document) {
+    qulonglong files = 0;
+    for (const auto& [id, item] : Archive::Internal::selectObjects(document, "Overlay::Item")) {
+        nlohmann::json& encodedText = item->at("encodedText");
+        const QString text = decoded(encodedText.get<std::string>());
+        if (isFileName(text)) {
+            encodedText = text;
+        } else if (isSvg(text)) {
+            // A file that could not be written has used up its number.
+            const QString name = QStringLiteral("content_%1.svg").arg(++files);
+            if (m_writeFile(name, text.toUtf8()))
+                encodedText = name;
+        }
+    }
+}

@@ -1,0 +1,18 @@
+#include "Adaptors/Project/V37_UnusedBlindsAndRippleParamsAdaptor.h"
+
+#include "Archive/Internal/Walk.h"
+#include "Archive/Xml.h"
+
+namespace Project {
+
+void V37_UnusedBlindsAndRippleParamsAdaptor::adapt(QDomDocument& document) {
+    for (QDomElement& object : Archive::Internal::elements(document, Archive::Words::RootObject)) {
+        const QString type = Archive::typeOf(object);
+        if (type == QLatin1String("Transition::Ripple"))
+            Archive::removeFirstChild(object, QStringLiteral("ampMode"));
+        else if (type == QLatin1String("Transition::Blinds"))
+            Archive::removeFirstChild(object, QStringLiteral("mode"));
+    }
+}
+
+} // namespace Project

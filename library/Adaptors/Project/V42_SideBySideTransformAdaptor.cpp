@@ -1,0 +1,74 @@
+#include "Adaptors/Project/V42_SideBySideTransformAdaptor.h"
+
+#include "Archive/Internal/TransformedEffects.h"
+#include "Archive/Internal/Transforms.h"
+#include "Archive/Xml.h"
+
+#include <glog/logging.h>
+
+#include <iterator>
+
+namespace Project {
+namespace {
+
+struct Half {
+    double scaleX;
+    double scaleY;
+    double translateX;
+    double translateY;
+};
+
+// clang-format off
+// By `mode`: the left, upper, right and lower half of the frame.
+constexpr Half halves[] = {
+    {0.5, 1.0, -0.25, 0.0},
+    {1.0, 0.5, 0.0, -0.25},
+    {0.5, 1.0, 0.25, 0.0},
+    {1.0, 0.5, 0.0, 0.25},
+};
+// clang-format on
+
+constexpr int sbsLeft = 0;
+
+int modeOf(const QDomElement& effect) {
+    bool isNumber = false;
+    const int mode = Archive::valueOf(effect, QStringLiteral("mode")).toInt(&isNumber);
+    if (!isNumber) {
+        LOG(ERROR) << "Can not parse mode of SideBySide effect. Assuming sbsLeft";
+        return sbsLeft;
+    }
+    if (mode < 0 || mode >= static_cast<int>(std::size(halves))) {
+        LOG(ERROR) << "Unexpected SideBySide mode. Assuming sbsLeft";
+        return sbsLeft;
+    }
+    return mode;
+}
+
+QTransform transformOf(const Half& half) {
+    return QTransform::fromScale(half.scaleX, half.scaleY) *
+           QTransform::fromTranslate(half.translateX, half.translateY);
+}
+
+} // namespace
+
+void V42_SideBySideTransformAdaptor::adapt(QDomDocument& document) {
+    const QDomElement archive = Archive::Internal::soleArchive(document);
+    if (archive.isNull()) {
+        LOG(ERROR) << "<Archive> element not found";
+        return;
+    }
+    Archive::Internal::TransformedEffects pairs(document, archive, QStringLiteral("Effect::SideBySide"));
+    for (QDomElement effect : pairs.effects()) {
+        const auto transform = Archive::Internal::toStored(transformOf(halves[modeOf(effect)]));
+        const long long source = pairs.declareTransform(document, effect);
+        const long long destination = pairs.declareTransform(document, effect);
+        pairs.appendRefs(document, effect, {source, destination});
+        // Both matrices are the same, and `mode` stays beside them.
+        effect.appendChild(
+            Archive::value2element(document, QStringLiteral("transformSrc"), transform, source));
+        effect.appendChild(
+            Archive::value2element(document, QStringLiteral("transformDst"), transform, destination));
+    }
+}
+
+} // namespace Project

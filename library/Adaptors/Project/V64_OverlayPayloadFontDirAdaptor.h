@@ -1,0 +1,13 @@
+#pragma once
+
+#include "Adaptors/AbstractAdaptorJson.h"
+
+namespace Project {
+
+/// Version 64: an overlay preset can bring fonts of its own, so each gets an empty `fontsDir`.
+class V64_OverlayPayloadFontDirAdaptor : public Bundle::AbstractAdaptorJson {
+public:
+    void adapt(Serialize::Json::FlatObject& document) override;
+};
+
+} // namespace Project

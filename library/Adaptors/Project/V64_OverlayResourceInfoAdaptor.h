@@ -1,0 +1,13 @@
+#pragma once
+
+#include "Adaptors/AbstractAdaptorJson.h"
+
+namespace Project {
+
+/// Version 64: an overlay item tells what resources it uses, so each gets an empty `resourcesInfo`.
+class V64_OverlayResourceInfoAdaptor : public Bundle::AbstractAdaptorJson {
+public:
+    void adapt(Serialize::Json::FlatObject& document) override;
+};
+
+} // namespace Project

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "Adaptors/AbstractAdaptorJson.h"
+
+namespace Project {
+
+/// Version 68: the parameters of `Effect::ManualEnhance` go from -1 to 1, where each had a range of its own.
+class V68_ManualEnhanceEffectAdaptor : public Bundle::AbstractAdaptorJson {
+public:
+    void adapt(Serialize::Json::FlatObject& document) override;
+};
+
+} // namespace Project

@@ -1,0 +1,358 @@
+#include "Adaptors/Project/V69_RemoveQuizzesAdaptor.h"
+
+#include "Archive/Internal/FlatObjects.h"
+#include "MTime/MTime.h"
+
+#include <QByteArray>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <deque>
+#include <stdexcept>
+#include <unordered_set>
+#include <utility>
+
+using Archive::Internal::memberOf;
+using Archive::Internal::objectAt;
+using nlohmann::json;
+using Serialize::Json::FlatObject;
+using Serialize::Json::getAnyObjectId;
+
+namespace Project {
+namespace {
+
+constexpr int quizClipType = 32;
+constexpr int quizTrackType = 96;
+constexpr int fillerTrackType = 16;
+
+/// What the filler clip shows, as Qt's text engine writes it.
+constexpr char fillerText[] =
+    "<!DOCTYPE HTML PUBLIC \"-//W3C//DTD HTML 4.0//EN\" \"http://www.w3.org/TR/REC-html40/strict.dtd\">\n"
+    "<html><head><meta name=\"qrichtext\" content=\"1\" /><style type=\"text/css\">\n"
+    "p, li { white-space: pre-wrap; }\n"
+    "</style></head><body style=\" font-family:'Verdana'; font-size:100pt; font-weight:400; "
+    "font-style:normal;\" bgcolor=\"transparent\">\n"
+    "<p align=\"center\" style=\" margin-top:0px; margin-bottom:0px; margin-left:0px; margin-right:0px; "
+    "-qt-block-indent:0; text-indent:0px;\"><span style=\" color:#ffffff; "
+    "background-color:transparent;\">Quiz</span></p></body></html>"
+    "<!-- background-enabled:0; background-color:4278190080; -->";
+
+unsigned long long targetOf(const json& reference) {
+    const auto id = getAnyObjectId(reference);
+    if (!id)
+        throw std::out_of_range("invalid map<K, T> key");
+    return *id;
+}
+
+std::int64_t timeOf(const json& timing, const char* key) {
+    const json& value = memberOf(timing, key);
+    const bool isBeyondTime = value.is_number_float() && !(std::abs(value.get<double>()) < 0x1p63);
+    return isBeyondTime ? 0 : value.get<std::int64_t>();
+}
+
+/// Goes through the entries of an array or an object and drops some. Each costs the same, however many there are,
+/// and what was dropped is gone also where the walk ends in an exception.
+class Sieve {
+public:
+    Sieve(json& object, const char* key) {
+        const auto found = object.find(key);
+        if (found == object.end() || !found->is_structured())
+            return;
+        m_container = &*found;
+        m_kept = m_next = m_container->begin();
+    }
+    ~Sieve() { close(); }
+    Sieve(const Sieve&) = delete;
+    Sieve& operator=(const Sieve&) = delete;
+
+    bool atEnd() const { return !m_container || m_next == m_container->end(); }
+    const json& entry() const { return *m_next; }
+
+    void keep() {
+        if (m_kept != m_next)
+            *m_kept = std::move(*m_next);
+        ++m_kept;
+        ++m_next;
+    }
+
+    void drop() {
+        if (m_container->is_object())
+            m_kept = m_next = m_container->erase(m_next);
+        else
+            ++m_next;
+    }
+
+    /// Closes the gap that dropped entries left. The walk is over then.
+    void close() {
+        if (m_container && m_kept != m_next)
+            m_container->erase(m_kept, m_next);
+        m_container = nullptr;
+    }
+
+private:
+    json* m_container = nullptr;
+    json::iterator m_kept; ///< behind the entries that stay
+    json::iterator m_next;
+};
+
+template <class Predicate>
+void dropWhere(json& object, const char* key, Predicate isVictim) {
+    for (Sieve entries(object, key); !entries.atEnd();) {
+        if (isVictim(entries.entry()))
+            entries.drop();
+        else
+            entries.keep();
+    }
+}
+
+/// A timeline under way.
+struct Level {
+    Level(unsigned long long timelineId, json& timelineObject)
+        : id(timelineId), timeline(timelineObject), clips(timelineObject, "clips") {}
+
+    unsigned long long id;
+    json& timeline;
+    Sieve clips;
+    MTime normalEnd;
+    MTime quizEnd;
+    std::unordered_set<unsigned long long> removedClips;
+};
+
+class Impl {
+public:
+    explicit Impl(FlatObject& document) : m_document(document) {}
+
+    void removeQuizzes(unsigned long long timelineId);
+
+private:
+    bool enter(unsigned long long timelineId);
+    void handleEntry(Level& level);
+    MTime endOf(const json& entry);
+    void finish(Level& level);
+    bool isOfType(const json& reference, int type);
+
+    void fill(Level& level);
+    json* createClip(unsigned long long timelineId, MTime gap);
+    json* createTiming(const json& timeline, MTime start, MTime gap);
+    json trackForFiller(const json& timeline);
+
+    FlatObject& m_document;
+    std::unordered_set<unsigned long long> m_entered;
+    std::deque<Level> m_levels; // not the stack: timelines may nest deeply
+};
+
+void Impl::removeQuizzes(unsigned long long timelineId) {
+    enter(timelineId);
+    while (!m_levels.empty()) {
+        Level& level = m_levels.back();
+        if (level.clips.atEnd()) {
+            finish(level);
+            m_levels.pop_back();
+        } else {
+            handleEntry(level);
+        }
+    }
+}
+
+/// False for a timeline that has been entered before: once is enough, also where it is nested in itself.
+bool Impl::enter(unsigned long long timelineId) {
+    json& timeline = objectAt(m_document, timelineId);
+    if (!m_entered.insert(timelineId).second)
+        return false;
+    const json& clips = memberOf(timeline, "clips");
+    if (clips.is_primitive() && !clips.is_null())
+        json(clips).push_back(nullptr); // raises the type error
+    m_levels.emplace_back(timelineId, timeline);
+    return true;
+}
+
+void Impl::handleEntry(Level& level) {
+    const json& entry = level.clips.entry();
+    const unsigned long long clipId = targetOf(memberOf(entry, "clip"));
+    const json& clip = objectAt(m_document, clipId);
+    const json& nested = memberOf(clip, "nestedTimeline");
+    if (!nested.is_null() && enter(targetOf(nested)))
+        return; // the same entry comes again when the nested timeline is done
+    const MTime end = endOf(entry);
+    if (memberOf(clip, "type") == quizClipType) {
+        level.quizEnd = std::max(level.quizEnd, end);
+        level.removedClips.insert(clipId);
+        level.clips.drop();
+    } else {
+        level.normalEnd = std::max(level.normalEnd, end);
+        level.clips.keep();
+    }
+}
+
+MTime Impl::endOf(const json& entry) {
+    const json& reference = memberOf(entry, "timing");
+    const json& timing = reference.is_object() ? objectAt(m_document, targetOf(reference)) : reference;
+    if (!timing.is_object())
+        static_cast<void>(timing["timestamp"]); // raises the type error
+    return MTime::fromMs(timeOf(timing, "timestamp")) + MTime::fromMs(timeOf(timing, "duration"));
+}
+
+void Impl::finish(Level& level) {
+    level.clips.close();
+    if (level.quizEnd > level.normalEnd)
+        fill(level);
+    dropWhere(level.timeline, "links", [&](const json& link) {
+        const auto slave = getAnyObjectId(memberOf(link, "slave"));
+        return slave && level.removedClips.count(*slave) > 0;
+    });
+    dropWhere(level.timeline, "tracks", [&](const json& track) { return isOfType(track, quizTrackType); });
+}
+
+bool Impl::isOfType(const json& reference, int type) {
+    return memberOf(objectAt(m_document, targetOf(reference)), "type") == type;
+}
+
+/// The removed clips had stretched the timeline: a title clip keeps its length.
+void Impl::fill(Level& level) {
+    const MTime gap = level.quizEnd - level.normalEnd;
+    const json* clip = createClip(level.id, gap);
+    const json* timing = createTiming(level.timeline, level.normalEnd, gap);
+    json entry = json::object();
+    entry["clip"] = m_document.createRef(clip);
+    entry["timing"] = m_document.createRef(timing);
+    level.timeline["clips"].push_back(entry); // raises the type error for an object
+}
+
+/// The parts stand in the document and, as copies, in what they are part of.
+json* Impl::createClip(unsigned long long timelineId, MTime gap) {
+    json* clip = m_document.createObject("Timeline::Clip");
+    json* info = m_document.createObject("Timeline::CollectionItemInfo");
+    json* preset = m_document.createObject("Overlay::Preset");
+    json* item = m_document.createObject("Overlay::Item");
+    json* shadow = m_document.createObject("Overlay::DropShadow");
+    json* outline = m_document.createObject("Types::Pen");
+    json* transform = m_document.createObject("Types::Transform");
+    info->update({
+        {"collectionId", ""},
+        {"packageId", ""},
+        {"uniqueId", ""},
+    });
+    shadow->update({
+        {"blurRadius", 1},
+        {"color", 3024043839U},
+        {"enabled", false},
+        {"offsetX", 4},
+        {"offsetY", 4},
+    });
+    outline->update({
+        {"color", 4278190080U},
+        {"enabled", false},
+        {"width", 0},
+    });
+    transform->update({
+        {"m11", 0.625},
+        {"m12", 0},
+        {"m13", 0},
+        {"m21", 0},
+        {"m22", 0.625},
+        {"m23", 0},
+        {"m31", 343.0},
+        {"m32", 278.0},
+        {"m33", 1.0},
+    });
+    item->update({
+        {"arcRadius", 0.0},
+        {"dropShadow", *shadow},
+        {"editTime", 1.0},
+        {"editable", true},
+        {"encodedText", QByteArray(fillerText).toBase64().toStdString()},
+        {"features", 0},
+        {"from", 0.0},
+        {"intro", 0.0},
+        {"outline", *outline},
+        {"outro", 0.0},
+        {"resourcesInfo", json::array()},
+        {"scriptRole", ""},
+        {"textWidth", 990.0},
+        {"to", 1.0},
+        {"transform", *transform},
+        {"type", 1},
+    });
+    preset->update({
+        {"description", "SimpleText"},
+        {"fontsDir", ""},
+        {"items", json::array({*item})},
+        {"resourcePath", ""},
+        {"scriptId", "TitleStandard"},
+        {"scriptSpeed", 1.0},
+        {"sourceDuration", gap.toMs()},
+        {"tag", "SimpleText"},
+        {"type", 1},
+    });
+    clip->update({
+        {"broken", false},
+        {"collectionItemInfo", *info},
+        {"cropEnvelope", nullptr},
+        {"effects", json::array()},
+        {"enabled", true},
+        {"file", nullptr},
+        {"labels", json::array()},
+        {"mediaTrack", 0},
+        {"motionTrackings", json::array()},
+        {"moveEnvelope", nullptr},
+        {"name", "SimpleText"},
+        {"nestedTimeline", nullptr},
+        {"overlay", *preset},
+        {"quiz", nullptr},
+        {"rhythm", nullptr},
+        {"sourceDuration", gap.toMs()},
+        {"stabilization", nullptr},
+        {"timeline", m_document.createRef(timelineId)},
+        {"type", 4},
+        {"unlimitedDuration", true},
+        {"volume", 100},
+        {"volumeEnvelope", nullptr},
+    });
+    return clip;
+}
+
+json* Impl::createTiming(const json& timeline, MTime start, MTime gap) {
+    json* timing = m_document.createObject("Timeline::ClipTiming");
+    // The raw counts, where the clip and its preset have milliseconds. "Duraion" is how the format spells it.
+    timing->update({
+        {"duration", gap.count()},
+        {"fadeInDuraion", 0},
+        {"fadeOutDuraion", 0},
+        {"reversed", false},
+        {"sourceDuration", gap.count()},
+        {"sourcePosition", 0},
+        {"speedCompensated", false},
+        {"timestamp", start.count()},
+        {"timingMode", 0},
+        {"trackLevel", 0},
+        {"transitionIn", 0},
+        {"transitionOut", 0},
+    });
+    json track = trackForFiller(timeline);
+    if (!track.is_null())
+        (*timing)["track"] = std::move(track);
+    return timing;
+}
+
+/// Null where the timeline has no track for titles.
+json Impl::trackForFiller(const json& timeline) {
+    const json& tracks = memberOf(timeline, "tracks");
+    if (!tracks.is_structured())
+        return nullptr;
+    for (const json& track : tracks) {
+        if (isOfType(track, fillerTrackType))
+            return m_document.createRef(targetOf(track));
+    }
+    return nullptr;
+}
+
+} // namespace
+
+void V69_RemoveQuizzesAdaptor::adapt(FlatObject& document) {
+    const auto timelines = Archive::Internal::selectObjects(document, "Timeline::Object");
+    if (!timelines.empty())
+        Impl(document).removeQuizzes(timelines.front().id);
+}
+
+} // namespace Project

@@ -1,0 +1,46 @@
+#include "Adaptors/Project/V72_TrackTypeAdaptor.h"
+
+#include "Archive/Internal/FlatObjects.h"
+#include "Archive/Internal/JsonFields.h"
+
+#include <algorithm>
+
+using nlohmann::json;
+
+namespace Project {
+namespace {
+
+struct TrackType {
+    long long before;
+    int after;
+};
+
+// clang-format off
+constexpr TrackType trackTypes[] = {
+    {16, 1},
+    {32, 2},
+    {48, 4},
+    {64, 8}, // also the former track number 96, whose type is 64
+    {80, 16},
+};
+// clang-format on
+
+// A type of no row, and one that is no number, becomes 0.
+int convert(const json& type) {
+    if (!type.is_number())
+        return 0;
+    const long long before = Archive::Internal::toInteger(type);
+    const auto* row = std::ranges::find(trackTypes, before, &TrackType::before);
+    return row == std::end(trackTypes) ? 0 : row->after;
+}
+
+} // namespace
+
+void V72_TrackTypeAdaptor::adapt(Serialize::Json::FlatObject& document) {
+    for (const auto& track : Archive::Internal::selectObjects(document, "Timeline::Track")) {
+        json& type = (*track.object)["type"];
+        type = convert(type);
+    }
+}
+
+} // namespace Project

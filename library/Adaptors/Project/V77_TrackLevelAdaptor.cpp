@@ -1,0 +1,130 @@
+#include "Adaptors/Project/V77_TrackLevelAdaptor.h"
+
+#include "Archive/Internal/FlatObjects.h"
+#include "Archive/Internal/JsonFields.h"
+#include "Archive/Internal/JsonValues.h"
+#include "Archive/Json.h"
+
+#include <map>
+#include <stdexcept>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+
+using nlohmann::json;
+using Serialize::Json::FlatObject;
+using Serialize::Json::getAnyObjectId;
+
+namespace Project {
+namespace {
+
+using Archive::Internal::memberOf;
+using Archive::Internal::selectObjects;
+using Id = unsigned long long;
+
+constexpr long long levelledTrack = 4; // its clips stay on it, their levels are simply gone
+
+class Impl {
+public:
+    explicit Impl(FlatObject& document) : m_document(document) {}
+
+    /// Moves each timing that lies on a level to the clone for that level.
+    void moveTimings() {
+        for (const auto& timing : selectObjects(m_document, "Timeline::ClipTiming"))
+            moveTiming(*timing.object);
+    }
+
+    /// Puts the clones into `tracks` of the timelines that they name.
+    void listClones() {
+        if (m_timelines.empty())
+            return;
+        for (const auto& timeline : selectObjects(m_document, "Timeline::Object")) {
+            const auto id = getAnyObjectId(*timeline.object);
+            if (id && m_timelines.count(*id) > 0) {
+                m_rewritten.insert(timeline.id);
+                listClones(*timeline.object);
+            }
+        }
+    }
+
+private:
+    void moveTiming(json& timing) {
+        const auto key = timing.find("trackLevel");
+        if (key == timing.end())
+            return;
+        const int level = Archive::Internal::toInt32(*key);
+        timing.erase(key);
+        if (level == 0)
+            return;
+        const auto track = getAnyObjectId(memberOf(timing, "track"));
+        // An id that the document lacks gets an empty entry, which has no number as its type.
+        if (!track ||
+            Archive::Internal::toInteger(memberOf(m_document.objects[*track], "type")) == levelledTrack)
+            return;
+        timing["track"] = m_document.createRef(cloneFor(*track, level));
+    }
+
+    Id cloneFor(Id track, int level) {
+        const auto [clone, isNew] = m_clones[track].try_emplace(level);
+        if (isNew)
+            clone->second = makeClone(track);
+        return clone->second;
+    }
+
+    Id makeClone(Id track) {
+        const json* clone = Archive::cloneObject(m_document, track);
+        if (!clone)
+            throw std::logic_error(
+                "incorrect json flat map object: track present in ClipTiming, but track id "
+                "missed in flat map");
+        const auto timeline = getAnyObjectId(memberOf(*clone, "timeline"));
+        if (!timeline)
+            throw std::invalid_argument("Corrupted input content data");
+        m_timelines.insert(*timeline);
+        return Serialize::Json::getObjectId(*clone).value();
+    }
+
+    void listClones(json& timeline) {
+        auto* tracks = Archive::Internal::listOf(timeline, "tracks");
+        if (!tracks)
+            return;
+        for (json& track : std::exchange(*tracks, {})) {
+            const auto id = getAnyObjectId(track);
+            tracks->push_back(std::move(track));
+            if (id)
+                appendClones(*tracks, *id);
+        }
+    }
+
+    // By ascending level, so that negative levels stand first. A clone is listed in full, not as a reference.
+    void appendClones(json::array_t& tracks, Id track) {
+        const auto clones = m_clones.find(track);
+        if (clones == m_clones.end())
+            return;
+        for (const auto& [level, id] : clones->second) {
+            const auto clone = m_document.objects.find(id);
+            if (clone == m_document.objects.end())
+                throw std::logic_error("V77_TrackLevelAdaptor logic error. Content data can be corrupted.");
+            // Copies of what holds copies would double in size with each.
+            if (m_rewritten.count(id) > 0)
+                throw std::logic_error(
+                    "incorrect json flat map object: timeline with clones of tracks is a track itself");
+            tracks.push_back(Archive::Internal::copied(clone->second));
+        }
+    }
+
+    FlatObject& m_document;
+    std::unordered_map<Id, std::map<int, Id>> m_clones; ///< by track and level
+    std::unordered_set<Id> m_timelines;                 ///< those that got a clone
+    std::unordered_set<Id> m_rewritten;                 ///< those whose `tracks` list clones, or begin to
+};
+
+} // namespace
+
+void V77_TrackLevelAdaptor::adapt(FlatObject& document) {
+    Impl impl(document);
+    impl.moveTimings();
+    impl.listClones();
+}
+
+} // namespace Project

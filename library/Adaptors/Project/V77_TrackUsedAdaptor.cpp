@@ -1,0 +1,66 @@
+#include "Adaptors/Project/V77_TrackUsedAdaptor.h"
+
+#include "Archive/Internal/FlatObjects.h"
+#include "Archive/Internal/JsonFields.h"
+#include "Archive/Json.h"
+
+#include <unordered_set>
+#include <vector>
+
+using nlohmann::json;
+using Serialize::Json::FlatObject;
+using Serialize::Json::getAnyObjectId;
+
+namespace Project {
+namespace {
+
+using Archive::Internal::selectObjects;
+using Ids = std::unordered_set<unsigned long long>;
+
+Ids collectUnused(FlatObject& document) {
+    Ids unused;
+    for (const auto& track : selectObjects(document, "Timeline::Track")) {
+        if ((*track.object)["used"].get<bool>())
+            continue;
+        if (const auto id = getAnyObjectId(*track.object))
+            unused.insert(*id);
+    }
+    return unused;
+}
+
+void renameFades(json& timing) {
+    Archive::renameChild(timing, "fadeInDuraion", "fadeInDuration");
+    Archive::renameChild(timing, "fadeOutDuraion", "fadeOutDuration");
+}
+
+/// Repairs the timings on the way, and takes the tracks that they lie on out of `unused`.
+void keepOccupied(FlatObject& document, Ids& unused) {
+    for (const auto& timing : selectObjects(document, "Timeline::ClipTiming")) {
+        renameFades(*timing.object);
+        if (const auto track = getAnyObjectId(Archive::Internal::memberOf(*timing.object, "track")))
+            unused.erase(*track);
+    }
+}
+
+// Only the list forgets a track: the object stays, and `used` stays false on one that is kept.
+void dropTracks(FlatObject& document, const Ids& unused) {
+    for (const auto& timeline : selectObjects(document, "Timeline::Object")) {
+        auto* tracks = Archive::Internal::listOf(*timeline.object, "tracks");
+        if (!tracks)
+            continue;
+        std::erase_if(*tracks, [&](const json& track) {
+            const auto id = getAnyObjectId(track);
+            return id && unused.count(*id) > 0;
+        });
+    }
+}
+
+} // namespace
+
+void V77_TrackUsedAdaptor::adapt(FlatObject& document) {
+    Ids unused = collectUnused(document);
+    keepOccupied(document, unused);
+    dropTracks(document, unused);
+}
+
+} // namespace Project

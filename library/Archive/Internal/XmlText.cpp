@@ -1,0 +1,55 @@
+#include "Archive/Internal/XmlText.h"
+
+#include <QXmlSimpleReader>
+
+namespace Archive::Internal {
+namespace {
+
+constexpr int deepestNesting = 1000;
+
+QT_WARNING_PUSH
+QT_WARNING_DISABLE_DEPRECATED
+
+/// Stops where elements nest too deeply. It listens to the parser that QDomDocument uses, since another one could
+/// stop early at what this one takes.
+class DepthCheck : public QXmlDefaultHandler {
+public:
+    bool isTooDeep() const { return m_depth > deepestNesting; }
+
+    bool startElement(const QString&, const QString&, const QString&, const QXmlAttributes&) override {
+        ++m_depth;
+        return !isTooDeep();
+    }
+
+    bool endElement(const QString&, const QString&, const QString&) override {
+        --m_depth;
+        return true;
+    }
+
+private:
+    int m_depth = 0;
+};
+
+bool isTooDeep(const QString& text) {
+    QXmlInputSource source;
+    source.setData(text);
+    DepthCheck check;
+    QXmlSimpleReader reader;
+    reader.setContentHandler(&check);
+    reader.setErrorHandler(&check);
+    reader.parse(source);
+    return check.isTooDeep();
+}
+
+QT_WARNING_POP
+
+} // namespace
+
+bool parseXml(QDomDocument& document, const QString& text) {
+    if (!isTooDeep(text) && document.setContent(text))
+        return true;
+    document.clear(); // a parse that fails leaves what it had read by then
+    return false;
+}
+
+} // namespace Archive::Internal

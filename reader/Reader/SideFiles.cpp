@@ -1,0 +1,95 @@
+#include "Reader/SideFiles.h"
+
+#include "Reader/Error.h"
+#include "Reader/Files.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <fcntl.h>
+#include <glog/logging.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Reader {
+namespace {
+
+constexpr qint64 greatestSize = qint64(256) << 20; // far beyond any text of a title
+
+void refuse(const QString& name, const std::string& reason) {
+    LOG(ERROR) << "side file \"" << name.toStdString() << "\": " << reason;
+}
+
+/// A file that is open for reading, or none.
+class Descriptor {
+public:
+    explicit Descriptor(const QString& path)
+        // Not blocking: opening a pipe must not wait for its writer.
+        : m_number(
+              open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK)) {}
+    ~Descriptor() {
+        if (m_number >= 0)
+            close(m_number);
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    int number() const { return m_number; }
+    bool isRegularFile() const {
+        struct stat status = {};
+        return m_number >= 0 && fstat(m_number, &status) == 0 && S_ISREG(status.st_mode);
+    }
+
+private:
+    int m_number;
+};
+
+} // namespace
+
+SideFiles::SideFiles(const QString& folder, bool replace) : m_folder(folder), m_replace(replace) {}
+
+QByteArray SideFiles::read(const QString& name) const {
+    if (m_folder.isEmpty()) {
+        refuse(name, "the project was not read from a folder that could hold it");
+        return {};
+    }
+    const QString root = QFileInfo(m_folder).canonicalFilePath();
+    const QString path = QFileInfo(QDir(root).filePath(name)).canonicalFilePath();
+    const bool leaves = QDir::isAbsolutePath(name) || QDir::cleanPath(name).startsWith(QLatin1String(".."));
+    if (leaves || (!path.isEmpty() && !path.startsWith(root + QLatin1Char('/')))) {
+        refuse(name, "refused, since it lies outside the project's folder");
+        return {};
+    }
+    if (path.isEmpty()) {
+        refuse(name, "missing");
+        return {};
+    }
+    const Descriptor descriptor(path);
+    QFile file;
+    if (!descriptor.isRegularFile() || !file.open(descriptor.number(), QIODevice::ReadOnly) ||
+        file.size() > greatestSize) {
+        refuse(name, "refused, since it is no regular file of a sensible size");
+        return {};
+    }
+    return file.readAll();
+}
+
+bool SideFiles::write(const QString& name, const QByteArray& content) const {
+    if (m_folder.isEmpty())
+        return false;
+    const QString path = QDir(m_folder).filePath(name);
+    if (!m_replace && (QFileInfo::exists(path) || QFileInfo(path).isSymLink())) {
+        refuse(name, "exists already, so the text stays in the document; --force replaces the file");
+        return false;
+    }
+    try {
+        writeFile(path, content);
+        return true;
+    } catch (const Error& error) {
+        refuse(name, std::string("not written, so the text stays in the document: ") + error.what());
+        return false;
+    }
+}
+
+} // namespace Reader

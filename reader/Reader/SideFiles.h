@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+namespace Reader {
+
+/// The side files of a project, in one folder. Names come from documents and are hostile until shown otherwise: one
+/// that leaves the folder, by "..", by an absolute path or by a link, or that is no regular file, is refused.
+/// What goes wrong is logged at ERROR.
+class SideFiles {
+public:
+    /// An empty folder stands for none: nothing is read or written then. Existing files are written over only with
+    /// `replace`.
+    explicit SideFiles(const QString& folder, bool replace = false);
+
+    /// The content of a file; nothing for one that is refused or can't be read.
+    QByteArray read(const QString& name) const;
+
+    /// Writes a file as a whole or not at all; whether it is there now.
+    bool write(const QString& name, const QByteArray& content) const;
+
+private:
+    QString m_folder;
+    bool m_replace;
+};
+
+} // namespace Reader

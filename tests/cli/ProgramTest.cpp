@@ -1,0 +1,370 @@
+#include "support/Program.h"
+#include "support/Files.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <nlohmann/json.hpp>
+
+#include <sys/stat.h>
+
+using nlohmann::json;
+using Tests::Outcome;
+
+namespace {
+
+class ProgramTest : public testing::Test {
+protected:
+    Outcome run(const QStringList& arguments, const QByteArray& input = {}) const {
+        return Tests::runProgram(arguments, m_folder.path(), input);
+    }
+    QString path(const QString& name) const { return m_folder.filePath(name); }
+    void write(const QString& name, const QByteArray& bytes) const {
+        QFile file(path(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    }
+    QByteArray read(const QString& name) const {
+        QFile file(path(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
+    }
+    bool exists(const QString& name) const { return QFileInfo::exists(path(name)); }
+    QStringList files() const { return QDir(m_folder.path()).entryList(QDir::Files, QDir::Name); }
+    void expectFailure(const QStringList& arguments, int code, const QByteArray& part) const {
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.exitCode, code) << outcome.err.toStdString();
+        EXPECT_TRUE(outcome.err.contains(part)) << outcome.err.toStdString();
+        EXPECT_EQ(outcome.out, "");
+    }
+
+    QTemporaryDir m_folder;
+};
+
+QByteArray sample(const char* name) {
+    return QByteArray::fromStdString(Tests::readFile(std::string(SAMPLES_DIR) + '/' + name));
+}
+
+/// A project of version 29 with a timeline and one clip, to which `extra` is added.
+QByteArray archive(const QByteArray& extra = {}, const QByteArray& version = " schemaVersion='29'") {
+    return "<Archive" + version +
+           "><RootRef type='ObjectRef' value='2'/><RootObject type='Timeline::Object' objectId='2'>"
+           "<clips type='Array' size='1'><Item type='Item' index='1'><Key type='ObjectRef' value='3'/>"
+           "<Value type='int32_t' value='0'/></Item></clips></RootObject>"
+           "<RootObject type='Timeline::Clip' objectId='3'><name type='String' value='Beach'/></RootObject>" +
+           extra + "</Archive>";
+}
+
+TEST_F(ProgramTest, MigratesBesideTheInput) {
+    write("film.xml", sample("holiday-v27.xml"));
+    const Outcome outcome = run({"migrate", "film.xml"});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_TRUE(outcome.err.contains("XML archive of schema version 27 -> JSON of schema version 77"));
+    EXPECT_TRUE(outcome.err.contains("6 in, 6 out"));
+    EXPECT_TRUE(outcome.err.contains("film.v77.json"));
+    EXPECT_FALSE(outcome.err.contains("\x1b["));
+    EXPECT_EQ(files(), (QStringList{"film.v77.json", "film.xml"}));
+    EXPECT_EQ(json::parse(read("film.v77.json").toStdString())["schemaVersion"], 77);
+    EXPECT_EQ(read("film.xml"), sample("holiday-v27.xml"));
+}
+
+TEST_F(ProgramTest, TheSameInputGivesTheSameBytes) {
+    write("film.xml", sample("holiday-v27.xml"));
+    const Outcome first = run({"migrate", "film.xml", "-o", "-"});
+    const Outcome second = run({"migrate", "-"}, sample("holiday-v27.xml"));
+    EXPECT_GT(first.out.size(), 1000);
+    EXPECT_EQ(first.out, second.out);
+    EXPECT_EQ(run({"migrate", "film.xml", "-o", "-", "--to", "50"}).out,
+              run({"migrate", "film.xml", "-o", "-", "--to", "50"}).out);
+}
+
+TEST_F(ProgramTest, NothingIsWrittenOverWithoutForce) {
+    write("film.xml", archive());
+    write("film.v77.json", "precious");
+    expectFailure({"migrate", "film.xml"}, 16, "--force");
+    EXPECT_EQ(read("film.v77.json"), "precious");
+    expectFailure({"migrate", "film.xml", "-o", "film.xml"}, 16, "--force");
+    EXPECT_EQ(run({"migrate", "film.xml", "--force"}).exitCode, 0);
+    EXPECT_TRUE(read("film.v77.json").startsWith('{'));
+}
+
+TEST_F(ProgramTest, InPlaceKeepsEveryBackup) {
+    write("film.xml", archive());
+    const Outcome outcome = run({"migrate", "--in-place", "film.xml"});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
+    EXPECT_TRUE(outcome.err.contains("film.xml.bak"));
+    EXPECT_EQ(read("film.xml.bak"), archive());
+    const QByteArray migrated = read("film.xml");
+    EXPECT_TRUE(migrated.startsWith('{'));
+    EXPECT_EQ(run({"migrate", "--in-place", "film.xml"}).exitCode, 0);
+    EXPECT_EQ(read("film.xml.bak"), archive()); // an earlier backup is never replaced
+    EXPECT_EQ(read("film.xml.bak2"), migrated);
+    EXPECT_EQ(read("film.xml"), migrated); // the newest version stays what it is
+    EXPECT_EQ(run({"migrate", "--in-place", "-"}, archive()).exitCode, 2);
+    EXPECT_EQ(run({"migrate", "--in-place", "film.xml", "-o", "x"}).exitCode, 2);
+}
+
+TEST_F(ProgramTest, StopsAtAVersion) {
+    write("film.xml", sample("holiday-v27.xml"));
+    EXPECT_EQ(run({"migrate", "film.xml", "--to", "62"}).exitCode, 0);
+    EXPECT_TRUE(read("film.v62.xml").contains("schemaVersion=\"62\""));
+    EXPECT_EQ(run({"migrate", "film.xml", "--to", "63"}).exitCode, 0);
+    EXPECT_EQ(json::parse(read("film.v63.json").toStdString())["schemaVersion"], 63);
+    expectFailure({"migrate", "film.xml", "--to", "26"}, 12, "27");
+    expectFailure({"migrate", "film.v63.json", "--to", "62"}, 12, "film.v63.json");
+    EXPECT_EQ(run({"migrate", "film.xml", "--to", "78"}).exitCode, 2);
+}
+
+TEST_F(ProgramTest, VersionsThatCannotBe) {
+    write("old.xml", archive({}, ""));
+    expectFailure({"migrate", "old.xml"}, 11, "--from N");
+    EXPECT_EQ(run({"migrate", "old.xml", "--from", "29"}).exitCode, 0);
+    write("new.xml", archive({}, " schemaVersion='78'"));
+    expectFailure({"migrate", "new.xml"}, 12, "too new");
+    write("odd.xml", archive({}, " schemaVersion='x'"));
+    expectFailure({"migrate", "odd.xml"}, 11, "odd.xml");
+}
+
+TEST_F(ProgramTest, BadInputHasItsOwnExitCodes) {
+    write("empty", "");
+    write("text", "hello");
+    write("broken.xml", "<Archive>\n<a></Archive>");
+    write("broken.json", "{\"data\": }");
+    write("project.xml", "<Project/>");
+    write("doctype.xml", "<!DOCTYPE a><Archive/>");
+    write("envelope.json", "{}");
+    expectFailure({"migrate", "missing.xml"}, 3, "missing.xml");
+    expectFailure({"migrate", "empty"}, 4, "empty");
+    expectFailure({"migrate", "text"}, 5, "text");
+    expectFailure({"migrate", "broken.xml"}, 6, "broken.xml:2:");
+    expectFailure({"migrate", "broken.json"}, 7, "byte 10");
+    expectFailure({"migrate", "project.xml"}, 8, "<Project>");
+    expectFailure({"migrate", "doctype.xml"}, 9, "doctype.xml:1:1");
+    expectFailure({"migrate", "envelope.json"}, 10, "version");
+    EXPECT_EQ(files().filter(".v77.").size(), 0);
+}
+
+TEST_F(ProgramTest, ARootThatIsNotThereIsNoProject) {
+    write("film.xml", archive().replace("ObjectRef' value='2'", "ObjectRef' value='44'"));
+    expectFailure({"migrate", "film.xml"}, 8, "44");
+}
+
+TEST_F(ProgramTest, AStepThatThrowsIsNamed) {
+    write("film.xml", archive("<RootObject type='File' objectId='4'/>")
+                          .replace("<name ", "<file type='ObjectRef' value='4'/><name "));
+    expectFailure({"migrate", "film.xml"}, 13, "film.xml: PortableLoadAdaptor: ");
+    EXPECT_EQ(files(), QStringList{"film.xml"});
+}
+
+TEST_F(ProgramTest, LostClipsAreNamedAndStrictStops) {
+    // The second timeline is nested nowhere: its clip is listed and nothing reaches it.
+    write("film.xml",
+          archive(
+              "<RootObject type='Timeline::Object' objectId='7'><clips type='Array' size='1'><Item>"
+              "<Key type='ObjectRef' value='8'/><Value type='int32_t' value='0'/></Item></clips></RootObject>"
+              "<RootObject type='Timeline::Clip' objectId='8'><name type='String' "
+              "value='Harbour'/></RootObject>"));
+    const Outcome strict = run({"migrate", "film.xml", "--strict"});
+    EXPECT_EQ(strict.exitCode, 14);
+    EXPECT_TRUE(strict.err.contains("\"Harbour\" (id 8)")) << strict.err.toStdString();
+    EXPECT_EQ(files(), QStringList{"film.xml"});
+    const Outcome lenient = run({"migrate", "film.xml", "--json"});
+    EXPECT_EQ(lenient.exitCode, 0);
+    const json summary = json::parse(lenient.out.toStdString());
+    EXPECT_EQ(summary["clips"]["in"], 2);
+    EXPECT_EQ(summary["clips"]["out"], 1);
+    EXPECT_EQ(summary["clips"]["lost"], json::parse(R"([{"id": 8, "name": "Harbour"}])"));
+}
+
+TEST_F(ProgramTest, LogLinesAreShownWithTheirStep) {
+    // Version 35 can't do its work without predeclarations, and says so.
+    write("film.xml", archive());
+    const Outcome outcome = run({"migrate", "film.xml"});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_TRUE(outcome.err.contains("error: V35_UserCollectionAdaptor: Can't adapt user collection"))
+        << outcome.err.toStdString();
+    const Outcome strict = run({"migrate", "film.xml", "--strict", "--force"});
+    EXPECT_EQ(strict.exitCode, 14);
+    const json log = json::parse(run({"migrate", "film.xml", "--json", "--force"}).out.toStdString())["log"];
+    ASSERT_FALSE(log.empty());
+    EXPECT_EQ(log[0]["step"], "V35_UserCollectionAdaptor");
+    EXPECT_EQ(log[0]["severity"], "ERROR");
+    EXPECT_TRUE(log[0]["place"].get<std::string>().starts_with(
+        "library/Adaptors/Project/V35_UserCollectionAdaptor.cpp:"))
+        << log[0]["place"];
+}
+
+TEST_F(ProgramTest, TheMainTimelineComesFirstForEveryStep) {
+    // Written behind a nested timeline: version 35 takes the first that it meets as the project's.
+    write("film.xml", "<Archive schemaVersion='34'><RootRef type='ObjectRef' value='2'/>"
+                      "<RootObject type='Timeline::Object' objectId='7'/>"
+                      "<RootObject type='Timeline::Object' objectId='2'/>"
+                      "<RootObject type='Predeclarator' objectId='1'><predeclarations type='Array' "
+                      "size='0'/></RootObject></Archive>");
+    EXPECT_EQ(run({"migrate", "film.xml", "--to", "35"}).exitCode, 0);
+    const QByteArray text = read("film.v35.xml");
+    EXPECT_TRUE(text.contains("<timeline type=\"ObjectRef\" value=\"2\"/>")) << text.toStdString();
+    EXPECT_LT(text.indexOf("Predeclarator"), text.indexOf("objectId=\"2\""));
+    EXPECT_LT(text.indexOf("objectId=\"2\""), text.indexOf("objectId=\"7\""));
+}
+
+TEST_F(ProgramTest, JsonBelowTheConversionSkipsStepsForArchives) {
+    write(
+        "film.json",
+        R"({"version": "1.0", "schemaVersion": 58, "data": {"@meta": {"class_name": "Project::Content", "object_id": 2}}})");
+    const Outcome outcome = run({"migrate", "film.json"});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
+    EXPECT_TRUE(
+        outcome.err.contains("V59_EffectAuxResourceDownloadingAdaptor, V62_CollectionItemPayloadAdaptor"))
+        << outcome.err.toStdString();
+    const json summary = json::parse(run({"migrate", "film.json", "--json", "--force"}).out.toStdString());
+    EXPECT_EQ(summary["skipped"],
+              json({"V59_EffectAuxResourceDownloadingAdaptor", "V62_CollectionItemPayloadAdaptor"}));
+    EXPECT_EQ(summary["steps"][0], "V60_CollectionItemDescriptionAdaptor");
+    EXPECT_EQ(summary["steps"][1], "V61_EffectProcessedRangeAdaptor");
+}
+
+TEST_F(ProgramTest, MarkersSurviveWithoutTheirFolders) {
+    const auto file = [](const QByteArray& path) {
+        return R"({"version": "1.0", "schemaVersion": 77, "data": {"@meta": {"class_name": "File", "object_id": 2}, "path": ")" +
+               path + "\"}}";
+    };
+    const auto pathOf = [&](const QString& name) {
+        return json::parse(read(name).toStdString())["data"]["path"].get<std::string>();
+    };
+    write("film.json", file("#AI_MODELS_ROOT#/net.bin"));
+    EXPECT_EQ(run({"migrate", "film.json"}).exitCode, 0);
+    EXPECT_EQ(pathOf("film.v77.json"), "#AI_MODELS_ROOT#/net.bin");
+    EXPECT_EQ(run({"migrate", "film.json", "--force", "--ai-models-root", path("models")}).exitCode, 0);
+    EXPECT_EQ(pathOf("film.v77.json"), "#AI_MODELS_ROOT#/net.bin");
+    // A relative path counts from the project's folder, wherever the project goes.
+    write("film.json", file("media/a.mp4"));
+    ASSERT_TRUE(QDir(m_folder.path()).mkdir("moved"));
+    EXPECT_EQ(run({"migrate", "film.json", "-o", "moved/film.json"}).exitCode, 0);
+    EXPECT_EQ(pathOf("moved/film.json"), "../media/a.mp4");
+}
+
+TEST_F(ProgramTest, OutputThatCannotBeWritten) {
+    write("film.xml", archive());
+    expectFailure({"migrate", "film.xml", "-o", "nowhere/film.json"}, 15, "nowhere/film.json");
+    ASSERT_TRUE(QDir(m_folder.path()).mkdir("folder"));
+    expectFailure({"migrate", "film.xml", "-o", "folder", "--force"}, 15, "folder");
+    expectFailure({"migrate", "film.xml", "-o", "/dev/full", "--force"}, 15, "/dev/full");
+}
+
+TEST_F(ProgramTest, BundlesAreReadAndWritten) {
+    ASSERT_TRUE(QDir(m_folder.path()).mkdir("old"));
+    ASSERT_TRUE(QDir(m_folder.path()).mkdir("new"));
+    const auto project = [](const QByteArray& content) {
+        return R"({"version":"1.0","schemaVersion":77,"data":{"@meta":{"class_name":"Overlay::Item","object_id":2},"encodedText":")" +
+               content + "\"}}";
+    };
+    const auto textOf = [&](const QString& name) {
+        return json::parse(read(name).toStdString())["data"]["encodedText"].get<std::string>();
+    };
+    write("old/film.json", project("content_7.svg"));
+    write("old/content_7.svg", "<svg/>");
+    EXPECT_EQ(run({"migrate", "old", "-o", "film.json"}).exitCode, 0);
+    EXPECT_EQ(textOf("film.json"), QByteArray("<svg/>").toBase64().toStdString());
+    EXPECT_EQ(run({"migrate", "old", "--bundle", "new"}).exitCode, 0);
+    EXPECT_EQ(textOf("new/film.v77.json"), "content_1.svg");
+    EXPECT_EQ(read("new/content_1.svg"), "<svg/>");
+    // A side file that exists is not written over: the text stays in the document, and that is told.
+    QFile::remove(path("new/film.v77.json"));
+    const Outcome again = run({"migrate", "old", "--bundle", "new"});
+    EXPECT_EQ(again.exitCode, 0);
+    EXPECT_TRUE(again.err.contains("content_1.svg")) << again.err.toStdString();
+    EXPECT_EQ(textOf("new/film.v77.json"), QByteArray("<svg/>").toBase64().toStdString());
+    expectFailure({"migrate", "new/.."}, 3, "name the file");
+}
+
+TEST_F(ProgramTest, SideFilesOutsideTheFolderAreRefused) {
+    ASSERT_TRUE(QDir(m_folder.path()).mkpath("old/content_sub"));
+    write("secret.svg", "<svg>secret</svg>");
+    write("old/content_sub/in.svg", "<svg/>");
+    ASSERT_TRUE(QFile::link(path("secret.svg"), path("old/content_link.svg")));
+    ASSERT_EQ(mkfifo(path("old/content_pipe.svg").toLocal8Bit().constData(), 0600), 0);
+    const auto textFor = [&](const QByteArray& name) {
+        write(
+            "old/film.json",
+            R"({"version":"1.0","schemaVersion":77,"data":{"@meta":{"class_name":"Overlay::Item","object_id":2},"encodedText":")" +
+                name + "\"}}");
+        const Outcome outcome = run({"migrate", "old/film.json", "--force", "-o", "-"});
+        EXPECT_EQ(outcome.exitCode, 0);
+        const std::string text = json::parse(outcome.out.toStdString())["data"]["encodedText"];
+        EXPECT_EQ(text.empty(), outcome.err.contains("OverlayFileContentReadAdaptor: side file"))
+            << outcome.err.toStdString();
+        return text;
+    };
+    EXPECT_EQ(textFor("content_/../../secret.svg"), "");
+    EXPECT_EQ(textFor("content_link.svg"), "");
+    EXPECT_EQ(textFor("content_pipe.svg"), "");
+    EXPECT_EQ(textFor("content_sub"), "");
+    EXPECT_EQ(textFor("content_none.svg"), "");
+    EXPECT_NE(textFor("content_sub/in.svg"), "");
+}
+
+TEST_F(ProgramTest, RunsOneStep) {
+    write("film.xml", archive());
+    const Outcome outcome = run({"run", "V28_ClipLabelAdaptor", "film.xml"});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
+    EXPECT_TRUE(outcome.out.contains("<labels size=\"0\" type=\"Array\"/>"));
+    EXPECT_TRUE(outcome.out.contains("schemaVersion=\"29\""));
+    EXPECT_EQ(run({"run", "Project::V28_ClipLabelAdaptor", "-", "-o", "out.xml"}, archive({}, "")).exitCode,
+              0);
+    EXPECT_TRUE(read("out.xml").contains("<labels"));
+    expectFailure({"run", "V28_ClipLabelAdaptor", "film.xml", "-o", "out.xml"}, 16, "--force");
+    expectFailure({"run", "V1_Nothing", "film.xml"}, 2, "V1_Nothing");
+    expectFailure({"run", "V72_TrackTypeAdaptor", "film.xml"}, 2, "XML");
+    write(
+        "film.json",
+        R"({"version":"1.0","data":{"@meta":{"class_name":"Collection::Item","object_id":2},"previewUrls":[1]}})");
+    EXPECT_TRUE(
+        run({"run", "CollectionItemPreviewUrlsAdaptor", "film.json"}).out.contains("\"previewUrls\":[]"));
+    expectFailure({"run", "PortableLoadAdaptor", "film.xml"}, 2, "XML");
+}
+
+TEST_F(ProgramTest, TellsAboutADocument) {
+    write("film.xml",
+          archive("<RootObject type='File' objectId='3'><x type='ObjectRef' value='55'/></RootObject>"));
+    const json info = json::parse(run({"info", "film.xml", "--json"}).out.toStdString());
+    EXPECT_EQ(info["form"], "xml");
+    EXPECT_EQ(info["version"], 29);
+    EXPECT_EQ(info["objects"], json::parse(R"({"File": 1, "Timeline::Clip": 1, "Timeline::Object": 1})"));
+    EXPECT_EQ(info["duplicateIds"], json({3}));
+    EXPECT_EQ(info["danglingReferences"], json::parse(R"([{"from": 3, "class": "File", "to": 55}])"));
+    EXPECT_EQ(info["steps"][0], "V32_ColorFiltersAdaptor");
+    const Outcome text = run({"info", "film.xml"});
+    EXPECT_TRUE(text.out.contains("version: 29") && text.out.contains("refers to 55"))
+        << text.out.toStdString();
+    EXPECT_TRUE(run({"info", "-"}, archive({}, "")).out.contains("--from N"));
+}
+
+TEST_F(ProgramTest, ListsTheSteps) {
+    const json steps = json::parse(run({"steps", "--json", "--from", "27", "--to", "29"}).out.toStdString());
+    EXPECT_EQ(steps[0]["class"], "V28_ClipLabelAdaptor");
+    EXPECT_EQ(steps[0]["forms"], json({"xml"}));
+    EXPECT_EQ(steps[1]["number"], 29);
+    const Outcome all = run({"steps"});
+    EXPECT_TRUE(all.out.contains("V77_TrackLevelAdaptor") && all.out.contains("PortableSaveAdaptor"));
+}
+
+TEST_F(ProgramTest, HelpAndWrongUse) {
+    for (const char* command : {"migrate", "steps", "run", "info"}) {
+        const Outcome help = run({command, "--help"});
+        EXPECT_EQ(help.exitCode, 0);
+        EXPECT_TRUE(help.out.contains("Example")) << command;
+    }
+    EXPECT_TRUE(run({"--help"}).out.contains("Exit codes"));
+    EXPECT_TRUE(run({"--version"}).out.startsWith("adaptors "));
+    EXPECT_EQ(run({}).exitCode, 2);
+    EXPECT_EQ(run({"migrate"}).exitCode, 2);
+    EXPECT_EQ(run({"migrate", "a", "--what"}).exitCode, 2);
+    EXPECT_EQ(run({"fly"}).exitCode, 2);
+}
+
+} // namespace

@@ -1,0 +1,214 @@
+#include "Reader/Document.h"
+#include "Reader/Contents.h"
+#include "Reader/Error.h"
+#include "Reader/XmlText.h"
+#include "support/Compare.h"
+#include "support/Documents.h"
+
+#include <gtest/gtest.h>
+
+using Reader::Problem;
+
+namespace {
+
+const QString name = QStringLiteral("film.xml");
+
+/// The problem and the text that reading ends in; fails where it does not.
+std::pair<Problem, std::string> failure(const QByteArray& bytes) {
+    try {
+        Reader::parse(bytes, name);
+    } catch (const Reader::Error& error) {
+        return {error.problem(), error.what()};
+    }
+    ADD_FAILURE() << "was read: " << bytes.left(200).toStdString();
+    return {Problem::WrongUse, ""};
+}
+
+void expectFailure(const QByteArray& bytes, Problem problem, const std::string& part) {
+    const auto [found, text] = failure(bytes);
+    EXPECT_EQ(static_cast<int>(found), static_cast<int>(problem)) << text;
+    EXPECT_TRUE(text.starts_with("film.xml")) << text;
+    EXPECT_NE(text.find(part), std::string::npos) << text;
+}
+
+TEST(Parse, EmptyInput) {
+    expectFailure("", Problem::Empty, "empty");
+    expectFailure(" \n\t ", Problem::Empty, "empty");
+    expectFailure("\xEF\xBB\xBF", Problem::Empty, "empty");
+}
+
+TEST(Parse, NeitherXmlNorJson) {
+    expectFailure("PK\x03\x04", Problem::UnknownForm, "neither XML nor JSON");
+    expectFailure("film", Problem::UnknownForm, "neither XML nor JSON");
+    expectFailure(QByteArray("\0\0\0\x01", 4), Problem::UnknownForm, "neither XML nor JSON");
+}
+
+TEST(Parse, BrokenXmlNamesLineAndColumn) {
+    expectFailure("<Archive>\n <RootRef>\n</Archive>", Problem::BrokenXml, "film.xml:3:");
+    expectFailure("<Archive>", Problem::BrokenXml, "film.xml:1:");
+    expectFailure("<Archive/><Archive/>", Problem::BrokenXml, "film.xml:1:");
+    expectFailure("<Archive a='1' a='2'/>", Problem::BrokenXml, "film.xml:1:");
+    expectFailure("<Archive a='&nbsp;'/>", Problem::BrokenXml, "nbsp");
+    expectFailure("<Archive a='\xFF\xFE'/>", Problem::BrokenXml, "film.xml:1:");
+}
+
+TEST(Parse, CharactersThatXmlForbids) {
+    expectFailure("<Archive a='&#1;'/>", Problem::BrokenXml, "film.xml:1:");
+    expectFailure("<Archive a='&#x1F;'/>", Problem::BrokenXml, "film.xml:1:");
+    expectFailure("<Archive>&#0;</Archive>", Problem::BrokenXml, "film.xml:1:");
+    expectFailure("<Archive>\n\x01</Archive>", Problem::BrokenXml, "film.xml:2:");
+    expectFailure("<Archive a='&#xFFFE;'/>", Problem::BrokenXml, "film.xml:1:");
+    expectFailure("<Archive a='&#xD800;'/>", Problem::BrokenXml, "film.xml:1:");
+    EXPECT_NO_THROW(Reader::parse("<Archive a='&#9;&#10;&#x1F3AC;'/>", name));
+}
+
+TEST(Parse, DocumentTypesAreRefused) {
+    expectFailure("<?xml version='1.0'?>\n<!DOCTYPE Archive>\n<Archive/>", Problem::RefusedXml,
+                  "film.xml:2:1");
+    expectFailure("<!DOCTYPE a [<!ENTITY b 'c'>]><Archive d='&b;'/>", Problem::RefusedXml, "document type");
+    EXPECT_NO_THROW(Reader::parse(
+        "<!-- <!DOCTYPE a> --><Archive a='&lt;!DOCTYPE'><![CDATA[<!DOCTYPE]]></Archive>", name));
+}
+
+TEST(Parse, ForeignEncodingsAreRefused) {
+    expectFailure(QByteArray("<\0A\0", 4), Problem::RefusedXml, "UTF-8");
+    expectFailure("<?xml version='1.0' encoding='UTF-7'?><Archive/>", Problem::RefusedXml, "UTF-8");
+    EXPECT_NO_THROW(Reader::parse("<?xml version='1.0' encoding='ISO-8859-1'?><Archive a='\xE9'/>", name));
+    EXPECT_NO_THROW(Reader::parse("\xEF\xBB\xBF<Archive/>", name));
+}
+
+TEST(Parse, HostileDepthIsRefused) {
+    const auto nested = [](int depth) {
+        return "<Archive>" + QByteArray("<a b='/>'>").repeated(depth) + "<c/>" +
+               QByteArray("</a>").repeated(depth) + "</Archive>";
+    };
+    expectFailure(nested(100000), Problem::RefusedXml, "nested deeper");
+    expectFailure(QByteArray("<a>").repeated(1000000), Problem::RefusedXml, "nested deeper");
+    EXPECT_NO_THROW(Reader::parse(nested(3000), name));
+    EXPECT_NO_THROW(Reader::parse("<Archive>" + QByteArray("<a/>").repeated(20000) + "</Archive>", name));
+}
+
+TEST(Parse, ExactlyOneArchive) {
+    expectFailure("<Project/>", Problem::NoArchive, "<Project>");
+    expectFailure("<Archive><a><Archive/></a></Archive>", Problem::NoArchive, "2 <Archive>");
+}
+
+TEST(Parse, BrokenJsonNamesTheByte) {
+    expectFailure("{\"data\": nul}", Problem::BrokenJson, "byte 13");
+    expectFailure("{\"data\": \"\xFF\"}", Problem::BrokenJson, "byte");
+    expectFailure("{", Problem::BrokenJson, "byte 2");
+    expectFailure("{} x", Problem::BrokenJson, "byte 4");
+}
+
+TEST(Parse, WrongEnvelopes) {
+    expectFailure("[]", Problem::WrongEnvelope, "array");
+    expectFailure("{}", Problem::WrongEnvelope, "\"version\" is missing");
+    expectFailure(R"({"version": "1.0"})", Problem::WrongEnvelope, "\"data\" is missing");
+    expectFailure(R"({"version": "2.0", "data": {"@meta": {}}})", Problem::WrongEnvelope, "\"2.0\"");
+    expectFailure(R"({"version": 1.0, "data": {"@meta": {}}})", Problem::WrongEnvelope, "1.0");
+    expectFailure(R"({"version": "1.0", "data": null})", Problem::WrongEnvelope, "\"data\" is null");
+    expectFailure(R"({"version": "1.0", "data": [1]})", Problem::WrongEnvelope, "\"data\" is array");
+    expectFailure(R"({"version": "1.0", "data": {"x": 1}})", Problem::WrongEnvelope, "no class object");
+    expectFailure(
+        R"({"version": "1.0", "data": {"@meta": {}, "b": {"@meta_reference": 18446744073709551615}}})",
+        Problem::WrongEnvelope, "no object id is left");
+}
+
+TEST(Parse, SchemaVersions) {
+    EXPECT_EQ(Reader::parse("<Archive schemaVersion='27'/>", name).version, 27);
+    EXPECT_EQ(Reader::parse("<Archive/>", name).version, std::nullopt);
+    EXPECT_EQ(Reader::parse("<Archive schemaVersion='27'/>", name, 30).version, 30);
+    EXPECT_EQ(Reader::parse("<Archive schemaVersion='new'/>", name, 30).version, 30);
+    EXPECT_EQ(
+        Reader::parse(R"({"version": "1.0", "schemaVersion": 63, "data": {"@meta": {}}})", name).version, 63);
+    EXPECT_EQ(Reader::parse(R"({"version": "1.0", "data": {"@meta": {}}})", name).version, std::nullopt);
+    expectFailure("<Archive schemaVersion='new'/>", Problem::NoVersion, "--from");
+    expectFailure("<Archive schemaVersion='-1'/>", Problem::NoVersion, "--from");
+    expectFailure("<Archive schemaVersion=''/>", Problem::NoVersion, "--from");
+    expectFailure("<Archive schemaVersion='99999999999999999999'/>", Problem::NoVersion, "--from");
+    expectFailure(R"({"version": "1.0", "schemaVersion": "63", "data": {"@meta": {}}})", Problem::NoVersion,
+                  "--from");
+    expectFailure(R"({"version": "1.0", "schemaVersion": -1, "data": {"@meta": {}}})", Problem::NoVersion,
+                  "--from");
+    expectFailure(R"({"version": "1.0", "schemaVersion": 18446744073709551615, "data": {"@meta": {}}})",
+                  Problem::NoVersion, "--from");
+}
+
+TEST(Serialize, ArchivesKeepAllThatTheyHold) {
+    const QByteArray text =
+        "<?xml version='1.0'?><!-- kept --><Archive z='1' a='&lt;&quot;&#10;&amp;'><!-- c --><b>te&lt;xt</b>"
+        "<x:y x:z='1'/><![CDATA[a<b]]><?go on?></Archive>";
+    const QByteArray once = Reader::serialize(Reader::parse(text, name, 5)).bytes;
+    EXPECT_EQ(Reader::serialize(Reader::parse(once, name)).bytes, once);
+    QDomDocument expected =
+        Tests::xml("<Archive schemaVersion='5' z='1' a='&lt;&quot;&#10;&amp;'><!-- c --><b>te&lt;xt</b>"
+                   "<x:y x:z='1'/><![CDATA[a<b]]><?go on?></Archive>");
+    EXPECT_EQ(
+        Tests::difference(expected.documentElement(), Reader::parse(once, name).xml().documentElement()), "");
+    EXPECT_TRUE(once.contains("<!-- kept -->"));
+    EXPECT_TRUE(once.contains("<?go on?>"));
+    EXPECT_LT(once.indexOf(" a="), once.indexOf(" schemaVersion=")); // sorted
+    EXPECT_LT(once.indexOf(" schemaVersion="), once.indexOf(" z="));
+}
+
+TEST(Serialize, JsonKeepsItsEnvelope) {
+    const QByteArray text =
+        R"({"data":{"@meta":{"class_name":"A","object_id":2}},"other":{"x":[1]},"schemaVersion":63,"version":"1.0"})";
+    EXPECT_EQ(Reader::serialize(Reader::parse(text, name)).bytes, text + '\n');
+}
+
+TEST(Contents, OfAnArchive) {
+    const Reader::Document document = Reader::parse(
+        "<Archive><RootRef type='ObjectRef' value='2'/>"
+        "<RootObject type='Predeclarator' objectId='1'><predeclarations><Item><Data type='Predeclare' "
+        "objectId='8'>"
+        "<oid type='ObjectRef' value='77'/></Data></Item></predeclarations></RootObject>"
+        "<RootObject type='Timeline::Object' objectId='2'><clips type='Array'>"
+        "<Item><Key type='ObjectRef' value='3'/><Value type='Timeline::ClipTiming' objectId='4'/></Item>"
+        "<Item><Key type='ObjectRef' value='9'/></Item><Item><Key type='ObjectRef' value='3'/></Item>"
+        "<Item><Data type='ObjectRef' value='5'/></Item></clips></RootObject>"
+        "<RootObject type='Timeline::Clip' objectId='3'><BaseOfObject type='Base' objectId='3'/>"
+        "<name type='String' value='Beach'/></RootObject>"
+        "<RootObject type='Timeline::Clip' objectId='5'/><RootObject type='File' objectId='5'/></Archive>",
+        name);
+    const Reader::ObjectCounts counts = {{"Base", 1},
+                                         {"File", 1},
+                                         {"Timeline::Clip", 2},
+                                         {"Timeline::ClipTiming", 1},
+                                         {"Timeline::Object", 1}};
+    EXPECT_EQ(Reader::countObjects(document), counts);
+    const auto dangling = Reader::findDanglingReferences(document);
+    ASSERT_EQ(dangling.size(), 1u);
+    EXPECT_EQ(dangling[0], (Reader::DanglingReference{2, "Timeline::Object", 9}));
+    EXPECT_EQ(Reader::findDuplicateIds(document), std::vector<unsigned long long>{5});
+    const auto clips = Reader::listClips(document);
+    ASSERT_EQ(clips.size(), 3u);
+    EXPECT_EQ(clips[0].id, 3u);
+    EXPECT_EQ(clips[0].name, "Beach");
+    EXPECT_EQ(clips[1].id, 9u);
+    EXPECT_EQ(clips[2].id, 5u);
+    const auto reached = Reader::findReachable(document);
+    EXPECT_TRUE(reached.count(3) && reached.count(5) && !reached.count(77));
+}
+
+TEST(Contents, OfJson) {
+    const Reader::Document document = Reader::parse(
+        R"({"version":"1.0","data":{"@meta":{"class_name":"Timeline::Object","object_id":2},
+            "clips":[{"clip":{"@meta":{"class_name":"Timeline::Clip","object_id":3},"name":"Beach"},"timing":null},
+                     {"clip":{"@meta_reference":9}},{"clip":null},7,{"clip":{"@meta_reference":3}}],
+            "twice":{"@meta":{"class_name":"File","object_id":3}}}})",
+        name);
+    const Reader::ObjectCounts counts = {{"File", 1}, {"Timeline::Clip", 1}, {"Timeline::Object", 1}};
+    EXPECT_EQ(Reader::countObjects(document), counts);
+    const auto dangling = Reader::findDanglingReferences(document);
+    ASSERT_EQ(dangling.size(), 1u);
+    EXPECT_EQ(dangling[0], (Reader::DanglingReference{2, "Timeline::Object", 9}));
+    EXPECT_EQ(Reader::findDuplicateIds(document), std::vector<unsigned long long>{3});
+    const auto clips = Reader::listClips(document);
+    ASSERT_EQ(clips.size(), 2u);
+    EXPECT_EQ(clips[0].name, "Beach");
+    EXPECT_EQ(clips[1].id, 9u);
+    EXPECT_EQ(Reader::findReachable(document), (std::set<unsigned long long>{2, 3, 9, 10}));
+}
+
+} // namespace
