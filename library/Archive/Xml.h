@@ -9,6 +9,7 @@
 #include <QList>
 #include <QString>
 
+#include <concepts>
 #include <functional>
 
 /// Free functions on the XML archive. None inserts what it creates unless it says so: the caller appends it.
@@ -57,7 +58,9 @@ void setValueOf(const QDomElement& parent, const QString& name, const QString& v
 
 /// `text` as a decimal number, or `fallback`.
 long long extractValue(const QString& text, long long fallback);
-inline long long extractValue(const QString& text, int fallback) {
+/// The same with any other integer, such as the std::int64_t of MTime::count().
+template <std::integral T>
+long long extractValue(const QString& text, T fallback) {
     return extractValue(text, static_cast<long long>(fallback));
 }
 MTime extractValue(const QString& text, MTime fallback);

@@ -23,7 +23,8 @@ QDomElement takeOrMakeArray(QDomDocument& doc, QDomElement& parent, const QStrin
     QDomElement array = parent.firstChildElement(name);
     if (array.isNull()) {
         array = createArray(doc, name, 0);
-        parent.appendChild(array);
+        if (!parent.isNull())
+            parent.appendChild(array);
     }
     return array;
 }

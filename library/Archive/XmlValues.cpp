@@ -37,7 +37,7 @@ long long extractValue(const QString& text, long long fallback) {
 }
 
 MTime extractValue(const QString& text, MTime fallback) {
-    return MTime(extractValue(text, static_cast<long long>(fallback.count())));
+    return MTime(extractValue(text, fallback.count()));
 }
 
 double extractValue(const QString& text, double fallback) {

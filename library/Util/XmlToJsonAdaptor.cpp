@@ -27,11 +27,6 @@ namespace Words = Archive::Words;
 namespace Util {
 namespace {
 
-std::string utf8(const QString& text) {
-    const QByteArray bytes = text.toUtf8();
-    return std::string(bytes.constData(), static_cast<std::size_t>(bytes.size()));
-}
-
 // Scalars: the value of an element that holds no other.
 
 template <class Coordinate>
@@ -47,7 +42,7 @@ json convertPoint(const QString& value, Coordinate coordinate) {
 
 json convertRef(const QDomElement& e) {
     json image = json::object();
-    image["ref"] = utf8(e.attribute(Words::ref));
+    image["ref"] = e.attribute(Words::ref).toStdString();
     return image;
 }
 
@@ -65,7 +60,7 @@ constexpr ScalarType scalarTypes[] = {
     {"int64_t", [](const QDomElement&, const QString& value) -> json { return value.toLongLong(); }},
     {"uint64_t", [](const QDomElement&, const QString& value) -> json { return value.toULongLong(); }},
     {"double", [](const QDomElement& e, const QString&) -> json { return Archive::readValue(e, 0.0); }},
-    {"String", [](const QDomElement&, const QString& value) -> json { return utf8(value); }},
+    {"String", [](const QDomElement&, const QString& value) -> json { return value.toStdString(); }},
     {"Point",
      [](const QDomElement&, const QString& value) -> json {
          return convertPoint(value, [](const QString& part) { return part.toInt(); });
@@ -251,7 +246,7 @@ std::optional<json> Impl::beginObjectRef(const QDomElement& element, QDomElement
 
 std::optional<json> Impl::beginObject(const QDomElement& element) {
     json meta = json::object();
-    meta[MetaDetails::s_class_name] = utf8(Archive::typeOf(element));
+    meta[MetaDetails::s_class_name] = Archive::typeOf(element).toStdString();
     if (element.tagName() == Words::BaseOfObject) {
         meta[MetaDetails::s_object_id] = m_nextObjectId;
         m_nextObjectId = Archive::Internal::plusOne(m_nextObjectId);
@@ -314,7 +309,7 @@ std::optional<json> Impl::resume(ObjectFrame& frame, std::optional<json> value) 
         const QDomElement child = frame.next;
         frame.next = child.nextSiblingElement();
         const QString tag = child.tagName();
-        frame.key = utf8(tag == Words::BaseOfObject ? Archive::typeOf(child) : tag);
+        frame.key = (tag == Words::BaseOfObject ? Archive::typeOf(child) : tag).toStdString();
         value = begin(child);
         if (!value)
             return std::nullopt;

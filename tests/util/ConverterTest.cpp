@@ -379,6 +379,235 @@ TEST(XmlToJson, TheLaterPredeclarationOfAnIdCounts) {
     EXPECT_TRUE(entry.contains("clipFrom"));
 }
 
+TEST(XmlToJson, TheGreatestPredeclaredIdMayBeNegativeZeroOrTheGreatestOfAll) {
+    const auto partId = [](const std::vector<std::pair<std::string, long long>>& records) {
+        return convert(archive(
+            ref("RootRef", 2) + predeclarator(records) +
+            object("A", 2, "<BaseOfObject type='B' objectId='2'/>")))["data"]["B"]["@meta"]["object_id"];
+    };
+    EXPECT_EQ(partId({{"A", -7}, {"B", -9}}), -6);
+    EXPECT_EQ(partId({{"A", 0}}), 1);
+    EXPECT_EQ(partId({{"A", 9223372036854775806}}), 9223372036854775807);
+    EXPECT_EQ(partId({{"A", 9223372036854775807}}), -9223372036854775807 - 1); // wraps
+}
+
+TEST(XmlToJson, APredeclarationWithoutDataOrIdIsOneOfZero) {
+    const std::string record = "<RootObject type='Predeclarator' objectId='1'><predeclarations type='Array'>"
+                               "<Item/><Item><Data type='Predeclare' objectId='900'>"
+                               "<typeName value='A'/></Data></Item></predeclarations></RootObject>";
+    const json data = convert(archive(ref("RootRef", 2) + record +
+                                      object("A", 2, "<BaseOfObject type='B' objectId='2'/>")))["data"];
+    EXPECT_EQ(data["B"]["@meta"]["object_id"], 1);
+}
+
+TEST(XmlToJson, AllPredeclaratorsCountAndOfEachTheFirstList) {
+    const auto record = [](const std::string& type, long long id) {
+        return "<Item><Data><typeName value='" + type + "'/>" + ref("oid", id) + "</Data></Item>";
+    };
+    const auto predeclarations = [](const std::string& records) {
+        return "<predeclarations type='Array' size='1'>" + records + "</predeclarations>";
+    };
+    const std::string both =
+        object("Predeclarator", 1,
+               predeclarations(record("Timeline::Clip", 3)) + predeclarations(record("Timeline::Clip", 90))) +
+        "<in>" + object("Predeclarator", 7, predeclarations(record("Timeline::Link", 4))) + "</in>";
+    const json data = convert(archive(
+        ref("RootRef", 2) + both +
+        object("A", 2,
+               "<BaseOfObject type='B'/><f type='Array'>" + item(ref("Key", 3) + ref("Value", 4)) + "</f>") +
+        object("X", 3) + object("Y", 4)))["data"];
+    EXPECT_EQ(data["B"]["@meta"]["object_id"], 5); // not 91
+    EXPECT_TRUE(data["f"][0].contains("slave"));
+    EXPECT_TRUE(data["f"][0].contains("link"));
+}
+
+TEST(XmlToJson, APredeclaratorIsNoObjectWhateverItsId) {
+    // Both have the id 3; the one that is no object does not hide the other.
+    EXPECT_EQ(dataOf(ref("b", 3), object("B", 3) + object("Predeclarator", 3))["b"]["@meta"]["class_name"],
+              "B");
+}
+
+TEST(XmlToJson, IdsAreReadSigned) {
+    EXPECT_EQ(dataOf(ref("b", -3), object("B", -3))["b"]["@meta"]["object_id"], -3);
+    EXPECT_EQ(dataOf(ref("b", -3) + ref("c", -3), object("B", -3))["c"]["@meta_reference"], -3);
+    // One that is no number is 0, and nothing leads to 0.
+    expectSame(nullptr, dataOf("<b type='ObjectRef' value='18446744073709551615'/>", object("B", 0))["b"]);
+    expectSame(nullptr, valueOf("type='ObjectRef'"));
+}
+
+TEST(XmlToJson, KeyAndFirstComeBeforeValueAndSecond) {
+    const json full = {{"@meta", {{"class_name", "B"}, {"object_id", 3}}}};
+    const json link = {{"@meta_reference", 3}};
+    // Whatever their order in the file.
+    expectSame(
+        json::array({{{"first", full}, {"second", link}}}),
+        dataOf("<f type='Array'>" + item(ref("Value", 3) + ref("Key", 3)) + "</f>", object("B", 3))["f"]);
+    expectSame(
+        json::array({{{"first", full}, {"second", link}}}),
+        dataOf("<f type='Array'>" + item(ref("Second", 3) + ref("First", 3)) + "</f>", object("B", 3))["f"]);
+}
+
+TEST(XmlToJson, FieldsAreMetInDocumentOrderAndDepthFirst) {
+    // The inner object is full inside the first field, though a later field refers to it directly.
+    const json data = dataOf(ref("z", 3) + ref("a", 4), object("B", 3, ref("inner", 4)) + object("C", 4));
+    expectSame({{"@meta", {{"class_name", "C"}, {"object_id", 4}}}}, data["z"]["inner"]);
+    expectSame({{"@meta_reference", 4}}, data["a"]);
+    // Also a field that a later one of the same tag overwrites has been met.
+    expectSame({{"@meta_reference", 3}}, dataOf(ref("f", 3) + ref("f", 3), object("B", 3))["f"]);
+}
+
+TEST(XmlToJson, EntriesOfEachKindAreAlikeOrATuple) {
+    const std::string list = item("<Data type='Array'>" + item("<Data type='bool' value='1'/>") + "</Data>");
+    const std::string none = item("<Data type='Array' size='0'/>");
+    const std::string embedded = item("<Data type='B' objectId='5'/>");
+    const std::string link = item(ref("Data", 2)); // of the object under way: a link, and so an object too
+    const std::string yes = item("<Data type='bool' value='1'/>");
+    expectSame(json::array({json::array({true}), json::array()}), valueOf("type='Array'", list + none));
+    const json b = {{"@meta", {{"class_name", "B"}, {"object_id", 5}}}};
+    expectSame(json::array({b, {{"@meta_reference", 2}}}), valueOf("type='Array'", embedded + link));
+    expectSame({{"element_0", b}, {"element_1", true}}, valueOf("type='Array'", embedded + yes));
+    expectSame({{"element_0", json::array()}, {"element_1", true}}, valueOf("type='Array'", none + yes));
+    // A null entry takes no position.
+    expectSame({{"element_0", true}, {"element_1", "a"}},
+               valueOf("type='Array'", yes + item(ref("Data", 0)) + item("<Data type='String' value='a'/>")));
+    // A tuple inside an array is an object like others.
+    const std::string tuple = item("<Data type='Array'>" + yes + none + "</Data>");
+    expectSame(json::array({{{"element_0", true}, {"element_1", json::array()}}, b}),
+               valueOf("type='Array'", tuple + embedded));
+}
+
+TEST(XmlToJson, OnlyTheFirstDataOfAnEntryCounts) {
+    expectSame(json::array({1}),
+               valueOf("type='Array'", item("<Data type='int32_t' value='1'/><Data type='int32_t' value='2'/>"
+                                            "<Key type='bool'/><Value type='bool'/>")));
+    expectSame(json::array(),
+               valueOf("type='Array'", item(ref("Data", 0) + "<Data type='int32_t' value='2'/>")));
+}
+
+TEST(XmlToJson, ABasePartIsOneByItsTagAlone) {
+    // The root itself and an entry's Data are none, whatever they hold.
+    const json data =
+        convert(archive("<RootRef type='A' objectId='8'><BaseOfObject objectId='8'/></RootRef>"))["data"];
+    expectSame({{"@meta", {{"class_name", "A"}, {"object_id", 8}}},
+                {"", {{"@meta", {{"class_name", ""}, {"object_id", 1}}}}}},
+               data);
+}
+
+TEST(XmlToJson, TheOuterPartIsNumberedBeforeTheInnerAndBeforeWhatFollows) {
+    const json data = dataOf("<f type='B' objectId='5'><BaseOfObject type='C'><BaseOfObject type='D'/>"
+                             "</BaseOfObject></f><BaseOfObject type='E'/>");
+    EXPECT_EQ(data["f"]["C"]["@meta"]["object_id"], 1);
+    EXPECT_EQ(data["f"]["C"]["D"]["@meta"]["object_id"], 2);
+    EXPECT_EQ(data["E"]["@meta"]["object_id"], 3);
+}
+
+TEST(XmlToJson, TwoBasePartsOfOneTypeTakeTwoIdsAndTheLaterStays) {
+    const json data = dataOf("<BaseOfObject type='B'/><BaseOfObject type='B'/>");
+    EXPECT_EQ(data["B"]["@meta"]["object_id"], 2);
+}
+
+TEST(XmlToJson, ClipPairsWhoseClipsAreMissingOrEmbedded) {
+    const auto entry = [](const std::string& key, const std::string& value) {
+        return dataOf("<f type='Array'>" + item(key + value) + "</f>")["f"][0];
+    };
+    const std::string fade = "<Key type='Transition::Fade' objectId='30'/>";
+    const auto pair = [](const std::string& content) {
+        return "<Value type='Array' size='1'>" + item(content) + "</Value>";
+    };
+    expectSame({{"clipFrom", nullptr},
+                {"clipTo", nullptr},
+                {"transition", {{"@meta", {{"class_name", "Transition::Fade"}, {"object_id", 30}}}}}},
+               entry(fade, pair(ref("First", 0) + ref("Second", 0))));
+    const std::string embedded = "<First type='Timeline::Clip' objectId='31'/>";
+    EXPECT_EQ(entry(fade, pair(ref("Second", 0) + embedded))["clipFrom"]["@meta"]["object_id"], 31);
+    // Further items of the pair's array leave no trace, as long as its size says one.
+    EXPECT_EQ(entry(fade, "<Value type='Array' size='1'>" + item(ref("First", 0) + ref("Second", 0)) +
+                              item(embedded + ref("Second", 0)) + "</Value>")
+                  .size(),
+              3U);
+    // Each of these is an entry like others.
+    const std::string nulls = ref("First", 0) + ref("Second", 0);
+    for (const std::string& value : {std::string("<Value type='Array' size='1'/>"),
+                                     "<Value type='List' size='1'>" + item(nulls) + "</Value>",
+                                     "<Value type='Array'>" + item(nulls) + "</Value>",
+                                     "<Value type='Array' size='-1'>" + item(nulls) + "</Value>",
+                                     pair("<First type='Timeline::ClipTiming'/>" + ref("Second", 0)),
+                                     pair("<First type='Null'/><Second type='Timeline::Clips'/>"),
+                                     pair(ref("First", 9) + ref("Second", 0))}) {
+        const json general = entry(fade, value);
+        EXPECT_TRUE(general.contains("first") && general.contains("second")) << value;
+    }
+    // The prefix decides, to the letter.
+    EXPECT_TRUE(entry("<Key type='Transition::'/>", pair(nulls)).contains("transition"));
+    for (const char* key :
+         {"<Key type='Transition'/>", "<Key type='transition::Fade'/>", "<Key type='X::Transition::Fade'/>",
+          "<Key type='ObjectRef' value='0'/>", "<Key type='ObjectRef' value='77'/>"})
+        EXPECT_TRUE(entry(key, pair(nulls)).contains("second")) << key;
+}
+
+TEST(XmlToJson, ClipsOfANamedMapAreEmbeddedOrReferredTo) {
+    const auto entry = [](const std::string& content) {
+        return dataOf("<f type='Array'>" + item(content) + "</f>")["f"][0];
+    };
+    const std::string clip = "<Key type='Timeline::Clip' objectId='5'/>";
+    EXPECT_TRUE(entry(clip + "<Value type='Timeline::ClipTiming'/>").contains("timing"));
+    EXPECT_TRUE(entry("<Value type='Timeline::Link'/>" + clip).contains("slave"));
+    EXPECT_TRUE(entry(clip + "<Value type='Timeline::TrackingLinkInfo'/>").contains("tracking"));
+    for (const char* type : {"Timeline::clipTiming", "Timeline::ClipTimings", "Null", ""})
+        EXPECT_TRUE(entry(clip + "<Value type='" + type + "'/>").contains("second")) << type;
+    EXPECT_TRUE(
+        entry("<Key type='Timeline::Track'/><Value type='Timeline::ClipTiming'/>").contains("second"));
+}
+
+TEST(XmlToJson, NumbersAtTheirLimitsAndBeyond) {
+    expectSame(-2147483648LL, valueOf("type='int32_t' value='-2147483648'"));
+    expectSame(0, valueOf("type='uint32_t' value='4294967296'"));
+    expectSame(0, valueOf("type='int64_t' value='9223372036854775808'"));
+    expectSame(0, valueOf("type='uint64_t' value='18446744073709551616'"));
+    expectSame(0, valueOf("type='uint64_t' value='-1'"));
+    expectSame(0, valueOf("type='int32_t' value='1.0'"));
+    expectSame(0, valueOf("type='int32_t' value='0x1F'"));
+    expectSame({{"x", 0}, {"y", -2147483648LL}}, valueOf("type='Point' value='2147483648;-2147483648'"));
+    expectSame({{"x", 0.0}, {"y", -0.25}}, valueOf("type='PointF' value='1,5;-25e-2'"));
+    expectSame({{"x", 0.0}, {"y", 0.0}}, valueOf("type='PointF' value=';'"));
+    EXPECT_EQ(valueOf("type='PointF' value='1;2'")["x"].type(), json::value_t::number_float);
+    EXPECT_EQ(valueOf("type='Point' value='1;2'")["x"].type(), json::value_t::number_integer);
+}
+
+TEST(XmlToJson, TypesAreMatchedToTheLetter) {
+    for (const char* type :
+         {"Bool", "int", "int32", "INT32_T", "string", "array", " String", "Double", "float"})
+        EXPECT_EQ(valueOf("type='" + std::string(type) + "' value='1'")["@meta"]["class_name"], type);
+}
+
+TEST(XmlToJson, ValuesHaveNoFields) {
+    expectSame("a", valueOf("type='String' value='a'", "<x type='int32_t' value='1'/>"));
+    // What stands below a value is not met.
+    const json data = dataOf("<f type='String'>" + ref("x", 3) + "</f>" + ref("g", 3), object("B", 3));
+    expectSame({{"@meta", {{"class_name", "B"}, {"object_id", 3}}}}, data["g"]);
+}
+
+TEST(XmlToJson, OfSeveralRootReferencesTheFirstCounts) {
+    EXPECT_EQ(
+        convert(archive("<in>" + ref("RootRef", 4) + "</in>" + ref("RootRef", 3) + ref("RootRef", 2) +
+                        object("A", 2) + object("B", 3) + object("C", 4)))["data"]["@meta"]["class_name"],
+        "B");
+}
+
+TEST(XmlToJson, CommentsAndTextsBetweenElementsDoNotCount) {
+    expectSame(
+        {{"@meta", {{"class_name", "A"}, {"object_id", 2}}}, {"f", json::array({1})}},
+        dataOf(
+            "text<!-- <x/> --><f type='Array'> <!--c--><Item> <Data type='int32_t' value='1'/>t</Item></f>"));
+}
+
+TEST(XmlToJson, TheSameTwice) {
+    const QDomDocument document =
+        archive(ref("RootRef", 2) + object("A", 2, "<BaseOfObject type='B'/>" + ref("f", 2)));
+    Util::XmlToJsonAdaptor adaptor;
+    EXPECT_EQ(adaptor.adapt(document).dump(), adaptor.adapt(document).dump()); // no state is left behind
+}
+
 TEST(XmlToJson, TheDocumentIsNotChanged) {
     const QDomDocument document = archive(ref("RootRef", 2) + object("A", 2, ref("f", 9)));
     const QByteArray before = document.toByteArray(1);

@@ -17,19 +17,27 @@ namespace {
 // only where its text is beyond doubt: plain names, no character that XML forbids, nothing but elements and text
 // below the one document element. Everything else is written out and scanned.
 
+constexpr int mostPlainAttributes = 100; // each is counted out from the first when it is fetched by number
+
+/// What was made with a namespace is written with more than its name, and one attribute may stand twice.
+bool isPlain(const QDomNode& elementOrAttribute) {
+    return isPlainName(elementOrAttribute.nodeName()) && elementOrAttribute.localName().isNull();
+}
+
 /// Takes in the element's id; false where its text is in doubt.
 bool readElement(const QDomElement& e, long long& greatest) {
-    if (!isPlainName(e.tagName()))
+    if (!isPlain(e))
         return false;
     const QDomNamedNodeMap attributes = e.attributes();
     const int length = attributes.length();
+    if (length > mostPlainAttributes)
+        return false;
     for (int number = 0; number < length; ++number) {
         const QDomNode attribute = attributes.item(number);
-        const QString name = attribute.nodeName();
         const QString value = attribute.nodeValue();
-        if (!isPlainName(name) || !isPlainText(value))
+        if (!isPlain(attribute) || !isPlainText(value))
             return false;
-        if (name == Words::objectId)
+        if (attribute.nodeName() == Words::objectId)
             greatest = std::max(greatest, static_cast<long long>(value.toLongLong()));
     }
     return true;
@@ -48,6 +56,8 @@ bool readElements(const QDomElement& top, long long& greatest) {
 }
 
 std::optional<long long> maxInTree(const QDomDocument& document) {
+    if (!document.doctype().name().isEmpty())
+        return std::nullopt; // it is written in front, and is no child of the document
     long long greatest = 1;
     bool hasElement = false;
     for (QDomNode node = document.firstChild(); !node.isNull(); node = node.nextSibling()) {

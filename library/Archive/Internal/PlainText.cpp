@@ -8,6 +8,8 @@
 namespace Archive::Internal {
 namespace {
 
+constexpr int longestPlainName = 1000; // readers take no name of several thousand characters
+
 bool isLetter(ushort c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
 }
@@ -17,7 +19,7 @@ bool isLetter(ushort c) {
 bool isPlainName(const QString& name) {
     const ushort* const begin = name.utf16();
     const ushort* const end = begin + name.size();
-    if (begin == end || !isLetter(*begin))
+    if (begin == end || !isLetter(*begin) || name.size() > longestPlainName)
         return false;
     if ((*begin == 'x' || *begin == 'X') && name.startsWith(QLatin1String("xml"), Qt::CaseInsensitive))
         return false;

@@ -7,7 +7,7 @@
 
 namespace Archive::Internal {
 
-/// A name of ASCII letters, digits, "_", "-" and "." that any XML reader takes, without a prefix.
+/// A name of ASCII letters, digits, "_", "-" and "." that any XML reader takes, without a prefix and not too long.
 bool isPlainName(const QString& name);
 
 /// Nothing but characters that XML allows.

@@ -1,0 +1,257 @@
+// The greatest object id: searching the tree gives what scanning the written text gives, whatever a tree holds.
+
+#include "Archive/Internal/ObjectIds.h"
+#include "Archive/Xml.h"
+
+#include <gtest/gtest.h>
+
+#include <QDomDocument>
+
+#include <random>
+
+namespace {
+
+void expectSame(const QDomDocument& document, const std::string& what) {
+    const QByteArray text = document.toByteArray(1);
+    EXPECT_EQ(Archive::Internal::maxObjectId(document), Archive::getMaxObjectId(text))
+        << what << '\n'
+        << text.left(2000).toStdString();
+}
+
+QDomDocument parsed(const QByteArray& text, bool namespaces = false) {
+    QDomDocument document;
+    EXPECT_TRUE(document.setContent(text, namespaces)) << text.left(2000).toStdString();
+    return document;
+}
+
+QDomDocument sample() {
+    return parsed("<a objectId='5'><b objectId='6'/></a>");
+}
+
+TEST(MaxObjectIdOfTree, TextBesideTheDocumentElementEndsTheScan) {
+    for (const QString text : {"x", " ", "", "\n", "]]>", "\t \n"}) {
+        QDomDocument before = sample();
+        before.insertBefore(before.createTextNode(text), before.documentElement());
+        expectSame(before, "before: " + text.toStdString());
+        QDomDocument behind = sample();
+        behind.appendChild(behind.createTextNode(text));
+        expectSame(behind, "behind: " + text.toStdString());
+    }
+    QDomDocument alone;
+    alone.appendChild(alone.createTextNode("x"));
+    expectSame(alone, "alone");
+}
+
+TEST(MaxObjectIdOfTree, DocumentTypes) {
+    for (const char* type :
+         {"a", "a SYSTEM 'x.dtd'", "a SYSTEM 'x\"y'", "a PUBLIC 'p' 's'", "a PUBLIC \"it's\" 'x\"y'", "b",
+          "a []", "a [<!ENTITY e 'x'>]", "a [<!ENTITY e 'x\"y'>]", "a [<!ENTITY e \"x'y\">]",
+          "a [<!ENTITY e SYSTEM 'x\"y'>]", "a [<!NOTATION n SYSTEM 'x\"y'>]",
+          "a [<!NOTATION n PUBLIC 'p'><!ENTITY e SYSTEM 's' NDATA n>]", "a [<!ELEMENT a ANY>]",
+          "a [<!ATTLIST b objectId CDATA '90'>]", "a [<!ENTITY e '&#38;#60;'>]", "a [<!ENTITY e '%'>]"}) {
+        QDomDocument document;
+        if (document.setContent("<!DOCTYPE " + QByteArray(type) + "><a objectId='5'><b objectId='6'/></a>"))
+            expectSame(document, type);
+    }
+    for (const QString name : {"a", "1", "a b", "x:y", "a>", "-"}) {
+        for (const QString id : {"", "x", "x\"y", "x'y", "x'\"y", "x\ny"}) {
+            QDomDocument document(QDomImplementation().createDocumentType(name, id, id));
+            QDomElement root = document.createElement("a");
+            root.setAttribute("objectId", "5");
+            document.appendChild(root);
+            expectSame(document, (name + " | " + id).toStdString());
+        }
+    }
+}
+
+TEST(MaxObjectIdOfTree, LongNamesEndTheScan) {
+    for (const int length : {100, 1000, 4000, 4090, 4094, 4095, 4096, 4097, 4098, 5000, 70000}) {
+        const QString name(length, 'n');
+        QDomDocument attribute = sample();
+        attribute.documentElement().setAttribute(name, "1");
+        expectSame(attribute, "attribute of " + std::to_string(length));
+        QDomDocument element = sample();
+        QDomElement added = element.createElement(name);
+        added.setAttribute("objectId", "50");
+        element.documentElement().insertBefore(added, element.documentElement().firstChild());
+        expectSame(element, "element of " + std::to_string(length));
+    }
+}
+
+TEST(MaxObjectIdOfTree, LongTextsAndMuchOfThemDoNot) {
+    QDomDocument document = sample();
+    document.documentElement().setAttribute("n",
+                                            QString(200000, 'x') + QString::fromUtf8("\xf0\x9f\x8e\xac"));
+    for (int shift = 0; shift < 4; ++shift) { // halves of a character on either side of a buffer's end
+        QString text(shift, 'x');
+        for (int i = 0; i < 40000; ++i)
+            text += QString::fromUtf8("\xf0\x9f\x8e\xac");
+        document.documentElement().insertBefore(document.createTextNode(text),
+                                                document.documentElement().firstChild());
+        QDomElement last = document.createElement("c");
+        last.setAttribute("n", text);
+        last.setAttribute("objectId", 10 + shift);
+        document.documentElement().appendChild(last);
+        expectSame(document, "shift " + std::to_string(shift));
+        EXPECT_EQ(Archive::Internal::maxObjectId(document), 10 + shift);
+    }
+    for (int i = 0; i < 2000; ++i)
+        document.documentElement().setAttribute("n" + QString::number(i), "1");
+    expectSame(document, "many attributes");
+}
+
+TEST(MaxObjectIdOfTree, Namespaces) {
+    const char* const texts[] = {
+        "<a objectId='5'><b objectId='6'/></a>",
+        "<a objectId='5'><x:b xmlns:x='urn:x' x:objectId='60' objectId='6'/><c objectId='7'/></a>",
+        "<a xmlns='urn:a' objectId='5'><b objectId='6'><c xmlns='' objectId='7'/></b></a>",
+        "<x:a xmlns:x='urn:x' objectId='5'><x:b objectId='6'/></x:a>",
+    };
+    for (const char* text : texts) {
+        expectSame(parsed(text, false), text);
+        expectSame(parsed(text, true), std::string("processed: ") + text);
+    }
+    for (const QString& uri :
+         {QString(), QString(""), QString("urn:x"), QString("a\"b"), QString(QChar(1))}) {
+        for (const QString name : {"objectId", "x:objectId", "n", "x:n"}) {
+            QDomDocument attribute = sample();
+            attribute.documentElement().firstChildElement().setAttributeNS(uri, name, "40");
+            expectSame(attribute, "attribute " + name.toStdString() + " of " + uri.toStdString());
+            QDomDocument element = sample();
+            QDomElement added = element.createElementNS(uri, name);
+            added.setAttribute("objectId", "40");
+            element.documentElement().insertBefore(added, element.documentElement().firstChild());
+            expectSame(element, "element " + name.toStdString() + " of " + uri.toStdString());
+        }
+    }
+}
+
+TEST(MaxObjectIdOfTree, NumbersAsTextsWriteThem) {
+    for (const char* id : {"9",
+                           "+9",
+                           " 9",
+                           "9 ",
+                           "&#9;9",
+                           "9&#10;",
+                           "&#xA0;9",
+                           "9&#x2003;",
+                           "0x9",
+                           "9e1",
+                           "9.0",
+                           "1,009",
+                           "1 009",
+                           "-9",
+                           "",
+                           "009",
+                           "&#x665;",
+                           "&#xFF19;",
+                           "9223372036854775807",
+                           "+9223372036854775807",
+                           "9223372036854775808",
+                           "-9223372036854775809",
+                           "99999999999999999999",
+                           "9l",
+                           "9&#0;"}) {
+        QDomDocument document;
+        if (!document.setContent("<a objectId='5'><b objectId='" + QByteArray(id) + "'/></a>"))
+            continue;
+        expectSame(document, id);
+    }
+}
+
+/// A tree of nodes of all kinds with texts that a file may not hold, most of it plain.
+class RandomTree {
+public:
+    explicit RandomTree(unsigned seed) : m_random(seed) {}
+
+    QDomDocument make() {
+        if (one(6))
+            m_document.setContent(
+                pick({"<?xml version='1.0'?><a/>", "<?xml version='1.0' encoding='UTF-8'?><a/>",
+                      "<?xml version='1.0' encoding='ISO-8859-1'?><a/>", "<!DOCTYPE a [<!ENTITY e 'x'>]><a/>",
+                      "<!--c--><a/>"}));
+        else
+            m_document.appendChild(element());
+        QDomElement root = m_document.documentElement();
+        decorate(root);
+        for (int i = 0; i < 12; ++i)
+            addSomewhere();
+        return m_document;
+    }
+
+private:
+    bool one(unsigned in) { return m_random() % in == 0; }
+
+    QString pick(std::initializer_list<const char*> texts) {
+        return QString::fromUtf8(texts.begin()[m_random() % texts.size()]);
+    }
+
+    QString name() {
+        if (!one(40))
+            return pick({"a", "b", "Item", "RootObject", "_x", "x-1", "x.y", "a\xc3\xb6", "z9"});
+        return pick(
+            {"x:y", ":a", "a:", "xmlns", "xmlns:x", "xml:space", "xmlfoo", "1a", "a b", "-a", "", "a=\"1\""});
+    }
+
+    QString text() {
+        if (!one(40))
+            return pick(
+                {"", "x", "a b", "<&>\"'", "]]>", "\n", "\t\r\n", "\xc3\xa4", "\xf0\x9f\x8e\xac", "--"});
+        static constexpr ushort units[] = {0, 1, 8, 0x1F, 0x7F, 0x85, 0xD800, 0xDFFF, 0xFFFD, 0xFFFE, 0xFFFF};
+        return QString("x") + QChar(units[m_random() % std::size(units)]) + "y";
+    }
+
+    QDomElement element() {
+        QDomElement e = m_document.createElement("a");
+        e.setTagName(name());
+        decorate(e);
+        return e;
+    }
+
+    void decorate(QDomElement& e) {
+        if (!one(3))
+            e.setAttribute("objectId", one(20) ? text() : QString::number(m_random() % 1000));
+        if (one(2))
+            e.setAttribute(name(), text());
+    }
+
+    QDomNode node() {
+        switch (m_random() % 60) {
+        case 0:
+            return m_document.createComment(text());
+        case 1:
+            return m_document.createProcessingInstruction(name(), text());
+        case 2:
+            return m_document.createCDATASection(text());
+        case 3:
+            return m_document.createEntityReference(name());
+        case 4:
+            return m_document.createProcessingInstruction("xml", "version=\"1.0\"");
+        default:
+            return one(4) ? static_cast<QDomNode>(m_document.createTextNode(text())) : element();
+        }
+    }
+
+    void addSomewhere() {
+        QDomNode parent = m_document;
+        if (!one(60)) {
+            parent = m_document.documentElement();
+            while (one(2) && !parent.firstChildElement().isNull())
+                parent = one(2) ? parent.firstChildElement() : parent.lastChildElement();
+        }
+        if (one(2))
+            parent.appendChild(node());
+        else
+            parent.insertBefore(node(), parent.firstChild());
+    }
+
+    std::mt19937 m_random;
+    QDomDocument m_document;
+};
+
+TEST(MaxObjectIdOfTree, AgreesOnRandomTrees) {
+    for (unsigned seed = 0; seed < 3000 && !HasFailure(); ++seed)
+        expectSame(RandomTree(seed).make(), "seed " + std::to_string(seed));
+}
+
+} // namespace
