@@ -13,7 +13,7 @@ TransformedEffects::TransformedEffects(const QDomDocument& document, const QDomE
                                        const QString& className) {
     const Elements objects = elements(archive, Words::RootObject);
     m_effects = ofType(objects, className);
-    m_predeclarations = lastPredeclarations(objects);
+    m_predeclarations = predeclarationsAmong(objects);
     if (m_effects.empty())
         return;
     collectRecords();
