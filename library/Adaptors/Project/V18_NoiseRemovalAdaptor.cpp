@@ -2,6 +2,7 @@
 
 #include "Archive/Internal/EffectObject.h"
 #include "Archive/Internal/Predeclarations.h"
+#include "Archive/Internal/RootObjects.h"
 #include "Archive/Internal/Walk.h"
 #include "Archive/Xml.h"
 
@@ -14,17 +15,13 @@ namespace {
 
 namespace Words = Archive::Words;
 using Archive::Internal::Elements;
+using Archive::Internal::idOf;
 
 const QString className = QStringLiteral("Effect::AudioNoiseSuppress");
 
 bool isNoiseRemoval(const QString& type) {
     return type == QLatin1String("Effect::AudioNoiseReduction") ||
            type == QLatin1String("Effect::AudioNoiseGate");
-}
-
-// Ids are compared as numbers throughout, and an old effect's id is written back as one.
-long long idOf(const QDomElement& effect) {
-    return static_cast<long long>(Archive::objectIdOf(effect));
 }
 
 class Impl {

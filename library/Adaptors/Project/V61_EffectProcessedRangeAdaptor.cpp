@@ -3,6 +3,7 @@
 #include "Archive/Internal/FlatObjects.h"
 #include "Archive/Internal/ObjectIds.h"
 #include "Archive/Internal/Predeclarations.h"
+#include "Archive/Internal/RootObjects.h"
 #include "Archive/Internal/Walk.h"
 #include "Archive/Xml.h"
 #include "Serialize/Json/FlatObject.h"
@@ -13,6 +14,7 @@ namespace Project {
 namespace {
 
 namespace Words = Archive::Words;
+using Archive::Internal::idOf;
 
 const QString effectClass = QStringLiteral("Effect::Object");
 const QString rangeClass = QStringLiteral("Types::Range");
@@ -26,10 +28,6 @@ struct Declared {
     QDomElement effect;
     QDomElement record;
 };
-
-long long idOf(const QDomElement& effect) {
-    return static_cast<long long>(Archive::objectIdOf(effect));
-}
 
 QHash<long long, QDomElement> collectEffects(const QDomDocument& document) {
     QHash<long long, QDomElement> effects;
