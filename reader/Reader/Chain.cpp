@@ -1,5 +1,6 @@
 #include "Reader/Chain.h"
 
+#include "Adaptors/Project/V21_PresetTypeAdaptor.h"
 #include "Adaptors/Project/V28_ClipLabelAdaptor.h"
 #include "Adaptors/Project/V29_ClipTimingModeAdaptor.h"
 
@@ -26,6 +27,7 @@ constexpr Step step(int number, std::string_view className, std::string_view sum
 // By number, then by class name; the steps of version 77 alone stand in the order in which they need each other.
 // clang-format off
 constexpr Step steps[] = {
+    step<Project::V21_PresetTypeAdaptor>(21, "V21_PresetTypeAdaptor", "Overlay presets get a type and their items features; outline colours move into the SVG texts."),
     step<Project::V28_ClipLabelAdaptor>(28, "V28_ClipLabelAdaptor", "Clips get an empty list of labels."),
     step<Project::V29_ClipTimingModeAdaptor>(29, "V29_ClipTimingModeAdaptor", "Clip timings get the timing mode 0."),
 };
