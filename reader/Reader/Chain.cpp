@@ -12,6 +12,7 @@
 #include "Adaptors/Project/V18_NoiseRemovalAdaptor.h"
 #include "Adaptors/Project/V20_HighlightConcealAdaptor.h"
 #include "Adaptors/Project/V21_KeepAspectAdaptor.h"
+#include "Adaptors/Project/V21_PresetTypeAdaptor.h"
 #include "Adaptors/Project/V22_TransitionsAdaptor.h"
 #include "Adaptors/Project/V23_EffectTransitionIdToStringAdaptor.h"
 #include "Adaptors/Project/V24_CompositionRemoveAdaptor.h"
@@ -119,6 +120,7 @@ constexpr Step steps[] = {
     step<Project::V18_NoiseRemovalAdaptor>(18, "V18_NoiseRemovalAdaptor", "Noise reductions and noise gates become noise suppressions."),
     step<Project::V20_HighlightConcealAdaptor>(20, "V20_HighlightConcealAdaptor", "Mask effects become highlight or conceal effects with a list of frames."),
     step<Project::V21_KeepAspectAdaptor>(21, "V21_KeepAspectAdaptor", "Transformations lose their aspect flag."),
+    step<Project::V21_PresetTypeAdaptor>(21, "V21_PresetTypeAdaptor", "Overlay presets get a type and their items features; outline colours move into the SVG texts."),
     step<Project::V22_TransitionsAdaptor>(22, "V22_TransitionsAdaptor", "Transitions take half their length from each of the two clips around them."),
     step<Project::V23_EffectTransitionIdToStringAdaptor>(23, "V23_EffectTransitionIdToStringAdaptor", "Numbers of effects and transitions become resource identifiers."),
     step<Project::V24_CompositionRemoveAdaptor>(24, "V24_CompositionRemoveAdaptor", "Files lose their composition with its markers and ranges."),
