@@ -1,5 +1,7 @@
 #include "Archive/Json.h"
 
+#include "Archive/Internal/JsonValues.h"
+
 #include <stdexcept>
 #include <string>
 
@@ -15,7 +17,7 @@ json* cloneObject(FlatObject& document, json* object) {
         throw std::invalid_argument("Have not class_name tag in json object");
     json* clone = document.createObject(*className);
     const unsigned long long id = Serialize::Json::getObjectId(*clone).value();
-    *clone = *object;
+    *clone = Internal::copied(*object);
     (*clone)[MetaDetails::s_meta][MetaDetails::s_object_id] = id;
     return clone;
 }

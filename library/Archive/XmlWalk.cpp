@@ -1,10 +1,7 @@
+#include "Archive/Internal/ObjectIds.h"
 #include "Archive/Internal/Walk.h"
 #include "Archive/Internal/Words.h"
 #include "Archive/Xml.h"
-
-#include <QXmlStreamReader>
-
-#include <algorithm>
 
 namespace Archive {
 namespace {
@@ -140,18 +137,7 @@ void removeFirstChild(QDomElement& e, const QString& name) {
 }
 
 long long getMaxObjectId(const QByteArray& documentText) {
-    long long greatest = 1;
-    QXmlStreamReader reader(documentText);
-    while (!reader.atEnd()) {
-        if (reader.readNext() != QXmlStreamReader::StartElement)
-            continue;
-        const QXmlStreamAttributes attributes = reader.attributes();
-        for (const QXmlStreamAttribute& attribute : attributes) {
-            if (attribute.qualifiedName() == Words::objectId)
-                greatest = std::max(greatest, static_cast<long long>(attribute.value().toLongLong()));
-        }
-    }
-    return greatest;
+    return Internal::scanIds(documentText).greatest;
 }
 
 } // namespace Archive

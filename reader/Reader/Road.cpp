@@ -9,6 +9,8 @@
 
 #include <algorithm>
 #include <functional>
+#include <set>
+#include <unordered_set>
 
 namespace Words = Archive::Words;
 
@@ -108,14 +110,40 @@ void checkRootObject(const QDomDocument& xml, const Journey& journey) {
              "<RootRef> names the object " + std::to_string(id) + ", and there is no such <RootObject>");
 }
 
+/// Takes ids of root objects away from embedded objects that have the same ones, and gives these ids. References
+/// mean the root objects, and in JSON the object that is met first would get them. Questions of quizzes bring such
+/// objects along: they come out of archives of their own.
+std::set<unsigned long long> freeIdsOfRootObjects(const QDomDocument& xml) {
+    std::unordered_set<unsigned long long> taken;
+    for (const QDomElement& e : Archive::Internal::elements(xml, Words::RootObject))
+        taken.insert(Archive::objectIdOf(e));
+    std::set<unsigned long long> freed;
+    const QDomElement archive = xml.documentElement();
+    for (QDomNode node = archive; !node.isNull(); node = Archive::Internal::nextInDocument(node, archive)) {
+        QDomElement e = node.toElement();
+        const bool isOther = e.tagName() == Words::RootObject || e.tagName() == Words::BaseOfObject ||
+                             Archive::typeOf(e) == Words::Predeclare;
+        if (isOther || !e.hasAttribute(Words::objectId) || !taken.count(Archive::objectIdOf(e)))
+            continue;
+        freed.insert(Archive::objectIdOf(e));
+        e.setAttribute(Words::objectId, 0);
+    }
+    return freed;
+}
+
 void convertToJson(Document& document, const Journey& journey, Runner& runner) {
     checkRootObject(document.xml(), journey);
+    const auto freed = freeIdsOfRootObjects(document.xml());
     Conversion conversion;
     runner.run(conversion.name().toStdString(), [&] {
         auto [version, envelope] = conversion.convert(document.xml());
         document.content = openEnvelope(std::move(envelope), journey.name);
         document.version = std::max(*document.version, version);
     });
+    auto& duplicateIds = document.json().notes.duplicateIds;
+    std::set<unsigned long long> all(duplicateIds.begin(), duplicateIds.end());
+    all.insert(freed.begin(), freed.end());
+    duplicateIds.assign(all.begin(), all.end());
 }
 
 void runJsonSteps(Document& document, int to, Runner& runner, Report& report) {

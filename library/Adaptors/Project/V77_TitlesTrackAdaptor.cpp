@@ -2,6 +2,7 @@
 
 #include "Archive/Internal/FlatObjects.h"
 #include "Archive/Internal/JsonFields.h"
+#include "Archive/Internal/JsonValues.h"
 
 #include <optional>
 #include <stdexcept>
@@ -96,7 +97,7 @@ private:
         json& timing = entry(idOf(memberOf(clip, "timing"), "timing id missed in flat map"));
         const auto track = trackOf(memberOf(timing, "track"));
         // A titles track that holds a title already can't take the others.
-        if (m_titles && *m_titles->object == entry(track))
+        if (m_titles && Archive::Internal::areEqual(*m_titles->object, entry(track)))
             m_titles.reset();
         if (typeOf(track) == primaryTrack) {
             m_timings.push_back(&timing);

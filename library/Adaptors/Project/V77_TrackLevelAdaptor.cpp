@@ -2,6 +2,7 @@
 
 #include "Archive/Internal/FlatObjects.h"
 #include "Archive/Internal/JsonFields.h"
+#include "Archive/Internal/JsonValues.h"
 #include "Archive/Json.h"
 
 #include <map>
@@ -39,8 +40,10 @@ public:
             return;
         for (const auto& timeline : selectObjects(m_document, "Timeline::Object")) {
             const auto id = getAnyObjectId(*timeline.object);
-            if (id && m_timelines.count(*id) > 0)
+            if (id && m_timelines.count(*id) > 0) {
+                m_rewritten.insert(timeline.id);
                 listClones(*timeline.object);
+            }
         }
     }
 
@@ -102,13 +105,18 @@ private:
             const auto clone = m_document.objects.find(id);
             if (clone == m_document.objects.end())
                 throw std::logic_error("V77_TrackLevelAdaptor logic error. Content data can be corrupted.");
-            tracks.push_back(clone->second);
+            // Copies of what holds copies would double in size with each.
+            if (m_rewritten.count(id) > 0)
+                throw std::logic_error(
+                    "incorrect json flat map object: timeline with clones of tracks is a track itself");
+            tracks.push_back(Archive::Internal::copied(clone->second));
         }
     }
 
     FlatObject& m_document;
     std::unordered_map<Id, std::map<int, Id>> m_clones; ///< by track and level
     std::unordered_set<Id> m_timelines;                 ///< those that got a clone
+    std::unordered_set<Id> m_rewritten;                 ///< those whose `tracks` list clones, or begin to
 };
 
 } // namespace

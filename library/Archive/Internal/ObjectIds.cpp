@@ -6,6 +6,8 @@
 #include "Archive/Internal/Words.h"
 #include "Archive/Xml.h"
 
+#include <QXmlStreamReader>
+
 #include <algorithm>
 
 namespace Archive::Internal {
@@ -60,6 +62,22 @@ std::optional<long long> maxInTree(const QDomDocument& document) {
 
 } // namespace
 
+ScannedIds scanIds(const QByteArray& documentText) {
+    ScannedIds ids;
+    QXmlStreamReader reader(documentText);
+    while (!reader.atEnd()) {
+        if (reader.readNext() != QXmlStreamReader::StartElement)
+            continue;
+        const QXmlStreamAttributes attributes = reader.attributes();
+        for (const QXmlStreamAttribute& attribute : attributes) {
+            if (attribute.qualifiedName() == Words::objectId)
+                ids.greatest = std::max(ids.greatest, static_cast<long long>(attribute.value().toLongLong()));
+        }
+    }
+    ids.isComplete = !reader.hasError();
+    return ids;
+}
+
 long long maxObjectId(const QDomDocument& document) {
     const auto greatest = maxInTree(document);
     return greatest ? *greatest : getMaxObjectId(document.toByteArray(1));
@@ -76,12 +94,21 @@ long long ObjectIds::next() {
 }
 
 long long RenewedMaximum::take() {
-    if (m_isTrusted && !m_known) {
-        m_known = maxInTree(m_document);
-        // Where the text is in doubt, only its scan tells whether what is added counts.
-        m_isTrusted = m_known.has_value();
+    if (m_known)
+        return *m_known;
+    if (!m_isTrusted)
+        return maxObjectId(m_document);
+    if (const auto greatest = maxInTree(m_document)) {
+        m_known = greatest;
+        return *greatest;
     }
-    return m_known ? *m_known : maxObjectId(m_document);
+    const ScannedIds ids = scanIds(m_document.toByteArray(1));
+    // Behind an error nothing counts, and only a new scan tells whether what is added stands there.
+    if (ids.isComplete)
+        m_known = ids.greatest;
+    else
+        m_isTrusted = false;
+    return ids.greatest;
 }
 
 void RenewedMaximum::added(long long id) {

@@ -2,11 +2,19 @@
 
 // For this project's own use.
 
+#include <QByteArray>
 #include <QDomDocument>
 
 #include <optional>
 
 namespace Archive::Internal {
+
+/// What getMaxObjectId() finds in a text.
+struct ScannedIds {
+    long long greatest = 1;
+    bool isComplete = false; ///< false where an error stopped the reading
+};
+ScannedIds scanIds(const QByteArray& documentText);
 
 /// What getMaxObjectId() gives for the document's toByteArray(1), without writing the text where the tree can
 /// tell as well.

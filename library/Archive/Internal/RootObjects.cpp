@@ -21,6 +21,24 @@ QDomElement lastOfType(const Elements& objects, const QString& type) {
     return {};
 }
 
+Elements partsOfRootObjects(const QDomDocument& document, const QString& type) {
+    Elements parts;
+    std::size_t openRootObjects = 0;
+    walkElements(
+        document,
+        [&](const QDomElement& e) {
+            if (e.tagName() == Words::RootObject)
+                ++openRootObjects;
+            else if (e.tagName() == Words::BaseOfObject && typeOf(e) == type)
+                parts.insert(parts.end(), openRootObjects, e);
+        },
+        [&](const QDomElement& e) {
+            if (e.tagName() == Words::RootObject)
+                --openRootObjects;
+        });
+    return parts;
+}
+
 NewRootObject declareRootObject(QDomDocument& doc, QDomElement& predeclarations, const QString& type,
                                 long long& maxId, const QList<long long>& refs) {
     const long long id = addPredeclaration(predeclarations, doc, type, 0, maxId, -1, refs);

@@ -21,6 +21,10 @@ Elements ofType(const Elements& objects, const QString& type);
 /// The last of that type, or a null element.
 QDomElement lastOfType(const Elements& objects, const QString& type);
 
+/// The `BaseOfObject` parts of that type below root objects, in document order, each as often as there are root
+/// objects around it.
+Elements partsOfRootObjects(const QDomDocument& document, const QString& type);
+
 /// A new `RootObject`, not yet inserted, with its id.
 struct NewRootObject {
     QDomElement element;
