@@ -102,7 +102,7 @@ private:
 // What the classes hold of their own. The fields are those of before the first step that changes them, so the
 // class stands at `until` the latest; 0 is for ever.
 
-enum class Kind { Bool, Int32, UInt32, Int64, Real, Rect, Matrix };
+enum class Kind { Bool, Int32, UInt32, Int64, Real, Rect, Matrix, Identifier };
 
 struct Field {
     const char* name;
@@ -149,7 +149,7 @@ const std::vector<EffectClass>& effectClasses() {
         {"Effect::FindEdges", video, "FindEdges", 8, 3, 0, {{"sensibility", Kind::Real, 1.0}}},
         {"Effect::HalfTone", video, "HalfTone", 9, 3, 0, {{"blend", Kind::Real, 0.5}}},
         {"Effect::TiltShift", video, "TiltShift", 10, 3, 0, {{"blend", Kind::Real, 0.5}}},
-        {"Effect::Lut", video, "Lut", 64, 40, 0, {}},
+        {"Effect::Lut", video, "Lut", 64, 40, 0, {{"cubeResourceUuid", Kind::Identifier, 7}}},
         {"Effect::AudioEqualizer", audio, "effect_equalizer", 32769, 3, 0, {{"level", Kind::Int32, 3}}},
         {"Effect::AudioNoiseReduction", audio, "effect_noisereduction", 32770, 3, 18, {{"level", Kind::Int32, 20}}},
         {"Effect::AudioNoiseGate", audio, "effect_noisegate", 32771, 3, 0, {{"range", Kind::Real, 0.5}}},
@@ -186,6 +186,14 @@ const std::vector<TransitionClass>& transitionClasses() {
 /// The identifiers of later versions, one of the same length for each number.
 QByteArray identifier(unsigned int number) {
     return "5f0a3fdc-8b1a-4c0e-9b93-" + QByteArray::number(number).rightJustified(12, '0');
+}
+
+constexpr int quizPresetType = 4;
+
+/// What a quiz overlay held as its text: an archive of its own.
+QByteArray questionText(const QByteArray& words) {
+    return "<Archive><RootObject type=\"Quiz::Question\" objectId=\"1\"><question type=\"String\" value=" +
+           quoted(words) + "/></RootObject></Archive>";
 }
 
 class Generator {
@@ -341,6 +349,9 @@ void Generator::writeFields(const std::vector<Field>& fields) {
             break;
         case Kind::Matrix:
             writeMatrix(field.name, field.number);
+            break;
+        case Kind::Identifier:
+            m_objects.string(field.name, identifier(static_cast<unsigned int>(field.number)));
             break;
         }
     }
@@ -527,7 +538,8 @@ Id Generator::addTitle(const QByteArray& words, int type) {
     m_objects.openArray("items", 2);
     for (std::size_t index = 1; index <= 2; ++index) {
         m_objects.openItem(index);
-        writeItem(words + ' ' + QByteArray::number(static_cast<qulonglong>(index)));
+        const QByteArray numbered = words + ' ' + QByteArray::number(static_cast<qulonglong>(index));
+        writeItem(type == quizPresetType ? questionText(numbered) : numbered);
         m_objects.close();
     }
     m_objects.close();
@@ -710,7 +722,7 @@ void Generator::addScene() {
     if (m_scene % 20 == 0 && !isSince(40)) {
         ClipParts quiz;
         quiz.type = 32;
-        quiz.overlay = addTitle("Question " + number, 4);
+        quiz.overlay = addTitle("Question " + number, quizPresetType);
         addTiming(addClip("Quiz " + number, quiz), 16, m_time + 13000, 2000, 0);
     }
     m_time += 15000;

@@ -3,6 +3,7 @@
 #include <QByteArray>
 
 #include <cstdlib>
+#include <ctime>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -47,6 +48,12 @@ std::size_t measureHere(const std::function<QByteArray()>& prepare,
 }
 
 } // namespace
+
+double processorTime() {
+    timespec time{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+}
 
 std::size_t peakMemory(const std::function<QByteArray()>& prepare,
                        const std::function<void(const QByteArray&)>& work) {

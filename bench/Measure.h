@@ -2,18 +2,20 @@
 
 #include <QByteArray>
 
-#include <chrono>
 #include <cstddef>
 #include <functional>
 
 namespace Bench {
 
-/// Milliseconds that a call takes.
+/// Milliseconds of processor time that this process has used. Other programs on the machine count little.
+double processorTime();
+
+/// Milliseconds of processor time that a call takes.
 template <class Call>
 double millisecondsOf(Call call) {
-    const auto start = std::chrono::steady_clock::now();
+    const double start = processorTime();
     call();
-    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+    return processorTime() - start;
 }
 
 /// The peak memory in bytes of `work` on what `prepare` gave, beyond what the process held before. Runs in a

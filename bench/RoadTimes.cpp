@@ -89,8 +89,9 @@ private:
         json envelope;
         other("conversion to JSON",
               [&] { envelope = Reader::Conversion().convert(m_document.xml()).second; });
-        other("free the DOM", [&] { m_document.content = Reader::JsonDocument(); });
-        other("flatten", [&] { m_document.content = Reader::openEnvelope(std::move(envelope), name); });
+        Reader::JsonDocument project;
+        other("flatten", [&] { project = Reader::openEnvelope(std::move(envelope), name); });
+        other("free the DOM", [&] { m_document.content = std::move(project); });
     }
 
     void save() {

@@ -75,7 +75,7 @@ std::string Table::growth(const Pick& pick) const {
 }
 
 void Table::head() {
-    m_out << std::left << std::setw(nameWidth) << "elements" << std::right;
+    m_out << std::left << std::setw(nameWidth) << "elements (ms of processor time)" << std::right;
     for (const RoadTimes& project : m_projects)
         m_out << std::setw(timeWidth + shareWidth) << grouped(project.elements);
     m_out << '\n' << std::left << std::setw(nameWidth) << "" << std::right;
