@@ -4,8 +4,8 @@
 #include "Adaptors/Project/V18_NoiseRemovalAdaptor.h"
 #include "Adaptors/Project/V57_NoiseGateEffectRangeAdaptor.h"
 #include "support/Compare.h"
-#include "support/Log.h"
 #include "support/Documents.h"
+#include "support/Log.h"
 
 #include <gtest/gtest.h>
 

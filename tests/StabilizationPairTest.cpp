@@ -3,8 +3,8 @@
 #include "Adaptors/Project/V15_TwoPassStabilizationAdaptor.h"
 #include "Adaptors/Project/V9_StabilizationAdaptor.h"
 #include "support/Compare.h"
-#include "support/Log.h"
 #include "support/Documents.h"
+#include "support/Log.h"
 
 #include <gtest/gtest.h>
 

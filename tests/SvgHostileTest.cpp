@@ -1,0 +1,329 @@
+// Presets come from strangers: whatever stands in their SVG text, the model comes to an end, and soon.
+
+#include "Stored/V21/SvgImage.h"
+#include "support/Log.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QSvgRenderer>
+#include <QTemporaryDir>
+
+#include <sys/stat.h>
+
+using namespace Stored::V21;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+namespace {
+
+constexpr char refused[] = "ERROR SVG text nests too deeply or expands too far";
+
+/// Sends a text on the whole road and gives the result.
+QString there_and_back(const QString& text) {
+    SvgImage image(text);
+    image.setFillColor(QColor("#123456"));
+    image.setStrokeColor(QColor("#654321"));
+    image.document()->setAttributeValue("posX", "7", QString());
+    return image.toString();
+}
+
+void expectRefused(const QString& text) {
+    const Tests::Log log;
+    EXPECT_EQ(there_and_back(text), "");
+    EXPECT_THAT(log.lines(), ElementsAre(refused));
+}
+
+void expectTaken(const QString& text) {
+    const Tests::Log log;
+    EXPECT_NE(there_and_back(text), "");
+    EXPECT_THAT(log.lines(), IsEmpty());
+}
+
+QString nested(int depth, const QString& inner = QString()) {
+    return "<svg>" + QString("<g>").repeated(depth - 1) + inner + QString("</g>").repeated(depth - 1) +
+           "</svg>";
+}
+
+TEST(SvgHostile, DepthIsBounded) {
+    expectTaken(nested(256));
+    expectRefused(nested(257));
+    expectRefused(nested(300000));
+    expectRefused(QString("<svg>").repeated(300000));
+}
+
+TEST(SvgHostile, DepthThatTheTextHidesIsSeen) {
+    const QString deep = QString("<g>").repeated(100000);
+    expectRefused("<svg><!-- " + QString("</g>").repeated(100000) + " -->" + deep);
+    expectRefused("<!DOCTYPE svg [<!-- ' -->]><svg>" + deep + "'");
+    expectRefused("<!DOCTYPE svg [<!ENTITY open '<g>'>]><svg>" + QString("&open;").repeated(50000) +
+                  "</svg>");
+    expectRefused("<?xml version='1.0' encoding='ISO-8859-1'?><svg>" + deep);
+}
+
+TEST(SvgHostile, DepthsAddUp) {
+    // Each element's place is a list as long as its depth.
+    expectRefused(nested(200, QString("<g fill='red'/>").repeated(100000)));
+    expectTaken(nested(20, QString("<g fill='red'/>").repeated(2000)));
+}
+
+TEST(SvgHostile, DepthOnlyInTheDeclaredEncodingLeavesNoLiveDocument) {
+    // As EBCDIC the words are elements; as the text that was given they are words.
+    QByteArray bytes("<?xml version='1.0' encoding='IBM037'?>");
+    for (const char c : QByteArray("<s>") + QByteArray("<g>").repeated(5000)) {
+        switch (c) {
+        case '<':
+            bytes += 'L';
+            break;
+        case '>':
+            bytes += 'n';
+            break;
+        case 's':
+            bytes += "\xc2\xa2";
+            break; // "B" and "s"
+        default:
+            bytes += "\xc2\x87";
+            break; // "B" and "g"
+        }
+    }
+    const SvgImage image(QString::fromUtf8(bytes));
+    EXPECT_EQ(image.document()->durationMs(), 0);
+    image.toString();
+}
+
+TEST(SvgHostile, ContentModelsOfElementsAreBounded) {
+    const QString model = "<!DOCTYPE svg [<!ELEMENT svg %1b%2>]><svg/>";
+    expectTaken(model.arg(QString("(").repeated(20), QString(")").repeated(20)));
+    expectRefused(model.arg(QString("(").repeated(200000), QString(")").repeated(200000)));
+    expectRefused("<!DOCTYPE svg [<!ELEMENT svg " + QString("(").repeated(200000));
+}
+
+TEST(SvgHostile, EntityBombs) {
+    const QString kilo(4000, 'x');
+    const QString many = QString("&a;").repeated(5000);
+    expectRefused("<!DOCTYPE svg [<!ENTITY a '" + kilo + "'>]><svg a='" + many + "'/>");
+    expectRefused("<!DOCTYPE svg [<!ENTITY a '" + kilo + "'>]><svg>" + many + "</svg>");
+    expectRefused("<!DOCTYPE svg [<!ENTITY a '" + kilo.repeated(100) +
+                  "'>]><svg>&a;&a;&a;&a;&a;&a;&a;&a;</svg>");
+    expectRefused("<!DOCTYPE svg [<!ENTITY a '" + kilo + "'><!ENTITY b '&#38;a;'>]><svg>" +
+                  QString("&b;").repeated(5000) + "</svg>");
+    expectRefused("<!DOCTYPE svg [<!ENTITY % d \"&#60;!ENTITY a '" + kilo + "'>\"> %d; ]><svg>" + many +
+                  "</svg>");
+    expectRefused("<!DOCTYPE svg [<!ENTITY % a '" + kilo + "'><!ENTITY b '" +
+                  QString("%a;").repeated(100000) + "'>]><svg>&b;</svg>");
+}
+
+TEST(SvgHostile, ABillionLaughsLeaveWhatQtsParserKept) {
+    // Qt has a limit of its own for entities in entities.
+    QString text = "<!DOCTYPE svg [<!ENTITY a0 'laughter'>";
+    for (int level = 1; level < 30; ++level)
+        text += QString("<!ENTITY a%1 '%2'>").arg(level).arg(QString("&a%1;").arg(level - 1).repeated(10));
+    there_and_back(text + "]><svg a='&a29;'>&a29;</svg>");
+    there_and_back("<!DOCTYPE svg [<!ENTITY a '&b;'><!ENTITY b '&a;'>]><svg a='&a;'>&a;</svg>");
+}
+
+TEST(SvgHostile, ManyEntitiesAreRefusedAndSomeAreNot) {
+    const auto declared = [](int count) {
+        QString text = "<!DOCTYPE svg [";
+        for (int number = 0; number < count; ++number)
+            text += QString("<!ENTITY st%1 'fill:#%1'>").arg(number);
+        return text + "]><svg><g style='&st1;'/></svg>";
+    };
+    expectTaken(declared(300));
+    expectRefused(declared(20000));
+}
+
+TEST(SvgHostile, DefaultsOfADocumentTypeAreNotGivenToEveryElement) {
+    QString text = "<!DOCTYPE svg [<!ATTLIST animateColor";
+    for (int number = 0; number < 20000; ++number)
+        text += QString(" a%1 CDATA '1'").arg(number);
+    text += ">]><svg>" + QString("<animateColor from='red' to='blue' dur='1s'/>").repeated(20000) + "</svg>";
+    EXPECT_EQ(SvgImage(text).document()->durationMs(), 0);
+}
+
+TEST(SvgHostile, AnElementWithManyAttributes) {
+    QString text = "<svg";
+    for (int number = 0; number < 100000; ++number)
+        text += QString(" a%1='1'").arg(number);
+    const QString result = there_and_back(text + "/>");
+    EXPECT_TRUE(result.contains(" a99999=\"1\" fill=\"#123456\" stroke=\"#654321\"/>"));
+}
+
+TEST(SvgHostile, ManySiblings) {
+    const QString text =
+        "<svg>" +
+        QString("<linearGradient><stop stop-color='red'/></linearGradient><use xlink:href='#a'/>"
+                "<g id='p' fill='red' stroke='red'><animate attributeName='x' values='p.posX;2' "
+                "begin='q.end'/></g>")
+            .repeated(10000) +
+        "<adjustablePoint id='p' posX='1' posY='2'/></svg>";
+    SvgImage image(text);
+    EXPECT_THAT(image.document()->animations(), SizeIs(10000));
+    image.setFillColor(Qt::blue);
+    EXPECT_TRUE(image.toString().contains("fill=\"red\""));
+}
+
+TEST(SvgHostile, ManySourcesAndUsesOfOneId) {
+    const QString text =
+        "<svg><defs>" +
+        QString("<use id='a' visibility='visible' xlink:href='#a'/><use id='a' visibility='hidden' "
+                "xlink:href='#a'/>")
+            .repeated(10000) +
+        "</defs></svg>";
+    const SvgImage image(text);
+    const QDomElement defs = image.document()->dom().documentElement().firstChildElement();
+    EXPECT_EQ(defs.lastChildElement().attribute("visibility"),
+              defs.firstChildElement().attribute("visibility"));
+}
+
+TEST(SvgHostile, GradientsInGradientsAreReportedAndEndThere) {
+    const Tests::Log log;
+    QString text = "<svg>" + QString("<linearGradient>").repeated(200) +
+                   QString("<stop stop-color='red'/>").repeated(1000) +
+                   QString("</linearGradient>").repeated(200) + "</svg>";
+    const SvgImage image(text);
+    EXPECT_THAT(image.document()->gradientStops(), SizeIs(8 * 1000));
+    EXPECT_THAT(log.lines(), ElementsAre("ERROR gradients stand too deep in one another"));
+}
+
+TEST(SvgHostile, ManyGradientsBesideEachOtherAreFine) {
+    const Tests::Log log;
+    const SvgImage image("<svg>" +
+                         QString("<linearGradient><stop stop-color='red'/></linearGradient>").repeated(100) +
+                         "</svg>");
+    EXPECT_THAT(image.document()->gradientStops(), SizeIs(100));
+    EXPECT_THAT(log.lines(), IsEmpty());
+}
+
+TEST(SvgHostile, PointsThatNameOneAnotherAreNotFilledIn) {
+    QString text = "<svg>";
+    for (int number = 0; number < 60; ++number)
+        text += QString("<adjustablePoint id='a%1' posX='a%2.posX a%2.posX' posY='1'/>")
+                    .arg(number)
+                    .arg(number + 1);
+    text += "<line><animate attributeName='x1' values='a0.posX;2'/></line></svg>";
+    const Tests::Log log;
+    const SvgImage image(text);
+    EXPECT_THAT(log.lines(), ElementsAre("ERROR adjustable points name one another too often"));
+    EXPECT_EQ(image.document()->content(), text.toUtf8());
+    const auto point =
+        std::dynamic_pointer_cast<AnimatableAttributeAdjustablePoint>(image.document()->animations().at(0));
+    ASSERT_TRUE(point);
+    EXPECT_TRUE(point->inner); // from the text as it stands
+}
+
+TEST(SvgHostile, APointThatNamesItselfIsFilledInOnce) {
+    const Tests::Log log;
+    const SvgImage image(
+        "<svg><adjustablePoint id='a' posX='a.posX 1' posY='2'/><adjustablePoint id='b' posX='a.posX' "
+        "posY='2'/><line><animate attributeName='d' values='a.posX;2'/></line></svg>");
+    EXPECT_THAT(log.lines(), IsEmpty());
+}
+
+TEST(SvgHostile, ManyPoints) {
+    QString text = "<svg>";
+    for (int number = 0; number < 20000; ++number)
+        text += QString("<adjustablePoint id='a%1' posX='%1' posY='1'/>").arg(number);
+    SvgImage image(text + "<line><animate attributeName='x1' values='a7.posX;2'/></line></svg>");
+    EXPECT_THAT(image.document()->adjustablePoints(), SizeIs(20000));
+    EXPECT_TRUE(image.toString().contains("posX=\"19999\""));
+}
+
+TEST(SvgHostile, ReferencesInACircle) {
+    expectTaken(
+        "<svg><g id='a'><use xlink:href='#a'/></g><use id='b' xlink:href='#c'/><use id='c' xlink:href='#b'/>"
+        "<linearGradient id='d' xlink:href='#e'/><linearGradient id='e' xlink:href='#d'/>"
+        "<clipPath id='f' clip-path='url(#f)'/><pattern id='h' fill='url(#h)'/>"
+        "<filter id='i'><feImage xlink:href='#i'/></filter></svg>");
+}
+
+TEST(SvgHostile, AnimationsInManyCircles) {
+    QString text = "<svg>";
+    for (int number = 0; number < 3000; ++number)
+        text += QString("<animate id='a%1' begin='a%2.end'/>").arg(number).arg(number ^ 1);
+    const Tests::Log log;
+    there_and_back(text + "</svg>");
+    EXPECT_THAT(log.lines(), SizeIs(1500));
+}
+
+TEST(SvgHostile, StyleSheetsAreNotApplied) {
+    expectTaken("<svg><style>" + QString("* g g {fill:red}\n").repeated(20000) + "</style>" +
+                QString("<g class='a'/>").repeated(20000) + "</svg>");
+}
+
+TEST(SvgHostile, NoFileIsOpened) {
+    // Whoever opens a pipe to read waits for a writer for ever.
+    const QTemporaryDir folder;
+    const QString pipe = folder.filePath("pipe");
+    ASSERT_EQ(mkfifo(pipe.toUtf8().constData(), 0600), 0);
+    expectTaken("<?xml-stylesheet type='text/css' href='" + pipe + "'?><!DOCTYPE svg SYSTEM '" + pipe +
+                "'><svg><image width='1' height='1' xlink:href='" + pipe + "'/><style>@import url(" + pipe +
+                ");</style><use xlink:href='" + pipe + "#a'/></svg>");
+    expectTaken("<!DOCTYPE svg [<!ENTITY a SYSTEM '" + pipe + "'>]><svg>&a;<animate/></svg>");
+}
+
+TEST(SvgHostile, TextsOfAllSorts) {
+    const QString lone(QChar(0xd800));
+    const QString texts[] = {
+        QString(QChar(0)),
+        QString("<svg>") + QChar(0) + "</svg>",
+        lone,
+        "<svg a='" + lone + "'>" + lone + "<animate " + lone + "</svg>",
+        "<svg" + lone + "/>",
+        QString(QChar(0xffff)),
+        QString("<svg a='") + QChar(0xffff) + QChar(0xfffe) + "'>" + QChar(0xfffe) + "</svg>",
+        QString(QChar(0xfeff)) + "<svg/>",
+        "<svg>&#0;&#xd800;&#x110000;&#99999999999;&;&#;&#x;</svg>",
+        "<svg a='&#0;&#xd800;&#x110000;'/>",
+        "<!DOCTYPE",
+        "<!DOCTYPE svg [",
+        "<!DOCTYPE svg [<!ENTITY",
+        "<!DOCTYPE svg [<!ENTITY a",
+        "<!DOCTYPE svg [<!ENTITY a '",
+        "<?xml",
+        "<?xml version='1.0' encoding='",
+        "<svg><![CDATA[",
+        "<svg><!--",
+        "<svg a=",
+        "<svg a='",
+        "<svg/><svg/>",
+        "</svg>",
+        "<svg></g>",
+        "<\xc3\xa9/>",
+        "<a:b:c d:e:f='1'/>",
+        "<svg xmlns:xml='x' xmlns='' xmlns:='y'/>",
+    };
+    for (const QString& text : texts)
+        there_and_back(text);
+}
+
+TEST(SvgHostile, MegabytesOfNothingMuch) {
+    there_and_back(QString(5'000'000, 'x'));
+    there_and_back(QString(5'000'000, '<'));
+    there_and_back(QString("\"rgba(").repeated(500'000));
+    there_and_back("<svg a=\"" + QString("rgba(1,2,3,4)\" \"").repeated(200'000));
+    there_and_back("<svg a='" + QString(5'000'000, 'x') + "'/>");
+    there_and_back("<svg>" + QString("&").repeated(1'000'000) + "</svg>");
+    there_and_back("<svg>" + QString("<!DOCTYPE").repeated(300'000));
+    there_and_back("<svg><animate attributeName='x' values='" + QString("1;").repeated(1'000'000) +
+                   "'/></svg>");
+    there_and_back("<svg><animate attributeName='x' values='M" + QString(" 1").repeated(1'000'000) +
+                   "'/></svg>");
+}
+
+TEST(SvgHostile, NumbersOutOfAllBounds) {
+    const SvgImage image(
+        "<svg stroke-width='99999999999999999999' fill-opacity='1e999' stroke-opacity='-1e999'>"
+        "<animate id='CONCLUSION' attributeName='x' begin='-1e30s' dur='1e30s' "
+        "repeatCount='99999999999'/><animate attributeName='y' begin='1e30' dur='1e30'/>"
+        "<animate id='z' attributeName='y' begin='-2147483648ms' dur='-2147483648ms'/>"
+        "<animate attributeName='y' begin='z.end-2147483648ms'/>"
+        "<animateMotion id='CONCLUSION' begin='2147483647ms'/></svg>");
+    EXPECT_EQ(image.strokeWidth(), 0);
+    EXPECT_EQ(image.fillOpacity(), 255);
+    EXPECT_EQ(image.strokeOpacity(), 0);
+    EXPECT_EQ(image.document()->animations().at(0)->repeatCount, -1);
+}
+
+} // namespace

@@ -1,0 +1,412 @@
+#include "Stored/V21/SvgImage.h"
+#include "Stored/V21/Internal/Markup.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QDomDocument>
+#include <QHashFunctions>
+
+#include <set>
+
+using namespace Stored::V21;
+
+namespace {
+
+QDomElement rootOf(const QString& text) {
+    QDomDocument dom;
+    EXPECT_TRUE(dom.setContent(text, false)) << text.toStdString();
+    return dom.documentElement();
+}
+
+QString attributeOfResult(const SvgImage& image, const QString& name) {
+    return rootOf(image.toString()).attribute(name, "(none)");
+}
+
+QString livePaint(const SvgImage& image, const QString& name) {
+    return image.document()->dom().documentElement().attribute(name, "(none)");
+}
+
+SvgImage imageOf(const QString& attributes) {
+    return SvgImage("<svg " + attributes + "/>");
+}
+
+TEST(SvgImage, WithoutStyleIsUnset) {
+    const SvgImage image("<svg/>");
+    EXPECT_EQ(image.text(), "<svg/>");
+    EXPECT_FALSE(image.fill().isValid());
+    EXPECT_FALSE(image.stroke().isValid());
+    EXPECT_EQ(image.fillOpacity(), -1);
+    EXPECT_EQ(image.strokeOpacity(), -1);
+    EXPECT_EQ(image.strokeWidth(), -1);
+    EXPECT_EQ(image.toString(), "<svg/>\n");
+}
+
+TEST(SvgImage, CollectsTheAttributesThatMayChange) {
+    const SvgImage image("<svg/>");
+    std::vector<QString> names;
+    for (const auto& [name, attributes] : image.document()->adjustable())
+        names.push_back(name);
+    EXPECT_THAT(names, testing::ElementsAre("fill", "fill-opacity", "posX", "posY", "stroke",
+                                            "stroke-opacity", "stroke-width"));
+}
+
+TEST(SvgImage, IsAValue) {
+    SvgImage image("<svg fill='red'/>");
+    SvgImage copy = image;
+    copy.setFillColor(Qt::blue);
+    EXPECT_EQ(image.fill(), QColor(Qt::red));
+    EXPECT_EQ(copy.fill(), QColor(Qt::blue));
+    EXPECT_EQ(image.document(), copy.document());
+}
+
+// Stroke width.
+
+TEST(SvgStrokeWidth, UpToFourIsWrittenBack) {
+    EXPECT_EQ(imageOf("stroke-width='3'").strokeWidth(), 3);
+    for (const char* width : {"0", "3", "4"})
+        EXPECT_EQ(attributeOfResult(imageOf(QString("stroke-width='%1'").arg(width)), "stroke-width"), width);
+    EXPECT_EQ(attributeOfResult(imageOf("stroke-width=' 3 '"), "stroke-width"), "3");
+}
+
+TEST(SvgStrokeWidth, FiveAndMoreStayAsTheTextHasThem) {
+    EXPECT_EQ(imageOf("stroke-width='7'").strokeWidth(), 7);
+    EXPECT_EQ(attributeOfResult(imageOf("stroke-width='7'"), "stroke-width"), "7");
+    EXPECT_EQ(attributeOfResult(imageOf("stroke-width=' 05 '"), "stroke-width"), " 05 ");
+}
+
+TEST(SvgStrokeWidth, BelowZeroStaysAsTheTextHasIt) {
+    EXPECT_EQ(imageOf("stroke-width='-2'").strokeWidth(), -2);
+    EXPECT_EQ(attributeOfResult(imageOf("stroke-width=' -2'"), "stroke-width"), " -2");
+    EXPECT_EQ(attributeOfResult(imageOf("stroke-width=' -1'"), "stroke-width"), " -1");
+}
+
+TEST(SvgStrokeWidth, WhatIsNoIntegerIsZero) {
+    for (const char* width : {"2px", "1.5", "inherit", "99999999999"}) {
+        const SvgImage image = imageOf(QString("stroke-width='%1'").arg(width));
+        EXPECT_EQ(image.strokeWidth(), 0) << width;
+        EXPECT_EQ(attributeOfResult(image, "stroke-width"), "0") << width;
+    }
+}
+
+TEST(SvgStrokeWidth, EmptyOrMissingIsUnset) {
+    EXPECT_EQ(imageOf("stroke-width=''").strokeWidth(), -1);
+    EXPECT_EQ(attributeOfResult(imageOf("stroke-width=''"), "stroke-width"), "");
+    EXPECT_EQ(attributeOfResult(imageOf(""), "stroke-width"), "(none)");
+}
+
+TEST(SvgStrokeWidth, GoesToAllElementsOfTheLiveDocument) {
+    const SvgImage image("<svg stroke-width='7'><g stroke-width='2'/></svg>");
+    EXPECT_EQ(image.document()->dom().documentElement().firstChildElement().attribute("stroke-width"), "7");
+    EXPECT_EQ(rootOf(image.toString()).firstChildElement().attribute("stroke-width"), "2");
+}
+
+// Opacity.
+
+TEST(SvgOpacity, IsCutOnTheWayInAndHasTwoDecimalsOnTheWayOut) {
+    const SvgImage image = imageOf("fill-opacity='0.5' stroke-opacity='0.25'");
+    EXPECT_EQ(image.fillOpacity(), 127);
+    EXPECT_EQ(image.strokeOpacity(), 63);
+    EXPECT_EQ(attributeOfResult(image, "fill-opacity"), "0.50");
+    EXPECT_EQ(attributeOfResult(image, "stroke-opacity"), "0.25");
+}
+
+TEST(SvgOpacity, HasTwoSignificantDigitsInTheLiveDocument) {
+    const SvgImage image = imageOf("fill-opacity='0.5' stroke-opacity='0.051'");
+    EXPECT_EQ(livePaint(image, "fill-opacity"), "0.5");
+    EXPECT_EQ(image.strokeOpacity(), 13);
+    EXPECT_EQ(livePaint(image, "stroke-opacity"), "0.051"); // 13/255
+    EXPECT_EQ(attributeOfResult(image, "stroke-opacity"), "0.05");
+    EXPECT_EQ(livePaint(imageOf("fill-opacity='1'"), "fill-opacity"), "1");
+    EXPECT_EQ(attributeOfResult(imageOf("fill-opacity='1'"), "fill-opacity"), "1.00");
+}
+
+TEST(SvgOpacity, IsClamped) {
+    for (const char* text : {"-1", "-0.5", "0", "-inf", "nan"}) {
+        const SvgImage image = imageOf(QString("fill-opacity='%1'").arg(text));
+        EXPECT_EQ(image.fillOpacity(), 0) << text;
+        EXPECT_EQ(attributeOfResult(image, "fill-opacity"), "0.00") << text;
+    }
+    for (const char* text : {"1", "2", "1e300", "inf"})
+        EXPECT_EQ(imageOf(QString("stroke-opacity='%1'").arg(text)).strokeOpacity(), 255) << text;
+}
+
+TEST(SvgOpacity, ThatCutsToMinusOneWasReadAllTheSame) {
+    EXPECT_EQ(imageOf("fill-opacity='-0.004'").fillOpacity(), 0); // -1.02 is cut to -1
+}
+
+TEST(SvgOpacity, WhatIsNoNumberIsZero) {
+    EXPECT_EQ(imageOf("fill-opacity='half'").fillOpacity(), 0);
+    EXPECT_EQ(imageOf("fill-opacity='50%'").fillOpacity(), 0);
+}
+
+TEST(SvgOpacity, EmptyOrMissingIsUnset) {
+    const SvgImage image = imageOf("fill-opacity=''");
+    EXPECT_EQ(image.fillOpacity(), -1);
+    EXPECT_EQ(attributeOfResult(image, "fill-opacity"), "");
+    EXPECT_EQ(attributeOfResult(image, "stroke-opacity"), "(none)");
+}
+
+// Colours.
+
+TEST(SvgPaint, OfTheRootIsNormalised) {
+    const SvgImage image = imageOf("fill='red' stroke='#0f0'");
+    EXPECT_EQ(image.fill(), QColor(255, 0, 0));
+    EXPECT_EQ(image.stroke(), QColor(0, 255, 0));
+    EXPECT_EQ(attributeOfResult(image, "fill"), "#ff0000");
+    EXPECT_EQ(attributeOfResult(image, "stroke"), "#00ff00");
+}
+
+TEST(SvgPaint, LosesItsAlpha) {
+    const SvgImage image = imageOf("fill='#80112233' stroke='transparent'");
+    EXPECT_EQ(image.fill(), QColor(0x11, 0x22, 0x33, 255));
+    EXPECT_EQ(attributeOfResult(image, "fill"), "#112233");
+    EXPECT_EQ(attributeOfResult(image, "stroke"), "#000000");
+}
+
+TEST(SvgPaint, ThatIsNoColourStays) {
+    for (const char* fill : {"rgb(1,2,3)", "rgba(255,0,0,1)", "#12", "nocolour", "", "url(#g)", "none"}) {
+        const SvgImage image = imageOf(QString("fill=\"%1\"").arg(fill));
+        EXPECT_FALSE(image.fill().isValid()) << fill;
+        EXPECT_EQ(attributeOfResult(image, "fill"), fill);
+    }
+}
+
+TEST(SvgPaint, ANewColourReplacesWhatIsAbsentOrAColour) {
+    for (const char* attributes : {"", "fill=''", "fill='blue'", "fill='rgba(1,2,3,1)'", "fill='nocolour'",
+                                   "fill='None'", "fill='#ff00'"}) {
+        SvgImage image = imageOf(attributes);
+        image.setFillColor(QColor(1, 2, 3));
+        EXPECT_EQ(attributeOfResult(image, "fill"), "#010203") << attributes;
+        EXPECT_EQ(attributeOfResult(image, "stroke"), "(none)");
+    }
+}
+
+TEST(SvgPaint, ANewColourDoesNotReplaceWhatStandsForAnother) {
+    for (const char* paint : {"none", "currentColor", "inherit", "url(#g)", "urlaub"}) {
+        SvgImage image = imageOf(QString("fill='%1' stroke='%1'").arg(paint));
+        image.setFillColor(Qt::red);
+        image.setStrokeColor(Qt::red);
+        EXPECT_EQ(image.fill(), QColor(Qt::red));
+        EXPECT_EQ(attributeOfResult(image, "fill"), paint);
+        EXPECT_EQ(attributeOfResult(image, "stroke"), paint);
+    }
+}
+
+TEST(SvgPaint, ANewColourIsOpaque) {
+    SvgImage image("<svg/>");
+    image.setFillColor(QColor(1, 2, 3, 4));
+    image.setStrokeColor(QColor(5, 6, 7, 0));
+    EXPECT_EQ(image.fill(), QColor(1, 2, 3));
+    EXPECT_EQ(image.stroke(), QColor(5, 6, 7));
+    EXPECT_EQ(attributeOfResult(image, "stroke"), "#050607");
+}
+
+TEST(SvgPaint, GoesToTheLiveDocumentAndOnlyTheRootsToTheText) {
+    SvgImage image(
+        "<svg fill='red'><g fill='blue' stroke='blue'/><clipPath><g fill='blue'/></clipPath></svg>");
+    image.setFillColor(QColor("#123456"));
+    image.setStrokeColor(QColor("#654321"));
+    const QDomElement live = image.document()->dom().documentElement();
+    EXPECT_EQ(live.attribute("fill"), "#123456");
+    EXPECT_EQ(live.attribute("stroke", "(none)"), "(none)"); // only attributes that are there
+    EXPECT_EQ(live.firstChildElement().attribute("fill"), "#123456");
+    EXPECT_EQ(live.firstChildElement().attribute("stroke"), "#654321");
+    EXPECT_EQ(live.lastChildElement().firstChildElement().attribute("fill"), "blue");
+    const QDomElement result = rootOf(image.toString());
+    EXPECT_EQ(result.attribute("fill"), "#123456");
+    EXPECT_EQ(result.attribute("stroke"), "#654321");
+    EXPECT_EQ(result.firstChildElement().attribute("fill"), "blue");
+}
+
+TEST(SvgPaint, AFillGoesToTheGradientsAndAStrokeDoesNot) {
+    SvgImage image("<svg><linearGradient><stop stop-color='#000000'/></linearGradient></svg>");
+    const auto stopColor = [&] {
+        return image.document()->dom().elementsByTagName("stop").item(0).toElement().attribute("stop-color");
+    };
+    image.setStrokeColor(QColor("#111111"));
+    EXPECT_EQ(stopColor(), "#000000");
+    image.setFillColor(QColor("#222222"));
+    EXPECT_EQ(stopColor(), "#222222");
+    EXPECT_TRUE(image.toString().contains("#000000"));
+}
+
+TEST(SvgPaint, TheSameColourAgainChangesNothing) {
+    SvgImage image("<svg><g fill='blue'/></svg>");
+    image.setFillColor(QColor("#222222"));
+    const QByteArray content = image.document()->content();
+    image.document()->setAttributeValue("fill", "pink", "");
+    image.setFillColor(QColor(0x22, 0x22, 0x22, 7));
+    EXPECT_EQ(image.document()->dom().documentElement().firstChildElement().attribute("fill"), "pink");
+    image.setFillColor(QColor("#333333"));
+    EXPECT_NE(image.document()->content(), content);
+}
+
+TEST(SvgPaint, AnInvalidColourIsNeverWritten) {
+    SvgImage image("<svg fill='red'/>");
+    image.setFillColor(QColor());
+    EXPECT_FALSE(image.fill().isValid());
+    EXPECT_EQ(attributeOfResult(image, "fill"), "red");
+    EXPECT_EQ(livePaint(image, "fill"), "#000000");
+}
+
+// The result text.
+
+TEST(SvgImageText, TheRewriteOfRgbaStaysInTheLiveDocument) {
+    SvgImage image(R"~(<svg><g fill="rgba(255,0,0,0.5)"/></svg>)~");
+    EXPECT_EQ(image.document()->dom().documentElement().firstChildElement().attribute("fill"), "#ff00");
+    EXPECT_EQ(image.toString(), "<svg>\n <g fill=\"rgba(255,0,0,0.5)\"/>\n</svg>\n");
+}
+
+TEST(SvgImageText, ResolvedTimingStaysInTheLiveDocument) {
+    const SvgImage image("<svg><animate begin='a.end+1s'/></svg>");
+    EXPECT_TRUE(image.document()->content().contains("1000ms"));
+    EXPECT_EQ(image.toString(), "<svg>\n <animate begin=\"a.end+1s\"/>\n</svg>\n");
+}
+
+TEST(SvgImageText, TheFirstSvgMayStandAtAnyDepth) {
+    SvgImage image("<doc fill='blue'><a><svg fill='red'/></a><svg fill='lime'/></doc>");
+    EXPECT_EQ(image.fill(), QColor(255, 0, 0));
+    image.setStrokeColor(QColor("#123456"));
+    EXPECT_EQ(image.toString(),
+              "<doc fill=\"blue\">\n <a>\n  <svg fill=\"#ff0000\" stroke=\"#123456\"/>\n </a>\n"
+              " <svg fill=\"lime\"/>\n</doc>\n");
+}
+
+TEST(SvgImageText, WithoutSvgElementIsOnlyNormalised) {
+    SvgImage image("<doc   fill='blue'><a></a></doc>");
+    EXPECT_FALSE(image.fill().isValid());
+    image.setFillColor(Qt::red);
+    EXPECT_EQ(image.toString(), "<doc fill=\"blue\">\n <a/>\n</doc>\n");
+}
+
+TEST(SvgImageText, APrefixedSvgIsAnotherElement) {
+    SvgImage image("<s:svg xmlns:s='http://www.w3.org/2000/svg'/>");
+    image.setFillColor(Qt::red);
+    EXPECT_EQ(attributeOfResult(image, "fill"), "(none)");
+}
+
+TEST(SvgImageText, UnparsableTextIsEmpty) {
+    for (const char* text : {"", " ", "no xml", "{\\rtf1 text}", "<", "<svg", "\x01\x02"}) {
+        SvgImage image(QString::fromUtf8(text));
+        image.setFillColor(Qt::red);
+        image.setStrokeColor(Qt::red);
+        EXPECT_EQ(image.toString(), "") << text;
+    }
+}
+
+TEST(SvgImageText, OfABrokenTextWhatTheParserKeptCounts) {
+    SvgImage image("<svg fill='red'><g/><rect></svg>");
+    EXPECT_EQ(image.fill(), QColor(255, 0, 0));
+    EXPECT_EQ(image.toString(), "<svg fill=\"#ff0000\">\n <g/>\n <rect/>\n</svg>\n");
+}
+
+TEST(SvgImageText, KeepsDeclarationCommentsAndText) {
+    const SvgImage image(
+        "<?xml version='1.0' encoding='UTF-8'?><!-- <a b='2' a='1'/> --><svg b='2' a='1'>x &lt; y"
+        "<![CDATA[<z b='2' a='1'>]]><?pi <a b='2' a='1'> ?></svg>");
+    EXPECT_EQ(image.toString(),
+              "<?xml version='1.0' encoding='UTF-8'?>\n<!-- <a b='2' a='1'/> -->\n"
+              "<svg a=\"1\" b=\"2\">x &lt; y<![CDATA[<z b='2' a='1'>]]><?pi <a b='2' a='1'> ?>\n"
+              "</svg>\n");
+}
+
+TEST(SvgImageText, ResolvesTheEntitiesOfItsDocumentType) {
+    const SvgImage image("<!DOCTYPE svg [<!ENTITY ns 'http://www.w3.org/2000/svg'>]><svg xmlns='&ns;'/>");
+    EXPECT_EQ(attributeOfResult(image, "xmlns"), "http://www.w3.org/2000/svg");
+}
+
+// Adjustable points.
+
+TEST(SvgImagePoints, TakeTheirPlacesFromTheLiveDocument) {
+    SvgImage image(
+        "<svg><adjustablePoint id='a' posX='1' posY='2'/><g><adjustablePoint id='b' posX='3' posY='4'/>"
+        "</g></svg>");
+    image.document()->setAttributeValue("posX", "30", "b");
+    EXPECT_EQ(image.toString(), "<svg>\n <adjustablePoint id=\"a\" posX=\"1\" posY=\"2\"/>\n <g>\n"
+                                "  <adjustablePoint id=\"b\" posX=\"30\" posY=\"4\"/>\n </g>\n</svg>\n");
+}
+
+TEST(SvgImagePoints, GetAnEmptyCoordinateWhereTheLiveOneHasNone) {
+    const SvgImage image("<svg><adjustablePoint id='a' posY='2'/></svg>");
+    EXPECT_EQ(image.toString(), "<svg>\n <adjustablePoint id=\"a\" posX=\"\" posY=\"2\"/>\n</svg>\n");
+}
+
+TEST(SvgImagePoints, AreTakenOverWithoutAnSvgElementToo) {
+    const SvgImage image("<doc><adjustablePoint/></doc>");
+    EXPECT_EQ(image.toString(), "<doc>\n <adjustablePoint posX=\"\" posY=\"\"/>\n</doc>\n");
+}
+
+TEST(SvgImagePoints, ADeclaredEncodingIsThatOfTheLiveDocument) {
+    const SvgImage image(QString::fromUtf8("<?xml version='1.0' encoding='ISO-8859-1'?><svg><adjustablePoint "
+                                           "posX='\xc3\xa9' label='\xc3\xa9'/></svg>"));
+    const QDomElement point = rootOf(image.toString()).firstChildElement();
+    EXPECT_EQ(point.attribute("label"), QString::fromUtf8("\xc3\xa9"));
+    EXPECT_EQ(point.attribute("posX"), QString::fromUtf8("\xc3\x83\xc2\xa9"));
+}
+
+// The order of attributes.
+
+class SvgOrder : public testing::Test {
+protected:
+    void TearDown() override { qSetGlobalQHashSeed(0); }
+
+    /// The different texts that a function gives under many seeds of Qt's hash.
+    template <class Function>
+    static std::set<QString> resultsOf(Function function) {
+        std::set<QString> results;
+        for (int run = 0; run < 60; ++run) {
+            qSetGlobalQHashSeed(-1); // a new random one
+            results.insert(function());
+        }
+        return results;
+    }
+};
+
+const QString manyAttributes =
+    "<!DOCTYPE svg [<!NOTATION gif SYSTEM 'g>\"'><!NOTATION png PUBLIC 'p' 'q'><!ENTITY l1 SYSTEM 'a' NDATA "
+    "gif>"
+    "<!ENTITY l2 SYSTEM 'b>]' NDATA png><!ENTITY l3 PUBLIC 'c' 'd' NDATA png>]>"
+    "<svg z='1' y=\"a 'quoted' > = / \" x='\"' w='&#10;' fill='red' v-1='' xml:space='preserve' a='&lt;b "
+    "c=1>'>"
+    "<g b='1' a='2' d='3' c='4' e='5'>text = \"1\" &gt; <i b='1' a='2' c='3'/></g></svg>";
+
+TEST_F(SvgOrder, IsThatOfQtsHashInQtsOwnText) {
+    const auto results = resultsOf([] {
+        QDomDocument dom;
+        dom.setContent(manyAttributes, false);
+        return dom.toString(1);
+    });
+    EXPECT_GT(results.size(), 1U);
+}
+
+TEST_F(SvgOrder, IsThatOfTheNamesInTheResult) {
+    const auto results = resultsOf([] { return SvgImage(manyAttributes).toString(); });
+    EXPECT_EQ(results.size(), 1U);
+    EXPECT_EQ(
+        *results.begin(),
+        "<!DOCTYPE svg [\n"
+        "<!ENTITY l1 SYSTEM 'a' NDATA gif>\n"
+        "<!ENTITY l2 SYSTEM 'b>]' NDATA png>\n"
+        "<!ENTITY l3 PUBLIC 'c' 'd' NDATA png>\n"
+        "<!NOTATION gif SYSTEM 'g>\"'>\n"
+        "<!NOTATION png PUBLIC 'p' 'q'>\n"
+        "]>\n"
+        "<svg a=\"&lt;b c=1>\" fill=\"#ff0000\" v-1=\"\" w=\"&#xa;\" x=\"&quot;\" xml:space=\"preserve\" "
+        "y=\"a 'quoted' > = / \" z=\"1\">\n"
+        " <g a=\"2\" b=\"1\" c=\"4\" d=\"3\" e=\"5\">text = \"1\" > <i a=\"2\" b=\"1\" c=\"3\"/>\n"
+        " </g>\n"
+        "</svg>\n");
+}
+
+TEST_F(SvgOrder, IsThatOfTheNamesInTheLiveDocument) {
+    const auto results =
+        resultsOf([] { return QString::fromUtf8(SvgImage(manyAttributes).document()->content()); });
+    EXPECT_EQ(results.size(), 1U);
+}
+
+TEST(SvgOrderOfNothing, IsNothing) {
+    EXPECT_EQ(Internal::toText(QDomDocument()), "");
+}
+
+} // namespace
