@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <optional>
-#include <ranges>
 #include <span>
 
 using Archive::Internal::Elements;
@@ -268,8 +267,8 @@ bool Impl::collect() {
         return false;
     }
     collectObjects();
-    for (const QDomElement& timeline : std::views::reverse(m_timelineObjects)) {
-        if (!collectTimeline(timeline))
+    for (auto timeline = m_timelineObjects.rbegin(); timeline != m_timelineObjects.rend(); ++timeline) {
+        if (!collectTimeline(*timeline))
             return false;
     }
     return !m_timelines.empty();

@@ -8,6 +8,7 @@
 #include <glog/logging.h>
 
 #include <algorithm>
+#include <string>
 #include <utility>
 
 namespace Words = Archive::Words;
@@ -20,7 +21,13 @@ namespace {
 struct Setting {
     constexpr Setting(const char* objectClass, const char* presetTag, const char* element, const char* kind,
                       const char* text)
-        : className(objectClass), tag(presetTag), name(element), type(kind), value(text) {}
+        : className(word(objectClass)), tag(word(presetTag)), name(word(element)), type(word(kind)),
+          value(word(text)) {}
+
+    /// Qt's own way to measure a text is no constant expression for every compiler.
+    static constexpr QLatin1String word(const char* text) {
+        return QLatin1String(text, static_cast<int>(std::char_traits<char>::length(text)));
+    }
 
     QLatin1String className;
     QLatin1String tag;
