@@ -10,6 +10,7 @@
 #include "support/Compare.h"
 #include "support/Files.h"
 #include "support/Log.h"
+#include "support/Paths.h"
 
 #include <gtest/gtest.h>
 
@@ -26,7 +27,7 @@ namespace {
 
 std::vector<fs::path> allCases() {
     std::vector<fs::path> cases;
-    for (const auto& adaptor : fs::directory_iterator(TEST_CASES_DIR)) {
+    for (const auto& adaptor : fs::directory_iterator(Tests::casesFolder())) {
         if (!adaptor.is_directory())
             continue;
         for (const auto& entry : fs::directory_iterator(adaptor.path())) {

@@ -45,7 +45,7 @@ protected:
 };
 
 QByteArray sample(const char* name) {
-    return QByteArray::fromStdString(Tests::readFile(std::string(SAMPLES_DIR) + '/' + name));
+    return QByteArray::fromStdString(Tests::readFile(Tests::samplesFolder() / name));
 }
 
 /// A project of version 62, unless told otherwise, with a timeline, a track and one clip, to which `extra` is added.

@@ -1,6 +1,7 @@
 #include "Reader/Road.h"
 #include "support/Compare.h"
 #include "support/Files.h"
+#include "support/Paths.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -51,7 +52,7 @@ constexpr int sinceQuizzes = 21;     // and gates, phones and pitches
 constexpr int sinceCollections = 35; // and LUTs
 
 QByteArray bytesOf(const Sample& sample) {
-    return QByteArray::fromStdString(Tests::readFile(std::filesystem::path(SAMPLES_DIR) / sample.file));
+    return QByteArray::fromStdString(Tests::readFile(Tests::samplesFolder() / sample.file));
 }
 
 Journey journeyTo(int version) {

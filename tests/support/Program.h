@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/Paths.h"
+
 #include <QByteArray>
 #include <QProcess>
 #include <QStringList>
@@ -18,7 +20,7 @@ struct Outcome {
 inline Outcome runProgram(const QStringList& arguments, const QString& folder, const QByteArray& input = {}) {
     QProcess process;
     process.setWorkingDirectory(folder);
-    process.start(QStringLiteral(ADAPTORS_PROGRAM), arguments);
+    process.start(QString::fromStdString(program().string()), arguments);
     if (!process.waitForStarted(30000))
         return {-1, {}, process.errorString().toUtf8()};
     process.write(input);

@@ -1,9 +1,10 @@
-// Sends the drawings of tests/svg/ through the model and back.
+// Sends the drawings of tests/stored/svg/ through the model and back.
 
 #include "Stored/V21/SvgImage.h"
 #include "support/Compare.h"
 #include "support/Files.h"
 #include "support/Log.h"
+#include "support/Paths.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -19,7 +20,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const fs::path folder = fs::path(TEST_CASES_DIR).parent_path() / "svg";
+const fs::path folder = Tests::drawingsFolder();
 
 /// What the drawings hold, counted by hand.
 struct Sample {

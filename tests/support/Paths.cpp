@@ -1,0 +1,21 @@
+#include "support/Paths.h"
+
+namespace Tests {
+
+std::filesystem::path casesFolder() {
+    return TESTS_DIR "/cases";
+}
+
+std::filesystem::path drawingsFolder() {
+    return TESTS_DIR "/stored/svg";
+}
+
+std::filesystem::path samplesFolder() {
+    return SAMPLES_DIR;
+}
+
+std::filesystem::path program() {
+    return ADAPTORS_PROGRAM;
+}
+
+} // namespace Tests

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <filesystem>
+
+/// Where the tests' files stand in this checkout, and the program under test.
+namespace Tests {
+
+std::filesystem::path casesFolder();
+std::filesystem::path drawingsFolder(); ///< SVG texts
+std::filesystem::path samplesFolder();
+std::filesystem::path program();
+
+} // namespace Tests
