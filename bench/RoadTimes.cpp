@@ -1,5 +1,6 @@
 #include "bench/RoadTimes.h"
 
+#include "Archive/Internal/Outline.h"
 #include "Reader/Chain.h"
 #include "Reader/Contents.h"
 #include "Reader/Conversion.h"
@@ -46,11 +47,7 @@ public:
         other("count the objects of the archive", [&] { Reader::countObjects(m_document); });
         other("list the clips of the archive", [&] { Reader::listClips(m_document); });
         unnumbered("OverlayFileContentReadAdaptor");
-        unnumbered("ThemeTransitionsAndSceneAdaptor");
-        for (const Reader::Step* row :
-             Reader::stepsFor(Bundle::Backend::Xml, oldestVersion, Reader::lastXmlVersion))
-            step(*row, [&] { row->makeXml()->adapt(m_document.xml()); });
-        unnumbered("ImportDescriptionAdaptor");
+        xmlRoad();
         convert();
         for (const Reader::Step* row :
              Reader::stepsFor(Bundle::Backend::Json, Reader::lastXmlVersion, Reader::currentVersion)) {
@@ -83,6 +80,19 @@ private:
             else
                 adaptor->makeJson(surroundings)->adapt(m_document.json().flat);
         });
+    }
+
+    void xmlRoad() {
+        Archive::Internal::Outline outline(m_document.xml());
+        unnumbered("ThemeTransitionsAndSceneAdaptor");
+        for (const Reader::Step* row :
+             Reader::stepsFor(Bundle::Backend::Xml, oldestVersion, Reader::lastXmlVersion)) {
+            step(*row, [&] {
+                row->makeXml()->adapt(m_document.xml());
+                outline.endStep();
+            });
+        }
+        unnumbered("ImportDescriptionAdaptor");
     }
 
     void convert() {

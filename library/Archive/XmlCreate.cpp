@@ -1,3 +1,4 @@
+#include "Archive/Internal/Outline.h"
 #include "Archive/Internal/Words.h"
 #include "Archive/Xml.h"
 
@@ -8,6 +9,7 @@ QDomElement createTypeValue(QDomDocument& doc, const QString& name, const QStrin
     QDomElement e = doc.createElement(name);
     e.setAttribute(Words::type, type);
     e.setAttribute(Words::value, value);
+    Internal::Outline::wrote(value);
     return e;
 }
 
@@ -75,6 +77,7 @@ QDomElement createObject(QDomDocument& doc, const QString& name, const QString& 
     QDomElement e = doc.createElement(name);
     e.setAttribute(Words::type, type);
     e.setAttribute(Words::objectId, QString::number(id));
+    Internal::Outline::created(e);
     return e;
 }
 

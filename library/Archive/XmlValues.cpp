@@ -1,3 +1,4 @@
+#include "Archive/Internal/Outline.h"
 #include "Archive/Internal/Words.h"
 #include "Archive/Xml.h"
 
@@ -26,8 +27,10 @@ QString refOf(const QDomElement& parent, const QString& name) {
 
 void setValueOf(const QDomElement& parent, const QString& name, const QString& value) {
     QDomElement child = parent.firstChildElement(name);
-    if (!child.isNull())
-        child.setAttribute(Words::value, value);
+    if (child.isNull())
+        return;
+    child.setAttribute(Words::value, value);
+    Internal::Outline::wrote(value);
 }
 
 long long extractValue(const QString& text, long long fallback) {

@@ -1,5 +1,6 @@
 #include "Reader/Road.h"
 
+#include "Archive/Internal/Outline.h"
 #include "Archive/Internal/Walk.h"
 #include "Archive/Xml.h"
 #include "Reader/Conversion.h"
@@ -91,13 +92,6 @@ void sortRootObjects(QDomDocument& xml) {
     }
 }
 
-void runXmlSteps(Document& document, int to, Runner& runner, Report& report) {
-    for (const Step* step : stepsFor(Bundle::Backend::Xml, *document.version, std::min(to, lastXmlVersion))) {
-        runner.run(std::string(step->className), [&] { step->makeXml()->adapt(document.xml()); });
-        report.steps.emplace_back(step->className);
-    }
-}
-
 void checkRootObject(const QDomDocument& xml, const Journey& journey) {
     const QDomElement ref = xml.documentElement().firstChildElement(Words::RootRef);
     const auto id = ref.attribute(Words::value).toLongLong();
@@ -176,6 +170,21 @@ void runUnnumbered(const char* className, Document& document, const Surroundings
     });
 }
 
+/// All that happens to an archive while it is one.
+void runXmlRoad(Document& document, const Journey& journey, const Surroundings& surroundings, Runner& runner,
+                Report& report) {
+    Archive::Internal::Outline outline(document.xml());
+    runUnnumbered("ThemeTransitionsAndSceneAdaptor", document, surroundings, runner);
+    for (const Step* step :
+         stepsFor(Bundle::Backend::Xml, *document.version, std::min(journey.to, lastXmlVersion))) {
+        runner.run(std::string(step->className), [&] { step->makeXml()->adapt(document.xml()); });
+        report.steps.emplace_back(step->className);
+        outline.endStep();
+    }
+    if (journey.to > lastXmlVersion)
+        runUnnumbered("ImportDescriptionAdaptor", document, surroundings, runner);
+}
+
 /// The adaptor of that name as a call on the document in its form; empty where there is none in that form.
 std::function<void()> adaptorCall(Document& document, const std::string& className, const Journey& journey) {
     const Surroundings surroundings = surroundingsOf(journey);
@@ -252,12 +261,9 @@ Report migrate(Document& document, const Journey& journey) {
             checkRootObject(document.xml(), journey);
             sortRootObjects(document.xml());
             runUnnumbered("OverlayFileContentReadAdaptor", document, surroundings, runner);
-            runUnnumbered("ThemeTransitionsAndSceneAdaptor", document, surroundings, runner);
-            runXmlSteps(document, journey.to, runner, report);
-            if (journey.to > lastXmlVersion) {
-                runUnnumbered("ImportDescriptionAdaptor", document, surroundings, runner);
+            runXmlRoad(document, journey, surroundings, runner, report);
+            if (journey.to > lastXmlVersion)
                 convertToJson(document, journey, runner);
-            }
         }
         if (!document.isXml()) {
             runJsonSteps(document, journey.to, runner, report);

@@ -1,5 +1,6 @@
 #include "Adaptors/Project/V21_PresetTypeAdaptor.h"
 
+#include "Archive/Internal/Outline.h"
 #include "Archive/Internal/Walk.h"
 #include "Archive/Xml.h"
 #include "Stored/V21/SvgImage.h"
@@ -37,6 +38,7 @@ void moveOutlineColorIntoText(const QDomElement& item) {
     image.setFillColor(paint);
     image.setStrokeColor(paint);
     text.setAttribute(Words::value, image.toString());
+    Archive::Internal::Outline::wrote(text.attribute(Words::value));
 }
 
 /// Gives an item its features and tells them.

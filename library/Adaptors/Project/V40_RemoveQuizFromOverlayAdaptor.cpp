@@ -1,6 +1,7 @@
 #include "Adaptors/Project/V40_RemoveQuizFromOverlayAdaptor.h"
 
 #include "Archive/Internal/ObjectIds.h"
+#include "Archive/Internal/Outline.h"
 #include "Archive/Internal/Predeclarations.h"
 #include "Archive/Internal/Walk.h"
 #include "Archive/Internal/XmlText.h"
@@ -116,6 +117,8 @@ void Impl::convertQuizClip(QDomElement& clip) {
     // Of several clips that share a preset only the first finds it in the archive: the quizzes of the others are
     // referred to and declared, but stand nowhere.
     m_archive.replaceChild(quiz.preset, overlay);
+    if (!quiz.questionIds.isEmpty())
+        Archive::Internal::Outline::forget(m_document); // questions bring parts, ids and texts of their own
     Archive::setValueOf(clip, QStringLiteral("quiz"), QString::number(quiz.id));
     declare(quiz);
 }

@@ -1,5 +1,6 @@
 #include "Adaptors/Project/V44_StringPtrToStringAdaptor.h"
 
+#include "Archive/Internal/Outline.h"
 #include "Archive/Internal/PlainText.h"
 #include "Archive/Internal/Walk.h"
 
@@ -68,6 +69,7 @@ void convertText(QDomDocument& document) {
     QString text = document.toString(1);
     text.replace(stringPtr, QStringLiteral("type=\"String\""));
     document.setContent(text);
+    Archive::Internal::Outline::forget(document);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "Adaptors/Project/V48_OldPortablePathAdaptor.h"
 
+#include "Archive/Internal/Outline.h"
 #include "Archive/Internal/RootObjects.h"
 #include "Archive/Xml.h"
 
@@ -41,6 +42,7 @@ int settlePaths(const QDomElement& object) {
         if (path.isEmpty())
             continue;
         field.setAttribute(Words::value, path);
+        Archive::Internal::Outline::wrote(path);
         if (type == QLatin1String("Import::Object"))
             Archive::setValueOf(object, QStringLiteral("description"), path);
         ++settled;

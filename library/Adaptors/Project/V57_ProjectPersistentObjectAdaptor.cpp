@@ -1,6 +1,7 @@
 #include "Adaptors/Project/V57_ProjectPersistentObjectAdaptor.h"
 
 #include "Archive/Internal/ObjectIds.h"
+#include "Archive/Internal/Outline.h"
 #include "Archive/Internal/Predeclarations.h"
 #include "Archive/Internal/RootObjects.h"
 #include "Archive/Xml.h"
@@ -63,6 +64,7 @@ void V57_ProjectPersistentObjectAdaptor::adapt(QDomDocument& document) {
     embed(content, QStringLiteral("content"), root.element);
     embed(table, resourceTable, root.element);
     archive.appendChild(root.element);
+    Outline::rearranged(document);
     Archive::setValueOf(archive, Words::RootRef, QString::number(root.id));
 }
 

@@ -1,6 +1,7 @@
 #include "Archive/Internal/ObjectIds.h"
 
 #include "Archive/Internal/Count.h"
+#include "Archive/Internal/Outline.h"
 #include "Archive/Internal/PlainText.h"
 #include "Archive/Internal/Walk.h"
 #include "Archive/Internal/Words.h"
@@ -25,7 +26,7 @@ bool isPlain(const QDomNode& elementOrAttribute) {
 }
 
 /// Takes in the element's id; false where its text is in doubt.
-bool readElement(const QDomElement& e, long long& greatest) {
+bool readElement(const QDomElement& e, GreatestId& greatest) {
     if (!isPlain(e))
         return false;
     const QDomNamedNodeMap attributes = e.attributes();
@@ -37,14 +38,16 @@ bool readElement(const QDomElement& e, long long& greatest) {
         const QString value = attribute.nodeValue();
         if (!isPlain(attribute) || !isPlainText(value))
             return false;
-        if (attribute.nodeName() == Words::objectId)
-            greatest = std::max(greatest, static_cast<long long>(value.toLongLong()));
+        if (attribute.nodeName() != Words::objectId)
+            continue;
+        if (const long long id = value.toLongLong(); id > greatest.id)
+            greatest = {id, e};
     }
     return true;
 }
 
 /// Takes in all ids below a document element; false where its text is in doubt.
-bool readElements(const QDomElement& top, long long& greatest) {
+bool readElements(const QDomElement& top, GreatestId& greatest) {
     for (QDomNode node = top; !node.isNull(); node = nextInDocument(node, top)) {
         const bool isPlain = node.isElement()
                                  ? readElement(node.toElement(), greatest)
@@ -55,10 +58,12 @@ bool readElements(const QDomElement& top, long long& greatest) {
     return true;
 }
 
-std::optional<long long> maxInTree(const QDomDocument& document) {
+} // namespace
+
+std::optional<GreatestId> searchGreatestId(const QDomDocument& document) {
     if (!document.doctype().name().isEmpty())
         return std::nullopt; // it is written in front, and is no child of the document
-    long long greatest = 1;
+    GreatestId greatest;
     bool hasElement = false;
     for (QDomNode node = document.firstChild(); !node.isNull(); node = node.nextSibling()) {
         const bool isPlain = node.isElement() ? !hasElement && readElements(node.toElement(), greatest)
@@ -69,8 +74,6 @@ std::optional<long long> maxInTree(const QDomDocument& document) {
     }
     return greatest;
 }
-
-} // namespace
 
 ScannedIds scanIds(const QByteArray& documentText) {
     ScannedIds ids;
@@ -87,6 +90,17 @@ ScannedIds scanIds(const QByteArray& documentText) {
     ids.isComplete = !reader.hasError();
     return ids;
 }
+
+namespace {
+
+std::optional<long long> maxInTree(const QDomDocument& document) {
+    if (Outline* outline = Outline::of(document))
+        return outline->greatestId();
+    const auto greatest = searchGreatestId(document);
+    return greatest ? std::optional(greatest->id) : std::nullopt;
+}
+
+} // namespace
 
 long long maxObjectId(const QDomDocument& document) {
     const auto greatest = maxInTree(document);

@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QDomDocument>
+#include <QDomElement>
 
 #include <optional>
 
@@ -15,6 +16,15 @@ struct ScannedIds {
     bool isComplete = false; ///< false where an error stopped the reading
 };
 ScannedIds scanIds(const QByteArray& documentText);
+
+/// The greatest object id of a tree, and an element that has it; a null element where none has an id above 1.
+struct GreatestId {
+    long long id = 1;
+    QDomElement holder;
+};
+
+/// Searches the tree; nothing where only the text of the document can tell.
+std::optional<GreatestId> searchGreatestId(const QDomDocument& document);
 
 /// What getMaxObjectId() gives for the document's toByteArray(1), without writing the text where the tree can
 /// tell as well.

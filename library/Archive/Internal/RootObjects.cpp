@@ -2,6 +2,8 @@
 
 #include "Archive/Xml.h"
 
+#include <optional>
+
 namespace Archive::Internal {
 
 Elements ofType(const Elements& objects, const QString& type) {
@@ -21,7 +23,24 @@ QDomElement lastOfType(const Elements& objects, const QString& type) {
     return {};
 }
 
-Elements partsOfRootObjects(const QDomDocument& document, const QString& type) {
+namespace {
+
+/// The parts found one by one; nothing where the document is too deep for that.
+std::optional<Elements> partsByTheirAncestors(const Elements& baseParts) {
+    std::size_t hopsLeft = mostHops(baseParts.size());
+    Elements parts;
+    for (const QDomElement& part : baseParts) {
+        for (QDomNode around = part.parentNode(); !around.isNull(); around = around.parentNode()) {
+            if (hopsLeft-- == 0)
+                return std::nullopt;
+            if (around.nodeName() == Words::RootObject)
+                parts.push_back(part);
+        }
+    }
+    return parts;
+}
+
+Elements partsInOneWalk(const QDomDocument& document, const QString& type) {
     Elements parts;
     std::size_t openRootObjects = 0;
     walkElements(
@@ -37,6 +56,13 @@ Elements partsOfRootObjects(const QDomDocument& document, const QString& type) {
                 --openRootObjects;
         });
     return parts;
+}
+
+} // namespace
+
+Elements partsOfRootObjects(const QDomDocument& document, const QString& type) {
+    const auto parts = partsByTheirAncestors(elements(document, Words::BaseOfObject, type));
+    return parts ? *parts : partsInOneWalk(document, type);
 }
 
 NewRootObject declareRootObject(QDomDocument& doc, QDomElement& predeclarations, const QString& type,

@@ -1,6 +1,11 @@
 #include "Archive/Internal/Walk.h"
 
+#include "Archive/Internal/Outline.h"
+
 #include <QDomDocument>
+
+#include <algorithm>
+#include <iterator>
 
 namespace Archive::Internal {
 namespace {
@@ -10,27 +15,34 @@ QDomNodeList listOf(const QDomNode& below, const QString& tag) {
                               : below.toElement().elementsByTagName(tag);
 }
 
-template <class Keep>
-Elements collect(const QDomNodeList& list, Keep keep) {
+} // namespace
+
+Elements search(const QDomNode& below, const QString& tag) {
     Elements result;
+    const QDomNodeList list = listOf(below, tag);
     const int length = list.length();
-    for (int number = 0; number < length; ++number) {
-        QDomElement e = list.item(number).toElement();
-        if (keep(e))
-            result.push_back(std::move(e));
-    }
+    result.reserve(static_cast<std::size_t>(length));
+    for (int number = 0; number < length; ++number)
+        result.push_back(list.item(number).toElement());
     return result;
 }
 
-} // namespace
-
 Elements elements(const QDomNode& below, const QString& tag) {
-    return collect(listOf(below, tag), [](const QDomElement&) { return true; });
+    Outline* outline = Outline::of(below);
+    const Elements* known = outline ? outline->elements(below, tag) : nullptr;
+    return known ? *known : search(below, tag);
 }
 
 Elements elements(const QDomNode& below, const QString& tag, const QString& type) {
-    return collect(listOf(below, tag),
-                   [&](const QDomElement& e) { return e.attribute(Words::type) == type; });
+    Elements result;
+    const auto keep = [&](const Elements& all) {
+        std::copy_if(all.begin(), all.end(), std::back_inserter(result),
+                     [&](const QDomElement& e) { return e.attribute(Words::type) == type; });
+    };
+    Outline* outline = Outline::of(below);
+    const Elements* known = outline ? outline->elements(below, tag) : nullptr;
+    keep(known ? *known : search(below, tag));
+    return result;
 }
 
 Elements children(const QDomElement& parent, const QString& tag) {
@@ -61,6 +73,10 @@ void removeFromParent(QDomElement e) {
 }
 
 QDomElement soleArchive(const QDomDocument& document) {
+    if (Outline* outline = Outline::of(document)) {
+        if (const auto archive = outline->soleArchive())
+            return *archive;
+    }
     const QDomNodeList found = document.elementsByTagName(Words::Archive);
     return found.length() == 1 ? found.item(0).toElement() : QDomElement();
 }

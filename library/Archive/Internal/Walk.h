@@ -19,6 +19,9 @@ using Elements = std::vector<QDomElement>;
 Elements elements(const QDomNode& below, const QString& tag);
 Elements elements(const QDomNode& below, const QString& tag, const QString& type);
 
+/// The same as the first form, whatever an outline knows.
+Elements search(const QDomNode& below, const QString& tag);
+
 /// All `RootObject` descendants of that `type`.
 inline Elements rootObjects(const QDomNode& below, const QString& type) {
     return elements(below, Words::RootObject, type);
@@ -38,6 +41,12 @@ void removeFromParent(QDomElement e);
 
 /// The document's one `Archive` element, at any depth; a null element where there are none or several.
 QDomElement soleArchive(const QDomDocument& document);
+
+/// How many steps up to take for that many nodes before one walk through the document is cheaper: nodes can be
+/// thousands of levels deep.
+constexpr std::size_t mostHops(std::size_t nodes) {
+    return 1000 + 20 * nodes;
+}
 
 /// The next node behind `node` in document order, its descendants first, that is still below `root`.
 QDomNode nextInDocument(const QDomNode& node, const QDomNode& root);

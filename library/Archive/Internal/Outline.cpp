@@ -1,0 +1,188 @@
+#include "Archive/Internal/Outline.h"
+
+#include "Archive/Internal/ObjectIds.h"
+#include "Archive/Internal/PlainText.h"
+
+#include <algorithm>
+
+namespace Archive::Internal {
+namespace {
+
+thread_local Outline* standing = nullptr;
+
+const QString unchanged = QStringLiteral("unchanged");
+const QString changed = QStringLiteral("changed");
+
+} // namespace
+
+Outline::Outline(const QDomDocument& document)
+    : m_document(document), m_outer(standing),
+      m_markParent(m_document.createElement(QStringLiteral("marks"))),
+      m_mark(m_document.createElement(unchanged)) {
+    m_markParent.appendChild(m_mark);
+    standing = this;
+}
+
+Outline::~Outline() {
+    standing = m_outer;
+}
+
+Outline* Outline::of(const QDomNode& node) {
+    const bool isMine = standing && (node.isDocument() ? node : node.ownerDocument()) == standing->m_document;
+    return isMine ? standing : nullptr;
+}
+
+void Outline::created(const QDomElement& e) {
+    if (Outline* outline = of(e))
+        outline->m_created.push_back(e);
+}
+
+void Outline::wrote(const QString& text) {
+    if (standing && !isPlainText(text))
+        standing->m_greatest.reset();
+}
+
+void Outline::rearranged(const QDomDocument& document) {
+    if (Outline* outline = of(document))
+        outline->m_lists.reset();
+}
+
+void Outline::forget(const QDomDocument& document) {
+    if (Outline* outline = of(document))
+        outline->clear();
+}
+
+void Outline::clear() {
+    m_archive.reset();
+    m_lists.reset();
+    m_greatest.reset();
+    m_created.clear();
+}
+
+bool Outline::isUpToDate() {
+    return m_archive && m_marks.length() == 1;
+}
+
+void Outline::markUpToDate() {
+    m_mark.setTagName(unchanged);
+    m_marks = m_markParent.elementsByTagName(unchanged);
+    m_mark.setTagName(changed);
+}
+
+void Outline::update() {
+    if (isUpToDate())
+        return;
+    if (m_archive && (m_archive->isNull() || m_document.documentElement() != *m_archive))
+        clear();
+    m_hopsLeft =
+        mostHops(m_created.size() + (m_lists ? m_lists->rootObjects.size() + m_lists->baseParts.size() : 0));
+    if (m_archive && !(dropRemoved() && takeInCreated()))
+        clear();
+    if (!m_archive) {
+        clear();
+        findArchive();
+    }
+    markUpToDate();
+}
+
+void Outline::findArchive() {
+    const QDomNodeList found = m_document.elementsByTagName(Words::Archive);
+    const bool isSole = found.length() == 1 && found.item(0) == m_document.documentElement();
+    m_archive = isSole ? found.item(0).toElement() : QDomElement();
+}
+
+bool Outline::isInTree(const QDomNode& node) {
+    QDomNode ancestor = node;
+    while (m_hopsLeft > 0 && !ancestor.isNull() && ancestor != *m_archive) {
+        ancestor = ancestor.parentNode();
+        --m_hopsLeft;
+    }
+    return !ancestor.isNull();
+}
+
+/// False where the document is too deep to go on.
+bool Outline::dropRemoved() {
+    if (m_greatest && !m_greatest->holder.isNull() && !isInTree(m_greatest->holder))
+        m_greatest.reset();
+    if (m_lists) {
+        for (Elements* list : {&m_lists->rootObjects, &m_lists->baseParts})
+            std::erase_if(*list, [this](const QDomElement& e) { return !isInTree(e); });
+    }
+    return m_hopsLeft > 0;
+}
+
+/// False where the document is too deep to go on.
+bool Outline::takeInCreated() {
+    Elements outside;
+    std::size_t rootObjects = 0;
+    std::size_t baseParts = 0;
+    for (QDomElement& e : m_created) {
+        if (!isInTree(e)) {
+            outside.push_back(std::move(e));
+            continue;
+        }
+        rootObjects += e.tagName() == Words::RootObject ? 1 : 0;
+        baseParts += e.tagName() == Words::BaseOfObject ? 1 : 0;
+        const long long id = e.attribute(Words::objectId).toLongLong();
+        if (m_greatest && id > m_greatest->id)
+            m_greatest = GreatestId{id, std::move(e)};
+    }
+    m_created = std::move(outside);
+    if (m_lists && rootObjects + baseParts > 0 && !takeInAppended(rootObjects, baseParts))
+        m_lists.reset();
+    return m_hopsLeft > 0;
+}
+
+/// New root objects mostly stand behind all others, and all that is in them behind all that is known. False where
+/// not all new elements are there: then the order of the lists is open.
+bool Outline::takeInAppended(std::size_t createdRootObjects, std::size_t createdBaseParts) {
+    auto& [rootObjects, baseParts] = *m_lists;
+    const auto last = std::find_if(rootObjects.rbegin(), rootObjects.rend(),
+                                   [this](const QDomElement& e) { return e.parentNode() == *m_archive; });
+    if (last == rootObjects.rend())
+        return false;
+    const std::size_t knownRootObjects = rootObjects.size();
+    const std::size_t knownBaseParts = baseParts.size();
+    for (QDomElement object = last->nextSiblingElement(Words::RootObject); !object.isNull();
+         object = object.nextSiblingElement(Words::RootObject)) {
+        for (QDomNode node = object; !node.isNull(); node = nextInDocument(node, object)) {
+            const QString tag = node.nodeName();
+            if (tag == Words::RootObject)
+                rootObjects.push_back(node.toElement());
+            else if (tag == Words::BaseOfObject)
+                baseParts.push_back(node.toElement());
+        }
+    }
+    return rootObjects.size() - knownRootObjects == createdRootObjects &&
+           baseParts.size() - knownBaseParts == createdBaseParts;
+}
+
+const Elements* Outline::elements(const QDomNode& below, const QString& tag) {
+    if (tag != Words::RootObject && tag != Words::BaseOfObject)
+        return nullptr;
+    update();
+    if (m_archive->isNull() || !(below.isDocument() || below == *m_archive))
+        return nullptr;
+    if (!m_lists)
+        m_lists = Lists{search(m_document, Words::RootObject), search(m_document, Words::BaseOfObject)};
+    return tag == Words::RootObject ? &m_lists->rootObjects : &m_lists->baseParts;
+}
+
+std::optional<QDomElement> Outline::soleArchive() {
+    update();
+    return m_archive->isNull() ? std::nullopt : m_archive;
+}
+
+std::optional<long long> Outline::greatestId() {
+    update();
+    if (!m_greatest)
+        m_greatest = searchGreatestId(m_document);
+    return m_greatest ? std::optional(m_greatest->id) : std::nullopt;
+}
+
+void Outline::endStep() {
+    update();
+    m_created.clear();
+}
+
+} // namespace Archive::Internal
