@@ -10,6 +10,7 @@
 #include "support/Compare.h"
 #include "support/Files.h"
 #include "support/Log.h"
+#include "support/Outlines.h"
 #include "support/Paths.h"
 
 #include <gtest/gtest.h>
@@ -152,6 +153,20 @@ TEST_P(CaseTest, GivesWhatIsExpected) {
             EXPECT_EQ(Tests::difference(toJson(readJson(file("after.json"))), toJson(document)), "");
         }
     }
+}
+
+TEST_P(CaseTest, DoesTheSameUnderAnOutline) {
+    if (!fs::exists(file("before.xml")) || !fs::exists(file("after.xml")))
+        GTEST_SKIP() << "no archive";
+    const auto adaptor = Tests::makeXmlAdaptor(adaptorName(), m_setup);
+    ASSERT_TRUE(adaptor) << "no such XML adaptor";
+    QDomDocument document = readXml(file("before.xml"));
+    Archive::Internal::Outline outline(document);
+    Tests::fill(outline, document);
+    run(*adaptor, document);
+    outline.endStep();
+    EXPECT_EQ(Tests::difference(outline, document), "");
+    EXPECT_EQ(Tests::difference(readXml(file("after.xml")), document), "");
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, CaseTest, testing::ValuesIn(allCases()), caseName);

@@ -1,6 +1,7 @@
 #include "Adaptors/Project/V20_HighlightConcealAdaptor.h"
 
 #include "Archive/Internal/ObjectIds.h"
+#include "Archive/Internal/Outline.h"
 #include "Archive/Internal/PredeclarationEdits.h"
 #include "Archive/Internal/Transforms.h"
 #include "Archive/Internal/Walk.h"
@@ -149,6 +150,7 @@ void Impl::adapt() {
     for (auto& [id, effect] : m_effects)
         convert(id, effect, predeclares);
     predeclares.finish();
+    Archive::Internal::Outline::rearranged(m_document);
 }
 
 void Impl::convert(unsigned long long unsignedId, MaskEffect& effect, PredeclarationEdits& predeclares) {

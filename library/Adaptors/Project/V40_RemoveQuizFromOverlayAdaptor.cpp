@@ -41,6 +41,7 @@ QStringList itemTexts(const QDomElement& preset) {
 struct Quiz {
     QDomElement preset;
     long long id = 0;
+    Elements questions;
     QList<long long> questionIds;
 };
 
@@ -55,7 +56,7 @@ private:
     void collectRemovals();
     void convertQuizClip(QDomElement& clip);
     Quiz createQuiz(const QDomElement& overlay);
-    void moveQuestion(const QString& text, QDomElement& item, QList<long long>& questionIds);
+    void moveQuestion(const QString& text, QDomElement& item, Quiz& quiz);
     void declare(const Quiz& quiz);
 
     QDomDocument m_document;
@@ -117,8 +118,8 @@ void Impl::convertQuizClip(QDomElement& clip) {
     // Of several clips that share a preset only the first finds it in the archive: the quizzes of the others are
     // referred to and declared, but stand nowhere.
     m_archive.replaceChild(quiz.preset, overlay);
-    if (!quiz.questionIds.isEmpty())
-        Archive::Internal::Outline::forget(m_document); // questions bring parts, ids and texts of their own
+    for (const QDomElement& question : quiz.questions)
+        Archive::Internal::Outline::adopted(question);
     Archive::setValueOf(clip, QStringLiteral("quiz"), QString::number(quiz.id));
     declare(quiz);
 }
@@ -137,7 +138,7 @@ Quiz Impl::createQuiz(const QDomElement& overlay) {
     long long index = 0;
     for (const QString& text : texts) {
         QDomElement item = Archive::createArrayItem(m_document, ++index);
-        moveQuestion(text, item, quiz.questionIds);
+        moveQuestion(text, item, quiz);
         questions.appendChild(item);
     }
     quiz.preset.appendChild(questions);
@@ -146,7 +147,7 @@ Quiz Impl::createQuiz(const QDomElement& overlay) {
     return quiz;
 }
 
-void Impl::moveQuestion(const QString& text, QDomElement& item, QList<long long>& questionIds) {
+void Impl::moveQuestion(const QString& text, QDomElement& item, Quiz& quiz) {
     QDomDocument inner; // has to live until the question has moved out of it
     Archive::Internal::parseXml(inner, text);
     Elements questions = Archive::Internal::rootObjects(inner, QStringLiteral("Quiz::Question"));
@@ -156,10 +157,11 @@ void Impl::moveQuestion(const QString& text, QDomElement& item, QList<long long>
     }
     QDomElement& question = questions.front();
     const long long id = m_ids.next();
-    questionIds.append(id);
+    quiz.questionIds.append(id);
     question.setTagName(Words::Data);
     question.setAttribute(Words::objectId, QString::number(id));
     item.appendChild(question);
+    quiz.questions.push_back(question);
 }
 
 void Impl::declare(const Quiz& quiz) {

@@ -36,6 +36,10 @@ void embed(QDomElement object, const QString& name, QDomElement& parent) {
         return;
     object.setTagName(name);
     parent.appendChild(object);
+    const bool hasOthers = !firstDescendant(object, Words::RootObject).isNull() ||
+                           !firstDescendant(object, Words::BaseOfObject).isNull();
+    if (hasOthers)
+        Outline::rearranged(object.ownerDocument());
 }
 
 } // namespace
@@ -64,7 +68,6 @@ void V57_ProjectPersistentObjectAdaptor::adapt(QDomDocument& document) {
     embed(content, QStringLiteral("content"), root.element);
     embed(table, resourceTable, root.element);
     archive.appendChild(root.element);
-    Outline::rearranged(document);
     Archive::setValueOf(archive, Words::RootRef, QString::number(root.id));
 }
 

@@ -46,33 +46,33 @@ bool readElement(const QDomElement& e, GreatestId& greatest) {
     return true;
 }
 
-/// Takes in all ids below a document element; false where its text is in doubt.
-bool readElements(const QDomElement& top, GreatestId& greatest) {
+} // namespace
+
+std::optional<GreatestId> searchGreatestId(const QDomElement& top) {
+    GreatestId greatest;
     for (QDomNode node = top; !node.isNull(); node = nextInDocument(node, top)) {
         const bool isPlain = node.isElement()
                                  ? readElement(node.toElement(), greatest)
                                  : node.nodeType() == QDomNode::TextNode && isPlainText(node.nodeValue());
         if (!isPlain)
-            return false;
+            return std::nullopt;
     }
-    return true;
+    return greatest;
 }
-
-} // namespace
 
 std::optional<GreatestId> searchGreatestId(const QDomDocument& document) {
     if (!document.doctype().name().isEmpty())
         return std::nullopt; // it is written in front, and is no child of the document
-    GreatestId greatest;
-    bool hasElement = false;
+    std::optional<GreatestId> greatest;
     for (QDomNode node = document.firstChild(); !node.isNull(); node = node.nextSibling()) {
-        const bool isPlain = node.isElement() ? !hasElement && readElements(node.toElement(), greatest)
-                                              : isPlainDeclaration(node);
-        if (!isPlain)
+        if (!node.isElement()) {
+            if (!isPlainDeclaration(node))
+                return std::nullopt;
+        } else if (greatest || !(greatest = searchGreatestId(node.toElement()))) {
             return std::nullopt;
-        hasElement = hasElement || node.isElement();
+        }
     }
-    return greatest;
+    return greatest ? greatest : GreatestId();
 }
 
 ScannedIds scanIds(const QByteArray& documentText) {

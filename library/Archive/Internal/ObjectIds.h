@@ -23,8 +23,9 @@ struct GreatestId {
     QDomElement holder;
 };
 
-/// Searches the tree; nothing where only the text of the document can tell.
+/// Searches the tree, or an element of it; nothing where only the text of the document can tell.
 std::optional<GreatestId> searchGreatestId(const QDomDocument& document);
+std::optional<GreatestId> searchGreatestId(const QDomElement& top);
 
 /// What getMaxObjectId() gives for the document's toByteArray(1), without writing the text where the tree can
 /// tell as well.

@@ -42,6 +42,18 @@ void Outline::wrote(const QString& text) {
         standing->m_greatest.reset();
 }
 
+void Outline::adopted(const QDomElement& e) {
+    Outline* outline = of(e);
+    if (!outline)
+        return;
+    if (!searchGreatestId(e))
+        outline->m_greatest.reset();
+    for (QDomNode node = e; !node.isNull(); node = nextInDocument(node, e)) {
+        if (node.isElement())
+            outline->m_created.push_back(node.toElement());
+    }
+}
+
 void Outline::rearranged(const QDomDocument& document) {
     if (Outline* outline = of(document))
         outline->m_lists.reset();
@@ -100,13 +112,17 @@ bool Outline::isInTree(const QDomNode& node) {
     return !ancestor.isNull();
 }
 
+void Outline::dropRemoved(Elements& list, const QString& tag) {
+    std::erase_if(list, [&](const QDomElement& e) { return e.tagName() != tag || !isInTree(e); });
+}
+
 /// False where the document is too deep to go on.
 bool Outline::dropRemoved() {
     if (m_greatest && !m_greatest->holder.isNull() && !isInTree(m_greatest->holder))
         m_greatest.reset();
     if (m_lists) {
-        for (Elements* list : {&m_lists->rootObjects, &m_lists->baseParts})
-            std::erase_if(*list, [this](const QDomElement& e) { return !isInTree(e); });
+        dropRemoved(m_lists->rootObjects, Words::RootObject);
+        dropRemoved(m_lists->baseParts, Words::BaseOfObject);
     }
     return m_hopsLeft > 0;
 }

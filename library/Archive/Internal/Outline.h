@@ -16,11 +16,11 @@ namespace Archive::Internal {
 /// elements(), rootObjects(), soleArchive() and maxObjectId() answer from it on this thread; without one they
 /// search, with the same results.
 ///
-/// Every change of the document is noticed, but for renamed elements. After a change the outline brings itself up
+/// Every change of the document is noticed, but for elements that get a kept tag by renaming. After a change the outline brings itself up
 /// to date from what was created meanwhile, without a search. So a step that brings root objects, base parts or
-/// object ids into the document otherwise than by createObject() calls forget(); one that gives such elements
-/// another place or tag calls rearranged(); one that writes texts otherwise than by the functions of Archive, and
-/// not from texts of the document, calls wrote().
+/// object ids into the document otherwise than by createObject() calls adopted() or forget(); one that gives such
+/// elements another place calls rearranged(); one that writes texts otherwise than by the functions of Archive,
+/// and not from texts of the document, calls wrote().
 class Outline {
 public:
     explicit Outline(const QDomDocument& document);
@@ -37,7 +37,10 @@ public:
     /// A new text in the document. One that readers may stumble over puts the greatest id in doubt.
     static void wrote(const QString& text);
 
-    /// Root objects or base parts of the document got another place, or a new name: their lists are searched anew.
+    /// The element and all in it came into the tree from another document.
+    static void adopted(const QDomElement& e);
+
+    /// Root objects or base parts of the document got another place: their lists are searched anew.
     static void rearranged(const QDomDocument& document);
 
     /// Nothing is known any more of the document.
@@ -68,6 +71,7 @@ private:
     void clear();
     void findArchive();
     bool dropRemoved();
+    void dropRemoved(Elements& list, const QString& tag);
     bool takeInCreated();
     bool takeInAppended(std::size_t createdRootObjects, std::size_t createdBaseParts);
     bool isInTree(const QDomNode& node);

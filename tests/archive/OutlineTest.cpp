@@ -1,0 +1,189 @@
+// An outline tells what a search of the document would, after whatever change.
+
+#include "Archive/Internal/Outline.h"
+#include "Archive/Xml.h"
+#include "support/Outlines.h"
+
+#include <gtest/gtest.h>
+
+using Archive::Internal::Outline;
+
+namespace Words = Archive::Words;
+
+namespace {
+
+class OutlineTest : public testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(m_document.setContent(QStringLiteral(
+            "<Archive><RootRef value='1'/>"
+            "<RootObject type='A' objectId='1'><BaseOfObject type='B' objectId='1'/></RootObject>"
+            "<RootObject type='C' objectId='7'><BaseOfObject type='D' "
+            "objectId='7'/></RootObject></Archive>")));
+        m_archive = m_document.documentElement();
+        m_first = m_archive.firstChildElement(Words::RootObject);
+        m_last = m_archive.lastChildElement(Words::RootObject);
+    }
+
+    /// Whether the outline knew all before the change, and tells the truth behind it.
+    template <class Change>
+    void expectTruthAfter(Change change) {
+        Outline outline(m_document);
+        Tests::fill(outline, m_document);
+        EXPECT_EQ(Tests::difference(outline, m_document), "");
+        change();
+        EXPECT_EQ(Tests::difference(outline, m_document), "");
+        outline.endStep();
+        EXPECT_EQ(Tests::difference(outline, m_document), "");
+    }
+
+    QDomElement newObject(long long id) {
+        QDomElement object = Archive::createObject(m_document, Words::RootObject, QStringLiteral("E"), id);
+        object.appendChild(Archive::createObject(m_document, Words::BaseOfObject, QStringLiteral("F"), id));
+        return object;
+    }
+
+    QDomDocument m_document;
+    QDomElement m_archive;
+    QDomElement m_first;
+    QDomElement m_last;
+};
+
+TEST_F(OutlineTest, StandsForItsDocumentOnly) {
+    EXPECT_EQ(Outline::of(m_document), nullptr);
+    {
+        Outline outline(m_document);
+        EXPECT_EQ(Outline::of(m_document), &outline);
+        EXPECT_EQ(Outline::of(m_first), &outline);
+        QDomDocument other;
+        other.setContent(QStringLiteral("<Archive/>"));
+        EXPECT_EQ(Outline::of(other), nullptr);
+        {
+            Outline inner(other);
+            EXPECT_EQ(Outline::of(m_document), nullptr);
+            EXPECT_EQ(Outline::of(other), &inner);
+        }
+        EXPECT_EQ(Outline::of(m_document), &outline);
+    }
+    EXPECT_EQ(Outline::of(m_document), nullptr);
+}
+
+TEST_F(OutlineTest, TellsNothingBelowOtherElements) {
+    Outline outline(m_document);
+    EXPECT_EQ(outline.elements(m_first, Words::BaseOfObject), nullptr);
+    EXPECT_EQ(outline.elements(m_archive, Words::Item), nullptr);
+    ASSERT_NE(outline.elements(m_archive, Words::BaseOfObject), nullptr);
+    EXPECT_EQ(outline.elements(m_archive, Words::BaseOfObject)->size(), 2u);
+}
+
+TEST_F(OutlineTest, TakesInWhatIsAppended) {
+    expectTruthAfter([&] { m_archive.appendChild(newObject(9)); });
+}
+
+TEST_F(OutlineTest, TakesInObjectsThatAreInsertedBeforeOthers) {
+    expectTruthAfter([&] { m_archive.insertBefore(newObject(9), m_first); });
+}
+
+TEST_F(OutlineTest, TakesInObjectsInsideOthers) {
+    expectTruthAfter([&] { m_first.appendChild(newObject(9)); });
+    expectTruthAfter([&] {
+        m_archive.appendChild(newObject(10));
+        m_first.appendChild(newObject(11));
+    });
+}
+
+TEST_F(OutlineTest, TakesInWhatComesLaterThanItIsCreated) {
+    Outline outline(m_document);
+    Tests::fill(outline, m_document);
+    QDomElement object = newObject(9);
+    m_first.setAttribute(Words::value, 1);
+    EXPECT_EQ(Tests::difference(outline, m_document), "");
+    m_archive.appendChild(object);
+    EXPECT_EQ(Tests::difference(outline, m_document), "");
+}
+
+TEST_F(OutlineTest, TakesInIdsOfEmbeddedObjects) {
+    expectTruthAfter([&] {
+        m_first.appendChild(
+            Archive::createObject(m_document, QStringLiteral("rect"), QStringLiteral("R"), 20));
+    });
+}
+
+TEST_F(OutlineTest, ForgetsWhatIsRemoved) {
+    expectTruthAfter([&] { m_archive.removeChild(m_last); });
+    expectTruthAfter([&] { m_archive.replaceChild(newObject(2), m_first); });
+}
+
+TEST_F(OutlineTest, NoticesRootObjectsThatAreRenamed) {
+    expectTruthAfter([&] {
+        m_last.setTagName(QStringLiteral("content"));
+        QDomElement object = newObject(8);
+        object.appendChild(m_last);
+        m_archive.appendChild(object);
+        Outline::rearranged(m_document); // its base part stands behind another now
+    });
+}
+
+TEST_F(OutlineTest, SearchesAnewWhereObjectsWereMoved) {
+    expectTruthAfter([&] {
+        m_archive.appendChild(m_first);
+        Outline::rearranged(m_document);
+    });
+}
+
+TEST_F(OutlineTest, TakesInWhatIsAdopted) {
+    expectTruthAfter([&] {
+        QDomDocument other;
+        other.setContent(QStringLiteral("<x objectId='30'><RootObject objectId='31'/></x>"));
+        const QDomElement stranger = other.documentElement();
+        m_first.appendChild(stranger);
+        Outline::adopted(stranger);
+    });
+}
+
+TEST_F(OutlineTest, LeavesTheGreatestIdOpenBehindTextsThatReadersStumbleOver) {
+    expectTruthAfter([&] {
+        m_first.appendChild(Archive::createString(m_document, QStringLiteral("name"), QString(QChar(1))));
+    });
+    expectTruthAfter([&] {
+        QDomDocument other;
+        other.setContent(QStringLiteral("<x><!-- a comment --></x>"));
+        const QDomElement stranger = other.documentElement();
+        m_first.appendChild(stranger);
+        Outline::adopted(stranger);
+    });
+}
+
+TEST_F(OutlineTest, SearchesAnewInAnotherContent) {
+    expectTruthAfter([&] {
+        m_document.setContent(QStringLiteral("<Archive><RootObject objectId='3'/></Archive>"));
+        Outline::forget(m_document);
+    });
+    expectTruthAfter([&] {
+        m_document.setContent(QStringLiteral("<Archive/>"));
+        Outline::forget(m_document);
+    });
+}
+
+TEST_F(OutlineTest, LeavesDocumentsWithoutASoleArchiveToSearches) {
+    for (const char* text : {"<x><Archive/></x>", "<Archive><Archive/></Archive>", "<x/>"}) {
+        QDomDocument document;
+        document.setContent(QString::fromLatin1(text));
+        Outline outline(document);
+        EXPECT_FALSE(outline.soleArchive()) << text;
+        EXPECT_EQ(outline.elements(document, Words::RootObject), nullptr) << text;
+        EXPECT_EQ(Tests::difference(outline, document), "") << text;
+    }
+}
+
+TEST_F(OutlineTest, StaysTrueInDeepDocuments) {
+    QDomElement at = m_first;
+    for (int depth = 0; depth < 3000; ++depth) {
+        QDomElement object = m_document.createElement(Words::RootObject);
+        at.appendChild(object);
+        at = object;
+    }
+    expectTruthAfter([&] { at.appendChild(newObject(50)); });
+}
+
+} // namespace

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "Archive/Internal/ObjectIds.h"
+#include "Archive/Internal/Outline.h"
+#include "Archive/Internal/Walk.h"
+
+#include <QDomDocument>
+
+#include <string>
+
+namespace Tests {
+
+/// Asks an outline for all that it can tell, so that it has to keep it up to date from now on.
+inline void fill(Archive::Internal::Outline& outline, const QDomDocument& document) {
+    outline.elements(document, Archive::Words::RootObject);
+    outline.greatestId();
+}
+
+/// What an outline tells otherwise than a search of the document; empty where all is the same.
+inline std::string difference(Archive::Internal::Outline& outline, const QDomDocument& document) {
+    const auto found = Archive::Internal::search(document, Archive::Words::Archive);
+    const auto archive = outline.soleArchive();
+    if (archive && (found.size() != 1 || found.front() != *archive))
+        return "another Archive";
+    for (const QString& tag : {Archive::Words::RootObject, Archive::Words::BaseOfObject}) {
+        const auto* known = outline.elements(document, tag);
+        if (known && *known != Archive::Internal::search(document, tag))
+            return "other elements " + tag.toStdString();
+    }
+    const auto greatest = Archive::Internal::searchGreatestId(document);
+    const auto known = outline.greatestId();
+    if (known.has_value() != greatest.has_value() || (known && *known != greatest->id))
+        return "greatest id " + std::to_string(known.value_or(-1)) + " instead of " +
+               std::to_string(greatest ? greatest->id : -1);
+    return {};
+}
+
+} // namespace Tests
