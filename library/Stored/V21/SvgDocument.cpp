@@ -69,10 +69,10 @@ QByteArray withoutRgba(const QByteArray& text) {
         if (end < 0)
             break;
         const int arguments = hit + mark.size();
-        const QList<QByteArray> parts = text.mid(arguments, end - arguments).split(',');
-        if (parts.size() != 4)
+        const QByteArray parts = text.mid(arguments, end - arguments);
+        if (parts.count(',') != 3) // counted first: there may be millions
             break;
-        const QByteArray color = colorOf(parts);
+        const QByteArray color = colorOf(parts.split(','));
         result += text.mid(copied, hit + 1 - copied);
         result += color;
         copied = end + 1;
