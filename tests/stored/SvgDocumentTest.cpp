@@ -99,6 +99,10 @@ TEST(SvgRgba, TheEndMayStandInAnotherAttribute) {
     EXPECT_EQ(rewritten(R"~(a="rgba(1,2" b="3,4,5)")~"), R"~(<svg a="#104"/>)~");
 }
 
+TEST(SvgRgba, TheNearestEndCounts) {
+    EXPECT_EQ(rewritten(R"~(a="rgba()" b=",,,)")~"), R"~(<svg a="rgba()" b=",,,)"/>)~");
+}
+
 TEST(SvgRgba, HappensInTextsThatAreNoXml) {
     EXPECT_EQ(SvgDocument("junk \"rgba(16,16,16,1)\"").content(), "junk \"#101010\"");
 }
@@ -242,6 +246,8 @@ TEST(SvgDocument, IsAnimatedByAnAnimateTagInTheText) {
     EXPECT_FALSE(SvgDocument("<svg>word<animate/></svg>").animated());
     EXPECT_TRUE(SvgDocument("<svg>word <animate/></svg>").animated());
     EXPECT_TRUE(SvgDocument("<svg><!-- <animate> --></svg>").animated());
+    // The text as it came counts, not what the rewrite of rgba() leaves of it.
+    EXPECT_TRUE(SvgDocument("<svg><!-- \"rgba(1,2,3, <animate )\" --></svg>").animated());
 }
 
 TEST(SvgDocument, SignsInACommentAreNoAttributes) {
@@ -349,6 +355,11 @@ TEST(SvgConditionalTiming, TheFirstOfAnIdWinsInTheOrderOfTheTags) {
                       "<animate id='d' begin='5s'/><animate id='x' begin='d.begin'/>",
                       "x"),
               "1000ms");
+    // So do all `animateColor` elements before all `animateTransform` elements.
+    EXPECT_EQ(beginOf("<animate id='x' begin='d.begin'/><animateTransform id='d' begin='9s'/>"
+                      "<animateColor id='d' begin='2s'/>",
+                      "x"),
+              "2000ms");
 }
 
 TEST(SvgConditionalTiming, ASignInTheIdDecides) {
@@ -540,7 +551,7 @@ TEST(SvgAnimations, ValuesGoBeforeFromAndTo) {
 
 TEST(SvgAnimations, TheFirstKeyValueDecidesTheClass) {
     EXPECT_TRUE(leaf<AnimatableAttributeColor>(animationsOf("attributeName='x' values=' red ;1'")[0]));
-    EXPECT_TRUE(leaf<AnimatableAttributeColor>(animationsOf("attributeName='x' values='#123;1'")[0]));
+    EXPECT_TRUE(leaf<AnimatableAttributeColor>(animationsOf("attributeName='x' values=' #123 ;1'")[0]));
     EXPECT_TRUE(leaf<AnimatableAttributeFloat>(animationsOf("attributeName='x' values=' 1e3 ;red'")[0]));
     EXPECT_TRUE(leaf<AnimatableAttributeText>(animationsOf("attributeName='x' values='hidden;visible'")[0]));
     EXPECT_TRUE(leaf<AnimatableAttributeText>(animationsOf("attributeName='x' values=';1'")[0]));
