@@ -745,6 +745,14 @@ TEST(SvgVisibility, OutsideDefsIsNotCarried) {
     EXPECT_EQ(document.content(), text.toUtf8());
 }
 
+TEST(SvgVisibility, BesideDefsIsNotCarried) {
+    const SvgDocument document("<svg><g id='a' visibility='visible'/><defs><g/></defs><g id='b' "
+                               "visibility='visible'/><use id='ua' xlink:href='#a'/>"
+                               "<use id='ub' xlink:href='#b'/></svg>");
+    EXPECT_EQ(live(document, "ua", "visibility"), "(none)");
+    EXPECT_EQ(live(document, "ub", "visibility"), "(none)");
+}
+
 TEST(SvgVisibility, UnderAnotherVisibilityIsNotSet) {
     const SvgDocument document("<svg><defs><path id='a' visibility='visible'/></defs><g visibility='hidden'>"
                                "<use id='u' xlink:href='#a'/></g></svg>");
