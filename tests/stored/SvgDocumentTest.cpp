@@ -680,11 +680,13 @@ TEST(SvgAdjustablePoints, OneCoordinateMayBeNamedAlone) {
 
 TEST(SvgAdjustablePoints, AChangeIsSeenByTheAnimations) {
     SvgDocument document(pointed);
-    document.collectAdjustableAttributes({"posX"});
+    document.collectAdjustableAttributes({"posX", "posY"});
     document.setAttributeValue("posX", "33", "p");
     const auto* point = leaf<AnimatableAttributeAdjustablePoint>(document.animations().at(0));
     EXPECT_THAT(leaf<AnimatableAttributeFloat>(point->inner)->values, ElementsAre(33, 20));
     EXPECT_EQ(live(document, "p", "posX"), "33");
+    document.setAttributeValue("posY", "44", "p");
+    EXPECT_THAT(leaf<AnimatableAttributeFloat>(point->inner)->values, ElementsAre(33, 44));
 }
 
 TEST(SvgAdjustablePoints, AreRefreshedWheneverTheNameHasAnEntry) {

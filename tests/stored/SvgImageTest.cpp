@@ -269,6 +269,14 @@ TEST(SvgPaint, TheSameColourAgainChangesNothing) {
     EXPECT_NE(image.document()->content(), content);
 }
 
+TEST(SvgPaint, TheSameStrokeAgainChangesNothing) {
+    SvgImage image("<svg><g stroke='blue'/></svg>");
+    image.setStrokeColor(QColor("#222222"));
+    image.document()->setAttributeValue("stroke", "pink", "");
+    image.setStrokeColor(QColor(0x22, 0x22, 0x22, 7));
+    EXPECT_EQ(image.document()->dom().documentElement().firstChildElement().attribute("stroke"), "pink");
+}
+
 TEST(SvgPaint, AnInvalidColourIsNeverWritten) {
     SvgImage image("<svg fill='red'/>");
     image.setFillColor(QColor());
