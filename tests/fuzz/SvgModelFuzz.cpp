@@ -1,10 +1,12 @@
 // Any text at all goes through the SVG model and back: no crash, no hang, no memory without bound, and a second round
 // changes nothing more.
 
+#include "Stored/V21/Internal/Markup.h"
 #include "Stored/V21/SvgImage.h"
 
 #include <glog/logging.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <iostream>
@@ -31,6 +33,17 @@ void checkPlaces(const SvgDocument& document) {
     }
 }
 
+/// What is written differs from Qt's own in the order alone.
+void checkWriting(const QString& text) {
+    QDomDocument dom;
+    Internal::parse(dom, text);
+    QString own = Internal::toText(dom);
+    QString qts = dom.toString(1);
+    std::sort(own.begin(), own.end());
+    std::sort(qts.begin(), qts.end());
+    check(own == qts, "Qt writes something else");
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
@@ -44,6 +57,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const QString text = QString::fromUtf8(reinterpret_cast<const char*>(data), static_cast<int>(size));
+    checkWriting(text);
     SvgImage image(text);
     checkPlaces(*image.document());
     image.setFillColor(QColor(1, 2, 3));

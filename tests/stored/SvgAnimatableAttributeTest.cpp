@@ -50,6 +50,11 @@ TEST(SvgTime, BeyondThirtyTwoBitsIsTheNearestThatFits) {
     EXPECT_EQ(Internal::timeMs("inf"), std::numeric_limits<int>::max());
 }
 
+TEST(SvgTime, WhatCanNotBeConvertedIsZeroHoweverGreat) {
+    for (const char* text : {"1e999", "1e999s", "1e999ms", "-1e999ms", "1e-999"})
+        EXPECT_EQ(Internal::timeMs(text), 0) << text;
+}
+
 TEST(SvgAnimatableAttribute, HasItsDefaults) {
     const AnimatableAttribute attribute(SvgElement(), QDomNode(), QStringLiteral("x"));
     EXPECT_EQ(attribute.name, "x");
@@ -140,6 +145,16 @@ TEST(SvgNumberList, ABadNumberEmptiesTheList) {
     EXPECT_THAT(listOf({"1 2", "3 4.5.6"}).values, IsEmpty());
     EXPECT_THAT(listOf({"1-2", "3-4"}).values, IsEmpty()); // "-" is part of a number, so "1-2" is none
     EXPECT_THAT(listOf({"- 2"}).values, IsEmpty());
+}
+
+TEST(SvgNumberList, ADigitOfAnotherScriptBelongsToANumberThatIsNone) {
+    const auto list = listOf({QString::fromUtf8("1 \xd9\xa1")}); // an Arabic one
+    EXPECT_THAT(list.separators, ElementsAre(" "));
+    EXPECT_THAT(list.values, IsEmpty());
+}
+
+TEST(SvgNumberList, ANumberThatIsTooGreatIsNone) {
+    EXPECT_THAT(listOf({"1 " + QString(400, '9')}).values, IsEmpty());
 }
 
 TEST(SvgNumberList, AnExponentSplitsANumber) {

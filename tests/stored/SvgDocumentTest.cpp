@@ -99,6 +99,10 @@ TEST(SvgRgba, TheEndMayStandInAnotherAttribute) {
     EXPECT_EQ(rewritten(R"~(a="rgba(1,2" b="3,4,5)")~"), R"~(<svg a="#104"/>)~");
 }
 
+TEST(SvgRgba, TheNearestEndCounts) {
+    EXPECT_EQ(rewritten(R"~(a="rgba()" b=",,,)")~"), R"~(<svg a="rgba()" b=",,,)"/>)~");
+}
+
 TEST(SvgRgba, HappensInTextsThatAreNoXml) {
     EXPECT_EQ(SvgDocument("junk \"rgba(16,16,16,1)\"").content(), "junk \"#101010\"");
 }
@@ -242,6 +246,15 @@ TEST(SvgDocument, IsAnimatedByAnAnimateTagInTheText) {
     EXPECT_FALSE(SvgDocument("<svg>word<animate/></svg>").animated());
     EXPECT_TRUE(SvgDocument("<svg>word <animate/></svg>").animated());
     EXPECT_TRUE(SvgDocument("<svg><!-- <animate> --></svg>").animated());
+    // The text as it came counts, not what the rewrite of rgba() leaves of it.
+    EXPECT_TRUE(SvgDocument("<svg><!-- \"rgba(1,2,3, <animate )\" --></svg>").animated());
+}
+
+TEST(SvgDocument, SignsInACommentAreNoAttributes) {
+    const SvgDocument document("<svg><!-- " + QString("=").repeated(3000) + QString(" a = b").repeated(2000) +
+                               " --><animate attributeName='x' from='1' to='2' dur='2s'/></svg>");
+    EXPECT_TRUE(document.animated());
+    EXPECT_EQ(document.durationMs(), 2000);
 }
 
 TEST(SvgDocument, WithoutAQtSvgDocumentHasNoAnimationData) {
@@ -342,6 +355,11 @@ TEST(SvgConditionalTiming, TheFirstOfAnIdWinsInTheOrderOfTheTags) {
                       "<animate id='d' begin='5s'/><animate id='x' begin='d.begin'/>",
                       "x"),
               "1000ms");
+    // So do all `animateColor` elements before all `animateTransform` elements.
+    EXPECT_EQ(beginOf("<animate id='x' begin='d.begin'/><animateTransform id='d' begin='9s'/>"
+                      "<animateColor id='d' begin='2s'/>",
+                      "x"),
+              "2000ms");
 }
 
 TEST(SvgConditionalTiming, ASignInTheIdDecides) {
@@ -411,6 +429,19 @@ TEST(SvgConditionalTiming, ALongChainNeedsNoStack) {
         text += QString("<animate id='a%1' begin='a%2.end' dur='1ms'/>").arg(i).arg(i + 1);
     const SvgDocument document(text + "</svg>");
     EXPECT_EQ(document.dom().documentElement().firstChildElement().attribute("begin"), "49999ms");
+}
+
+TEST(SvgConditionalTiming, ALongTextIsReadOnceNotForEachReference) {
+    const QString text = "<svg><animate id='a' begin='" + QString(300000, ' ') + "1s' dur='" +
+                         QString(300000, ' ') + "2s'/>" +
+                         QString("<animate begin='a.end'/>").repeated(30000) + "</svg>";
+    const SvgDocument document(text);
+    EXPECT_EQ(document.dom().documentElement().lastChildElement().attribute("begin"), "3000ms");
+}
+
+TEST(SvgConditionalTiming, ABeginTooGreatIsZero) {
+    EXPECT_EQ(beginOf("<animate id='a' begin='1e999s' dur='2s'/><animate id='x' begin='a.end+1e999s'/>", "x"),
+              "2000ms");
 }
 
 TEST(SvgConditionalTiming, SumsWrap) {
@@ -520,11 +551,14 @@ TEST(SvgAnimations, ValuesGoBeforeFromAndTo) {
 
 TEST(SvgAnimations, TheFirstKeyValueDecidesTheClass) {
     EXPECT_TRUE(leaf<AnimatableAttributeColor>(animationsOf("attributeName='x' values=' red ;1'")[0]));
-    EXPECT_TRUE(leaf<AnimatableAttributeColor>(animationsOf("attributeName='x' values='#123;1'")[0]));
+    EXPECT_TRUE(leaf<AnimatableAttributeColor>(animationsOf("attributeName='x' values=' #123 ;1'")[0]));
     EXPECT_TRUE(leaf<AnimatableAttributeFloat>(animationsOf("attributeName='x' values=' 1e3 ;red'")[0]));
     EXPECT_TRUE(leaf<AnimatableAttributeText>(animationsOf("attributeName='x' values='hidden;visible'")[0]));
     EXPECT_TRUE(leaf<AnimatableAttributeText>(animationsOf("attributeName='x' values=';1'")[0]));
     EXPECT_TRUE(leaf<AnimatableAttributeText>(animationsOf("attributeName='x'")[0]));
+    EXPECT_TRUE(leaf<AnimatableAttributeText>(
+        animationsOf(QString::fromUtf8("attributeName='x' values='\xc3\xa9t\xc3\xa9;1'"))[0]));
+    EXPECT_TRUE(leaf<AnimatableAttributeFloatList>(animationsOf("attributeName='x' values='1e999;2'")[0]));
     EXPECT_TRUE(leaf<AnimatableAttributeFloatList>(animationsOf("attributeName='x' values='1 2;3 4'")[0]));
     EXPECT_TRUE(
         leaf<AnimatableAttributeFloatList>(animationsOf("attributeName='x' values='no-letter;a'")[0]));
@@ -541,6 +575,11 @@ TEST(SvgAnimations, AnyKeyValueMayNameAPoint) {
         EXPECT_EQ(point->valueCount, 0);
     }
     EXPECT_TRUE(leaf<AnimatableAttributeText>(animationsOf("attributeName='x' values='posx;posZ'")[0]));
+    EXPECT_TRUE(leaf<AnimatableAttributeAdjustablePoint>(
+        animationsOf("attributeName='x' from='red' to='p.posY'")[0]));
+    // With `values` the others do not count.
+    EXPECT_TRUE(leaf<AnimatableAttributeColor>(
+        animationsOf("attributeName='x' values='red' from='p.posX' to='p.posY'")[0]));
 }
 
 TEST(SvgAnimations, AnAnimationThatIsTheRootHasNoElement) {
@@ -604,13 +643,50 @@ TEST(SvgAdjustablePoints, AreFilledInOneAfterTheOther) {
     EXPECT_THAT(leaf<AnimatableAttributeFloat>(point->inner)->values, ElementsAre(7, 2));
 }
 
+TEST(SvgAdjustablePoints, AreFilledInWhereverTheirNamesOccur) {
+    // "ba.posX" holds "a.posX", and "a" comes first.
+    const SvgDocument document(
+        "<svg><adjustablePoint id='a' posX='10' posY='20'/><adjustablePoint id='ba' posX='7' posY='8'/>"
+        "<path><animate attributeName='d' values='M ba.posX ba.posY;M 1 2'/></path></svg>");
+    const auto* point = leaf<AnimatableAttributeAdjustablePoint>(document.animations().at(0));
+    const auto* inner = leaf<AnimatableAttributeFloatList>(point->inner);
+    ASSERT_TRUE(inner);
+    EXPECT_THAT(inner->separators, ElementsAre("M b", " b"));
+    ASSERT_EQ(inner->values.size(), 2);
+    EXPECT_THAT(inner->values[0], ElementsAre(10, 20));
+}
+
+TEST(SvgAdjustablePoints, MayHaveNamesAndPlacesInAnyScript) {
+    SvgDocument document(QString::fromUtf8(
+        "<svg><adjustablePoint id='\xc3\xa9' posX='10' posY='\xe4\xb8\xad 5'/><path>"
+        "<animate attributeName='d' values='M \xc3\xa9.posX \xc3\xa9.posY'/></path></svg>"));
+    const auto* point = leaf<AnimatableAttributeAdjustablePoint>(document.animations().at(0));
+    const auto* inner = leaf<AnimatableAttributeFloatList>(point->inner);
+    ASSERT_TRUE(inner);
+    EXPECT_THAT(inner->separators, ElementsAre("M ", QString::fromUtf8(" \xe4\xb8\xad ")));
+}
+
+TEST(SvgAdjustablePoints, OneCoordinateMayBeNamedAlone) {
+    for (const char* name : {"posX", "posY"}) {
+        const SvgDocument document(
+            QString("<svg><adjustablePoint id='p' posX='3' posY='3'/><line><animate attributeName='x' "
+                    "values='p.%1;q.%1'/></line></svg>")
+                .arg(name));
+        const auto* point = leaf<AnimatableAttributeAdjustablePoint>(document.animations().at(0));
+        ASSERT_TRUE(leaf<AnimatableAttributeFloat>(point->inner)) << name;
+        EXPECT_THAT(leaf<AnimatableAttributeFloat>(point->inner)->values, ElementsAre(3, 0)) << name;
+    }
+}
+
 TEST(SvgAdjustablePoints, AChangeIsSeenByTheAnimations) {
     SvgDocument document(pointed);
-    document.collectAdjustableAttributes({"posX"});
+    document.collectAdjustableAttributes({"posX", "posY"});
     document.setAttributeValue("posX", "33", "p");
     const auto* point = leaf<AnimatableAttributeAdjustablePoint>(document.animations().at(0));
     EXPECT_THAT(leaf<AnimatableAttributeFloat>(point->inner)->values, ElementsAre(33, 20));
     EXPECT_EQ(live(document, "p", "posX"), "33");
+    document.setAttributeValue("posY", "44", "p");
+    EXPECT_THAT(leaf<AnimatableAttributeFloat>(point->inner)->values, ElementsAre(33, 44));
 }
 
 TEST(SvgAdjustablePoints, AreRefreshedWheneverTheNameHasAnEntry) {
@@ -669,6 +745,14 @@ TEST(SvgVisibility, OutsideDefsIsNotCarried) {
     const SvgDocument document(text);
     EXPECT_EQ(live(document, "u", "visibility"), "(none)");
     EXPECT_EQ(document.content(), text.toUtf8());
+}
+
+TEST(SvgVisibility, BesideDefsIsNotCarried) {
+    const SvgDocument document("<svg><g id='a' visibility='visible'/><defs><g/></defs><g id='b' "
+                               "visibility='visible'/><use id='ua' xlink:href='#a'/>"
+                               "<use id='ub' xlink:href='#b'/></svg>");
+    EXPECT_EQ(live(document, "ua", "visibility"), "(none)");
+    EXPECT_EQ(live(document, "ub", "visibility"), "(none)");
 }
 
 TEST(SvgVisibility, UnderAnotherVisibilityIsNotSet) {

@@ -142,6 +142,35 @@ TEST(SvgHostile, DefaultsOfADocumentTypeAreNotGivenToEveryElement) {
     EXPECT_EQ(SvgImage(text).document()->durationMs(), 0);
 }
 
+TEST(SvgHostile, DocumentTypesWithManyAttributes) {
+    QString lists;
+    QString attributes;
+    for (int number = 0; number < 100000; ++number) {
+        lists += QString("<!ATTLIST e%1 a CDATA #IMPLIED>").arg(number);
+        attributes += QString(" a%1 CDATA '1'").arg(number);
+    }
+    expectTaken("<!DOCTYPE svg [" + lists + "]><svg/>");
+    expectTaken("<!DOCTYPE svg [<!ATTLIST svg" + attributes + ">]><svg/>");
+}
+
+TEST(SvgHostile, CharactersThatAreEscaped) {
+    expectTaken("<svg a='" + QString(3'000'000, '"') + "'/>");
+    expectTaken("<svg>" + QString("&lt;").repeated(1'000'000) + "</svg>");
+    expectTaken("<svg fill='red' a='" + QString("&amp;").repeated(1'000'000) + "'/>");
+    expectTaken("<svg a='" + QString("&#9;").repeated(1'000'000) + "'/>");
+    expectTaken("<?xml version='1.0' encoding='ISO-8859-1'?><svg>" + QString(1'000'000, QChar(0x4e2d)) +
+                "</svg>");
+}
+
+TEST(SvgHostile, ManyAttributesWithMuchToEscapeAreRefused) {
+    QString attributes;
+    for (int number = 0; number < 300; ++number)
+        attributes += QString(" a%1='%2'").arg(number).arg(QString(100, '"'));
+    expectTaken("<svg" + attributes + "/>");
+    expectRefused("<svg" + attributes + " b='" + QString(1'000'000, '"') + "'/>");
+    expectTaken("<svg" + attributes + " b='" + QString(1'000'000, 'x') + "'/>");
+}
+
 TEST(SvgHostile, AnElementWithManyAttributes) {
     QString text = "<svg";
     for (int number = 0; number < 100000; ++number)
@@ -225,9 +254,21 @@ TEST(SvgHostile, ManyPoints) {
     QString text = "<svg>";
     for (int number = 0; number < 20000; ++number)
         text += QString("<adjustablePoint id='a%1' posX='%1' posY='1'/>").arg(number);
-    SvgImage image(text + "<line><animate attributeName='x1' values='a7.posX;2'/></line></svg>");
+    const Tests::Log log;
+    const SvgImage image(text + "<line><animate attributeName='x1' values='a7.posX;2'/></line></svg>");
     EXPECT_THAT(image.document()->adjustablePoints(), SizeIs(20000));
     EXPECT_TRUE(image.toString().contains("posX=\"19999\""));
+    const auto point =
+        std::dynamic_pointer_cast<AnimatableAttributeAdjustablePoint>(image.document()->animations().at(0));
+    ASSERT_TRUE(point);
+    const auto inner = std::dynamic_pointer_cast<AnimatableAttributeFloat>(point->inner);
+    ASSERT_TRUE(inner);
+    EXPECT_THAT(inner->values, ElementsAre(7, 2));
+    EXPECT_THAT(log.lines(), IsEmpty());
+
+    // The name of none of them is searched for in all of the text for ever.
+    const SvgImage unknown(text + "<line><animate attributeName='x1' values='b.posX;2'/></line></svg>");
+    EXPECT_THAT(log.lines(), ElementsAre("ERROR adjustable points name one another too often"));
 }
 
 TEST(SvgHostile, ReferencesInACircle) {

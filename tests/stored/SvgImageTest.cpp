@@ -6,6 +6,7 @@
 
 #include <QDomDocument>
 #include <QHashFunctions>
+#include <QTextStream>
 
 #include <set>
 
@@ -101,7 +102,23 @@ TEST(SvgStrokeWidth, GoesToAllElementsOfTheLiveDocument) {
     EXPECT_EQ(rootOf(image.toString()).firstChildElement().attribute("stroke-width"), "2");
 }
 
+TEST(SvgStrokeWidth, OfMinusOneIsThatOfAnUnsetOneAndGoesNowhere) {
+    const SvgImage image("<svg stroke-width='-1'><g stroke-width='9'/></svg>");
+    EXPECT_EQ(image.document()->dom().documentElement().firstChildElement().attribute("stroke-width"), "9");
+}
+
 // Opacity.
+
+TEST(SvgOpacity, OfTheRootGoesToAllElementsOfTheLiveDocument) {
+    const SvgImage image("<svg fill-opacity='0.5' stroke-opacity='0.2'><g fill-opacity='1' "
+                         "stroke-opacity='1'/></svg>");
+    const QDomElement live = image.document()->dom().documentElement().firstChildElement();
+    EXPECT_EQ(live.attribute("fill-opacity"), "0.5");
+    EXPECT_EQ(live.attribute("stroke-opacity"), "0.2");
+    const QDomElement result = rootOf(image.toString()).firstChildElement();
+    EXPECT_EQ(result.attribute("fill-opacity"), "1");
+    EXPECT_EQ(result.attribute("stroke-opacity"), "1");
+}
 
 TEST(SvgOpacity, IsCutOnTheWayInAndHasTwoDecimalsOnTheWayOut) {
     const SvgImage image = imageOf("fill-opacity='0.5' stroke-opacity='0.25'");
@@ -219,6 +236,16 @@ TEST(SvgPaint, GoesToTheLiveDocumentAndOnlyTheRootsToTheText) {
     EXPECT_EQ(result.firstChildElement().attribute("fill"), "blue");
 }
 
+TEST(SvgPaint, OfTheRootGoesToTheLiveDocumentFromTheStart) {
+    const SvgImage image("<svg fill='red' stroke='lime'><g fill='blue' stroke='blue'/><linearGradient><stop "
+                         "stop-color='blue'/></linearGradient></svg>");
+    const QDomElement live = image.document()->dom().documentElement();
+    EXPECT_EQ(live.firstChildElement().attribute("fill"), "#ff0000");
+    EXPECT_EQ(live.firstChildElement().attribute("stroke"), "#00ff00");
+    EXPECT_EQ(live.lastChildElement().firstChildElement().attribute("stop-color"), "#ff0000");
+    EXPECT_EQ(rootOf(image.toString()).firstChildElement().attribute("fill"), "blue");
+}
+
 TEST(SvgPaint, AFillGoesToTheGradientsAndAStrokeDoesNot) {
     SvgImage image("<svg><linearGradient><stop stop-color='#000000'/></linearGradient></svg>");
     const auto stopColor = [&] {
@@ -240,6 +267,14 @@ TEST(SvgPaint, TheSameColourAgainChangesNothing) {
     EXPECT_EQ(image.document()->dom().documentElement().firstChildElement().attribute("fill"), "pink");
     image.setFillColor(QColor("#333333"));
     EXPECT_NE(image.document()->content(), content);
+}
+
+TEST(SvgPaint, TheSameStrokeAgainChangesNothing) {
+    SvgImage image("<svg><g stroke='blue'/></svg>");
+    image.setStrokeColor(QColor("#222222"));
+    image.document()->setAttributeValue("stroke", "pink", "");
+    image.setStrokeColor(QColor(0x22, 0x22, 0x22, 7));
+    EXPECT_EQ(image.document()->dom().documentElement().firstChildElement().attribute("stroke"), "pink");
 }
 
 TEST(SvgPaint, AnInvalidColourIsNeverWritten) {
@@ -343,6 +378,75 @@ TEST(SvgImagePoints, ADeclaredEncodingIsThatOfTheLiveDocument) {
     const QDomElement point = rootOf(image.toString()).firstChildElement();
     EXPECT_EQ(point.attribute("label"), QString::fromUtf8("\xc3\xa9"));
     EXPECT_EQ(point.attribute("posX"), QString::fromUtf8("\xc3\x83\xc2\xa9"));
+}
+
+TEST(SvgImagePoints, StayAsTheyAreWhereTheLiveDocumentHasNone) {
+    // In the encoding that it declares the text is none, so that the live document is empty.
+    const SvgImage image("<?xml version='1.0' encoding='UTF-16'?><svg><adjustablePoint posX='1'/></svg>");
+    EXPECT_TRUE(image.document()->dom().documentElement().isNull());
+    EXPECT_EQ(image.toString(), "<?xml version='1.0' encoding='UTF-16'?>\n"
+                                "<svg>\n <adjustablePoint posX=\"1\"/>\n</svg>\n");
+}
+
+// Writing.
+
+/// No element has more than one attribute, so that Qt's hash has nothing to say.
+const char* const texts[] = {
+    "",
+    "<svg/>",
+    "<svg></svg>",
+    "<svg>\n <g a='1'/>\n</svg>",
+    "<svg>text<g/>text<g><i/></g>text</svg>",
+    "<svg><g/>text<g><i/>text</g></svg>",
+    "<svg> <g> </g>x <i/> </svg>",
+    "<svg>&lt;&gt;&amp;\"'&quot;&apos;]]&gt;]]&gt;</svg>",
+    "<svg a='&lt;&gt;&amp;&quot;&apos;]]>\"'/>",
+    "<svg>a\rb\r\nc\td&#13;e&#10;f</svg>",
+    "<svg a='a\rb\r\nc\td&#13;e&#10;f&#9;'/>",
+    "<svg><![CDATA[]]><![CDATA[<a b='c'>&amp;]]><g/><![CDATA[x]]></svg>",
+    "<!-- a --><svg><!-- b --><g><!--c--></g>text<!-- d -->text<!----></svg><!-- e -->",
+    "<?p?><svg><?p data?><g><?p more data ?></g>text<?q?></svg><?r s?>",
+    "<?xml version='1.0'?><svg>\xc3\xa9 \xe4\xb8\xad \xf0\x9f\x8e\xac</svg>",
+    "<?xml version='1.0' encoding='ISO-8859-1'?><svg a='\xc3\xa9'>\xe4\xb8\xad \xf0\x9f\x8e\xac</svg>",
+    "<?xml version='1.0' encoding = \"US-ASCII\" ?><svg a='\xc3\xa9'>\xc3\xa9\xf0\x9f\x8e\xac</svg>",
+    "<?xml version='1.0' encoding='bogus'?><svg a='\xc3\xa9'>\xe4\xb8\xad \xf0\x9f\x8e\xac</svg>",
+    "<!DOCTYPE svg><svg/>",
+    "<?xml version='1.0'?><!-- before --><!DOCTYPE svg PUBLIC 'a\"b' 'c'><!-- behind --><svg/>",
+    "<!DOCTYPE svg SYSTEM \"it's\" [<!ENTITY e 'v'>]><svg a='&e;'>&e;&unknown;</svg>",
+    "<!DOCTYPE svg [<!ENTITY e PUBLIC 'p' 's' NDATA n>]><svg/>",
+    "<!DOCTYPE svg [<!NOTATION n PUBLIC 'p'>]><svg/>",
+    "<?xml version='1.0'?><!DOCTYPE svg [<!ENTITY e SYSTEM 's'>]>",
+    "<svg><g>broken",
+    "<a:b c:d='e'/>",
+};
+
+TEST(SvgWriting, IsThatOfQtButForTheOrder) {
+    for (const char* text : texts) {
+        QDomDocument dom;
+        dom.setContent(QString::fromUtf8(text), false);
+        EXPECT_EQ(Internal::toText(dom), dom.toString(1)) << text;
+        QByteArray saved;
+        QTextStream stream(&saved);
+        stream.setCodec("UTF-8");
+        dom.save(stream, 1, QDomNode::EncodingFromTextStream);
+        stream.flush();
+        EXPECT_EQ(Internal::toUtf8(dom), saved) << text;
+    }
+}
+
+TEST(SvgWriting, ManyAttributesAreWrittenAsFewAre) {
+    const auto element = [](int attributes, const QString& more) {
+        QString text = "<svg";
+        for (int number = 0; number < attributes; ++number)
+            text += QString(" a%1=\"&lt;&quot;&#xa;>' %1\"").arg(number, 4, 10, QChar('0'));
+        return text + more;
+    };
+    for (const int count : {1, 200, 201, 300}) {
+        const QString end = "><g/>\n</svg>\n";
+        QDomDocument dom;
+        ASSERT_TRUE(dom.setContent(element(count, end), false));
+        EXPECT_EQ(Internal::toText(dom), element(count, ">\n <g/>\n</svg>\n")) << count;
+    }
 }
 
 // The order of attributes.

@@ -39,7 +39,7 @@ const QString adjustablePointTag = QStringLiteral("adjustablePoint");
 // point, and all of it is searched for each.
 constexpr qint64 maxGrowth = 4;
 constexpr qint64 maxGrowthOfSmallText = 1024 * 1024;
-constexpr qint64 maxSearchedBytes = qint64(1) << 31;
+constexpr qint64 maxSearchedBytes = qint64(1) << 28;
 
 // A stop counts once for each gradient around it, though a gradient in another one is no SVG.
 constexpr std::size_t maxGradientsAround = 8;
@@ -69,10 +69,10 @@ QByteArray withoutRgba(const QByteArray& text) {
         if (end < 0)
             break;
         const int arguments = hit + mark.size();
-        const QList<QByteArray> parts = text.mid(arguments, end - arguments).split(',');
-        if (parts.size() != 4)
+        const QByteArray parts = text.mid(arguments, end - arguments);
+        if (parts.count(',') != 3) // counted first: there may be millions
             break;
-        const QByteArray color = colorOf(parts);
+        const QByteArray color = colorOf(parts.split(','));
         result += text.mid(copied, hit + 1 - copied);
         result += color;
         copied = end + 1;
@@ -459,12 +459,31 @@ QByteArray SvgDocument::contentWithPointsFilledIn() const {
     const qint64 maxSize = maxGrowthOfSmallText + maxGrowth * m_content.size();
     qint64 searched = 0;
     QByteArray filledIn = m_content;
+    const auto occurs = [&](const QByteArray& text) {
+        searched += filledIn.size();
+        return filledIn.contains(text);
+    };
+
+    struct Coordinate {
+        QString name;
+        QByteArray ending; ///< of each reference
+        bool isNamed;      ///< by anything that is not filled in yet
+    };
+    Coordinate coordinates[] = {{posXName, '.' + posXName.toUtf8(), false},
+                                {posYName, '.' + posYName.toUtf8(), false}};
+    const auto seeWhatIsNamed = [&] {
+        for (Coordinate& coordinate : coordinates)
+            coordinate.isNamed = occurs(coordinate.ending);
+    };
+
+    seeWhatIsNamed();
     for (const auto& point : m_adjustablePoints) {
         const QDomElement element = m_nodes->resolve(*point).toElement();
-        for (const QString& name : {posXName, posYName}) {
-            const QByteArray reference = (point->id + QLatin1Char('.') + name).toUtf8();
-            const QByteArray value = element.attribute(name).toUtf8();
-            searched += filledIn.size();
+        for (const Coordinate& coordinate : coordinates) {
+            const QByteArray reference = point->id.toUtf8() + coordinate.ending;
+            if (!coordinate.isNamed || (searched <= maxSearchedBytes && !occurs(reference)))
+                continue;
+            const QByteArray value = element.attribute(coordinate.name).toUtf8();
             const qint64 size =
                 filledIn.size() + qint64(filledIn.count(reference)) * (value.size() - reference.size());
             if (size > maxSize || searched > maxSearchedBytes) {
@@ -472,6 +491,7 @@ QByteArray SvgDocument::contentWithPointsFilledIn() const {
                 return m_content;
             }
             filledIn.replace(reference, value);
+            seeWhatIsNamed();
         }
     }
     return filledIn;

@@ -54,7 +54,14 @@ std::optional<int> opacityOf(const QDomElement& svg, const QString& name) {
     return Internal::truncated(text.toDouble() * 255);
 }
 
-RootStyle styleOf(const QDomElement& svg) {
+/// The style of the first `svg` element of a text; nothing for a text that is refused.
+std::optional<RootStyle> styleOf(const QString& text) {
+    QDomDocument scratch;
+    if (!Internal::parse(scratch, text)) {
+        LOG(ERROR) << Internal::refusal;
+        return std::nullopt;
+    }
+    const QDomElement svg = svgElementOf(scratch);
     RootStyle style;
     const QString width = svg.attribute(strokeWidthName);
     if (!width.isEmpty())
@@ -85,13 +92,9 @@ void writePaint(QDomElement& svg, const QString& name, const QColor& color) {
 } // namespace
 
 SvgImage::SvgImage(const QString& text) : m_text(text) {
-    QDomDocument scratch;
-    const bool isReadable = Internal::parse(scratch, text);
-    if (!isReadable)
-        LOG(ERROR) << Internal::refusal;
-    const RootStyle style = styleOf(svgElementOf(scratch));
-
-    m_document = std::make_shared<SvgDocument>(isReadable ? text : QString());
+    const std::optional<RootStyle> read = styleOf(text);
+    const RootStyle style = read.value_or(RootStyle());
+    m_document = std::make_shared<SvgDocument>(read ? text : QString());
     m_document->collectAdjustableAttributes(
         {fillName, fillOpacityName, strokeName, strokeWidthName, strokeOpacityName, posXName, posYName});
     m_document->collectGradientStops();

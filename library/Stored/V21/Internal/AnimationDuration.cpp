@@ -10,7 +10,7 @@
 namespace Stored::V21::Internal {
 namespace {
 
-// The stream reader compares the attributes of an element with one another.
+// The stream reader compares the attributes of an element, or of a document type, with one another.
 constexpr int maxAttributes = 1000;
 // A document type can give attributes to every element, and then each quotation mark is one of a default.
 constexpr int maxQuotesBesideDefaults = 200;
@@ -26,26 +26,39 @@ QString textOf(const QXmlStreamReader& reader) {
     return codec ? codec->toUnicode(bytes) : QString::fromUtf8(bytes);
 }
 
-bool hasCrowdedElement(const QString& text) {
+/// Whether an element has too many attributes, or the document type declares too many.
+bool isCrowded(const QString& text) {
+    const QString list = QStringLiteral("<!ATTLIST");
     bool inTag = false;
+    bool inList = false;
     QChar quote;
+    QChar before; // blanks left out
     int attributes = 0;
-    for (const QChar c : text) {
+    int declared = 0;
+    for (int at = 0; at < text.size(); ++at) {
+        const QChar c = text[at];
         if (c == QLatin1Char('<')) { // stands in no attribute
             inTag = true;
+            inList = text.midRef(at, list.size()) == list;
             quote = QChar();
             attributes = 0;
-        } else if (!inTag) {
+        } else if (!inTag || c.isSpace()) {
             continue;
         } else if (!quote.isNull()) {
             quote = c == quote ? QChar() : quote;
         } else if (c == QLatin1Char('"') || c == QLatin1Char('\'')) {
             quote = c;
+            // In a comment there may be any number of "=" alone.
+            attributes += before == QLatin1Char('=');
+            declared += inList;
         } else if (c == QLatin1Char('>')) {
             inTag = false;
-        } else if (c == QLatin1Char('=') && ++attributes > maxAttributes) {
-            return true;
+        } else if (c == QLatin1Char('#')) {
+            declared += inList;
         }
+        if (attributes > maxAttributes || declared > maxAttributes)
+            return true;
+        before = c;
     }
     return false;
 }
@@ -82,7 +95,7 @@ QByteArray animationsOf(QXmlStreamReader& reader) {
         switch (reader.readNext()) {
         case QXmlStreamReader::StartDocument:
             text = textOf(reader);
-            if (hasCrowdedElement(text))
+            if (isCrowded(text))
                 return {};
             break;
         case QXmlStreamReader::DTD:

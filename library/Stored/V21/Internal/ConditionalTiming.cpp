@@ -31,7 +31,6 @@ int offsetIn(const QString& begin) {
     return minus >= 0 ? difference(0, timeMs(begin.mid(minus + 1))) : 0;
 }
 
-/// A null node, which a missing reference gives, begins and ends at 0.
 NodeTimeParams timingOf(const QDomElement& animation) {
     NodeTimeParams timing;
     const QString begin = animation.attribute(beginName).trimmed();
@@ -52,14 +51,29 @@ NodeTimeParams timingOf(const QDomElement& animation) {
 
 class Resolver {
 public:
-    explicit Resolver(const std::vector<QDomElement>& animations)
-        : m_animations(animations), m_states(animations.size(), State::Untouched) {
-        for (int number = 0; number < static_cast<int>(animations.size()); ++number) {
-            const QString id = animation(number).attribute(QStringLiteral("id"));
+    explicit Resolver(const std::vector<QDomElement>& animations) : m_states(animations.size()) {
+        // Each is read once, not once for each reference to it: its text may be long.
+        for (const QDomElement& animation : animations) {
+            const QString id = animation.attribute(QStringLiteral("id"));
             if (!id.isEmpty() && !m_numbers.contains(id))
-                m_numbers.insert(id, number);
+                m_numbers.insert(id, static_cast<int>(m_timings.size()));
+            m_timings.push_back(timingOf(animation));
         }
     }
+
+    bool resolveAll() {
+        std::vector<int> conditional;
+        for (int number = 0; number < static_cast<int>(m_timings.size()); ++number) {
+            if (timing(number).beginMs == -1)
+                conditional.push_back(number);
+        }
+        for (const int number : conditional)
+            resolve(number);
+        return !conditional.empty();
+    }
+
+private:
+    enum class State { Untouched, Open, Resolved };
 
     /// Resolves an animation and before it, with a stack of our own, all that it depends on.
     void resolve(int number) {
@@ -67,9 +81,8 @@ public:
         while (!open.empty()) {
             const int current = open.back();
             state(current) = State::Open;
-            const NodeTimeParams timing = timingOf(animation(current));
-            if (timing.beginMs == -1) {
-                int referenced = m_numbers.value(timing.refId, -1);
+            if (timing(current).beginMs == -1) {
+                int referenced = m_numbers.value(timing(current).refId, -1);
                 if (referenced >= 0 && state(referenced) == State::Untouched) {
                     open.push_back(referenced);
                     continue;
@@ -78,28 +91,29 @@ public:
                     LOG(ERROR) << "conditional timing refers to itself";
                     referenced = -1;
                 }
-                setBegin(timing, timingOf(referenced < 0 ? QDomElement() : animation(referenced)));
+                setBegin(timing(current), referenced);
             }
             state(current) = State::Resolved;
             open.pop_back();
         }
     }
 
-private:
-    enum class State { Untouched, Open, Resolved };
-
-    const QDomElement& animation(int number) const { return m_animations[static_cast<std::size_t>(number)]; }
-    State& state(int number) { return m_states[static_cast<std::size_t>(number)]; }
-
-    static void setBegin(const NodeTimeParams& timing, const NodeTimeParams& referenced) {
+    /// What a missing reference, -1, begins and ends at is 0.
+    void setBegin(NodeTimeParams& timing, int referenced) {
         QDomElement animation = timing.node.toElement();
         if (animation.isNull()) // a `begin` of -1ms only looks unresolved
             return;
-        const int begin = sum(timing.offsetMs, timing.fromBegin ? referenced.beginMs : referenced.endMs);
-        animation.setAttribute(beginName, QString::number(begin) + QStringLiteral("ms"));
+        int ms = 0;
+        if (referenced >= 0)
+            ms = timing.fromBegin ? this->timing(referenced).beginMs : this->timing(referenced).endMs;
+        animation.setAttribute(beginName, QString::number(sum(timing.offsetMs, ms)) + QStringLiteral("ms"));
+        timing = timingOf(animation);
     }
 
-    const std::vector<QDomElement>& m_animations;
+    NodeTimeParams& timing(int number) { return m_timings[static_cast<std::size_t>(number)]; }
+    State& state(int number) { return m_states[static_cast<std::size_t>(number)]; }
+
+    std::vector<NodeTimeParams> m_timings;
     std::vector<State> m_states;
     QHash<QString, int> m_numbers; ///< by id, the first of each
 };
@@ -107,17 +121,7 @@ private:
 } // namespace
 
 bool resolveConditionalTiming(const std::vector<QDomElement>& animations) {
-    std::vector<int> conditional;
-    for (std::size_t number = 0; number < animations.size(); ++number) {
-        if (timingOf(animations[number]).beginMs == -1)
-            conditional.push_back(static_cast<int>(number));
-    }
-    if (conditional.empty())
-        return false;
-    Resolver resolver(animations);
-    for (const int number : conditional)
-        resolver.resolve(number);
-    return true;
+    return Resolver(animations).resolveAll();
 }
 
 } // namespace Stored::V21::Internal

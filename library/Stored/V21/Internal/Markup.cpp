@@ -1,5 +1,6 @@
 #include "Stored/V21/Internal/Markup.h"
 
+#include <QTextCodec>
 #include <QTextStream>
 #include <QXmlDefaultHandler>
 #include <QXmlInputSource>
@@ -32,6 +33,11 @@ constexpr double maxNestedEntity = 4096;
 constexpr double maxExpansionPerCharacter = 4;
 constexpr double maxExpansionOfSmallText = 256 * 1024;
 
+// A DOM gives attributes by number in a time that grows with the number; those of an element with more are left to Qt's
+// writer, whose time for a value grows with its length and with what has to be escaped in it.
+constexpr int maxIndexedAttributes = 200;
+constexpr double maxMovesOfManyAttributes = 1e9;
+
 /// Reads along without keeping anything, and stops Qt's parser where a text gets out of bounds.
 class Gauge : public QXmlDefaultHandler {
 public:
@@ -40,9 +46,12 @@ public:
 
     bool isExceeded() const { return m_exceeded; }
 
-    bool startElement(const QString&, const QString&, const QString&, const QXmlAttributes&) override {
+    bool startElement(const QString&, const QString&, const QString&,
+                      const QXmlAttributes& attributes) override {
         m_levels += ++m_depth;
-        return within(m_depth <= maxDepth && m_levels <= m_maxLevels);
+        if (attributes.count() > maxIndexedAttributes / 2) // the model adds some
+            countMoves(attributes);
+        return within(m_depth <= maxDepth && m_levels <= m_maxLevels && m_moves <= maxMovesOfManyAttributes);
     }
 
     bool endElement(const QString&, const QString&, const QString&) override {
@@ -61,10 +70,22 @@ private:
         return bounds;
     }
 
+    void countMoves(const QXmlAttributes& attributes) {
+        for (int number = 0; number < attributes.count(); ++number) {
+            const QString value = attributes.value(number);
+            const auto mayBeEscaped = [](QChar c) {
+                return c < QLatin1Char(' ') || c == QLatin1Char('<') || c == QLatin1Char('"') ||
+                       c == QLatin1Char('&') || c > QLatin1Char('~');
+            };
+            m_moves += double(std::count_if(value.begin(), value.end(), mayBeEscaped)) * value.size();
+        }
+    }
+
     double m_maxLevels;
     EntityBudget m_entities;
     int m_depth = 0;
     double m_levels = 0;
+    double m_moves = 0;
     bool m_exceeded = false;
 };
 
@@ -99,44 +120,54 @@ bool isBounded(const QString& text) {
     return !gauge.isExceeded();
 }
 
-/// Goes through what Qt's DOM has written, and writes it again with attributes in order of their names.
+/// Puts into order what Qt's DOM has written of a tag or a document type.
 class Sorter {
 public:
     explicit Sorter(const QString& text) : m_text(text) {}
 
-    QString sorted() {
-        m_sorted.reserve(m_text.size());
-        while (m_at < m_text.size()) {
-            copyTo(m_text.indexOf(QLatin1Char('<'), m_at));
-            if (m_at == m_text.size())
-                break;
-            if (startsWith("<!--"))
-                copyBehind("-->", 4);
-            else if (startsWith("<![CDATA["))
-                copyBehind("]]>", 9);
-            else if (startsWith("<?"))
-                copyBehind("?>", 2);
-            else if (startsWith("<!DOCTYPE"))
-                copyDocumentType();
-            else
-                copyTag();
+    /// The declarations between the brackets of a document type, each of which stands on its own line.
+    QString documentType() {
+        copyTo(findUnquoted("[", m_at));
+        if (m_at < m_text.size()) {
+            copyTo(m_at + 1);
+            std::vector<QStringRef> declarations;
+            copyTo(findUnquoted("<]", m_at));
+            while (m_at < m_text.size() && m_text[m_at] == QLatin1Char('<')) {
+                const int end = std::min(findUnquoted(">", m_at) + 1, m_text.size());
+                declarations.push_back(m_text.midRef(m_at, end - m_at));
+                m_at = findUnquoted("<]", end);
+            }
+            std::sort(declarations.begin(), declarations.end());
+            for (const QStringRef& declaration : declarations) {
+                m_sorted += declaration;
+                m_sorted += QLatin1Char('\n');
+            }
+        }
+        copyTo(m_text.size());
+        return m_sorted;
+    }
+
+    /// The attributes of a tag without children, each with a blank before.
+    QString attributes() {
+        std::map<QStringRef, QStringRef> attributes; // from the name to name and value
+        m_at = findUnquoted(" />", m_text.indexOf(QLatin1Char('<')) + 1);
+        while (m_at < m_text.size() && m_text[m_at] == QLatin1Char(' ')) {
+            const int name = m_at + 1;
+            const int equals = findUnquoted("=>", name);
+            m_at = findUnquoted(" />", equals);
+            attributes[m_text.midRef(name, equals - name)] = m_text.midRef(name, m_at - name);
+        }
+        for (const auto& [name, attribute] : attributes) {
+            m_sorted += QLatin1Char(' ');
+            m_sorted += attribute;
         }
         return m_sorted;
     }
 
 private:
-    bool startsWith(const char* mark) const { return m_text.midRef(m_at).startsWith(QLatin1String(mark)); }
-
-    /// Copies up to a place; to the end for -1.
     void copyTo(int place) {
-        const int end = place < 0 ? m_text.size() : place;
-        m_sorted += m_text.midRef(m_at, end - m_at);
-        m_at = end;
-    }
-
-    void copyBehind(const char* mark, int from) {
-        const int found = m_text.indexOf(QLatin1String(mark), m_at + from);
-        copyTo(found < 0 ? found : found + static_cast<int>(qstrlen(mark)));
+        m_sorted += m_text.midRef(m_at, place - m_at);
+        m_at = place;
     }
 
     /// The first place, from one on, of any of these characters that stands in no quotes.
@@ -155,51 +186,164 @@ private:
         return m_text.size();
     }
 
-    /// Sorts the declarations between the brackets, each of which stands on its own line.
-    void copyDocumentType() {
-        copyTo(findUnquoted("[>", m_at));
-        if (m_at < m_text.size() && m_text[m_at] == QLatin1Char('[')) {
-            copyTo(m_at + 1);
-            std::vector<QStringRef> declarations;
-            const int first = findUnquoted("<]", m_at);
-            copyTo(first);
-            while (m_at < m_text.size() && m_text[m_at] == QLatin1Char('<')) {
-                const int end = std::min(findUnquoted(">", m_at) + 1, m_text.size());
-                declarations.push_back(m_text.midRef(m_at, end - m_at));
-                m_at = findUnquoted("<]", end);
-            }
-            std::sort(declarations.begin(), declarations.end());
-            for (const QStringRef& declaration : declarations) {
-                m_sorted += declaration;
-                m_sorted += QLatin1Char('\n');
-            }
-        }
-        copyTo(findUnquoted(">", m_at));
-    }
-
-    void copyTag() {
-        const int end = findUnquoted(">", m_at);
-        const int behindName = std::min(findUnquoted(" />", m_at + 2), end);
-        copyTo(behindName);
-        std::map<QStringRef, QStringRef> attributes; // from the name to name and value
-        while (m_at < end && m_text[m_at] == QLatin1Char(' ')) {
-            const int name = m_at + 1;
-            const int equals = findUnquoted("=>", name);
-            const int behindValue = std::min(findUnquoted(" />", equals), end);
-            attributes[m_text.midRef(name, equals - name)] = m_text.midRef(name, behindValue - name);
-            m_at = behindValue;
-        }
-        for (const auto& [name, attribute] : attributes) {
-            m_sorted += QLatin1Char(' ');
-            m_sorted += attribute;
-        }
-        copyTo(end);
-    }
-
     const QString& m_text;
     QString m_sorted;
     int m_at = 0;
 };
+
+/// What QDomDocument::save() writes with an indent of 1, but always in the same order, and in a time that grows with
+/// the text: Qt moves the rest of a value at each character that it escapes. Goes down as deep as the DOM, which parse()
+/// bounds.
+class Writer {
+public:
+    explicit Writer(const QTextCodec& codec) : m_codec(codec) {}
+
+    void write(const QDomNode& node, int depth) {
+        switch (node.nodeType()) {
+        case QDomNode::ElementNode:
+            writeElement(node.toElement(), depth);
+            break;
+        case QDomNode::TextNode:
+            writeEscaped(node.nodeValue(), Inside::Text);
+            break;
+        case QDomNode::CDATASectionNode:
+            written += QStringLiteral("<![CDATA[") + node.nodeValue() + QStringLiteral("]]>");
+            break;
+        case QDomNode::CommentNode:
+            indent(node, depth);
+            written += QStringLiteral("<!--") + node.nodeValue();
+            if (node.nodeValue().endsWith(QLatin1Char('-'))) // "--->" would be no end
+                written += QLatin1Char(' ');
+            written += QStringLiteral("-->");
+            endLine(node);
+            break;
+        case QDomNode::ProcessingInstructionNode:
+            written += QStringLiteral("<?") + node.nodeName() + QLatin1Char(' ') + node.nodeValue() +
+                       QStringLiteral("?>\n");
+            break;
+        case QDomNode::EntityReferenceNode:
+            written += QLatin1Char('&') + node.nodeName() + QLatin1Char(';');
+            break;
+        default:
+            break;
+        }
+    }
+
+    /// Writes a node and all that stand behind it.
+    void writeFrom(QDomNode node, int depth) {
+        for (; !node.isNull(); node = node.nextSibling())
+            write(node, depth);
+    }
+
+    void writeDocumentType(const QDomDocumentType& type) { written += Sorter(textByQt(type)).documentType(); }
+
+    QString written;
+
+private:
+    enum class Inside { Text, Attribute };
+
+    void writeElement(const QDomElement& element, int depth) {
+        indent(element, depth);
+        written += QLatin1Char('<') + element.tagName();
+        writeAttributes(element);
+        if (element.hasChildNodes()) {
+            written += QLatin1Char('>');
+            if (!element.firstChild().isText())
+                written += QLatin1Char('\n');
+            writeFrom(element.firstChild(), depth + 1);
+            if (!element.lastChild().isText())
+                written += QString(depth, QLatin1Char(' '));
+            written += QStringLiteral("</") + element.tagName() + QLatin1Char('>');
+        } else {
+            written += QStringLiteral("/>");
+        }
+        endLine(element);
+    }
+
+    void writeAttributes(const QDomElement& element) {
+        const QDomNamedNodeMap attributes = element.attributes();
+        if (attributes.count() > maxIndexedAttributes) {
+            written += Sorter(textByQt(element.cloneNode(false))).attributes();
+            return;
+        }
+        std::map<QString, QString> byName;
+        for (int number = 0; number < attributes.count(); ++number) {
+            const QDomNode attribute = attributes.item(number);
+            byName[attribute.nodeName()] = attribute.nodeValue();
+        }
+        for (const auto& [name, value] : byName) {
+            written += QLatin1Char(' ') + name + QStringLiteral("=\"");
+            writeEscaped(value, Inside::Attribute);
+            written += QLatin1Char('"');
+        }
+    }
+
+    void writeEscaped(const QString& text, Inside inside) {
+        const bool isAttribute = inside == Inside::Attribute;
+        const int start = written.size();
+        for (const QChar c : text) {
+            const ushort code = c.unicode();
+            if (code == '<')
+                written += QStringLiteral("&lt;");
+            else if (code == '"' && isAttribute)
+                written += QStringLiteral("&quot;");
+            else if (code == '&')
+                written += QStringLiteral("&amp;");
+            else if (code == '>' && written.size() - start >= 2 && written.endsWith(QLatin1String("]]")))
+                written += QStringLiteral("&gt;");
+            else if (code == '\r' || (isAttribute && (code == '\n' || code == '\t')) || !canEncode(c))
+                written += QStringLiteral("&#x") + QString::number(code, 16) + QLatin1Char(';');
+            else
+                written += c;
+        }
+    }
+
+    bool canEncode(QChar c) const {
+        constexpr int utf8 = 106;
+        return (m_codec.mibEnum() == utf8 && !c.isSurrogate()) || m_codec.canEncode(c);
+    }
+
+    /// Blanks and line ends next to a text would become part of it.
+    void indent(const QDomNode& node, int depth) {
+        if (!node.previousSibling().isText())
+            written += QString(depth, QLatin1Char(' '));
+    }
+    void endLine(const QDomNode& node) {
+        if (!node.nextSibling().isText())
+            written += QLatin1Char('\n');
+    }
+
+    QString textByQt(const QDomNode& node) const {
+        QString text;
+        QTextStream stream(&text, QIODevice::WriteOnly);
+        stream.setCodec(const_cast<QTextCodec*>(&m_codec));
+        node.save(stream, 1);
+        stream.flush();
+        return text;
+    }
+
+    const QTextCodec& m_codec;
+};
+
+bool isXmlDeclaration(const QDomNode& node) {
+    return node.isProcessingInstruction() && node.nodeName() == QLatin1String("xml");
+}
+
+const QTextCodec& utf8() {
+    return *QTextCodec::codecForName("UTF-8");
+}
+
+/// What Qt's DOM takes for the encoding that the document declares.
+const QTextCodec& codecOf(const QDomDocument& dom) {
+    if (!isXmlDeclaration(dom.firstChild()))
+        return utf8();
+    QDomDocument head;
+    head.appendChild(head.importNode(dom.firstChild(), false));
+    QString text;
+    QTextStream stream(&text, QIODevice::WriteOnly);
+    head.save(stream, 1);
+    return *stream.codec();
+}
 
 } // namespace
 
@@ -241,16 +385,28 @@ QString decoded(const QByteArray& bytes) {
 }
 
 QString toText(const QDomDocument& dom) {
-    return Sorter(dom.toString(1)).sorted();
+    Writer writer(codecOf(dom));
+    QDomNode first = dom.firstChild();
+    if (isXmlDeclaration(first)) {
+        writer.write(first, 0);
+        first = first.nextSibling();
+    }
+    // Wherever it stood among comments, the document type comes before them.
+    if (!first.isNull())
+        writer.writeDocumentType(dom.doctype());
+    writer.writeFrom(first, 0);
+    return writer.written;
 }
 
 QByteArray toUtf8(const QDomDocument& dom) {
-    QString text;
-    QTextStream stream(&text, QIODevice::WriteOnly);
-    stream.setCodec("UTF-8");
-    dom.save(stream, 1, QDomNode::EncodingFromTextStream);
-    stream.flush();
-    return Sorter(text).sorted().toUtf8();
+    // Written for a stream, a DOM has no document type.
+    QDomNode first = dom.firstChild();
+    if (isXmlDeclaration(first))
+        first = first.nextSibling();
+    Writer writer(utf8());
+    writer.written = QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
+    writer.writeFrom(first, 0);
+    return writer.written.toUtf8();
 }
 
 } // namespace Stored::V21::Internal

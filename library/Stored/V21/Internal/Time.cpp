@@ -15,7 +15,10 @@ int timeMs(const QString& text) {
     } else if (number.endsWith(QLatin1Char('s'))) {
         number.chop(1);
     }
-    return truncated(number.toDouble() * factor);
+    bool isNumber = false;
+    const double value = number.toDouble(&isNumber);
+    // Qt gives infinity for what it can't convert because it is too great.
+    return isNumber ? truncated(value * factor) : 0;
 }
 
 int truncated(double number) {

@@ -7,7 +7,7 @@
 namespace Stored::V21::Internal {
 
 /// Milliseconds in a time value such as "500ms", "1.5s" or "2", which means seconds; 0 for what is no number.
-/// Numbers beyond 32 bits become the nearest that fits.
+/// Times beyond 32 bits become the nearest that fits.
 int timeMs(const QString& text);
 
 // Times come from strangers: sums wrap instead of overflowing.
