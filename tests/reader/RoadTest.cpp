@@ -722,6 +722,26 @@ TEST(QuizRoadTest, AnswersWithIdsOfTheProjectTakeNoReferencesAway) {
     expectClips(Project(result.bytes), longCut.front(), sample.version);
 }
 
+// A theme has no version of its own, and that of the archive does not matter.
+TEST(ThemeRoadTest, ThemesOfEveryArchiveAreBroughtUpToDate) {
+    Reader::useStandInFolders();
+    for (const int version : {3, 62}) {
+        const QByteArray archive =
+            "<Archive schemaVersion='" + QByteArray::number(version) +
+            "'><RootRef type='ObjectRef' value='2'/><RootObject type='Theme::Object' objectId='2'>"
+            "<transition type='ObjectRef' value='0'/></RootObject></Archive>";
+        QDomDocument document;
+        ASSERT_TRUE(document.setContent(migrated(archive, Reader::lastXmlVersion).bytes));
+        const QDomElement theme = document.documentElement().firstChildElement(QStringLiteral("RootObject"));
+        EXPECT_EQ(theme.attribute(QStringLiteral("type")), "Theme::Object");
+        EXPECT_TRUE(theme.firstChildElement(QStringLiteral("transition")).isNull()) << version;
+        const auto list = theme.firstChildElement(QStringLiteral("transitionsList"));
+        EXPECT_EQ(list.attribute(QStringLiteral("size")), "0") << version;
+        const auto least = theme.firstChildElement(QStringLiteral("minSceneDuration"));
+        EXPECT_EQ(least.attribute(QStringLiteral("value")), "1000") << version;
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Samples, RoadTest, testing::ValuesIn(samples), [](const auto& param) {
     std::string name = param.param.file;
     std::replace_if(
