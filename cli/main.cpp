@@ -145,20 +145,25 @@ int migrate(const Arguments& arguments) {
     refuseExisting(arguments, output);
     useFolders(arguments);
 
-    const Reader::Journey journey{nameOf(input),
-                                  projectLocation(input, output),
-                                  projectLocation(output, input),
-                                  arguments.to,
-                                  Reader::SideFiles(folderOf(input)),
-                                  Reader::SideFiles(folderOf(output), arguments.force),
-                                  !arguments.bundle.empty()};
+    Reader::Journey journey{nameOf(input),
+                            projectLocation(input, output),
+                            projectLocation(output, input),
+                            arguments.to,
+                            Reader::SideFiles(folderOf(input)),
+                            Reader::SideFiles(folderOf(output), arguments.force),
+                            !arguments.bundle.empty()};
     const QByteArray bytes = Reader::readFile(input);
     Reader::Document document = Reader::parse(bytes, journey.name, arguments.from);
     Reader::Report report = Reader::migrate(document, journey);
+    const auto isRefused = [&] {
+        return arguments.strict && (report.hasErrors() || !report.lostClips.empty());
+    };
+    // A project that is not written leaves no side files either.
+    journey.toBundle = journey.toBundle && !isRefused();
     const Reader::Serialized result = Reader::save(std::move(document), journey, report);
 
     Summary summary{report, journey.name, {}, {}, result.leftOut};
-    if (arguments.strict && (report.hasErrors() || !report.lostClips.empty())) {
+    if (isRefused()) {
         tell(arguments, output, summary);
         throw Reader::Error(Problem::StrictFailure,
                             journey.name.toStdString() +

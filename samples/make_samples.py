@@ -4,8 +4,9 @@
     python3 samples/make_samples.py        writes the files beside this script
 
 The short cut has three pictures and videos on the main track with a title before them, a transition, effects and
-one stabilised clip. The long cut has something of everything that changed on the way to the newest version. What a
-class holds at a version stands here, field by field; nothing is taken from a migration.
+one stabilised clip. The long cut has something of everything that changed on the way to the newest version. The cut
+of titles is a bundle, some of whose texts lie in files beside the document. What a class holds at a version stands
+here, field by field; nothing is taken from a migration.
 """
 
 import base64
@@ -952,8 +953,129 @@ class LongFilm(Film):
         return Object("Project::PersistentObject", [("content", embedded(content)), ("resourceTable", embedded(table))])
 
 
+# The cut of titles, with its side files.
+
+COMPASS = """<?xml version="1.0" encoding="UTF-8"?>
+<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 64 64" fill="#000000">
+  <title>Compass</title>
+  <circle cx="32" cy="32" r="30" fill="none"/>
+  <path d="M32 4 L40 32 L32 60 L24 32 Z"/>
+</svg>
+"""
+
+ARROW = """<svg xmlns="http://www.w3.org/2000/svg" width="80" height="40">
+  <!-- points at what is meant -->
+  <path d="M0 10 H50 V0 L80 20 L50 40 V30 H0 Z" fill="#c03020"/>
+</svg>
+"""
+
+RIBBON = """<svg xmlns="http://www.w3.org/2000/svg" width="200" height="50" fill="url(#cloth)"><defs>
+<linearGradient id="cloth"><stop offset="0" stop-color="#203060"/><stop offset="1" stop-color="#4060c0"/></linearGradient>
+</defs><rect width="200" height="50"/></svg>
+"""
+
+OPENING = """<html><body>
+<p align="center"><span style="color:#ffffff;">Summer by the sea</span></p>
+</body></html>
+"""
+
+HOW_OLD = QUESTION % quoteattr("How old is the church?")
+
+
+class TitlesFilm(LongFilm):
+    """The cut of titles: text, SVG, callouts, an intro and an outro, and quizzes. It is about a version before 21."""
+
+    side_files = {"content_1.svg": COMPASS, "content_2.svg": ARROW, "content_3.svg": RIBBON, "content_4.html": OPENING,
+                  "content_5.quiz": HOW_OLD}
+
+    def words(self, content):
+        for name, stored in self.side_files.items():
+            if content == stored:
+                return ("FileContent", name)
+        return super().words(content)
+
+    def picture(self, tag, svg, color):
+        return self.preset(1, tag, [self.item(2, svg, color, 0)])
+
+    def arrow(self):
+        return self.preset(2, "Arrow", [self.item(3, ARROW, 4278190080, 0), self.item(1, "Look!", 4278190080, 0)])
+
+    def ribbon(self):
+        return self.preset(1, "Ribbon", [self.item(1, "Welcome", 4278190080, 0), self.item(2, RIBBON, 4280303744, 0)])
+
+    def asked(self, question, typed):
+        """A quiz by its clip; its preset says so too if it is `typed`, which few presets were before version 21."""
+        preset = self.preset(4, "Quiz", [self.item(1, question, 0, 0)])
+        if typed:
+            preset.fields.insert(0, ("type", i32(4)))
+        return preset
+
+    def scene(self):
+        scene = Object("Timeline::Object", [])
+        tracks = self.make_tracks(scene)
+        square = self.clip("Square", 1, 12000, self.file("media/square.mp4", 1920, 1080), timeline=scene)
+        welcome = self.clip("Welcome", 4, 1000, overlay=self.ribbon(), timeline=scene)
+        church = self.clip("Church", 2, 2000, self.file("media/church.jpg", 3000, 4000), timeline=scene, preview="preview_9")
+        quiz = self.clip("Church quiz", 32, 1000, overlay=self.asked(HOW_OLD, True), timeline=scene)
+
+        def timing(track, *place):
+            made = self.timing(track, *place, halves=tracks)
+            made.fields = [f for f in made.fields if f[0] != "transitionDuration"]
+            return made
+
+        entries = [(quiz, timing(96, 1000, 1000)), (square, timing(16, 0, 2000, 12000)), (welcome, timing(16, 2000, 1000)),
+                   (church, timing(16, 3000, 2000))]
+        self.fill(scene, "Village", entries, tracks, [], [])
+        return scene
+
+    def build(self):
+        self.tracks = self.make_tracks(self.timeline)
+        first, second = self.crossfade(), self.ripple()
+        intro = self.clip("Intro", 8, 2000, overlay=self.title("Sea & Sand Films"), unlimited=True)
+        opening = self.clip("Summer by the sea", 4, 4000, overlay=self.title(OPENING), transition=first)
+        beach = self.clip("Beach", 1, 12000, self.file("media/beach.mp4", 1920, 1080), transition=second, preview="preview_3")
+        harbour = self.clip("Harbour", 2, 8000, self.file("media/harbour.jpg", 4000, 3000))
+        village = self.clip("Village", 64, 5000, nested=self.scene())
+        ending = self.clip("The end", 4, 4000, overlay=self.title("Fin \u2013 \u00e0 bient\u00f4t <3"))
+        outro = self.clip("Outro", 16, 3000, overlay=self.title("\u00a9 1999"), unlimited=True)
+        caption = self.clip("The old harbour", 4, 3000, overlay=self.title("The old harbour <1924>"))
+        midday = self.clip("Midday", 4, 2000, overlay=self.sun_label())
+        look = self.clip("Look", 4, 1000, overlay=self.arrow())
+        compass = self.clip("Compass", 4, 2000, overlay=self.picture("Compass", COMPASS, 4278222912))
+        markup = self.clip("Markup", 4, 1000, overlay=self.title("Drawn with <svg>"))
+        blank = self.clip("Blank", 4, 1000, overlay=self.title(None))
+        song = self.clip("Song", 3, 40000, self.file("media/song.ogg", 0, 0), preview="wave_1")
+        quiz = self.clip("Where was the boat?", 32, 5000, overlay=self.asked(QUESTION % quoteattr("Where was the boat?"), False))
+        entries = [
+            (intro, self.timing(16, 0, 2000)),
+            (opening, self.timing(16, 2000, 4000, after=500)),
+            (beach, self.timing(16, 6000, 7000, 12000, position=500, before=500, after=1000)),
+            (harbour, self.timing(16, 13000, 5000, 8000, position=1500, before=1000)),
+            (village, self.timing(16, 18000, 5000)),
+            (ending, self.timing(16, 23000, 4000)),
+            (outro, self.timing(16, 27000, 3000)),
+            (caption, self.timing(80, 13500, 3000)),
+            (midday, self.timing(80, 14000, 2000, level=1)),
+            (look, self.timing(80, 15000, 1000, level=2)),
+            (compass, self.timing(80, 7000, 2000)),
+            (markup, self.timing(80, 9000, 1000, level=2)),
+            (blank, self.timing(80, 25000, 1000)),
+            (song, self.timing(48, 0, 30000, 40000)),
+            (quiz, self.timing(96, 30000, 5000)),
+        ]
+        self.fill(self.timeline, "Holiday", entries, self.tracks, [], [(first, opening, beach), (second, beach, harbour)])
+        return self.root([])
+
+
 SHORT_CUTS = [(27, Xml), (62, Xml), (63, Json)]
 LONG_CUTS = [(3, Xml), (12, Xml), (21, Xml), (34, Xml), (45, Xml), (55, Xml), (60, Json), (70, Json), (76, Json)]
+
+BUNDLES = [20]
+
+
+def write(path, content):
+    with open(path, "w", encoding="utf-8", newline="\n") as out:
+        out.write(content)
 
 
 def main():
@@ -962,8 +1084,13 @@ def main():
     films += [(LongFilm(version, form), version, form) for version, form in LONG_CUTS]
     for film, version, form in films:
         name = "holiday-v%d.%s" % (version, "xml" if form is Xml else "json")
-        with open(os.path.join(folder, name), "w", encoding="utf-8", newline="\n") as out:
-            out.write(form(film.build(), version).text())
+        write(os.path.join(folder, name), form(film.build(), version).text())
+    for version in BUNDLES:
+        bundle = os.path.join(folder, "holiday-v%d-bundle" % version)
+        os.makedirs(bundle, exist_ok=True)
+        write(os.path.join(bundle, "holiday.xml"), Xml(TitlesFilm(version, Xml).build(), version).text())
+        for name, content in TitlesFilm.side_files.items():
+            write(os.path.join(bundle, name), content)
 
 
 if __name__ == "__main__":

@@ -68,7 +68,9 @@ void writeFile(const QString& path, const QByteArray& bytes) {
         return;
     }
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
+    // commit() passes over what goes wrong with bytes that are still buffered, such as a full disk.
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush() ||
+        !file.commit())
         fail(Problem::Unwritable, path, file.errorString());
     syncFolder(path);
 }

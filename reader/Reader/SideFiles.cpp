@@ -79,7 +79,13 @@ bool SideFiles::write(const QString& name, const QByteArray& content) const {
     if (m_folder.isEmpty())
         return false;
     const QString path = QDir(m_folder).filePath(name);
-    if (!m_replace && (QFileInfo::exists(path) || QFileInfo(path).isSymLink())) {
+    const QFileInfo present(path);
+    // A link would be followed out of the folder, and a pipe waited for.
+    if (present.isSymLink() || (present.exists() && !present.isFile())) {
+        refuse(name, "refused, since no regular file is there, so the text stays in the document");
+        return false;
+    }
+    if (!m_replace && present.exists()) {
         refuse(name, "exists already, so the text stays in the document; --force replaces the file");
         return false;
     }

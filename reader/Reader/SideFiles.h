@@ -17,7 +17,7 @@ public:
     /// The content of a file; nothing for one that is refused or can't be read.
     QByteArray read(const QString& name) const;
 
-    /// Writes a file as a whole or not at all; whether it is there now.
+    /// Writes a file as a whole or not at all, and never through a link; whether it is there now.
     bool write(const QString& name, const QByteArray& content) const;
 
 private:

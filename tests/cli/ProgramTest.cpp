@@ -301,6 +301,29 @@ TEST_F(ProgramTest, BundlesAreReadAndWritten) {
     expectFailure({"migrate", "old"}, 3, "name the file");
 }
 
+TEST_F(ProgramTest, ABundleTravelsToAnotherAndIsReadAgain) {
+    const QString sample = QString::fromStdString((Tests::samplesFolder() / "holiday-v20-bundle").string());
+    ASSERT_TRUE(QDir(m_folder.path()).mkdir("new"));
+    ASSERT_TRUE(QDir(m_folder.path()).mkdir("again"));
+    const Outcome first = run({"migrate", sample, "--bundle", "new"});
+    EXPECT_EQ(first.exitCode, 0) << first.err.toStdString();
+    EXPECT_TRUE(first.err.contains("Need quiz overlay preset")) << first.err.toStdString();
+    EXPECT_FALSE(first.err.contains("side file")) << first.err.toStdString();
+    const QStringList sideFiles = {"content_1.svg", "content_2.svg", "content_3.svg", "content_4.svg"};
+    EXPECT_EQ(QDir(path("new")).entryList(QDir::Files, QDir::Name),
+              sideFiles + QStringList("holiday.v77.json"));
+    EXPECT_EQ(run({"migrate", "new", "--bundle", "again"}).exitCode, 0);
+    EXPECT_EQ(read("again/holiday.v77.v77.json"), read("new/holiday.v77.json"));
+    for (const QString& name : sideFiles)
+        EXPECT_EQ(read("again/" + name), read("new/" + name)) << name.toStdString();
+}
+
+TEST_F(ProgramTest, AProjectThatIsNotWrittenLeavesNoSideFiles) {
+    const QString sample = QString::fromStdString((Tests::samplesFolder() / "holiday-v20-bundle").string());
+    expectFailure({"migrate", sample, "--bundle", ".", "--strict"}, 14, "not written");
+    EXPECT_EQ(files(), QStringList());
+}
+
 TEST_F(ProgramTest, SideFilesOutsideTheFolderAreRefused) {
     ASSERT_TRUE(QDir(m_folder.path()).mkpath("old/content_sub"));
     write("secret.svg", "<svg>secret</svg>");

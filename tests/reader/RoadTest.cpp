@@ -1,6 +1,7 @@
 #include "Reader/Road.h"
 #include "support/Compare.h"
 #include "support/Files.h"
+#include "support/Film.h"
 #include "support/Paths.h"
 
 #include <gmock/gmock.h>
@@ -21,10 +22,20 @@ using Reader::Report;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using Tests::clipNamed;
+using Tests::expectClips;
+using Tests::ExpectedClip;
+using Tests::ExpectedTimeline;
+using Tests::expectTransitions;
+using Tests::Project;
+using Tests::sinceCollections;
+using Tests::sinceQuizzes;
+using Tests::sinceScenes;
+using Tests::Strings;
+using Tests::textsOf;
+using Tests::timingOf;
 
 namespace {
-
-using Strings = std::vector<std::string>;
 
 enum class Cut { Short, Long };
 
@@ -44,12 +55,6 @@ constexpr Sample samples[] = {
     {"holiday-v62.xml", 62, true, Cut::Short},  {"holiday-v63.json", 63, false, Cut::Short},
     {"holiday-v70.json", 70, false, Cut::Long}, {"holiday-v76.json", 76, false, Cut::Long},
 };
-
-/// The samples at some of whose versions something is there that earlier ones do not have.
-constexpr int always = 0;
-constexpr int sinceScenes = 12;      // nested timelines
-constexpr int sinceQuizzes = 21;     // and gates, phones and pitches
-constexpr int sinceCollections = 35; // and LUTs
 
 QByteArray bytesOf(const Sample& sample) {
     return QByteArray::fromStdString(Tests::readFile(Tests::samplesFolder() / sample.file));
@@ -76,92 +81,6 @@ Result migrated(const QByteArray& bytes, int to = Reader::currentVersion) {
     result.bytes = Reader::save(std::move(document), journey, result.report).bytes;
     return result;
 }
-
-/// A saved project at the newest version, read the way that a user looks at it.
-class Project {
-public:
-    explicit Project(const QByteArray& bytes) : m_document(Reader::parse(bytes, QStringLiteral("holiday"))) {}
-
-    const Document& document() const { return m_document; }
-    const json& root() const { return at(m_document.json().root); }
-    const std::map<unsigned long long, json>& objects() const { return m_document.json().flat.objects; }
-    const json& at(unsigned long long id) const { return objects().at(id); }
-
-    /// What a reference leads to; the value itself where it is no reference.
-    const json& follow(const json& value) const {
-        const auto id = Serialize::Json::getReferenceObjectId(value);
-        return id ? at(*id) : value;
-    }
-    const json& follow(const json& object, const std::string& key) const { return follow(object.at(key)); }
-
-    std::vector<const json*> all(const std::string& className) const {
-        std::vector<const json*> found;
-        for (const auto& [id, object] : objects()) {
-            if (classOf(object) == className)
-                found.push_back(&object);
-        }
-        return found;
-    }
-
-    const json& timeline(const std::string& name) const {
-        for (const json* timeline : all("Timeline::Object")) {
-            if (timeline->at("name") == name)
-                return *timeline;
-        }
-        throw std::runtime_error("no timeline " + name);
-    }
-
-    static std::string classOf(const json& object) {
-        return Serialize::Json::getClassName(object).value_or(std::string());
-    }
-
-    /// The part of an object that its innermost base class holds.
-    const json& innermost(const json& object) const {
-        const json* part = &object;
-        for (bool isFound = true; isFound;) {
-            isFound = false;
-            for (const auto& [key, value] : part->items()) {
-                const json& target = follow(value);
-                if (target.is_object() && classOf(target) == key) {
-                    part = &target;
-                    isFound = true;
-                    break;
-                }
-            }
-        }
-        return *part;
-    }
-
-private:
-    Document m_document;
-};
-
-// The film as a user knows it. Lanes count the timeline's tracks from the first.
-
-struct ExpectedClip {
-    const char* name;
-    int type;
-    std::int64_t timestamp;
-    std::int64_t duration;
-    std::size_t lane;
-    Strings effects;
-    int since = always;
-};
-
-struct ExpectedTransition {
-    const char* className;
-    const char* from; ///< null for none
-    const char* to;
-    int since = always;
-};
-
-struct ExpectedTimeline {
-    const char* name;
-    std::vector<int> lanes; ///< the types of the tracks
-    std::vector<ExpectedClip> clips;
-    std::vector<ExpectedTransition> transitions;
-    int since = always;
-};
 
 // clang-format off
 /// Track types are 1 for the primary track, 4 for sound, 8 for pictures over it, 16 for titles.
@@ -228,110 +147,6 @@ const std::vector<ExpectedTimeline>& filmOf(const Sample& sample) {
     return sample.cut == Cut::Short ? shortCut : longCut;
 }
 
-/// The classes of a clip's effects that a sample of that version has.
-Strings effectsSince(const ExpectedClip& clip, int version) {
-    Strings effects;
-    for (const std::string& name : clip.effects) {
-        const bool isLate = (name == "Lut" && version < sinceCollections) ||
-                            ((name == "AudioNoiseGate" || name == "AudioPhone" || name == "AudioPitch") &&
-                             version < sinceQuizzes);
-        if (!isLate)
-            effects.push_back("Effect::" + name);
-    }
-    return effects;
-}
-
-/// The type of a clip in a sample of that version: what is a scene was a video before there were any.
-int typeSince(const ExpectedClip& clip, int version) {
-    if (clip.type == 0)
-        return version < sinceScenes ? 1 : 64;
-    return clip.type;
-}
-
-Strings effectsOf(const Project& project, const json& clip) {
-    Strings names;
-    for (const json& effect : clip.at("effects"))
-        names.push_back(Project::classOf(project.follow(effect)));
-    return names;
-}
-
-void expectClips(const Project& project, const ExpectedTimeline& expected, int version) {
-    const json& timeline = project.timeline(expected.name);
-    std::vector<unsigned long long> lanes;
-    std::vector<int> types;
-    for (const json& track : timeline.at("tracks")) {
-        lanes.push_back(Serialize::Json::getAnyObjectId(track).value());
-        types.push_back(project.at(lanes.back()).at("type").get<int>());
-    }
-    EXPECT_EQ(types, expected.lanes);
-    ASSERT_EQ(std::set(lanes.begin(), lanes.end()).size(), lanes.size());
-
-    std::map<std::string, const json*> entries;
-    for (const json& entry : timeline.at("clips")) {
-        const std::string name = project.follow(entry, "clip").at("name");
-        EXPECT_TRUE(entries.emplace(name, &entry).second) << name << " is there twice";
-    }
-    std::size_t count = 0;
-    for (const ExpectedClip& clip : expected.clips) {
-        if (version < clip.since)
-            continue;
-        ++count;
-        SCOPED_TRACE(clip.name);
-        const auto entry = entries.find(clip.name);
-        if (entry == entries.end()) {
-            ADD_FAILURE() << "the clip is lost";
-            continue;
-        }
-        const json& object = project.follow(*entry->second, "clip");
-        const json& timing = project.follow(*entry->second, "timing");
-        EXPECT_EQ(object.at("type"), typeSince(clip, version));
-        EXPECT_EQ(timing.at("timestamp"), clip.timestamp);
-        EXPECT_EQ(timing.at("duration"), clip.duration);
-        const auto lane = std::find(lanes.begin(), lanes.end(),
-                                    Serialize::Json::getAnyObjectId(timing.at("track")).value_or(0));
-        EXPECT_EQ(static_cast<std::size_t>(lane - lanes.begin()), clip.lane);
-        EXPECT_EQ(effectsOf(project, object), effectsSince(clip, version));
-        EXPECT_EQ(Serialize::Json::getAnyObjectId(object.at("timeline")),
-                  Serialize::Json::getObjectId(timeline));
-    }
-    EXPECT_EQ(entries.size(), count);
-}
-
-void expectTransitions(const Project& project, const ExpectedTimeline& expected, int version) {
-    const auto nameOf = [&](const json& clip) -> std::string {
-        return clip.is_null() ? "none" : project.follow(clip).at("name").get<std::string>();
-    };
-    Strings found;
-    for (const json& entry : project.timeline(expected.name).at("transitions"))
-        found.push_back(Project::classOf(project.follow(entry, "transition")) + ' ' +
-                        nameOf(entry.at("clipFrom")) + " to " + nameOf(entry.at("clipTo")));
-    Strings wanted;
-    for (const ExpectedTransition& transition : expected.transitions) {
-        if (version >= transition.since)
-            wanted.push_back(std::string(transition.className) + ' ' +
-                             (transition.from ? transition.from : "none") + " to " +
-                             (transition.to ? transition.to : "none"));
-    }
-    EXPECT_EQ(found, wanted);
-}
-
-/// The clip of that name on any timeline.
-const json& clipNamed(const Project& project, const std::string& name) {
-    for (const json* clip : project.all("Timeline::Clip")) {
-        if (clip->at("name") == name)
-            return *clip;
-    }
-    throw std::runtime_error("no clip " + name);
-}
-
-const json& timingOf(const Project& project, const std::string& timeline, const std::string& name) {
-    for (const json& entry : project.timeline(timeline).at("clips")) {
-        if (project.follow(entry, "clip").at("name") == name)
-            return project.follow(entry, "timing");
-    }
-    throw std::runtime_error("no timing of " + name);
-}
-
 /// An effect of a clip, by its class.
 const json& effectOf(const Project& project, const std::string& clip, const std::string& className) {
     for (const json& effect : clipNamed(project, clip).at("effects")) {
@@ -352,54 +167,6 @@ std::vector<double> matrixOf(const Project& project, const json& holder, const s
         numbers.push_back(matrix.at(name).get<double>());
     return numbers;
 }
-
-/// The texts of a title's items.
-Strings textsOf(const Project& project, const json& clip) {
-    Strings texts;
-    for (const json& item : project.follow(clip, "overlay").at("items")) {
-        const std::string encoded = project.follow(item).at("encodedText");
-        texts.push_back(QByteArray::fromBase64(QByteArray::fromStdString(encoded)).toStdString());
-    }
-    return texts;
-}
-
-/// The nested value of a saved project with the ids of its objects counted in walking order.
-class Renumbered {
-public:
-    static json of(const QByteArray& bytes) {
-        json value = json::parse(bytes.toStdString());
-        Renumbered numbers;
-        numbers.count(value);
-        numbers.replace(value);
-        return value;
-    }
-
-private:
-    static constexpr const char* reference = "@meta_reference";
-
-    void count(json& value) {
-        if (!value.is_structured())
-            return;
-        if (value.is_object() && value.contains("@meta")) {
-            json& id = value["@meta"]["object_id"];
-            id = m_numbers.emplace(id.get<unsigned long long>(), m_numbers.size() + 1).first->second;
-        }
-        for (json& member : value)
-            count(member);
-    }
-    void replace(json& value) {
-        if (!value.is_structured())
-            return;
-        if (value.is_object() && value.contains(reference)) {
-            value[reference] = m_numbers.at(value[reference].get<unsigned long long>());
-            return;
-        }
-        for (json& member : value)
-            replace(member);
-    }
-
-    std::map<unsigned long long, unsigned long long> m_numbers;
-};
 
 class RoadTest : public testing::TestWithParam<Sample> {
 protected:
@@ -490,22 +257,13 @@ TEST_P(RoadTest, TransitionsJoinTheirClips) {
 
 TEST_P(RoadTest, TimelinesKeepTheirLengths) {
     const Project film = project();
-    const auto lengthOf = [&](const char* name) {
-        std::int64_t length = 0;
-        for (const json& entry : film.timeline(name).at("clips")) {
-            const json& timing = film.follow(entry, "timing");
-            length = std::max(length, timing.at("timestamp").get<std::int64_t>() +
-                                          timing.at("duration").get<std::int64_t>());
-        }
-        return length;
-    };
     if (!isLong()) {
-        EXPECT_EQ(lengthOf("Holiday"), 28000);
+        EXPECT_EQ(Tests::lengthOf(film, "Holiday"), 28000);
     } else {
-        EXPECT_EQ(lengthOf("Holiday"), version() < sinceQuizzes ? 43750 : 48750);
+        EXPECT_EQ(Tests::lengthOf(film, "Holiday"), version() < sinceQuizzes ? 43750 : 48750);
     }
     if (isLong() && version() >= sinceScenes) {
-        EXPECT_EQ(lengthOf("Village"), 5000);
+        EXPECT_EQ(Tests::lengthOf(film, "Village"), 5000);
     }
 }
 
@@ -891,7 +649,7 @@ TEST_P(RoadTest, TheSameSampleGivesTheSameBytes) {
 }
 
 TEST_P(RoadTest, StoppingAnywhereLeadsToTheSameProject) {
-    const json atOnce = Renumbered::of(result().bytes);
+    const json atOnce = Tests::renumbered(result().bytes);
     const QByteArray bytes = bytesOf(GetParam());
     const int first = GetParam().isXml ? version() : std::max(version(), Reader::lastXmlVersion + 1);
     std::set<int> stops = {first, Reader::lastXmlVersion + 1}; // and behind the steps of each number
@@ -902,7 +660,7 @@ TEST_P(RoadTest, StoppingAnywhereLeadsToTheSameProject) {
             continue;
         const Result half = migrated(bytes, stop);
         const Result whole = migrated(half.bytes);
-        EXPECT_EQ(Tests::difference(atOnce, Renumbered::of(whole.bytes)), "") << "stopped at " << stop;
+        EXPECT_EQ(Tests::difference(atOnce, Tests::renumbered(whole.bytes)), "") << "stopped at " << stop;
         EXPECT_FALSE(whole.report.hasErrors()) << "stopped at " << stop;
         if (HasFailure())
             return;
@@ -922,7 +680,7 @@ TEST_P(RoadTest, TheOrderOfRootObjectsMeansNothing) {
     for (auto it = objects.rbegin(); it != objects.rend(); ++it)
         archive.appendChild(*it);
     const Result reversed = migrated(document.toByteArray(1));
-    EXPECT_EQ(Tests::difference(Renumbered::of(result().bytes), Renumbered::of(reversed.bytes)), "");
+    EXPECT_EQ(Tests::difference(Tests::renumbered(result().bytes), Tests::renumbered(reversed.bytes)), "");
 }
 
 /// The id of the track that a clip of the main timeline lies on.
@@ -962,6 +720,26 @@ TEST(QuizRoadTest, AnswersWithIdsOfTheProjectTakeNoReferencesAway) {
     const Result result = migrated(text.toUtf8());
     EXPECT_THAT(result.report.duplicateIds, ElementsAre(track.toULongLong()));
     expectClips(Project(result.bytes), longCut.front(), sample.version);
+}
+
+// A theme has no version of its own, and that of the archive does not matter.
+TEST(ThemeRoadTest, ThemesOfEveryArchiveAreBroughtUpToDate) {
+    Reader::useStandInFolders();
+    for (const int version : {3, 62}) {
+        const QByteArray archive =
+            "<Archive schemaVersion='" + QByteArray::number(version) +
+            "'><RootRef type='ObjectRef' value='2'/><RootObject type='Theme::Object' objectId='2'>"
+            "<transition type='ObjectRef' value='0'/></RootObject></Archive>";
+        QDomDocument document;
+        ASSERT_TRUE(document.setContent(migrated(archive, Reader::lastXmlVersion).bytes));
+        const QDomElement theme = document.documentElement().firstChildElement(QStringLiteral("RootObject"));
+        EXPECT_EQ(theme.attribute(QStringLiteral("type")), "Theme::Object");
+        EXPECT_TRUE(theme.firstChildElement(QStringLiteral("transition")).isNull()) << version;
+        const auto list = theme.firstChildElement(QStringLiteral("transitionsList"));
+        EXPECT_EQ(list.attribute(QStringLiteral("size")), "0") << version;
+        const auto least = theme.firstChildElement(QStringLiteral("minSceneDuration"));
+        EXPECT_EQ(least.attribute(QStringLiteral("value")), "1000") << version;
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Samples, RoadTest, testing::ValuesIn(samples), [](const auto& param) {
