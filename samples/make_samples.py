@@ -4,7 +4,8 @@
     python3 samples/make_samples.py        writes the files beside this script
 
 The short cut has three pictures and videos on the main track with a title before them, a transition, effects and
-one stabilised clip. The long cut has something of everything that changed on the way to the newest version. The cut
+one stabilised clip. The long cut has something of everything that changed on the way to the newest version; at version
+3 it has every class of effect on several clips, effects that two clips share and effects that no clip lists. The cut
 of titles is a bundle, some of whose texts lie in files beside the document. What a class holds at a version stands
 here, field by field; nothing is taken from a migration.
 """
@@ -73,10 +74,13 @@ def double_attributes(x):
 
 
 class Xml:
-    def __init__(self, root, version):
+    def __init__(self, root, version, loose=()):
+        """`loose` are root objects that nothing refers to."""
         self.lines, self.version = [], version
-        found = {root: None}
-        walk_fields(root, found)
+        found = {}
+        for obj in (root, *loose):
+            found[obj] = None
+            walk_fields(obj, found)
         for number, obj in enumerate(found, 2):
             obj.id = number
         self.next_id = len(found) + 2
@@ -257,6 +261,7 @@ class Film:
         self.version = version
         self.timeline = Object("Timeline::Object", [])
         self.tracks = {}
+        self.loose = []
 
     def since(self, number, *fields):
         return list(fields) if self.version >= number else []
@@ -915,11 +920,110 @@ class LongFilm(Film):
         elif self.version >= 69:
             words = "<html><body><span>Quiz</span></body></html>"
             entries.append((self.clip("SimpleText", 4, 5000, overlay=self.title(words)), self.timing(16, 43750, 5000)))
+        if self.version == 3:
+            entries += self.effects_reel(beach, boat, song)
+            self.loose = self.leftovers()
         links = [(fishermen, harbour_clip, 2000 if self.version < 22 else 1000), (narration, tower_clip, 1000)]
         transitions = [(first, opening, beach_clip), (second, beach_clip, harbour_clip), (third, boat_clip, tower_clip),
                        (last, sunset_clip, None)]
         self.fill(self.timeline, "Holiday", entries, self.tracks, links, transitions)
         return self.root([])
+
+    # Effects as version 3 had them: each class once more, shared, and left behind
+
+    def strength(self, class_name, n, field, value):
+        """An effect with a strength of its own; None for one that was saved without it."""
+        return self.effect(class_name, n, class_name, [] if value is None else [(field, real(value))])
+
+    def old_auto(self, magic, contrast, saturation, white):
+        return self.effect("AutoEnhance", 6, "AutoEnhance", [
+            ("magicEnhance", i32(magic)), ("autoContrast", i32(contrast)), ("autoSaturation", i32(saturation)),
+            ("autoWhiteBalance", i32(white))])
+
+    def old_crop(self, left, top, right, bottom):
+        return self.effect("Crop", 5, "effect_crop", [("keepAspect", boolean(True)), ("rect", embedded(rect(left, top, right, bottom)))])
+
+    def old_picture(self, left, top, size):
+        return self.effect("PictureInPicture", 12, "effect_pip", [
+            ("keepAspect", boolean(True)), ("offsetX", real(left)), ("offsetY", real(top)), ("scaleX", real(size)),
+            ("scaleY", real(size)), ("fadeInTime", i32(0)), ("fadeOutTime", i32(0))])
+
+    def old_split(self, mode):
+        return self.effect("SideBySide", 7, "effect_sbs", [("mode", i32(mode))])
+
+    def tiles(self, count):
+        return self.effect("PopArt", 4, "PopArt%dTiles" % count, [])
+
+    def near(self):
+        return self.effect("Zoom", 11, "Zoom", [
+            ("partIn", real(0.25)), ("partOut", real(0.25)), ("rect", embedded(rect(0.25, 0.25, 0.75, 0.75)))])
+
+    def across(self):
+        return self.effect("PanAndZoom", 11, "PanAndZoom", [
+            ("rectIn", embedded(rect(0, 0, 0.5, 0.5))), ("rectOut", embedded(rect(0.5, 0.5, 1, 1)))])
+
+    def sound(self, class_name, n, tag, fields, unique=32772):
+        return self.effect(class_name, n, tag, fields, unique=unique, base="Effect::AudioFilter")
+
+    def old_gate(self):
+        return self.effect("AudioNoiseGate", 10, "NoiseGate", [("range", real(0.25))], base="Effect::AudioEffect")
+
+    def phone(self, tag):
+        return self.sound("AudioPhone", 36, tag, [("gainUp", i32(10)), ("gainDown", i32(20))])
+
+    def pitch(self, tag, pitch):
+        return self.sound("AudioPitch", 37, tag, [("pitch", real(pitch))])
+
+    def effects_reel(self, video, turned, song):
+        """Short clips over the film and beside its song, each shown in full."""
+        soft, keyed, near, auto = self.blur(), self.chroma_key(), self.near(), self.old_auto(1, 1, 1, 1)
+        inset, hiss = self.old_picture(0, 0, 0.25), self.noise_removal()
+        pictures = [
+            ("Dunes", [soft, self.strength("Erosion", 16, "radius", 0.01), self.strength("FindEdges", 17, "blend", 0.5),
+                       self.strength("HalfTone", 18, "threshold", 0.25), self.strength("MotionBlur", 19, "scale", 0.75),
+                       self.strength("TiltShift", 20, "brns", 0.25)]),
+            ("Rain", [self.strength("Erosion", 16, "radius", 0.5), soft, self.strength("FindEdges", 17, "blend", None),
+                      self.strength("HalfTone", 18, "threshold", 0.75), self.strength("MotionBlur", 19, "scale", 0.5),
+                      self.strength("TiltShift", 20, "brns", None), self.grain(), self.sharpen()]),
+            ("Pier", [near, self.tiles(4)]),
+            ("Dock", [self.tiles(16), near]),
+            ("Mole", [self.near(), self.across(), self.tiles(25)]),  # of two zooms a clip keeps one
+            ("Lamp", [auto, self.grain()]),
+            ("Lens", [self.sharpen(), auto, self.manual_enhance()]),
+            ("Fog", [self.old_auto(0, 0, 0, 0)]),  # nothing was switched on
+            ("Keyhole", [self.old_mask(0, rect(0.5, 0, 1, 1)), self.old_mask(1, rect(0, 0, 1, 0.5))]),
+            ("Porthole", [self.old_mask(0, rect(0.25, 0.25, 0.75, 0.75))]),
+            ("Window", [inset, keyed]),
+            ("Door", [keyed, inset]),
+            ("Twins", [self.old_split(0), self.old_split(2)]),
+            ("Tide", [self.old_split(3), self.old_crop(0.5, 0, 1, 1)]),
+        ]
+        entries = []
+        for number, (name, effects) in enumerate(pictures):
+            entries.append((self.clip(name, 1, 500, video, effects=effects), self.timing(64, 21000 + 500 * number, 500, level=3)))
+        gulf = self.clip("Gulf", 1, 500, turned, stabilized=True, angle=-90)
+        upright = self.clip("Upright", 1, 500, turned, angle=720)
+        entries += [(gulf, self.timing(64, 28000, 500, level=3)), (upright, self.timing(64, 28500, 500, level=3))]
+        sounds = [
+            ("Cave", [self.sound("AudioEcho", 38, "Echo", []), self.sound("AudioReverberation", 39, "Cathedral", []),
+                      self.sound("AudioMuffle", 40, "Muffle", []), hiss, self.old_gate()], False),
+            ("Ship to shore", [hiss, self.equalizer(), self.sound("AudioRadio", 41, "Radio", []), self.phone("Phone"),
+                               self.pitch("PitchHigh", 2)], True),
+            ("Puppets", [self.pitch("PitchVeryHigh", 2), self.pitch("PitchOwn", 2), self.phone("Own"),
+                         self.sound("AudioEcho", 38, "Echo", [], unique=58), self.sound("AudioReverberation", 39, "Hall", []),
+                         self.sound("AudioMuffle", 40, "Wall", []), self.sound("AudioRadio", 41, "Radio", []), self.old_gate()], False),
+        ]
+        for number, (name, effects, normalized) in enumerate(sounds):
+            entries.append((self.clip(name, 3, 500, song, effects=effects, normalized=normalized),
+                            self.timing(48, 21000 + 500 * number, 500, level=3)))
+        return entries
+
+    def leftovers(self):
+        """Effects that were taken off their clips and saved all the same."""
+        return [self.blur(), self.near(), self.across(), self.old_mask(1, rect(0, 0, 0.5, 1)), self.old_mask(0, rect(0, 0, 1, 1)),
+                self.old_auto(1, 0, 1, 0), self.manual_enhance(), self.chroma_key(), self.old_picture(0.5, 0.5, 0.5),
+                self.old_split(2), self.old_crop(0, 0, 0.5, 1), self.tiles(9), self.noise_removal(), self.phone("Phone"),
+                self.pitch("PitchLow", 2)]
 
     # The project
 
@@ -1084,7 +1188,9 @@ def main():
     films += [(LongFilm(version, form), version, form) for version, form in LONG_CUTS]
     for film, version, form in films:
         name = "holiday-v%d.%s" % (version, "xml" if form is Xml else "json")
-        write(os.path.join(folder, name), form(film.build(), version).text())
+        root = film.build()
+        document = Xml(root, version, film.loose) if form is Xml else Json(root, version)
+        write(os.path.join(folder, name), document.text())
     for version in BUNDLES:
         bundle = os.path.join(folder, "holiday-v%d-bundle" % version)
         os.makedirs(bundle, exist_ok=True)

@@ -16,9 +16,9 @@ Strings effectsSince(const ExpectedClip& clip, int version) {
     for (const std::string& name : clip.effects) {
         const bool isLate = (name == "Lut" && version < sinceCollections) ||
                             ((name == "AudioNoiseGate" || name == "AudioPhone" || name == "AudioPitch") &&
-                             version < sinceQuizzes);
+                             version < sinceQuizzes && !clip.isOfReel);
         if (!isLate)
-            effects.push_back("Effect::" + name);
+            effects.push_back(name.empty() ? name : "Effect::" + name);
     }
     return effects;
 }
@@ -95,7 +95,7 @@ void expectClips(const Project& project, const ExpectedTimeline& expected, int v
     }
     std::size_t count = 0;
     for (const ExpectedClip& clip : expected.clips) {
-        if (version < clip.since)
+        if (!isThere(clip, version))
             continue;
         ++count;
         SCOPED_TRACE(clip.name);

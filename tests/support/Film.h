@@ -23,6 +23,9 @@ constexpr int sinceScenes = 12;      // nested timelines
 constexpr int sinceQuizzes = 21;     // and gates, phones and pitches
 constexpr int sinceCollections = 35; // and LUTs
 
+/// The one sample with every class of effect on several clips, shared ones and some that no clip lists.
+constexpr int reelVersion = 3;
+
 /// A saved project at the newest version, read the way that a user looks at it.
 class Project {
 public:
@@ -94,9 +97,14 @@ struct ExpectedClip {
     std::int64_t timestamp;
     std::int64_t duration;
     std::size_t lane;
-    Strings effects;
+    Strings effects; ///< an empty text for one that is not there any more
     int since = always;
+    bool isOfReel = false;
 };
+
+inline bool isThere(const ExpectedClip& clip, int version) {
+    return clip.isOfReel ? version == reelVersion : version >= clip.since;
+}
 
 struct ExpectedTransition {
     const char* className;

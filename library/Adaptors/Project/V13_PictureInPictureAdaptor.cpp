@@ -1,5 +1,6 @@
 #include "Adaptors/Project/V13_PictureInPictureAdaptor.h"
 
+#include "Archive/Internal/StoredDouble.h"
 #include "Archive/Internal/TransformedEffects.h"
 #include "Archive/Internal/Transforms.h"
 #include "Archive/Xml.h"
@@ -9,12 +10,10 @@
 namespace Project {
 namespace {
 
-namespace Words = Archive::Words;
-
 double takeDouble(QDomElement& effect, const QString& name) {
-    const QString stored = effect.firstChildElement(name).attribute(Words::binaryData);
+    const double stored = Archive::Internal::doubleIn(effect, name);
     Archive::removeFirstChild(effect, name);
-    return Archive::extractValue(stored, 0.0);
+    return stored;
 }
 
 long long takeTime(QDomElement& effect, const QString& name) {

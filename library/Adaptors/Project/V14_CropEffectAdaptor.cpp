@@ -2,6 +2,7 @@
 
 #include "Archive/Internal/PredeclarationEdits.h"
 #include "Archive/Internal/RootObjects.h"
+#include "Archive/Internal/StoredDouble.h"
 #include "Archive/Internal/TransformedEffects.h"
 #include "Archive/Internal/Transforms.h"
 #include "Archive/Xml.h"
@@ -12,19 +13,16 @@ namespace Project {
 namespace {
 
 namespace Words = Archive::Words;
+using Archive::Internal::doubleIn;
 using Archive::Internal::idOf;
-
-double valueIn(const QDomElement& rect, const QString& name) {
-    return Archive::extractValue(rect.firstChildElement(name).attribute(Words::binaryData), 0.0);
-}
 
 /// The matrix that brings the part of the frame in the rectangle to the whole frame. Each axis has its own
 /// scale. A rectangle without extent gives the identity.
 QTransform transformOf(const QDomElement& rect) {
-    const double left = valueIn(rect, QStringLiteral("left"));
-    const double top = valueIn(rect, QStringLiteral("top"));
-    const double w = valueIn(rect, QStringLiteral("right")) - left;
-    const double h = valueIn(rect, QStringLiteral("bottom")) - top;
+    const double left = doubleIn(rect, QStringLiteral("left"));
+    const double top = doubleIn(rect, QStringLiteral("top"));
+    const double w = doubleIn(rect, QStringLiteral("right")) - left;
+    const double h = doubleIn(rect, QStringLiteral("bottom")) - top;
     const QTransform matrix = QTransform::fromScale(w, h) *
                               QTransform::fromTranslate(w * 0.5 + (left - 0.5), h * 0.5 + (top - 0.5));
     return matrix.inverted();

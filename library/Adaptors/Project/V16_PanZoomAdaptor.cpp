@@ -1,7 +1,8 @@
 #include "Adaptors/Project/V16_PanZoomAdaptor.h"
 
 #include "Archive/Internal/ObjectIds.h"
-#include "Archive/Internal/Predeclarations.h"
+#include "Archive/Internal/RootObjects.h"
+#include "Archive/Internal/StoredDouble.h"
 #include "Archive/Internal/Transforms.h"
 #include "Archive/Internal/Walk.h"
 #include "Archive/Xml.h"
@@ -18,8 +19,10 @@
 
 namespace Words = Archive::Words;
 
+using Archive::Internal::doubleIn;
 using Archive::Internal::Elements;
 using Archive::Internal::identityTransform;
+using Archive::Internal::idOf;
 using Stored::V14::Transform;
 
 namespace Project {
@@ -52,21 +55,12 @@ struct KeyValueIds {
     TransformationIds transformation;
 };
 
-long long idOf(const QDomElement& object) {
-    return Archive::extractValue(object.attribute(Words::objectId), 0LL);
-}
-
 long long numberIn(const QDomElement& e) {
     return Archive::extractValue(e.attribute(Words::value), 0LL);
 }
 
 MTime timeIn(const QDomElement& parent, const QString& name) {
     return Archive::extractValue(Archive::valueOf(parent, name), MTime(0));
-}
-
-double doubleIn(const QDomElement& parent, const QString& name) {
-    // Whatever the element's type says.
-    return Archive::extractValue(parent.firstChildElement(name).attribute(Words::binaryData), 0.0);
 }
 
 /// The matrix that brings the rectangle up to fill the frame.

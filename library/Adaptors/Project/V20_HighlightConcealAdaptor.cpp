@@ -1,8 +1,10 @@
 #include "Adaptors/Project/V20_HighlightConcealAdaptor.h"
 
+#include "Archive/Internal/EffectObject.h"
 #include "Archive/Internal/ObjectIds.h"
 #include "Archive/Internal/Outline.h"
 #include "Archive/Internal/PredeclarationEdits.h"
+#include "Archive/Internal/StoredDouble.h"
 #include "Archive/Internal/Transforms.h"
 #include "Archive/Internal/Walk.h"
 #include "Archive/Xml.h"
@@ -15,6 +17,7 @@
 
 namespace Words = Archive::Words;
 
+using Archive::Internal::doubleIn;
 using Archive::Internal::PredeclarationEdits;
 
 namespace Project {
@@ -60,11 +63,6 @@ int intIn(const QDomElement& parent, const QString& name) {
     return Archive::valueOf(parent, name).toInt();
 }
 
-double doubleIn(const QDomElement& parent, const QString& name) {
-    // Whatever the element's type says.
-    return Archive::extractValue(parent.firstChildElement(name).attribute(Words::binaryData), 0.0);
-}
-
 Mask readMask(const QDomElement& effect) {
     const QDomElement rect = effect.firstChildElement(QStringLiteral("rect"));
     Mask mask;
@@ -89,7 +87,7 @@ Stored::V14::Transform placement(const Mask& mask) {
 }
 
 void rename(QDomElement& effect, const Kind& kind) {
-    const QDomElement object = Archive::Internal::childAt(effect, {Words::BaseOfObject, Words::BaseOfObject});
+    const QDomElement object = Archive::Internal::innerBase(effect);
     Archive::setValueOf(object, QStringLiteral("id"), QString::fromLatin1(kind.number));
     Archive::setValueOf(object, QStringLiteral("uniqueId"), QString::fromLatin1(kind.number));
     Archive::setValueOf(object, QStringLiteral("tag"), QString::fromLatin1(kind.tag));

@@ -221,9 +221,8 @@ void Impl::insertRefs(QDomElement effects, const std::vector<NewRef>& refs) {
 
 void Impl::updateUniqueIds() {
     for (const QDomElement& effect : m_manualEffects) {
-        const QDomElement object =
-            Archive::Internal::childAt(effect, {Words::BaseOfObject, Words::BaseOfObject});
-        Archive::setValueOf(object, QStringLiteral("uniqueId"), manualEnhanceId);
+        Archive::setValueOf(Archive::Internal::innerBase(effect), QStringLiteral("uniqueId"),
+                            manualEnhanceId);
     }
 }
 

@@ -1,5 +1,6 @@
 #include "Adaptors/Project/V41_CutawayToPictureInPictureAdaptor.h"
 
+#include "Archive/Internal/EffectObject.h"
 #include "Archive/Internal/TransformedEffects.h"
 #include "Archive/Internal/Transforms.h"
 #include "Archive/Xml.h"
@@ -15,7 +16,7 @@ const QString pictureInPicture = QStringLiteral("Effect::PictureInPicture");
 
 void becomePictureInPicture(QDomElement& effect) {
     effect.setAttribute(Words::type, pictureInPicture);
-    const QDomElement object = Archive::Internal::childAt(effect, {Words::BaseOfObject, Words::BaseOfObject});
+    const QDomElement object = Archive::Internal::innerBase(effect);
     Archive::setValueOf(object, QStringLiteral("id"), QStringLiteral("f60a32dd-2591-4cd3-859a-69f9c6a6838f"));
     Archive::setValueOf(object, QStringLiteral("tag"), QStringLiteral("effect_cutaway"));
     // `uniqueId` stays that of the cutaway, and the types of the fields stay what they were.
