@@ -18,3 +18,13 @@ function(project_adaptors_library target)
     target_include_directories(${target} PUBLIC "${CMAKE_CURRENT_SOURCE_DIR}")
     project_adaptors_settings(${target})
 endfunction()
+
+# Documents are masses of small nodes, and after tens of thousands of them were freed the C library's allocator
+# stops to sort what it has. A program links this one instead where it is there and no sanitizer brings its own.
+find_library(PROJECT_ADAPTORS_JEMALLOC jemalloc)
+function(project_adaptors_allocator target)
+    if(PROJECT_ADAPTORS_JEMALLOC AND NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
+        target_link_libraries(${target} PRIVATE
+            -Wl,--push-state,--no-as-needed "${PROJECT_ADAPTORS_JEMALLOC}" -Wl,--pop-state)
+    endif()
+endfunction()

@@ -19,6 +19,13 @@ void setSize(QDomElement& array, long long size) {
     array.setAttribute(Words::size, QString::number(size));
 }
 
+/// Most keep the index that they have, and reading it is far cheaper than writing it.
+void setIndex(QDomElement& item, long long index) {
+    const QString text = QString::number(index);
+    if (item.attribute(Words::index) != text)
+        item.setAttribute(Words::index, text);
+}
+
 QDomElement takeOrMakeArray(QDomDocument& doc, QDomElement& parent, const QString& name) {
     QDomElement array = parent.firstChildElement(name);
     if (array.isNull()) {
@@ -95,7 +102,7 @@ bool removeItemsFromList(QDomElement& array, const std::function<bool(QDomElemen
         if (pred(data))
             victims.push_back(item);
         else
-            item.setAttribute(Words::index, QString::number(++index)); // also where nothing goes in the end
+            setIndex(item, ++index); // also where nothing goes in the end
     }
     if (victims.empty())
         return false;

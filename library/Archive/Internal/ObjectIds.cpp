@@ -60,6 +60,16 @@ std::optional<GreatestId> searchGreatestId(const QDomElement& top) {
     return greatest;
 }
 
+GreatestId searchGreatestIdOfPlain(const QDomElement& top) {
+    GreatestId greatest;
+    for (QDomNode node = top; !node.isNull(); node = nextInDocument(node, top)) {
+        const QDomElement e = node.toElement();
+        if (const long long id = e.attribute(Words::objectId).toLongLong(); id > greatest.id)
+            greatest = {id, e};
+    }
+    return greatest;
+}
+
 std::optional<GreatestId> searchGreatestId(const QDomDocument& document) {
     if (!document.doctype().name().isEmpty())
         return std::nullopt; // it is written in front, and is no child of the document

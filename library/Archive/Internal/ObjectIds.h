@@ -27,6 +27,9 @@ struct GreatestId {
 std::optional<GreatestId> searchGreatestId(const QDomDocument& document);
 std::optional<GreatestId> searchGreatestId(const QDomElement& top);
 
+/// The same for an element in which the first form once found all plain, and nothing doubtful came since.
+GreatestId searchGreatestIdOfPlain(const QDomElement& top);
+
 /// What getMaxObjectId() gives for the document's toByteArray(1), without writing the text where the tree can
 /// tell as well.
 long long maxObjectId(const QDomDocument& document);

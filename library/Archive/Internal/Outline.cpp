@@ -39,7 +39,7 @@ void Outline::created(const QDomElement& e) {
 
 void Outline::wrote(const QString& text) {
     if (standing && !isPlainText(text))
-        standing->m_greatest.reset();
+        standing->doubtTexts();
 }
 
 void Outline::adopted(const QDomElement& e) {
@@ -47,7 +47,7 @@ void Outline::adopted(const QDomElement& e) {
     if (!outline)
         return;
     if (!searchGreatestId(e))
-        outline->m_greatest.reset();
+        outline->doubtTexts();
     for (QDomNode node = e; !node.isNull(); node = nextInDocument(node, e)) {
         if (node.isElement())
             outline->m_created.push_back(node.toElement());
@@ -67,8 +67,13 @@ void Outline::forget(const QDomDocument& document) {
 void Outline::clear() {
     m_archive.reset();
     m_lists.reset();
-    m_greatest.reset();
+    doubtTexts();
     m_created.clear();
+}
+
+void Outline::doubtTexts() {
+    m_isPlain = false;
+    m_greatest.reset();
 }
 
 bool Outline::isUpToDate() {
@@ -192,7 +197,8 @@ std::optional<QDomElement> Outline::soleArchive() {
 std::optional<long long> Outline::greatestId() {
     update();
     if (!m_greatest)
-        m_greatest = searchGreatestId(m_document);
+        m_greatest = m_isPlain ? searchGreatestIdOfPlain(*m_archive) : searchGreatestId(m_document);
+    m_isPlain = m_greatest && !m_archive->isNull();
     return m_greatest ? std::optional(m_greatest->id) : std::nullopt;
 }
 

@@ -69,6 +69,7 @@ private:
     void update();
     void markUpToDate();
     void clear();
+    void doubtTexts();
     void findArchive();
     bool dropRemoved();
     void dropRemoved(Elements& list, const QString& tag);
@@ -87,6 +88,7 @@ private:
 
     std::optional<QDomElement> m_archive; ///< the sole `Archive` where it is the document element, else null
     std::optional<Lists> m_lists;
+    bool m_isPlain = false; ///< the tree says all that its text would
     std::optional<GreatestId> m_greatest;
     std::size_t m_hopsLeft = 0; ///< of an update, from nodes towards the archive
     Elements m_created;         ///< since the last update, and those that were still outside the tree then
