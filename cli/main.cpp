@@ -12,6 +12,7 @@
 #include <CLI/CLI.hpp>
 #include <glog/logging.h>
 
+#include <csignal>
 #include <iostream>
 #include <optional>
 #include <string>
@@ -21,6 +22,7 @@ using Reader::Problem;
 namespace {
 
 constexpr int usageError = 2;
+constexpr int hasFindings = 17;
 
 constexpr const char* exitCodes = R"(
 Exit codes:
@@ -34,7 +36,8 @@ Exit codes:
   10  JSON that is no project             11  no usable schema version: give --from N
   12  a version that can't be migrated    13  a step failed
   14  --strict: a step reported an error or a clip was lost; nothing was written
-  15  the output can't be written         16  the output exists: give --force)";
+  15  the output can't be written         16  the output exists: give --force
+  17  verify found something)";
 
 /// What the command line said.
 struct Arguments {
@@ -42,6 +45,7 @@ struct Arguments {
     std::string output;
     std::string step;
     std::string bundle;
+    std::string folder;
     std::string packagesRoot;
     std::string aiModelsRoot;
     std::string downloadableRoot;
@@ -123,6 +127,10 @@ void refuseExisting(const Arguments& arguments, const QString& output) {
                                 ": exists already; give --force to replace it, or -o another name");
 }
 
+Reader::Existing forExisting(const Arguments& arguments) {
+    return arguments.force ? Reader::Existing::Replace : Reader::Existing::Refuse;
+}
+
 /// Paths inside a project count from the folder of its file; from the working folder where there is no file.
 QString projectLocation(const QString& file, const QString& otherwise) {
     if (!isStandardStream(file))
@@ -152,8 +160,11 @@ int migrate(const Arguments& arguments) {
                                   Reader::SideFiles(folderOf(input)),
                                   Reader::SideFiles(folderOf(output), arguments.force),
                                   !arguments.bundle.empty()};
-    const QByteArray bytes = Reader::readFile(input);
-    Reader::Document document = Reader::parse(bytes, journey.name, arguments.from);
+    std::optional<Reader::FileInPlace> file;
+    if (arguments.inPlace)
+        file.emplace(input);
+    Reader::Document document =
+        Reader::parse(file ? file->bytes() : Reader::readFile(input), journey.name, arguments.from);
     Reader::Report report = Reader::migrate(document, journey);
     const Reader::Serialized result = Reader::save(std::move(document), journey, report);
 
@@ -164,12 +175,19 @@ int migrate(const Arguments& arguments) {
                             journey.name.toStdString() +
                                 ": not written, since --strict lets no error and no loss pass");
     }
-    if (arguments.inPlace)
-        summary.backup = Reader::keepBackup(output, bytes);
-    Reader::writeFile(output, result.bytes);
+    if (file)
+        summary.backup = file->replace(result.bytes);
+    else
+        Reader::writeFile(output, result.bytes, forExisting(arguments));
     summary.output = isStandardStream(output) ? QStringLiteral("standard output") : output;
     tell(arguments, output, summary);
     return 0;
+}
+
+void printLog(const Reader::Report& report) {
+    for (const Reader::LogLine& line : report.log)
+        std::cerr << (line.isError() ? Terminal::red("error") : Terminal::yellow("warning")) << ": "
+                  << line.step << ": " << line.text << '\n';
 }
 
 int run(const Arguments& arguments) {
@@ -186,10 +204,8 @@ int run(const Arguments& arguments) {
                                   Reader::SideFiles(folderOf(output), arguments.force)};
     Reader::Document document = Reader::parse(Reader::readFile(input), journey.name, arguments.from);
     const Reader::Report report = Reader::runOne(document, arguments.step, journey);
-    for (const Reader::LogLine& line : report.log)
-        std::cerr << (line.isError() ? Terminal::red("error") : Terminal::yellow("warning")) << ": "
-                  << line.step << ": " << line.text << '\n';
-    Reader::writeFile(output, Reader::serialize(std::move(document)).bytes);
+    printLog(report);
+    Reader::writeFile(output, Reader::serialize(std::move(document)).bytes, forExisting(arguments));
     return 0;
 }
 
@@ -198,6 +214,35 @@ int info(const Arguments& arguments) {
     const QString name = nameOf(input);
     const Reader::Document document = Reader::parse(Reader::readFile(input), name, arguments.from);
     std::cout << (arguments.json ? infoAsJson(document, name) : infoAsText(document, name));
+    return 0;
+}
+
+int verify(const Arguments& arguments) {
+    const QString input = inputFor(arguments);
+    const QString name = nameOf(input);
+    const auto findings = Reader::verify(Reader::parse(Reader::readFile(input), name, arguments.from));
+    std::cout << (arguments.json ? findingsAsJson(findings, name) : findingsAsText(findings, name));
+    return findings.empty() ? 0 : hasFindings;
+}
+
+int trace(const Arguments& arguments) {
+    const QString input = inputFor(arguments);
+    useFolders(arguments);
+    const QString location = projectLocation(input, Reader::standardStream);
+    Reader::Trace trace(path(arguments.folder), forExisting(arguments));
+    Reader::Journey journey{nameOf(input), location, location, arguments.to,
+                            Reader::SideFiles(folderOf(input))};
+    journey.watch = [&](const std::string& name, const Reader::Document& document) {
+        trace.note(name, document);
+    };
+    Reader::Document document = Reader::parse(Reader::readFile(input), journey.name, arguments.from);
+    try {
+        printLog(Reader::migrate(document, journey));
+    } catch (const Reader::Error&) {
+        std::cout << traceAsText(trace); // what led up to a step that fails is what people look for
+        throw;
+    }
+    std::cout << traceAsText(trace);
     return 0;
 }
 
@@ -300,6 +345,31 @@ void addInfo(CLI::App& app, Arguments& arguments) {
     command->callback([&] { throw CLI::RuntimeError(info(arguments)); });
 }
 
+void addVerify(CLI::App& app, Arguments& arguments) {
+    CLI::App* command = app.add_subcommand(
+        "verify", "Look for faults in a document: references that lead nowhere, ids that two "
+                  "objects have, wrong counts, objects that nothing declares or reaches");
+    addFile(command, arguments);
+    command->add_flag("--json", arguments.json, "Print JSON");
+    command->footer("Exits with 17 where something is found.\nExample:\n  adaptors verify film.v77.json");
+    command->callback([&] { throw CLI::RuntimeError(verify(arguments)); });
+}
+
+void addTrace(CLI::App& app, Arguments& arguments) {
+    CLI::App* command = app.add_subcommand(
+        "trace",
+        "Migrate and write the document after each step that changed it, to find the step that broke it");
+    addFile(command, arguments);
+    command->add_option("--output-dir", arguments.folder, "Where the documents go; made where it is missing")
+        ->required();
+    addFrom(command, arguments);
+    addTo(command, arguments, "The schema version to stop at");
+    command->add_flag("--force", arguments.force, "Replace documents that exist");
+    addFolders(command, arguments);
+    command->footer("Example:\n  adaptors trace film.xml --output-dir steps --to 30");
+    command->callback([&] { throw CLI::RuntimeError(trace(arguments)); });
+}
+
 int runProgram(int argc, char** argv) {
     Arguments arguments;
     CLI::App app("Brings old projects of the video editor to the newest schema version.", "adaptors");
@@ -312,6 +382,8 @@ int runProgram(int argc, char** argv) {
     addSteps(app, arguments);
     addRun(app, arguments);
     addInfo(app, arguments);
+    addVerify(app, arguments);
+    addTrace(app, arguments);
     try {
         app.parse(argc, argv);
     } catch (const CLI::RuntimeError& done) {
@@ -337,6 +409,7 @@ int main(int argc, char** argv) {
     for (int severity = 0; severity < google::NUM_SEVERITIES; ++severity)
         google::SetLogDestination(severity, "");
     google::InitGoogleLogging(argv[0]);
+    std::signal(SIGXFSZ, SIG_IGN); // a file that grows too large is an error to report, not the end
     try {
         return runProgram(argc, argv);
     } catch (const Reader::Error& error) {

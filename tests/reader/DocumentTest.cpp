@@ -98,6 +98,7 @@ TEST(Parse, BrokenJsonNamesTheByte) {
     expectFailure("{\"data\": \"\xFF\"}", Problem::BrokenJson, "byte");
     expectFailure("{", Problem::BrokenJson, "byte 2");
     expectFailure("{} x", Problem::BrokenJson, "byte 4");
+    expectFailure("{\"data\": -1e999}", Problem::BrokenJson, "number overflow parsing '-1e999'");
 }
 
 TEST(Parse, WrongEnvelopes) {
@@ -177,10 +178,6 @@ TEST(Contents, OfAnArchive) {
                                          {"Timeline::ClipTiming", 1},
                                          {"Timeline::Object", 1}};
     EXPECT_EQ(Reader::countObjects(document), counts);
-    const auto dangling = Reader::findDanglingReferences(document);
-    ASSERT_EQ(dangling.size(), 1u);
-    EXPECT_EQ(dangling[0], (Reader::DanglingReference{2, "Timeline::Object", 9}));
-    EXPECT_EQ(Reader::findDuplicateIds(document), std::vector<unsigned long long>{5});
     const auto clips = Reader::listClips(document);
     ASSERT_EQ(clips.size(), 3u);
     EXPECT_EQ(clips[0].id, 3u);
@@ -200,10 +197,6 @@ TEST(Contents, OfJson) {
         name);
     const Reader::ObjectCounts counts = {{"File", 1}, {"Timeline::Clip", 1}, {"Timeline::Object", 1}};
     EXPECT_EQ(Reader::countObjects(document), counts);
-    const auto dangling = Reader::findDanglingReferences(document);
-    ASSERT_EQ(dangling.size(), 1u);
-    EXPECT_EQ(dangling[0], (Reader::DanglingReference{2, "Timeline::Object", 9}));
-    EXPECT_EQ(Reader::findDuplicateIds(document), std::vector<unsigned long long>{3});
     const auto clips = Reader::listClips(document);
     ASSERT_EQ(clips.size(), 2u);
     EXPECT_EQ(clips[0].name, "Beach");
