@@ -12,10 +12,24 @@
 #include <CLI/CLI.hpp>
 #include <glog/logging.h>
 
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <algorithm>
 #include <csignal>
+#include <cstdlib>
 #include <iostream>
+#include <new>
 #include <optional>
 #include <string>
+
+#if defined(__SANITIZE_ADDRESS__)
+#define ADAPTORS_SANITIZED
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define ADAPTORS_SANITIZED
+#endif
+#endif
 
 using Reader::Problem;
 
@@ -23,6 +37,12 @@ namespace {
 
 constexpr int usageError = 2;
 constexpr int hasFindings = 17;
+constexpr int needsTooMuchMemory = 18;
+
+/// What a document may take beside so much for each of its bytes. Real projects need a quarter of that; some steps make
+/// large things of small ones, and a hostile document has nothing else.
+constexpr rlim_t baseMemory = rlim_t(1) << 30;
+constexpr rlim_t memoryPerByte = 200;
 
 constexpr const char* exitCodes = R"(
 Exit codes:
@@ -37,7 +57,7 @@ Exit codes:
   12  a version that can't be migrated    13  a step failed
   14  --strict: a step reported an error or a clip was lost; nothing was written
   15  the output can't be written         16  the output exists: give --force
-  17  verify found something)";
+  17  verify found something             18  more memory is needed than any project takes)";
 
 /// What the command line said.
 struct Arguments {
@@ -138,6 +158,43 @@ QString projectLocation(const QString& file, const QString& otherwise) {
     return isStandardStream(otherwise) ? QStringLiteral("project") : otherwise;
 }
 
+/// What is said where memory runs out. It stands ready: nothing can be made then.
+std::string outOfMemory;
+
+int complain(const std::string& text, int code) {
+    std::cerr << "adaptors: " << Terminal::red("error") << ": " << text << '\n';
+    return code;
+}
+
+/// Ends the program at once. An exception would let go of what there is, and letting go takes memory too.
+[[noreturn]] void endWithoutMemory() {
+    static_cast<void>(!::write(STDERR_FILENO, outOfMemory.data(), outOfMemory.size()));
+    std::_Exit(needsTooMuchMemory);
+}
+
+/// From here on the program can't take more memory than a document of that size may.
+void limitMemory(const QString& name, qint64 size) {
+    outOfMemory =
+        "adaptors: error: " + name.toStdString() +
+        ": the document needs more memory than any project of its size takes; nothing was written\n";
+    std::set_new_handler(endWithoutMemory);
+#ifndef ADAPTORS_SANITIZED // a sanitizer's own memory would count
+    rlimit limit = {};
+    if (getrlimit(RLIMIT_DATA, &limit) != 0)
+        return;
+    limit.rlim_cur = std::min(limit.rlim_cur, baseMemory + memoryPerByte * static_cast<rlim_t>(size));
+    setrlimit(RLIMIT_DATA, &limit);
+#else
+    static_cast<void>(size);
+#endif
+}
+
+QByteArray readInput(const QString& input) {
+    QByteArray bytes = Reader::readFile(input);
+    limitMemory(nameOf(input), bytes.size());
+    return bytes;
+}
+
 void useFolders(const Arguments& arguments) {
     Settings::setLegacyPackageDeploymentPath(path(arguments.packagesRoot));
     Settings::setAiModelsPath(path(arguments.aiModelsRoot));
@@ -163,8 +220,9 @@ int migrate(const Arguments& arguments) {
     std::optional<Reader::FileInPlace> file;
     if (arguments.inPlace)
         file.emplace(input);
-    Reader::Document document =
-        Reader::parse(file ? file->bytes() : Reader::readFile(input), journey.name, arguments.from);
+    const QByteArray bytes = file ? file->bytes() : Reader::readFile(input);
+    limitMemory(journey.name, bytes.size());
+    Reader::Document document = Reader::parse(bytes, journey.name, arguments.from);
     Reader::Report report = Reader::migrate(document, journey);
     const Reader::Serialized result = Reader::save(std::move(document), journey, report);
 
@@ -202,7 +260,7 @@ int run(const Arguments& arguments) {
                                   Reader::currentVersion,
                                   Reader::SideFiles(folderOf(input)),
                                   Reader::SideFiles(folderOf(output), arguments.force)};
-    Reader::Document document = Reader::parse(Reader::readFile(input), journey.name, arguments.from);
+    Reader::Document document = Reader::parse(readInput(input), journey.name, arguments.from);
     const Reader::Report report = Reader::runOne(document, arguments.step, journey);
     printLog(report);
     Reader::writeFile(output, Reader::serialize(std::move(document)).bytes, forExisting(arguments));
@@ -212,7 +270,7 @@ int run(const Arguments& arguments) {
 int info(const Arguments& arguments) {
     const QString input = inputFor(arguments);
     const QString name = nameOf(input);
-    const Reader::Document document = Reader::parse(Reader::readFile(input), name, arguments.from);
+    const Reader::Document document = Reader::parse(readInput(input), name, arguments.from);
     std::cout << (arguments.json ? infoAsJson(document, name) : infoAsText(document, name));
     return 0;
 }
@@ -220,7 +278,7 @@ int info(const Arguments& arguments) {
 int verify(const Arguments& arguments) {
     const QString input = inputFor(arguments);
     const QString name = nameOf(input);
-    const auto findings = Reader::verify(Reader::parse(Reader::readFile(input), name, arguments.from));
+    const auto findings = Reader::verify(Reader::parse(readInput(input), name, arguments.from));
     std::cout << (arguments.json ? findingsAsJson(findings, name) : findingsAsText(findings, name));
     return findings.empty() ? 0 : hasFindings;
 }
@@ -235,7 +293,7 @@ int trace(const Arguments& arguments) {
     journey.watch = [&](const std::string& name, const Reader::Document& document) {
         trace.note(name, document);
     };
-    Reader::Document document = Reader::parse(Reader::readFile(input), journey.name, arguments.from);
+    Reader::Document document = Reader::parse(readInput(input), journey.name, arguments.from);
     try {
         printLog(Reader::migrate(document, journey));
     } catch (const Reader::Error&) {
@@ -394,11 +452,6 @@ int runProgram(int argc, char** argv) {
     return 0;
 }
 
-int complain(const std::string& text, int code) {
-    std::cerr << "adaptors: " << Terminal::red("error") << ": " << text << '\n';
-    return code;
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
@@ -414,6 +467,8 @@ int main(int argc, char** argv) {
         return runProgram(argc, argv);
     } catch (const Reader::Error& error) {
         return complain(error.what(), static_cast<int>(error.problem()));
+    } catch (const std::bad_alloc&) {
+        endWithoutMemory();
     } catch (const std::exception& error) {
         return complain(error.what(), 1);
     }

@@ -183,7 +183,14 @@ QByteArray readFile(const QString& path) {
     const QString name = path == standardStream ? QStringLiteral("standard input") : path;
     if (!isOpen)
         fail(Problem::Unreadable, name, file.errorString());
-    QByteArray bytes = file.readAll();
+    constexpr qint64 piece = 1 << 20;
+    QByteArray bytes;
+    bytes.reserve(static_cast<int>(std::min(file.size(), greatestFile)));
+    for (QByteArray next = file.read(piece); !next.isEmpty() && bytes.size() <= greatestFile;
+         next = file.read(piece))
+        bytes += next;
+    if (bytes.size() > greatestFile)
+        fail(Problem::Unreadable, name, QStringLiteral("larger than 1 GiB, which no project is"));
     if (file.error() != QFileDevice::NoError)
         fail(Problem::Unreadable, name, file.errorString());
     return bytes;

@@ -12,6 +12,9 @@ namespace Reader {
 /// What "-" stands for as a path: standard input or output.
 inline const QString standardStream = QStringLiteral("-");
 
+/// Files larger than this are refused; a tree of one would fill any machine.
+inline constexpr qint64 greatestFile = qint64(1) << 30;
+
 /// Reads a whole file. Throws Error.
 QByteArray readFile(const QString& path);
 

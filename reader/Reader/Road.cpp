@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <new>
 #include <set>
 #include <unordered_set>
 
@@ -36,6 +37,8 @@ public:
             adapt();
         } catch (const Error&) {
             throw;
+        } catch (const std::bad_alloc&) {
+            throw; // no fault of the adaptor's
         } catch (const std::exception& error) {
             fail(Problem::StepFailed, m_journey, name + ": " + error.what());
         }

@@ -316,7 +316,7 @@ TEST_F(ProgramTest, ListsTheSteps) {
 }
 
 TEST_F(ProgramTest, HelpAndWrongUse) {
-    for (const char* command : {"migrate", "steps", "run", "info"}) {
+    for (const char* command : {"migrate", "steps", "run", "info", "verify", "trace"}) {
         const Outcome help = run({command, "--help"});
         EXPECT_EQ(help.exitCode, 0);
         EXPECT_TRUE(help.out.contains("Example")) << command;

@@ -228,6 +228,113 @@ TEST_F(SafetyTest, RunsAtOnceLoseNothing) {
     EXPECT_EQ(files().filter("tmp"), QStringList());
 }
 
+// Too much
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool isSanitized = true;
+#else
+constexpr bool isSanitized = false;
+#endif
+
+/// A shell's line that holds what comes behind it to so many bytes of memory.
+QString withMemory(qint64 bytes) {
+    // A sanitizer reserves address space without end; it watches what is used itself, and needs several times of that.
+    if (isSanitized)
+        return QStringLiteral("export ASAN_OPTIONS=quarantine_size_mb=1:hard_rss_limit_mb=%1; ")
+            .arg(bytes * 5 >> 20);
+    return QStringLiteral("ulimit -d %1; ").arg(bytes >> 10);
+}
+
+QByteArray inTimeline(const QByteArray& content, const QByteArray& objects = {}) {
+    return "<Archive schemaVersion='62'><RootRef type='ObjectRef' value='2'/>"
+           "<RootObject type='Timeline::Object' objectId='2'>" +
+           content + "</RootObject>" + objects + "</Archive>";
+}
+
+QByteArray inProject(const QByteArray& content) {
+    return R"({"version":"1.0","schemaVersion":77,"data":{"@meta":{"class_name":"Note","object_id":2},"a":)" +
+           content + "}}";
+}
+
+/// A document of about a million bytes of the same thing.
+QByteArray many(const QByteArray& part) {
+    return part.repeated(1000000 / part.size());
+}
+
+struct Hostile {
+    const char* name;
+    QByteArray bytes;
+};
+
+std::vector<Hostile> hostileDocuments() {
+    return {
+        {"tiny elements", inTimeline(many("<a/>"))},
+        {"tiny texts", inTimeline(many("<a>b</a>"))},
+        {"long attribute", inTimeline("<a type='String' value='" + many("x") + "'/>")},
+        {"many attributes", inTimeline(many("<a b='' c='' d='' e=''/>"))},
+        {"deep elements",
+         inTimeline(many(QByteArray("<a>").repeated(450) + QByteArray("</a>").repeated(450)))},
+        {"items without index", inTimeline("<a type='Array'>" + many("<Item/>") + "</a>")},
+        {"repeated links",
+         inTimeline("<a type='Array'>" + many("<Item><Data type='ObjectRef' value='2'/></Item>") + "</a>")},
+        {"root objects of one id", inTimeline("", many("<RootObject objectId='3'/>"))},
+        {"empty arrays", inProject('[' + many("[],") + "0]")},
+        {"empty objects", inProject('[' + many("{},") + "0]")},
+        {"objects without ids", inProject('[' + many(R"({"@meta":{}},)") + "0]")},
+        {"links to nothing", inProject('[' + many(R"({"@meta_reference":9},)") + "0]")},
+        {"deep arrays", inProject(QByteArray("[").repeated(500000) + QByteArray("]").repeated(500000))},
+        {"long text", inProject('"' + many("x") + '"')},
+    };
+}
+
+TEST_F(SafetyTest, ReadingTakesMemoryInProportionToTheFile) {
+    for (const Hostile& hostile : hostileDocuments()) {
+        write("film", hostile.bytes);
+        const qint64 bound = 64 * 1024 * 1024 + 250 * qint64(hostile.bytes.size());
+        const Outcome info = runAfter(withMemory(bound), {"info", "film"});
+        EXPECT_EQ(info.exitCode, 0) << hostile.name << ": " << info.err.toStdString();
+        const Outcome verify = runAfter(withMemory(bound), {"verify", "film"});
+        EXPECT_TRUE(verify.exitCode == 0 || verify.exitCode == 17)
+            << hostile.name << ": " << verify.err.toStdString();
+        const Outcome newest = runAfter(withMemory(bound), {"migrate", "film", "-o", "out", "--force"});
+        EXPECT_EQ(newest.exitCode, 0) << hostile.name << ": " << newest.err.toStdString();
+    }
+}
+
+TEST_F(SafetyTest, AHostileDocumentGetsNoMoreMemoryThanItsSizeAllows) {
+    if (isSanitized)
+        GTEST_SKIP() << "a sanitizer's own memory would count";
+    // Each of these gets six tracks, each with a predeclaration.
+    const QByteArray timelines =
+        "<Archive schemaVersion='26'><RootRef type='ObjectRef' value='2'/>"
+        "<RootObject type='Predeclarator' objectId='1'><predeclarations type='Array' size='0'/></RootObject>"
+        "<RootObject type='Timeline::Object' objectId='2'/>" +
+        many("<RootObject type='Timeline::Object'/>") + "</Archive>";
+    write("film.xml", timelines);
+    expectFailure({"migrate", "film.xml", "--in-place"}, 18, "more memory");
+    EXPECT_EQ(files(), QStringList{"film.xml"});
+    EXPECT_EQ(read("film.xml"), timelines);
+    // One track, listed again and again, with a level for each of many clips: each level is listed as often.
+    QByteArray levels =
+        R"({"version":"1.0","schemaVersion":76,"data":{"@meta":{"class_name":"Timeline::Object","object_id":2},
+        "tracks":[{"@meta":{"class_name":"Timeline::Track","object_id":3},"type":1,"used":true,"timeline":{"@meta_reference":2}})";
+    levels += QByteArray(R"(,{"@meta_reference":3})").repeated(20000) + R"(],"clips":[],"x":[null)";
+    for (int level = 1; level < 5000; ++level)
+        levels += R"(,{"@meta":{"class_name":"Timeline::ClipTiming","object_id":)" +
+                  QByteArray::number(level + 10) + R"(},"track":{"@meta_reference":3},"trackLevel":)" +
+                  QByteArray::number(level) + "}";
+    levels += "]}}";
+    write("film.xml", levels);
+    expectFailure({"migrate", "film.xml", "--in-place"}, 18, "more memory");
+    EXPECT_EQ(files(), QStringList{"film.xml"});
+}
+
+TEST_F(SafetyTest, AnInputWithoutEndIsRefused) {
+    if (isSanitized)
+        GTEST_SKIP() << "takes a sanitizer long";
+    expectFailure({"info", "/dev/zero"}, 3, "1 GiB");
+}
+
 class FilesTest : public SafetyTest {
 protected:
     template <class Call>

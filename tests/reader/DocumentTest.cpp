@@ -70,6 +70,18 @@ TEST(Parse, DocumentTypesAreRefused) {
         "<!-- <!DOCTYPE a> --><Archive a='&lt;!DOCTYPE'><![CDATA[<!DOCTYPE]]></Archive>", name));
 }
 
+TEST(Parse, HostileNumbersOfAttributesAreRefused) {
+    const auto element = [](int count) {
+        QByteArray text = "<Archive";
+        for (int number = 0; number < count; ++number)
+            text += " a" + QByteArray::number(number) + (number % 2 ? "='>'" : " = \"'\"");
+        return text + "/>";
+    };
+    expectFailure("<Archive>\n" + element(200000) + "</Archive>", Problem::RefusedXml, "film.xml:2:");
+    expectFailure(element(257), Problem::RefusedXml, "256 attributes");
+    EXPECT_NO_THROW(Reader::parse(element(256), name));
+}
+
 TEST(Parse, ForeignEncodingsAreRefused) {
     expectFailure(QByteArray("<\0A\0", 4), Problem::RefusedXml, "UTF-8");
     expectFailure("<?xml version='1.0' encoding='UTF-7'?><Archive/>", Problem::RefusedXml, "UTF-8");
@@ -84,7 +96,7 @@ TEST(Parse, HostileDepthIsRefused) {
     };
     expectFailure(nested(100000), Problem::RefusedXml, "nested deeper");
     expectFailure(QByteArray("<a>").repeated(1000000), Problem::RefusedXml, "nested deeper");
-    EXPECT_NO_THROW(Reader::parse(nested(3000), name));
+    EXPECT_NO_THROW(Reader::parse(nested(498), name));
     EXPECT_NO_THROW(Reader::parse("<Archive>" + QByteArray("<a/>").repeated(20000) + "</Archive>", name));
 }
 

