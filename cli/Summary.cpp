@@ -85,6 +85,30 @@ std::vector<std::string> namesOfStepsToRun(const Reader::Document& document) {
     return names;
 }
 
+/// A place as people look for it: object, id, and the path in it.
+std::string placeOf(const Reader::Finding& finding) {
+    const std::string name = finding.className.empty() ? "(no class)" : finding.className;
+    return name + " (id " + std::to_string(finding.id) + ')' +
+           (finding.path.empty() ? "" : ' ' + finding.path);
+}
+
+std::vector<Reader::Finding> findingsOf(const Reader::Document& document, Reader::Fault fault) {
+    std::vector<Reader::Finding> findings = Reader::verify(document);
+    std::erase_if(findings, [fault](const Reader::Finding& finding) { return finding.fault != fault; });
+    return findings;
+}
+
+Json findingAsJson(const Reader::Finding& finding) {
+    Json result = {{"fault", Reader::nameOf(finding.fault)},
+                   {"class", finding.className},
+                   {"id", finding.id},
+                   {"path", finding.path},
+                   {"text", finding.text}};
+    if (finding.to != 0)
+        result["to"] = finding.to;
+    return result;
+}
+
 } // namespace
 
 std::string asText(const Summary& summary) {
@@ -151,15 +175,14 @@ std::string infoAsText(const Reader::Document& document, const QString& name) {
     for (const auto& [className, count] : counts)
         out << std::setw(10) << count << "  " << (className.empty() ? "(no class)" : className) << '\n';
     out << "  clips:   " << Reader::listClips(document).size() << '\n';
-    const auto dangling = Reader::findDanglingReferences(document);
+    const auto dangling = findingsOf(document, Reader::Fault::DanglingReference);
     out << "  dangling references: " << dangling.size() << '\n';
-    for (const auto& reference : dangling)
-        out << "          " << reference.fromClass << " (id " << reference.from << ") refers to "
-            << reference.to << '\n';
-    const auto duplicates = Reader::findDuplicateIds(document);
+    for (const Reader::Finding& finding : dangling)
+        out << "          " << placeOf(finding) << " refers to " << finding.to << '\n';
+    const auto duplicates = findingsOf(document, Reader::Fault::DuplicateId);
     out << "  duplicate ids: " << duplicates.size() << '\n';
-    for (const auto id : duplicates)
-        out << "          " << id << '\n';
+    for (const Reader::Finding& finding : duplicates)
+        out << "          " << placeOf(finding) << '\n';
     const auto steps = namesOfStepsToRun(document);
     out << "  steps to version " << Reader::currentVersion << ": " << steps.size() << '\n';
     for (const std::string& step : steps)
@@ -177,12 +200,42 @@ std::string infoAsJson(const Reader::Document& document, const QString& name) {
     for (const Reader::Clip& clip : Reader::listClips(document))
         result["clips"].push_back({{"id", clip.id}, {"name", clip.name}});
     result["danglingReferences"] = Json::array();
-    for (const auto& reference : Reader::findDanglingReferences(document))
+    for (const Reader::Finding& finding : findingsOf(document, Reader::Fault::DanglingReference))
         result["danglingReferences"].push_back(
-            {{"from", reference.from}, {"class", reference.fromClass}, {"to", reference.to}});
-    result["duplicateIds"] = Reader::findDuplicateIds(document);
+            {{"from", finding.id}, {"class", finding.className}, {"to", finding.to}});
+    result["duplicateIds"] = Json::array();
+    for (const Reader::Finding& finding : findingsOf(document, Reader::Fault::DuplicateId))
+        result["duplicateIds"].push_back(finding.id);
     result["steps"] = namesOfStepsToRun(document);
     return result.dump(2) + '\n';
+}
+
+std::string findingsAsText(const std::vector<Reader::Finding>& findings, const QString& name) {
+    std::ostringstream out;
+    out << name.toStdString() << ": "
+        << (findings.empty() ? std::string("no findings") : plural(findings.size(), "finding")) << '\n';
+    for (const Reader::Finding& finding : findings)
+        out << "  " << Reader::nameOf(finding.fault) << ": " << placeOf(finding) << ": " << finding.text
+            << '\n';
+    return out.str();
+}
+
+std::string findingsAsJson(const std::vector<Reader::Finding>& findings, const QString& name) {
+    Json result;
+    result["file"] = name.toStdString();
+    result["findings"] = Json::array();
+    for (const Reader::Finding& finding : findings)
+        result["findings"].push_back(findingAsJson(finding));
+    return result.dump(2) + '\n';
+}
+
+std::string traceAsText(const Reader::Trace& trace) {
+    std::ostringstream out;
+    for (const Reader::Trace::Entry& entry : trace.entries())
+        out << std::setw(3) << entry.place << "  " << std::left << std::setw(42) << entry.className
+            << std::right
+            << (entry.file.isEmpty() ? std::string("changed nothing") : entry.file.toStdString()) << '\n';
+    return out.str();
 }
 
 std::string stepsAsText(int from, int to) {

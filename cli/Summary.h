@@ -1,6 +1,8 @@
 #pragma once
 
 #include "Reader/Road.h"
+#include "Reader/Trace.h"
+#include "Reader/Verify.h"
 
 #include <QString>
 
@@ -24,6 +26,13 @@ std::string asJson(const Summary& summary);
 /// What `adaptors info` says.
 std::string infoAsText(const Reader::Document& document, const QString& name);
 std::string infoAsJson(const Reader::Document& document, const QString& name);
+
+/// What `adaptors verify` says.
+std::string findingsAsText(const std::vector<Reader::Finding>& findings, const QString& name);
+std::string findingsAsJson(const std::vector<Reader::Finding>& findings, const QString& name);
+
+/// What `adaptors trace` says.
+std::string traceAsText(const Reader::Trace& trace);
 
 /// What `adaptors steps` says.
 std::string stepsAsText(int from, int to);

@@ -12,15 +12,37 @@
 #include <CLI/CLI.hpp>
 #include <glog/logging.h>
 
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdlib>
 #include <iostream>
+#include <new>
 #include <optional>
 #include <string>
+
+#if defined(__SANITIZE_ADDRESS__)
+#define ADAPTORS_SANITIZED
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define ADAPTORS_SANITIZED
+#endif
+#endif
 
 using Reader::Problem;
 
 namespace {
 
 constexpr int usageError = 2;
+constexpr int hasFindings = 17;
+constexpr int needsTooMuchMemory = 18;
+
+/// What a document may take beside so much for each of its bytes. Real projects need a quarter of that; some steps make
+/// large things of small ones, and a hostile document has nothing else.
+constexpr rlim_t baseMemory = rlim_t(1) << 30;
+constexpr rlim_t memoryPerByte = 200;
 
 constexpr const char* exitCodes = R"(
 Exit codes:
@@ -34,7 +56,8 @@ Exit codes:
   10  JSON that is no project             11  no usable schema version: give --from N
   12  a version that can't be migrated    13  a step failed
   14  --strict: a step reported an error or a clip was lost; nothing was written
-  15  the output can't be written         16  the output exists: give --force)";
+  15  the output can't be written         16  the output exists: give --force
+  17  verify found something             18  more memory is needed than any project takes)";
 
 /// What the command line said.
 struct Arguments {
@@ -42,6 +65,7 @@ struct Arguments {
     std::string output;
     std::string step;
     std::string bundle;
+    std::string folder;
     std::string packagesRoot;
     std::string aiModelsRoot;
     std::string downloadableRoot;
@@ -123,11 +147,52 @@ void refuseExisting(const Arguments& arguments, const QString& output) {
                                 ": exists already; give --force to replace it, or -o another name");
 }
 
+Reader::Existing forExisting(const Arguments& arguments) {
+    return arguments.force ? Reader::Existing::Replace : Reader::Existing::Refuse;
+}
+
 /// Paths inside a project count from the folder of its file; from the working folder where there is no file.
 QString projectLocation(const QString& file, const QString& otherwise) {
     if (!isStandardStream(file))
         return file;
     return isStandardStream(otherwise) ? QStringLiteral("project") : otherwise;
+}
+
+/// What is said where memory runs out. It stands ready: nothing can be made then.
+std::string outOfMemory;
+
+int complain(const std::string& text, int code) {
+    std::cerr << "adaptors: " << Terminal::red("error") << ": " << text << '\n';
+    return code;
+}
+
+/// Ends the program at once. An exception would let go of what there is, and letting go takes memory too.
+[[noreturn]] void endWithoutMemory() {
+    static_cast<void>(!::write(STDERR_FILENO, outOfMemory.data(), outOfMemory.size()));
+    std::_Exit(needsTooMuchMemory);
+}
+
+/// From here on the program can't take more memory than a document of that size may.
+void limitMemory(const QString& name, qint64 size) {
+    outOfMemory =
+        "adaptors: error: " + name.toStdString() +
+        ": the document needs more memory than any project of its size takes; nothing was written\n";
+    std::set_new_handler(endWithoutMemory);
+#ifndef ADAPTORS_SANITIZED // a sanitizer's own memory would count
+    rlimit limit = {};
+    if (getrlimit(RLIMIT_DATA, &limit) != 0)
+        return;
+    limit.rlim_cur = std::min(limit.rlim_cur, baseMemory + memoryPerByte * static_cast<rlim_t>(size));
+    setrlimit(RLIMIT_DATA, &limit);
+#else
+    static_cast<void>(size);
+#endif
+}
+
+QByteArray readInput(const QString& input) {
+    QByteArray bytes = Reader::readFile(input);
+    limitMemory(nameOf(input), bytes.size());
+    return bytes;
 }
 
 void useFolders(const Arguments& arguments) {
@@ -152,7 +217,11 @@ int migrate(const Arguments& arguments) {
                             Reader::SideFiles(folderOf(input)),
                             Reader::SideFiles(folderOf(output), arguments.force),
                             !arguments.bundle.empty()};
-    const QByteArray bytes = Reader::readFile(input);
+    std::optional<Reader::FileInPlace> file;
+    if (arguments.inPlace)
+        file.emplace(input);
+    const QByteArray bytes = file ? file->bytes() : Reader::readFile(input);
+    limitMemory(journey.name, bytes.size());
     Reader::Document document = Reader::parse(bytes, journey.name, arguments.from);
     Reader::Report report = Reader::migrate(document, journey);
     const auto isRefused = [&] {
@@ -169,12 +238,19 @@ int migrate(const Arguments& arguments) {
                             journey.name.toStdString() +
                                 ": not written, since --strict lets no error and no loss pass");
     }
-    if (arguments.inPlace)
-        summary.backup = Reader::keepBackup(output, bytes);
-    Reader::writeFile(output, result.bytes);
+    if (file)
+        summary.backup = file->replace(result.bytes);
+    else
+        Reader::writeFile(output, result.bytes, forExisting(arguments));
     summary.output = isStandardStream(output) ? QStringLiteral("standard output") : output;
     tell(arguments, output, summary);
     return 0;
+}
+
+void printLog(const Reader::Report& report) {
+    for (const Reader::LogLine& line : report.log)
+        std::cerr << (line.isError() ? Terminal::red("error") : Terminal::yellow("warning")) << ": "
+                  << line.step << ": " << line.text << '\n';
 }
 
 int run(const Arguments& arguments) {
@@ -189,20 +265,47 @@ int run(const Arguments& arguments) {
                                   Reader::currentVersion,
                                   Reader::SideFiles(folderOf(input)),
                                   Reader::SideFiles(folderOf(output), arguments.force)};
-    Reader::Document document = Reader::parse(Reader::readFile(input), journey.name, arguments.from);
+    Reader::Document document = Reader::parse(readInput(input), journey.name, arguments.from);
     const Reader::Report report = Reader::runOne(document, arguments.step, journey);
-    for (const Reader::LogLine& line : report.log)
-        std::cerr << (line.isError() ? Terminal::red("error") : Terminal::yellow("warning")) << ": "
-                  << line.step << ": " << line.text << '\n';
-    Reader::writeFile(output, Reader::serialize(std::move(document)).bytes);
+    printLog(report);
+    Reader::writeFile(output, Reader::serialize(std::move(document)).bytes, forExisting(arguments));
     return 0;
 }
 
 int info(const Arguments& arguments) {
     const QString input = inputFor(arguments);
     const QString name = nameOf(input);
-    const Reader::Document document = Reader::parse(Reader::readFile(input), name, arguments.from);
+    const Reader::Document document = Reader::parse(readInput(input), name, arguments.from);
     std::cout << (arguments.json ? infoAsJson(document, name) : infoAsText(document, name));
+    return 0;
+}
+
+int verify(const Arguments& arguments) {
+    const QString input = inputFor(arguments);
+    const QString name = nameOf(input);
+    const auto findings = Reader::verify(Reader::parse(readInput(input), name, arguments.from));
+    std::cout << (arguments.json ? findingsAsJson(findings, name) : findingsAsText(findings, name));
+    return findings.empty() ? 0 : hasFindings;
+}
+
+int trace(const Arguments& arguments) {
+    const QString input = inputFor(arguments);
+    useFolders(arguments);
+    const QString location = projectLocation(input, Reader::standardStream);
+    Reader::Trace trace(path(arguments.folder), forExisting(arguments));
+    Reader::Journey journey{nameOf(input), location, location, arguments.to,
+                            Reader::SideFiles(folderOf(input))};
+    journey.watch = [&](const std::string& name, const Reader::Document& document) {
+        trace.note(name, document);
+    };
+    Reader::Document document = Reader::parse(readInput(input), journey.name, arguments.from);
+    try {
+        printLog(Reader::migrate(document, journey));
+    } catch (const Reader::Error&) {
+        std::cout << traceAsText(trace); // what led up to a step that fails is what people look for
+        throw;
+    }
+    std::cout << traceAsText(trace);
     return 0;
 }
 
@@ -305,6 +408,31 @@ void addInfo(CLI::App& app, Arguments& arguments) {
     command->callback([&] { throw CLI::RuntimeError(info(arguments)); });
 }
 
+void addVerify(CLI::App& app, Arguments& arguments) {
+    CLI::App* command = app.add_subcommand(
+        "verify", "Look for faults in a document: references that lead nowhere, ids that two "
+                  "objects have, wrong counts, objects that nothing declares or reaches");
+    addFile(command, arguments);
+    command->add_flag("--json", arguments.json, "Print JSON");
+    command->footer("Exits with 17 where something is found.\nExample:\n  adaptors verify film.v77.json");
+    command->callback([&] { throw CLI::RuntimeError(verify(arguments)); });
+}
+
+void addTrace(CLI::App& app, Arguments& arguments) {
+    CLI::App* command = app.add_subcommand(
+        "trace",
+        "Migrate and write the document after each step that changed it, to find the step that broke it");
+    addFile(command, arguments);
+    command->add_option("--output-dir", arguments.folder, "Where the documents go; made where it is missing")
+        ->required();
+    addFrom(command, arguments);
+    addTo(command, arguments, "The schema version to stop at");
+    command->add_flag("--force", arguments.force, "Replace documents that exist");
+    addFolders(command, arguments);
+    command->footer("Example:\n  adaptors trace film.xml --output-dir steps --to 30");
+    command->callback([&] { throw CLI::RuntimeError(trace(arguments)); });
+}
+
 int runProgram(int argc, char** argv) {
     Arguments arguments;
     CLI::App app("Brings old projects of the video editor to the newest schema version.", "adaptors");
@@ -317,6 +445,8 @@ int runProgram(int argc, char** argv) {
     addSteps(app, arguments);
     addRun(app, arguments);
     addInfo(app, arguments);
+    addVerify(app, arguments);
+    addTrace(app, arguments);
     try {
         app.parse(argc, argv);
     } catch (const CLI::RuntimeError& done) {
@@ -325,11 +455,6 @@ int runProgram(int argc, char** argv) {
         return app.exit(error) == 0 ? 0 : usageError;
     }
     return 0;
-}
-
-int complain(const std::string& text, int code) {
-    std::cerr << "adaptors: " << Terminal::red("error") << ": " << text << '\n';
-    return code;
 }
 
 } // namespace
@@ -342,10 +467,13 @@ int main(int argc, char** argv) {
     for (int severity = 0; severity < google::NUM_SEVERITIES; ++severity)
         google::SetLogDestination(severity, "");
     google::InitGoogleLogging(argv[0]);
+    std::signal(SIGXFSZ, SIG_IGN); // a file that grows too large is an error to report, not the end
     try {
         return runProgram(argc, argv);
     } catch (const Reader::Error& error) {
         return complain(error.what(), static_cast<int>(error.problem()));
+    } catch (const std::bad_alloc&) {
+        endWithoutMemory();
     } catch (const std::exception& error) {
         return complain(error.what(), 1);
     }

@@ -6,7 +6,6 @@
 
 #include <QHash>
 
-#include <algorithm>
 #include <unordered_set>
 
 using nlohmann::json;
@@ -32,11 +31,6 @@ void walkElements(const QDomElement& top, Visit visit) {
         if (node.isElement())
             visit(node.toElement());
     }
-}
-
-bool isDeclaring(const QDomElement& e) {
-    const QString type = Archive::typeOf(e);
-    return type == Words::Predeclarator || type == Words::Predeclare;
 }
 
 /// The archive's root objects that hold the project, by id; the later of two counts, as in the conversion.
@@ -76,43 +70,6 @@ ObjectCounts countXml(const QDomDocument& xml) {
             ++counts[Archive::typeOf(e).toStdString()];
     });
     return counts;
-}
-
-std::vector<DanglingReference> danglingInXml(const QDomDocument& xml) {
-    const auto objects = rootObjectsById(xml);
-    std::set<DanglingReference> found;
-    for (auto it = objects.begin(); it != objects.end(); ++it) {
-        walkElements(it.value(), [&](const QDomElement& e) {
-            if (Archive::typeOf(e) == Words::ObjectRef && idIn(e) != 0 && !objects.contains(idIn(e)))
-                found.insert({it.key(), Archive::typeOf(it.value()).toStdString(), idIn(e)});
-        });
-    }
-    return {found.begin(), found.end()};
-}
-
-std::vector<DanglingReference> danglingInJson(const JsonDocument& document) {
-    std::set<DanglingReference> found;
-    for (const auto& [id, object] : document.flat.objects) {
-        walkValues(object, [&, from = id, &owner = object](const json& value) {
-            const unsigned long long target = linkTarget(value);
-            if (target != 0 && !document.flat.objects.count(target))
-                found.insert({from, classOf(owner), target});
-        });
-    }
-    return {found.begin(), found.end()};
-}
-
-std::vector<unsigned long long> duplicatesInXml(const QDomDocument& xml) {
-    std::unordered_set<unsigned long long> met;
-    std::set<unsigned long long> twice;
-    walkElements(xml.documentElement(), [&](const QDomElement& e) {
-        // A base class part has its object's id by right.
-        if (!e.hasAttribute(Words::objectId) || e.tagName() == Words::BaseOfObject)
-            return;
-        if (!met.insert(Archive::objectIdOf(e)).second)
-            twice.insert(Archive::objectIdOf(e));
-    });
-    return {twice.begin(), twice.end()};
 }
 
 /// Adds clips to a list, each id once.
@@ -207,6 +164,11 @@ std::set<unsigned long long> reachableInJson(const JsonDocument& document) {
 
 } // namespace
 
+bool isDeclaring(const QDomElement& e) {
+    const QString type = Archive::typeOf(e);
+    return type == Words::Predeclarator || type == Words::Predeclare;
+}
+
 ObjectCounts countObjects(const Document& document) {
     if (document.isXml())
         return countXml(document.xml());
@@ -214,14 +176,6 @@ ObjectCounts countObjects(const Document& document) {
     for (const auto& [id, object] : document.json().flat.objects)
         ++counts[classOf(object)];
     return counts;
-}
-
-std::vector<DanglingReference> findDanglingReferences(const Document& document) {
-    return document.isXml() ? danglingInXml(document.xml()) : danglingInJson(document.json());
-}
-
-std::vector<unsigned long long> findDuplicateIds(const Document& document) {
-    return document.isXml() ? duplicatesInXml(document.xml()) : document.json().notes.duplicateIds;
 }
 
 std::vector<Clip> listClips(const Document& document) {

@@ -14,19 +14,8 @@ using ObjectCounts = std::map<std::string, std::size_t>;
 /// Objects by class name, embedded objects and base class parts included; those that declare others are not.
 ObjectCounts countObjects(const Document& document);
 
-/// A reference to an object that is not there.
-struct DanglingReference {
-    unsigned long long from; ///< id of the object that refers
-    std::string fromClass;
-    unsigned long long to;
-
-    auto operator<=>(const DanglingReference&) const = default;
-};
-
-std::vector<DanglingReference> findDanglingReferences(const Document& document);
-
-/// Ids that more than one object has, ascending. In JSON those of the text as it was read.
-std::vector<unsigned long long> findDuplicateIds(const Document& document);
+/// Whether an element of an archive declares other objects rather than being a part of the project.
+bool isDeclaring(const QDomElement& e);
 
 /// A clip that a timeline lists.
 struct Clip {

@@ -5,12 +5,16 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
+#include <utility>
 
 namespace Reader {
 namespace {
@@ -35,11 +39,139 @@ void writeStandardOutput(const QByteArray& bytes) {
         fail(Problem::Unwritable, QStringLiteral("standard output"), out.errorString());
 }
 
+/// What to do about a file that can't be written.
+QString remedyFor(const QString& path) {
+    const QFileInfo folder(QFileInfo(path).absolutePath());
+    if (!folder.isDir())
+        return QStringLiteral("make its folder first, or give another output");
+    if (QFileInfo(path).isDir())
+        return QStringLiteral("a folder stands there; give another output");
+    if (!folder.isWritable() || (QFileInfo::exists(path) && !QFileInfo(path).isWritable()))
+        return QStringLiteral(
+            "it is not yours to write; give another output, or have its permissions changed");
+    return QStringLiteral("make room on its disk, or give another output");
+}
+
+[[noreturn]] void failToWrite(const QString& path, const QString& reason) {
+    fail(Problem::Unwritable, path, reason + QStringLiteral("; ") + remedyFor(path));
+}
+
 /// A device or a pipe takes the bytes itself: a rename would put a file in its place.
 void writeInto(const QString& path, const QByteArray& bytes) {
     QFile out(path);
     if (!out.open(QIODevice::WriteOnly | QIODevice::Unbuffered) || out.write(bytes) != bytes.size())
-        fail(Problem::Unwritable, path, out.errorString());
+        failToWrite(path, out.errorString());
+}
+
+QString systemError() {
+    return QString::fromLocal8Bit(std::strerror(errno));
+}
+
+/// A temporary file beside another one. It goes away again unless it takes the other's place.
+class Temporary {
+public:
+    explicit Temporary(const QByteArray& path) : m_path(path) {
+        for (int number = 1; m_descriptor < 0 && (number == 1 || errno == EEXIST); ++number) {
+            m_name = path + '.' + QByteArray::number(getpid()) + '-' + QByteArray::number(number) + ".tmp";
+            m_descriptor = open(m_name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        }
+        m_stands = m_descriptor >= 0;
+    }
+    ~Temporary() {
+        if (m_descriptor >= 0)
+            close(m_descriptor);
+        if (m_stands)
+            unlink(m_name.constData());
+    }
+    Temporary(const Temporary&) = delete;
+    Temporary& operator=(const Temporary&) = delete;
+
+    /// Writes and syncs all; false with `errno`. A disk may be found full at any of these calls.
+    bool write(const QByteArray& bytes) {
+        if (m_descriptor < 0 || !writeAll(bytes) || fsync(m_descriptor) != 0)
+            return false;
+        return close(std::exchange(m_descriptor, -1)) == 0;
+    }
+    bool takePermissionsOf(const struct stat& status) const {
+        return m_descriptor >= 0 && fchmod(m_descriptor, status.st_mode & 07777) == 0;
+    }
+    bool replace() { return settle(rename(m_name.constData(), m_path.constData()) == 0); }
+    /// Takes the place only where nothing is; a check before that would leave time for another run.
+    bool takeFreePlace() {
+        if (renameat2(AT_FDCWD, m_name.constData(), AT_FDCWD, m_path.constData(), RENAME_NOREPLACE) == 0)
+            return settle(true);
+        // A link replaces nothing either, where the file system knows no such renaming.
+        return errno == EINVAL && link(m_name.constData(), m_path.constData()) == 0;
+    }
+
+private:
+    bool writeAll(const QByteArray& bytes) const {
+        for (qint64 done = 0; done < bytes.size();) {
+            const ssize_t count = ::write(m_descriptor, bytes.constData() + done,
+                                          static_cast<std::size_t>(bytes.size() - done));
+            if (count < 0 && errno != EINTR)
+                return false;
+            done += std::max<ssize_t>(count, 0);
+        }
+        return true;
+    }
+    bool settle(bool isDone) {
+        m_stands = !isDone;
+        return isDone;
+    }
+
+    QByteArray m_path;
+    QByteArray m_name;
+    int m_descriptor = -1;
+    bool m_stands = false;
+};
+
+/// Where a link leads in the end, whether that is there or not.
+QString resolved(QString path) {
+    constexpr int mostLinks = 40;
+    for (int count = 0; count < mostLinks && QFileInfo(path).isSymLink(); ++count)
+        path = QFileInfo(path).symLinkTarget();
+    return path;
+}
+
+void writeOver(const QString& path, const QByteArray& bytes) {
+    const QByteArray target = QFile::encodeName(resolved(path));
+    struct stat status = {};
+    const bool exists = stat(target.constData(), &status) == 0;
+    if (exists && access(target.constData(), W_OK) != 0)
+        failToWrite(path, systemError());
+    Temporary temporary(target);
+    if (exists && S_ISREG(status.st_mode))
+        temporary.takePermissionsOf(status);
+    if (!temporary.write(bytes) || !temporary.replace())
+        failToWrite(path, systemError());
+}
+
+void writeWhereNothingIs(const QString& path, const QByteArray& bytes) {
+    Temporary temporary(QFile::encodeName(path));
+    if (temporary.write(bytes) && temporary.takeFreePlace())
+        return;
+    if (errno == EEXIST)
+        fail(Problem::OutputExists, path,
+             QStringLiteral("exists already; give --force to replace it, or another output"));
+    failToWrite(path, systemError());
+}
+
+/// Keeps `bytes`, what the file held, beside it. An earlier backup is never written over.
+QString keepBackup(const QString& path, const QByteArray& bytes) {
+    for (int number = 1;; ++number) {
+        const QString backup =
+            path + QStringLiteral(".bak") + (number == 1 ? QString() : QString::number(number));
+        if (QFileInfo(backup).isSymLink() || QFileInfo::exists(backup))
+            continue;
+        try {
+            writeFile(backup, bytes, Existing::Refuse);
+            return backup;
+        } catch (const Error& error) {
+            if (error.problem() != Problem::OutputExists)
+                throw;
+        }
+    }
 }
 
 } // namespace
@@ -51,13 +183,20 @@ QByteArray readFile(const QString& path) {
     const QString name = path == standardStream ? QStringLiteral("standard input") : path;
     if (!isOpen)
         fail(Problem::Unreadable, name, file.errorString());
-    QByteArray bytes = file.readAll();
+    constexpr qint64 piece = 1 << 20;
+    QByteArray bytes;
+    bytes.reserve(static_cast<int>(std::min(file.size(), greatestFile)));
+    for (QByteArray next = file.read(piece); !next.isEmpty() && bytes.size() <= greatestFile;
+         next = file.read(piece))
+        bytes += next;
+    if (bytes.size() > greatestFile)
+        fail(Problem::Unreadable, name, QStringLiteral("larger than 1 GiB, which no project is"));
     if (file.error() != QFileDevice::NoError)
         fail(Problem::Unreadable, name, file.errorString());
     return bytes;
 }
 
-void writeFile(const QString& path, const QByteArray& bytes) {
+void writeFile(const QString& path, const QByteArray& bytes, Existing existing) {
     if (path == standardStream) {
         writeStandardOutput(bytes);
         return;
@@ -67,32 +206,64 @@ void writeFile(const QString& path, const QByteArray& bytes) {
         writeInto(path, bytes);
         return;
     }
-    QSaveFile file(path);
-    // commit() passes over what goes wrong with bytes that are still buffered, such as a full disk.
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush() ||
-        !file.commit())
-        fail(Problem::Unwritable, path, file.errorString());
+    if (existing == Existing::Refuse)
+        writeWhereNothingIs(path, bytes);
+    else
+        writeOver(path, bytes);
     syncFolder(path);
 }
 
-QString keepBackup(const QString& path, const QByteArray& bytes) {
-    for (int number = 1;; ++number) {
-        const QString backup =
-            path + QStringLiteral(".bak") + (number == 1 ? QString() : QString::number(number));
-        QFile file(backup);
-        if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
-            if (QFileInfo(backup).isSymLink() || QFileInfo::exists(backup))
-                continue; // an earlier backup is never written over
-            fail(Problem::Unwritable, backup, file.errorString());
-        }
-        if (file.write(bytes) != bytes.size() || !file.flush() || fsync(file.handle()) != 0) {
-            const QString reason = file.errorString();
-            file.remove();
-            fail(Problem::Unwritable, backup, reason);
-        }
-        syncFolder(backup);
-        return backup;
+FileInPlace::FileInPlace(const QString& path)
+    : m_path(path),
+      m_descriptor(open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)), m_state() {
+    struct stat status = {};
+    if (m_descriptor < 0 || fstat(m_descriptor, &status) != 0)
+        fail(Problem::Unreadable, path, systemError());
+    m_state = stateOf(status);
+    try {
+        if (!S_ISREG(status.st_mode))
+            fail(Problem::Unreadable, path,
+                 QStringLiteral("is no regular file, and only those are replaced"));
+        // Where the file system knows no locks, the check before writing is what there is.
+        const bool isTaken = flock(m_descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+        if (isTaken || m_state != stateOfPath())
+            fail(Problem::Unwritable, path,
+                 QStringLiteral("another run is at work on it; wait until that is done and run this again"));
+        m_bytes = readFile(path);
+    } catch (const Error&) {
+        close(m_descriptor);
+        throw;
     }
+}
+
+FileInPlace::~FileInPlace() {
+    close(m_descriptor);
+}
+
+QString FileInPlace::replace(const QByteArray& bytes) {
+    const QString backup = keepBackup(m_path, m_bytes);
+    try {
+        if (m_state != stateOfPath())
+            fail(Problem::Unwritable, m_path,
+                 QStringLiteral(
+                     "it was changed or removed while it was migrated, and was left alone; run this again"));
+        writeFile(m_path, bytes);
+    } catch (const Error&) {
+        QFile::remove(backup);
+        throw;
+    }
+    return backup;
+}
+
+FileInPlace::State FileInPlace::stateOf(const struct stat& status) {
+    return {static_cast<long long>(status.st_dev), static_cast<long long>(status.st_ino),
+            static_cast<long long>(status.st_size), static_cast<long long>(status.st_mtim.tv_sec),
+            static_cast<long long>(status.st_mtim.tv_nsec)};
+}
+
+FileInPlace::State FileInPlace::stateOfPath() const {
+    struct stat status = {};
+    return stat(QFile::encodeName(m_path).constData(), &status) == 0 ? stateOf(status) : State();
 }
 
 } // namespace Reader

@@ -3,20 +3,55 @@
 #include <QByteArray>
 #include <QString>
 
+#include <sys/stat.h>
+
+#include <array>
+
 namespace Reader {
 
 /// What "-" stands for as a path: standard input or output.
 inline const QString standardStream = QStringLiteral("-");
 
+/// Files larger than this are refused; a tree of one would fill any machine.
+inline constexpr qint64 greatestFile = qint64(1) << 30;
+
 /// Reads a whole file. Throws Error.
 QByteArray readFile(const QString& path);
 
+/// What becomes of a file that stands where one is to be written.
+enum class Existing { Replace, Refuse };
+
 /// Writes a whole file by way of a temporary file beside it, synced and renamed: whatever happens, the old file
 /// stands or the new one. A device or a pipe is written into. Throws Error.
-void writeFile(const QString& path, const QByteArray& bytes);
+void writeFile(const QString& path, const QByteArray& bytes, Existing existing = Existing::Replace);
 
-/// Keeps `bytes`, what the file held, as `<path>.bak`, or under a number where such a file stands already. Gives
-/// the backup's path. Throws Error.
-QString keepBackup(const QString& path, const QByteArray& bytes);
+/// A file that is read, changed and written back. While one lives, a second of the same file is refused, and what
+/// others did to the file in the meantime is not written over.
+class FileInPlace {
+public:
+    /// Throws Error where another run has the file.
+    explicit FileInPlace(const QString& path);
+    ~FileInPlace();
+    FileInPlace(const FileInPlace&) = delete;
+    FileInPlace& operator=(const FileInPlace&) = delete;
+
+    const QByteArray& bytes() const { return m_bytes; }
+
+    /// Writes the file and keeps what it was as `<path>.bak`, or under a number where such a file stands already.
+    /// Gives the backup's path. Throws Error; the file is as it was then, and no backup is left behind.
+    QString replace(const QByteArray& bytes);
+
+private:
+    /// Tells one state of a file from the next: device, file number, size and time of change.
+    using State = std::array<long long, 5>;
+
+    static State stateOf(const struct stat& status);
+    State stateOfPath() const;
+
+    QString m_path;
+    int m_descriptor;
+    State m_state;
+    QByteArray m_bytes;
+};
 
 } // namespace Reader

@@ -6,6 +6,7 @@
 #include <array>
 #include <charconv>
 #include <string>
+#include <string_view>
 #include <vector>
 
 using nlohmann::json;
@@ -99,18 +100,25 @@ void Writer::writeInteger(Integer number) {
     m_text.append(digits.data(), end);
 }
 
+/// What is wrong, out of a text of the library, which leads with its own error number.
+std::string reasonIn(const std::string& text, std::string_view end) {
+    const auto reason = text.find(end);
+    return reason == std::string::npos ? text : text.substr(reason + end.size());
+}
+
+[[noreturn]] void refuse(const QString& name, const std::string& place, const std::string& reason) {
+    throw Error(Problem::BrokenJson, name.toStdString() + ": broken JSON" + place + ": " + reason);
+}
+
 } // namespace
 
 json parseJson(const QByteArray& bytes, const QString& name) {
     try {
         return json::parse(bytes.begin(), bytes.end());
     } catch (const json::parse_error& error) {
-        // The library's text leads with its own error number; what follows says what is wrong.
-        const std::string text = error.what();
-        const auto reason = text.find(": ");
-        throw Error(Problem::BrokenJson, name.toStdString() + ": broken JSON at byte " +
-                                             std::to_string(error.byte) +
-                                             (reason == std::string::npos ? "" : text.substr(reason)));
+        refuse(name, " at byte " + std::to_string(error.byte), reasonIn(error.what(), ": "));
+    } catch (const json::out_of_range& error) { // a number that no double holds; its place is not told
+        refuse(name, "", reasonIn(error.what(), "] "));
     }
 }
 

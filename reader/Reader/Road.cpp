@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <new>
 #include <set>
 #include <unordered_set>
 
@@ -25,7 +26,8 @@ namespace {
 /// Runs one adaptor after the other, and gives what goes wrong the name of the adaptor and of the file.
 class Runner {
 public:
-    Runner(const Journey& journey, Report& report) : m_journey(journey), m_report(report) {}
+    Runner(const Document& document, const Journey& journey, Report& report)
+        : m_document(document), m_journey(journey), m_report(report) {}
     ~Runner() { m_report.log.insert(m_report.log.end(), m_log.lines().begin(), m_log.lines().end()); }
     Runner(const Runner&) = delete;
     Runner& operator=(const Runner&) = delete;
@@ -36,12 +38,21 @@ public:
             adapt();
         } catch (const Error&) {
             throw;
+        } catch (const std::bad_alloc&) {
+            throw; // no fault of the adaptor's
         } catch (const std::exception& error) {
             fail(Problem::StepFailed, m_journey, name + ": " + error.what());
         }
+        watch(name);
+    }
+
+    void watch(const std::string& name) const {
+        if (m_journey.watch)
+            m_journey.watch(name, m_document);
     }
 
 private:
+    const Document& m_document;
     const Journey& m_journey;
     Report& m_report;
     StepLog m_log;
@@ -256,10 +267,13 @@ Report migrate(Document& document, const Journey& journey) {
     const bool wasXml = document.isXml();
     const Surroundings surroundings = surroundingsOf(journey);
     {
-        Runner runner(journey, report);
+        Runner runner(document, journey, report);
         if (wasXml) {
             checkRootObject(document.xml(), journey);
             sortRootObjects(document.xml());
+        }
+        runner.watch({});
+        if (wasXml) {
             runUnnumbered("OverlayFileContentReadAdaptor", document, surroundings, runner);
             runXmlRoad(document, journey, surroundings, runner, report);
             if (journey.to > lastXmlVersion)
@@ -290,7 +304,7 @@ Report runOne(Document& document, const std::string& className, const Journey& j
     report.from = report.to = document.version.value_or(0);
     report.objectsBefore = countObjects(document);
     {
-        Runner runner(journey, report);
+        Runner runner(document, journey, report);
         runner.run(className, adapt);
     }
     report.steps.push_back(className);
@@ -302,7 +316,7 @@ Serialized save(Document document, const Journey& journey, Report& report) {
     if (!document.isXml()) {
         Surroundings surroundings = surroundingsOf(journey);
         surroundings.location = journey.target;
-        Runner runner(journey, report);
+        Runner runner(document, journey, report);
         runUnnumbered("PortableSaveAdaptor", document, surroundings, runner);
         if (journey.toBundle)
             runUnnumbered("OverlayFileContentWriteAdaptor", document, surroundings, runner);

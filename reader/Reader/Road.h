@@ -8,6 +8,7 @@
 
 #include <QString>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -22,6 +23,8 @@ struct Journey {
     SideFiles sourceFiles{QString()}; ///< side files that the project is read with
     SideFiles targetFiles{QString()}; ///< and saved with, if `toBundle`
     bool toBundle = false;            ///< move texts out to side files when saving
+    /// Looks at the document: before the first adaptor under an empty name, then behind each that migrate() runs.
+    std::function<void(const std::string& className, const Document& document)> watch = {};
 };
 
 /// What happened on the road.

@@ -27,9 +27,8 @@ class TagScan {
 public:
     explicit TagScan(std::string_view text) : m_text(text) {}
 
-    /// The greatest depth, or a number above maxXmlDepth as soon as it is reached.
-    int depth();
-    bool hasDoctype() const { return m_hasDoctype; }
+    /// Goes on to the end, or to the first tag that is refused; why is empty at the end.
+    QString run();
     std::size_t position() const { return m_position; }
 
 private:
@@ -40,21 +39,21 @@ private:
 
     std::string_view m_text;
     std::size_t m_position = 0;
-    bool m_hasDoctype = false;
+    QString m_refusal;
 };
 
-int TagScan::depth() {
-    int depth = 0;
-    int greatest = 0;
-    while (!m_hasDoctype && greatest <= maxXmlDepth) {
+QString TagScan::run() {
+    for (int depth = 0; m_refusal.isEmpty();) {
         const std::size_t tag = m_text.find('<', m_position);
         if (tag == std::string_view::npos)
             break;
         m_position = tag;
         depth += passTag();
-        greatest = std::max(greatest, depth);
+        if (depth > maxXmlDepth)
+            m_refusal =
+                QStringLiteral("elements are nested deeper than %1 levels; no project is").arg(maxXmlDepth);
     }
-    return greatest;
+    return m_refusal;
 }
 
 int TagScan::passTag() {
@@ -69,7 +68,7 @@ int TagScan::passTag() {
         return 0;
     }
     if (rest.starts_with("<!")) {
-        m_hasDoctype = true;
+        m_refusal = QStringLiteral("document type declarations and entities are refused; a project has none");
         return 0;
     }
     if (rest.starts_with("<?")) {
@@ -85,12 +84,18 @@ int TagScan::passTag() {
 
 bool TagScan::passStartTag() {
     char quote = 0;
+    int attributes = 0;
     for (++m_position; m_position < m_text.size(); ++m_position) {
         const char c = m_text[m_position];
         if (quote) {
             quote = c == quote ? char(0) : quote;
         } else if (c == '"' || c == '\'') {
             quote = c;
+            if (++attributes > maxXmlAttributes) {
+                m_refusal = QStringLiteral("an element has more than %1 attributes; none of a project has")
+                                .arg(maxXmlAttributes);
+                return false;
+            }
         } else if (c == '>') {
             const bool isEmpty = m_text[m_position - 1] == '/';
             ++m_position;
@@ -132,15 +137,11 @@ void refuseForeignEncoding(const QByteArray& bytes, const QString& name) {
 void refuseHostileText(const QByteArray& bytes, const QString& name) {
     const std::string_view text(bytes.constData(), static_cast<std::size_t>(bytes.size()));
     TagScan scan(text);
-    const int depth = scan.depth();
-    if (!scan.hasDoctype() && depth <= maxXmlDepth)
+    const QString refusal = scan.run();
+    if (refusal.isEmpty())
         return;
     const auto [line, column] = lineAndColumn(text, scan.position());
-    if (scan.hasDoctype())
-        fail(Problem::RefusedXml, name, line, column,
-             QStringLiteral("document type declarations and entities are refused; a project has none"));
-    fail(Problem::RefusedXml, name, line, column,
-         QStringLiteral("elements are nested deeper than %1 levels; no project is").arg(maxXmlDepth));
+    fail(Problem::RefusedXml, name, line, column, refusal);
 }
 
 class Writer {

@@ -6,11 +6,16 @@
 
 namespace Reader {
 
-/// Archives nested deeper than this are refused: operations of the tree need stack for each level.
+/// Archives nested deeper than this are refused; no project comes near. Operations of the tree need stack for each
+/// level, and a step that looks through all below each object looks at what is deep again and again.
 inline constexpr int maxXmlDepth = 10000;
 
+/// Elements with more attributes than this are refused: the parser compares each attribute with all others.
+inline constexpr int maxXmlAttributes = 256;
+
 /// Reads XML text; `name` is the file's name for errors. Throws Error with line and column for text that is not
-/// well-formed, for document type declarations (the format has none), and for hostile depth.
+/// well-formed, for document type declarations (the format has none), and for hostile depth or
+/// numbers of attributes.
 QDomDocument parseXml(const QByteArray& bytes, const QString& name);
 
 /// Writes a document with sorted attributes, so that the same tree is the same text on every run. Depth costs

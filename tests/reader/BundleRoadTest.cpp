@@ -6,6 +6,7 @@
 #include "support/Compare.h"
 #include "support/Files.h"
 #include "support/Film.h"
+#include "support/Findings.h"
 #include "support/Paths.h"
 
 #include <gmock/gmock.h>
@@ -173,8 +174,7 @@ private:
 TEST_F(BundleRoadTest, TheSampleItselfIsSound) {
     const Document document = Reader::parse(sample(), QStringLiteral("holiday"));
     EXPECT_EQ(document.version, sampleVersion);
-    EXPECT_THAT(Reader::findDuplicateIds(document), IsEmpty());
-    EXPECT_THAT(Reader::findDanglingReferences(document), IsEmpty());
+    EXPECT_THAT(Tests::linesOf(Reader::verify(document)), IsEmpty());
     std::set<QString> there;
     std::set<QString> declared;
     const QDomElement archive = document.xml().documentElement();
@@ -329,9 +329,7 @@ TEST_F(BundleRoadTest, QuizzesAreObjectsOfTheirOwnInBetween) {
 
 TEST_F(BundleRoadTest, NoReferenceIsDanglingAndNoIdIsTwice) {
     const Project film = project();
-    for (const Reader::DanglingReference& reference : Reader::findDanglingReferences(film.document()))
-        ADD_FAILURE() << reference.fromClass << ' ' << reference.from << " refers to " << reference.to;
-    EXPECT_THAT(Reader::findDuplicateIds(film.document()), IsEmpty());
+    EXPECT_THAT(Tests::linesOf(Reader::verify(film.document())), IsEmpty());
     EXPECT_THAT(whole().report.duplicateIds, IsEmpty());
 }
 

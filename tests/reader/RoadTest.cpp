@@ -4,6 +4,7 @@
 #include "support/Compare.h"
 #include "support/Files.h"
 #include "support/Film.h"
+#include "support/Findings.h"
 #include "support/Paths.h"
 
 #include <gmock/gmock.h>
@@ -667,11 +668,9 @@ TEST_P(RoadTest, ObjectsHaveTheFieldsOfTheNewestVersion) {
     }
 }
 
-TEST_P(RoadTest, NoReferenceIsDanglingAndNoIdIsTwice) {
+TEST_P(RoadTest, TheResultIsSound) {
     const Project film = project();
-    for (const Reader::DanglingReference& reference : Reader::findDanglingReferences(film.document()))
-        ADD_FAILURE() << reference.fromClass << ' ' << reference.from << " refers to " << reference.to;
-    EXPECT_THAT(Reader::findDuplicateIds(film.document()), IsEmpty());
+    EXPECT_THAT(Tests::linesOf(Reader::verify(film.document())), IsEmpty());
     EXPECT_THAT(result().report.duplicateIds, IsEmpty());
 }
 
@@ -679,8 +678,7 @@ TEST_P(RoadTest, TheSampleItselfIsSound) {
     const Document document = Reader::parse(bytesOf(GetParam()), QStringLiteral("holiday"));
     EXPECT_EQ(document.version, version());
     EXPECT_EQ(document.isXml(), GetParam().isXml);
-    EXPECT_THAT(Reader::findDuplicateIds(document), IsEmpty());
-    EXPECT_THAT(Reader::findDanglingReferences(document), IsEmpty());
+    EXPECT_THAT(Tests::linesOf(Reader::verify(document)), IsEmpty());
 }
 
 TEST_P(RoadTest, TheSameSampleGivesTheSameBytes) {
@@ -691,12 +689,7 @@ TEST_P(RoadTest, StoppingAnywhereLeadsToTheSameProject) {
     const json atOnce = Tests::renumbered(result().bytes);
     const QByteArray bytes = bytesOf(GetParam());
     const int first = GetParam().isXml ? version() : std::max(version(), Reader::lastXmlVersion + 1);
-    std::set<int> stops = {first, Reader::lastXmlVersion + 1}; // and behind the steps of each number
-    for (const Reader::Step& step : Reader::chain())
-        stops.insert(step.number);
-    for (const int stop : stops) {
-        if (stop < first || stop >= Reader::currentVersion)
-            continue;
+    for (int stop = first; stop < Reader::currentVersion; ++stop) {
         const Result half = migrated(bytes, stop);
         const Result whole = migrated(half.bytes);
         EXPECT_EQ(Tests::difference(atOnce, Tests::renumbered(whole.bytes)), "") << "stopped at " << stop;
@@ -942,8 +935,10 @@ TEST_F(ReelRoadTest, OnlyTwoEntriesDangle) {
     for (const Reader::Clip& clip : Reader::listClips(document))
         names[clip.id] = clip.name;
     Strings dangling;
-    for (const Reader::DanglingReference& reference : Reader::findDanglingReferences(document))
-        dangling.push_back(reference.fromClass + ' ' + names[reference.from]);
+    for (const Reader::Finding& finding : Reader::verify(document)) {
+        if (finding.fault == Reader::Fault::DanglingReference)
+            dangling.push_back(finding.className + ' ' + names[finding.id]);
+    }
     // The second zoom of one, the enhancement without a flag of the other.
     EXPECT_THAT(dangling, testing::UnorderedElementsAre("Timeline::Clip Mole", "Timeline::Clip Fog"));
 

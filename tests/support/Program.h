@@ -16,11 +16,12 @@ struct Outcome {
     QByteArray err;
 };
 
-/// Runs the program `adaptors` in a folder, with `input` as its standard input.
-inline Outcome runProgram(const QStringList& arguments, const QString& folder, const QByteArray& input = {}) {
+/// Runs a command in a folder, with `input` as its standard input.
+inline Outcome runCommand(const QString& command, const QStringList& arguments, const QString& folder,
+                          const QByteArray& input = {}) {
     QProcess process;
     process.setWorkingDirectory(folder);
-    process.start(QString::fromStdString(program().string()), arguments);
+    process.start(command, arguments);
     if (!process.waitForStarted(30000))
         return {-1, {}, process.errorString().toUtf8()};
     process.write(input);
@@ -28,6 +29,11 @@ inline Outcome runProgram(const QStringList& arguments, const QString& folder, c
     process.waitForFinished(120000);
     const int code = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
     return {code, process.readAllStandardOutput(), process.readAllStandardError()};
+}
+
+/// The same for the program `adaptors`.
+inline Outcome runProgram(const QStringList& arguments, const QString& folder, const QByteArray& input = {}) {
+    return runCommand(QString::fromStdString(program().string()), arguments, folder, input);
 }
 
 } // namespace Tests

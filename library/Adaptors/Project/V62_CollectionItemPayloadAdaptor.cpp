@@ -45,7 +45,7 @@ bool isWithoutResource(const QString& type) {
 /// Takes the download out of its holder, which keeps where the file lies.
 Download takeDownload(QDomElement holder) {
     const QString remoteUrl = QStringLiteral("remoteUrl");
-    const Download download = {Archive::valueOf(holder, remoteUrl),
+    Download download = {Archive::valueOf(holder, remoteUrl),
                                Archive::valueOf(holder, remoteSize).toLongLong()};
     Archive::removeFirstChild(holder, remoteUrl);
     Archive::removeFirstChild(holder, remoteSize);

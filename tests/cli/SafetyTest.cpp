@@ -1,0 +1,396 @@
+// Nothing that happens to the program, to its disk or to its files costs anyone a project.
+
+#include "Reader/Error.h"
+#include "Reader/Files.h"
+#include "support/ProgramTest.h"
+
+#include <gtest/gtest.h>
+
+#include <QElapsedTimer>
+#include <QProcess>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <iostream>
+#include <memory>
+#include <random>
+#include <thread>
+#include <vector>
+
+using Reader::FileInPlace;
+using Reader::Problem;
+using Tests::archive;
+using Tests::Outcome;
+using Tests::sample;
+
+namespace {
+
+class SafetyTest : public Tests::ProgramTest {
+protected:
+    /// Runs the program by way of a shell that does `first` before; "$@" is the program's call there.
+    Outcome runAfter(const QString& first, const QStringList& arguments) const {
+        return Tests::runCommand(QStringLiteral("/bin/sh"),
+                                 QStringList{"-c", first + "exec \"$@\"", "sh",
+                                             QString::fromStdString(Tests::program().string())} +
+                                     arguments,
+                                 m_folder.path());
+    }
+    void expectWriteError(const Outcome& outcome, const QByteArray& file, const QByteArray& remedy) const {
+        EXPECT_EQ(outcome.exitCode, 15) << outcome.err.toStdString();
+        EXPECT_TRUE(outcome.err.contains(file + ": ")) << outcome.err.toStdString();
+        EXPECT_TRUE(outcome.err.contains(remedy)) << outcome.err.toStdString();
+    }
+};
+
+/// A project in JSON that grows on its way.
+QByteArray growing() {
+    QByteArray clips;
+    for (int id = 10; id < 210; ++id)
+        clips += (clips.isEmpty() ? "" : ",") +
+                 QByteArray(R"({"@meta":{"class_name":"Timeline::Clip","object_id":)") +
+                 QByteArray::number(id) + "}}";
+    return R"({"version":"1.0","schemaVersion":66,"data":{"@meta":{"class_name":"Project::Content","object_id":2},"clips":[)" +
+           clips + "]}}";
+}
+
+// Killed
+
+using Milliseconds = std::chrono::duration<double, std::milli>;
+
+/// Starts an in-place migration in a folder, kills it after a while, and tells whether it was still running. With
+/// `onWrite` the while begins when the first new file appears.
+bool killMidway(const QString& folder, bool onWrite, Milliseconds wait) {
+    QProcess process;
+    process.setWorkingDirectory(folder);
+    process.start(QString::fromStdString(Tests::program().string()), {"migrate", "film.xml", "--in-place"});
+    process.waitForStarted();
+    while (onWrite && QDir(folder).entryList(QDir::Files).size() < 2 && !process.waitForFinished(0))
+        std::this_thread::yield();
+    std::this_thread::sleep_for(wait);
+    process.kill();
+    process.waitForFinished(-1);
+    return process.exitStatus() == QProcess::CrashExit;
+}
+
+TEST_F(SafetyTest, AKillLeavesTheOldFileOrTheNewOne) {
+    const QByteArray old = archive("<RootObject type='Note' objectId='6'><text type='String' value='" +
+                                       QByteArray(2000000, 'x') + "'/></RootObject>",
+                                   " schemaVersion='60'")
+                               .replace("<clips ", "<note type='ObjectRef' value='6'/><clips ");
+    write("film.xml", old);
+    QElapsedTimer timer;
+    timer.start();
+    ASSERT_EQ(run({"migrate", "film.xml", "--in-place"}).exitCode, 0);
+    const auto whole = static_cast<double>(timer.elapsed());
+    const QByteArray migrated = read("film.xml");
+    ASSERT_TRUE(migrated.startsWith('{') && migrated.size() > 2000000);
+
+    const unsigned int seed = std::random_device()();
+    std::cout << "seed " << seed << ", a run takes " << whole << " ms\n";
+    std::minstd_rand random(seed);
+    int killed = 0;
+    int kept = 0;
+    for (int number = 0; number < 50; ++number) {
+        const QString folder = path(QString::number(number));
+        ASSERT_TRUE(QDir().mkpath(folder));
+        write(QString::number(number) + "/film.xml", old);
+        const bool onWrite = number % 2 == 1;
+        std::uniform_real_distribution<double> wait(0, onWrite ? whole / 20 : whole);
+        killed += killMidway(folder, onWrite, Milliseconds(wait(random)));
+        const QByteArray now = read(QString::number(number) + "/film.xml");
+        kept += now == old;
+        ASSERT_TRUE(now == old || now == migrated) << "kill " << number << ", seed " << seed;
+        if (now == migrated) { // and what it was is whole beside it
+            EXPECT_EQ(read(QString::number(number) + "/film.xml.bak"), old);
+        }
+    }
+    EXPECT_GE(killed, 5);
+    EXPECT_GE(kept, 5);
+}
+
+// No room
+
+TEST_F(SafetyTest, AFullDiskIsAnErrorAndChangesNothing) {
+    write("film.xml", sample("holiday-v27.xml"));
+    const QString small = "ulimit -f 8; "; // 4096 bytes
+    expectWriteError(runAfter(small, {"migrate", "film.xml"}), "film.v77.json", "make room");
+    expectWriteError(runAfter(small, {"migrate", "film.xml", "-o", "old.json", "--force"}), "old.json",
+                     "make room");
+    expectWriteError(runAfter(small, {"migrate", "film.xml", "--in-place"}), "film.xml.bak", "make room");
+    expectWriteError(runAfter(small, {"run", "V28_ClipLabelAdaptor", "film.xml", "-o", "a.xml"}), "a.xml",
+                     "make room");
+    EXPECT_EQ(files(), QStringList{"film.xml"});
+    EXPECT_EQ(read("film.xml"), sample("holiday-v27.xml"));
+}
+
+TEST_F(SafetyTest, AResultThatDoesNotFitLeavesNoBackup) {
+    write("film.json", growing());
+    const auto blocks = growing().size() / 512 + 2;
+    expectWriteError(
+        runAfter("ulimit -f " + QString::number(blocks) + "; ", {"migrate", "film.json", "--in-place"}),
+        "film.json", "make room");
+    EXPECT_EQ(files(), QStringList{"film.json"});
+    EXPECT_EQ(read("film.json"), growing());
+}
+
+TEST_F(SafetyTest, AFullStandardOutputIsAnError) {
+    write("film.xml", archive());
+    const Outcome outcome = runAfter("exec >/dev/full; ", {"migrate", "film.xml", "-o", "-"});
+    expectWriteError(outcome, "standard output", "");
+}
+
+// No permission
+
+TEST_F(SafetyTest, AReadOnlyFolderIsAnErrorAndChangesNothing) {
+    write("film.xml", archive());
+    ASSERT_EQ(chmod(QFile::encodeName(m_folder.path()).constData(), 0555), 0);
+    ASSERT_EQ(chmod(QFile::encodeName(path("film.xml")).constData(), 0444), 0);
+    // Root may write everywhere: another user runs the program then.
+    const QString asOther =
+        geteuid() == 0 ? "set -- setpriv --reuid=65534 --regid=65534 --clear-groups \"$@\"; " : "";
+    if (runAfter(asOther, {"--version"}).exitCode != 0)
+        GTEST_SKIP() << "the program can't be run as another user here";
+    expectWriteError(runAfter(asOther, {"migrate", "film.xml"}), "film.v77.json", "permissions");
+    expectWriteError(runAfter(asOther, {"migrate", "film.xml", "--in-place"}), "film.xml.bak", "permissions");
+    EXPECT_EQ(files(), QStringList{"film.xml"});
+    EXPECT_EQ(read("film.xml"), archive());
+
+    // A file that may not be written in a folder that may.
+    ASSERT_EQ(chmod(QFile::encodeName(m_folder.path()).constData(), 0777), 0);
+    expectWriteError(runAfter(asOther, {"migrate", "film.xml", "--in-place"}), "film.xml", "permissions");
+    EXPECT_EQ(files(), QStringList{"film.xml"});
+    EXPECT_EQ(read("film.xml"), archive());
+
+    ASSERT_EQ(chmod(QFile::encodeName(path("film.xml")).constData(), 0), 0);
+    EXPECT_EQ(runAfter(asOther, {"migrate", "film.xml"}).exitCode, 3);
+}
+
+// Nothing there
+
+TEST_F(SafetyTest, AMissingOutputFolderIsNamedAndNotMade) {
+    write("film.xml", archive());
+    expectWriteError(run({"migrate", "film.xml", "-o", "new/film.json"}), "new/film.json", "make its folder");
+    expectWriteError(run({"migrate", "film.xml", "-o", "new/film.json", "--force"}), "new/film.json",
+                     "make its folder");
+    EXPECT_FALSE(exists("new"));
+    EXPECT_EQ(run({"migrate", "film.xml", "--bundle", "new"}).exitCode, 2);
+}
+
+TEST_F(SafetyTest, AVanishedInputIsNamed) {
+    for (const QStringList& arguments :
+         {QStringList{"migrate", "film.xml"}, QStringList{"migrate", "film.xml", "--in-place"},
+          QStringList{"info", "film.xml"}, QStringList{"verify", "film.xml"}}) {
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.exitCode, 3);
+        EXPECT_TRUE(outcome.err.contains("film.xml: No such file")) << outcome.err.toStdString();
+    }
+    EXPECT_EQ(files(), QStringList());
+}
+
+// Several at once
+
+TEST_F(SafetyTest, ASecondRunOnAFileIsRefused) {
+    write("film.xml", archive());
+    {
+        const FileInPlace first(path("film.xml"));
+        expectWriteError(run({"migrate", "film.xml", "--in-place"}), "film.xml", "another run");
+        EXPECT_EQ(files(), QStringList{"film.xml"});
+        EXPECT_EQ(read("film.xml"), archive());
+    }
+    EXPECT_EQ(run({"migrate", "film.xml", "--in-place"}).exitCode, 0);
+}
+
+TEST_F(SafetyTest, RunsAtOnceLoseNothing) {
+    write("film.xml", archive());
+    ASSERT_EQ(run({"migrate", "film.xml", "-o", "new.json"}).exitCode, 0);
+    std::vector<std::unique_ptr<QProcess>> processes;
+    for (int number = 0; number < 6; ++number) {
+        processes.push_back(std::make_unique<QProcess>());
+        processes.back()->setWorkingDirectory(m_folder.path());
+        processes.back()->start(QString::fromStdString(Tests::program().string()),
+                                {"migrate", "film.xml", "--in-place"});
+    }
+    int done = 0;
+    for (const auto& process : processes) {
+        ASSERT_TRUE(process->waitForFinished(120000));
+        EXPECT_EQ(process->exitStatus(), QProcess::NormalExit);
+        done += process->exitCode() == 0;
+        EXPECT_TRUE(process->exitCode() == 0 || process->exitCode() == 15)
+            << process->readAllStandardError().toStdString();
+    }
+    EXPECT_GE(done, 1);
+    EXPECT_EQ(read("film.xml"), read("new.json"));
+    EXPECT_EQ(read("film.xml.bak"), archive());
+    EXPECT_EQ(files().size(), 2 + done); // a backup of each run that wrote, and nothing else
+    EXPECT_EQ(files().filter("tmp"), QStringList());
+}
+
+// Too much
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool isSanitized = true;
+#else
+constexpr bool isSanitized = false;
+#endif
+
+/// A shell's line that holds what comes behind it to so many bytes of memory.
+QString withMemory(qint64 bytes) {
+    // A sanitizer reserves address space without end; it watches what is used itself, and needs several times of that.
+    if (isSanitized)
+        return QStringLiteral("export ASAN_OPTIONS=quarantine_size_mb=1:hard_rss_limit_mb=%1; ")
+            .arg(bytes * 5 >> 20);
+    return QStringLiteral("ulimit -d %1; ").arg(bytes >> 10);
+}
+
+QByteArray inTimeline(const QByteArray& content, const QByteArray& objects = {}) {
+    return "<Archive schemaVersion='62'><RootRef type='ObjectRef' value='2'/>"
+           "<RootObject type='Timeline::Object' objectId='2'>" +
+           content + "</RootObject>" + objects + "</Archive>";
+}
+
+QByteArray inProject(const QByteArray& content) {
+    return R"({"version":"1.0","schemaVersion":77,"data":{"@meta":{"class_name":"Note","object_id":2},"a":)" +
+           content + "}}";
+}
+
+/// A document of about a million bytes of the same thing.
+QByteArray many(const QByteArray& part) {
+    return part.repeated(1000000 / part.size());
+}
+
+struct Hostile {
+    const char* name;
+    QByteArray bytes;
+};
+
+std::vector<Hostile> hostileDocuments() {
+    return {
+        {"tiny elements", inTimeline(many("<a/>"))},
+        {"tiny texts", inTimeline(many("<a>b</a>"))},
+        {"long attribute", inTimeline("<a type='String' value='" + many("x") + "'/>")},
+        {"many attributes", inTimeline(many("<a b='' c='' d='' e=''/>"))},
+        {"deep elements",
+         inTimeline(many(QByteArray("<a>").repeated(450) + QByteArray("</a>").repeated(450)))},
+        {"items without index", inTimeline("<a type='Array'>" + many("<Item/>") + "</a>")},
+        {"repeated links",
+         inTimeline("<a type='Array'>" + many("<Item><Data type='ObjectRef' value='2'/></Item>") + "</a>")},
+        {"root objects of one id", inTimeline("", many("<RootObject objectId='3'/>"))},
+        {"empty arrays", inProject('[' + many("[],") + "0]")},
+        {"empty objects", inProject('[' + many("{},") + "0]")},
+        {"objects without ids", inProject('[' + many(R"({"@meta":{}},)") + "0]")},
+        {"links to nothing", inProject('[' + many(R"({"@meta_reference":9},)") + "0]")},
+        {"deep arrays", inProject(QByteArray("[").repeated(500000) + QByteArray("]").repeated(500000))},
+        {"long text", inProject('"' + many("x") + '"')},
+    };
+}
+
+TEST_F(SafetyTest, ReadingTakesMemoryInProportionToTheFile) {
+    for (const Hostile& hostile : hostileDocuments()) {
+        write("film", hostile.bytes);
+        const qint64 bound = 64 * 1024 * 1024 + 250 * qint64(hostile.bytes.size());
+        const Outcome info = runAfter(withMemory(bound), {"info", "film"});
+        EXPECT_EQ(info.exitCode, 0) << hostile.name << ": " << info.err.toStdString();
+        const Outcome verify = runAfter(withMemory(bound), {"verify", "film"});
+        EXPECT_TRUE(verify.exitCode == 0 || verify.exitCode == 17)
+            << hostile.name << ": " << verify.err.toStdString();
+        const Outcome newest = runAfter(withMemory(bound), {"migrate", "film", "-o", "out", "--force"});
+        EXPECT_EQ(newest.exitCode, 0) << hostile.name << ": " << newest.err.toStdString();
+    }
+}
+
+TEST_F(SafetyTest, AHostileDocumentGetsNoMoreMemoryThanItsSizeAllows) {
+    if (isSanitized)
+        GTEST_SKIP() << "a sanitizer's own memory would count";
+    // Each of these gets six tracks, each with a predeclaration.
+    const QByteArray timelines =
+        "<Archive schemaVersion='26'><RootRef type='ObjectRef' value='2'/>"
+        "<RootObject type='Predeclarator' objectId='1'><predeclarations type='Array' size='0'/></RootObject>"
+        "<RootObject type='Timeline::Object' objectId='2'/>" +
+        many("<RootObject type='Timeline::Object'/>") + "</Archive>";
+    write("film.xml", timelines);
+    expectFailure({"migrate", "film.xml", "--in-place"}, 18, "more memory");
+    EXPECT_EQ(files(), QStringList{"film.xml"});
+    EXPECT_EQ(read("film.xml"), timelines);
+    // One track, listed again and again, with a level for each of many clips: each level is listed as often.
+    QByteArray levels =
+        R"({"version":"1.0","schemaVersion":76,"data":{"@meta":{"class_name":"Timeline::Object","object_id":2},
+        "tracks":[{"@meta":{"class_name":"Timeline::Track","object_id":3},"type":1,"used":true,"timeline":{"@meta_reference":2}})";
+    levels += QByteArray(R"(,{"@meta_reference":3})").repeated(20000) + R"(],"clips":[],"x":[null)";
+    for (int level = 1; level < 5000; ++level)
+        levels += R"(,{"@meta":{"class_name":"Timeline::ClipTiming","object_id":)" +
+                  QByteArray::number(level + 10) + R"(},"track":{"@meta_reference":3},"trackLevel":)" +
+                  QByteArray::number(level) + "}";
+    levels += "]}}";
+    write("film.xml", levels);
+    expectFailure({"migrate", "film.xml", "--in-place"}, 18, "more memory");
+    EXPECT_EQ(files(), QStringList{"film.xml"});
+}
+
+TEST_F(SafetyTest, AnInputWithoutEndIsRefused) {
+    if (isSanitized)
+        GTEST_SKIP() << "takes a sanitizer long";
+    expectFailure({"info", "/dev/zero"}, 3, "1 GiB");
+}
+
+class FilesTest : public SafetyTest {
+protected:
+    template <class Call>
+    static Problem problemOf(Call call) {
+        try {
+            call();
+        } catch (const Reader::Error& error) {
+            return error.problem();
+        }
+        return Problem(0);
+    }
+};
+
+TEST_F(FilesTest, WhatOthersWroteMeanwhileStands) {
+    write("film.xml", "old");
+    FileInPlace file(path("film.xml"));
+    EXPECT_EQ(file.bytes(), "old");
+    write("film.xml", "saved by the editor");
+    EXPECT_EQ(problemOf([&] { file.replace("migrated"); }), Problem::Unwritable);
+    EXPECT_EQ(read("film.xml"), "saved by the editor");
+    EXPECT_EQ(files(), QStringList{"film.xml"});
+    QFile::remove(path("film.xml"));
+    EXPECT_EQ(problemOf([&] { file.replace("migrated"); }), Problem::Unwritable);
+    EXPECT_EQ(files(), QStringList());
+}
+
+TEST_F(FilesTest, ReplacingKeepsABackup) {
+    write("film.xml", "old");
+    write("film.xml.bak", "earlier");
+    EXPECT_EQ(FileInPlace(path("film.xml")).replace("migrated"), path("film.xml.bak2"));
+    EXPECT_EQ(read("film.xml"), "migrated");
+    EXPECT_EQ(read("film.xml.bak"), "earlier");
+    EXPECT_EQ(read("film.xml.bak2"), "old");
+    EXPECT_EQ(files().size(), 3);
+}
+
+TEST_F(FilesTest, OnlyRegularFilesAreReplaced) {
+    EXPECT_EQ(problemOf([] { FileInPlace(QStringLiteral("/dev/null")); }), Problem::Unreadable);
+    EXPECT_EQ(problemOf([&] { FileInPlace(m_folder.path()); }), Problem::Unreadable);
+}
+
+TEST_F(FilesTest, AFileThatAppearedMeanwhileStands) {
+    write("film.json", "precious");
+    EXPECT_EQ(problemOf([&] { Reader::writeFile(path("film.json"), "new", Reader::Existing::Refuse); }),
+              Problem::OutputExists);
+    EXPECT_EQ(read("film.json"), "precious");
+    EXPECT_EQ(files(), QStringList{"film.json"});
+    Reader::writeFile(path("film.json"), "new");
+    EXPECT_EQ(read("film.json"), "new");
+    Reader::writeFile(path("other.json"), "new", Reader::Existing::Refuse);
+    EXPECT_EQ(read("other.json"), "new");
+    EXPECT_EQ(files(), (QStringList{"film.json", "other.json"}));
+    // A link that leads nowhere is something that stands there too.
+    ASSERT_EQ(symlink("nowhere", QFile::encodeName(path("link.json")).constData()), 0);
+    EXPECT_EQ(problemOf([&] { Reader::writeFile(path("link.json"), "new", Reader::Existing::Refuse); }),
+              Problem::OutputExists);
+}
+
+} // namespace

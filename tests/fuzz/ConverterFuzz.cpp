@@ -1,0 +1,46 @@
+// Any archive is converted, taken apart into a flat document and nested again, or is refused.
+
+#include "Fuzz.h"
+#include "Mutate.h"
+
+#include "Reader/Conversion.h"
+#include "Reader/Document.h"
+#include "Reader/Error.h"
+#include "Reader/XmlText.h"
+
+#include <stdexcept>
+
+FUZZ_MUTATE_BY(Fuzz::mutateXml)
+
+namespace {
+
+/// What the conversion gives. It throws std::exception for what it can't convert.
+nlohmann::json convert(const QByteArray& bytes) {
+    QDomDocument xml = Reader::parseXml(bytes, QStringLiteral("fuzz"));
+    return Reader::Conversion().convert(xml).second;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    Fuzz::initialize("ConverterFuzz");
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    nlohmann::json envelope;
+    try {
+        envelope = convert(Fuzz::bytesOf(data, size));
+    } catch (const std::exception&) {
+        return 0;
+    }
+    Reader::Document document;
+    try {
+        document.content = Reader::openEnvelope(std::move(envelope), QStringLiteral("fuzz"));
+    } catch (const Reader::Error&) {
+        return 0;
+    }
+    document.version = Reader::lastXmlVersion + 1;
+    Fuzz::checkReadsAgain(Reader::serialize(std::move(document)).bytes);
+    return 0;
+}

@@ -1,0 +1,141 @@
+// Writes the seeds of the fuzz targets on documents: what the step cases start from, each at the version below its
+// step, and the samples, thinned out. Use: Seeds CASES SAMPLES OUTPUT
+
+#include "Reader/JsonText.h"
+#include "Reader/XmlText.h"
+
+#include <QDomDocument>
+
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+
+namespace {
+
+QByteArray read(const fs::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    return QByteArray::fromStdString({std::istreambuf_iterator<char>(in), {}});
+}
+
+void write(const fs::path& file, const QByteArray& bytes) {
+    fs::create_directories(file.parent_path());
+    std::ofstream(file, std::ios::binary).write(bytes.constData(), bytes.size());
+}
+
+/// The version that a step's documents have before it; the newest for adaptors outside the numbering.
+int versionBefore(const std::string& className, int otherwise) {
+    return className[0] == 'V' ? std::stoi(className.substr(1)) - 1 : otherwise;
+}
+
+/// A flat document of a step's case as a project that holds all its objects.
+json projectOf(const json& flat, int version) {
+    json objects = json::array();
+    for (const json& object : flat)
+        objects.push_back(object);
+    return {{"version", "1.0"},
+            {"schemaVersion", version},
+            {"data",
+             {{"@meta", {{"class_name", "Project::PersistentObject"}, {"object_id", 1000000}}},
+              {"objects", std::move(objects)}}}};
+}
+
+/// Leaves two entries of each list and the first object of each class.
+void thinOut(QDomDocument& document) {
+    std::set<QString> classes;
+    QDomElement e = document.documentElement().firstChildElement();
+    while (!e.isNull()) {
+        QDomElement next = e.nextSiblingElement();
+        const bool isObject = e.tagName() == QLatin1String("RootObject");
+        if (isObject && !classes.insert(e.attribute(QStringLiteral("type"))).second)
+            document.documentElement().removeChild(e);
+        e = next;
+    }
+    const QDomNodeList live = document.elementsByTagName(QStringLiteral("Item"));
+    std::vector<QDomElement> items;
+    for (int i = 0; i < live.size(); ++i)
+        items.push_back(live.at(i).toElement());
+    for (QDomElement& item : items) {
+        if (item.attribute(QStringLiteral("index")).toInt() > 2)
+            item.parentNode().removeChild(item);
+    }
+}
+
+void thinOut(json& value) {
+    if (value.is_array() && value.size() > 2)
+        value.erase(value.begin() + 2, value.end());
+    if (value.is_structured()) {
+        for (json& member : value)
+            thinOut(member);
+    }
+}
+
+class Seeds {
+public:
+    explicit Seeds(fs::path output) : m_output(std::move(output)) {}
+
+    void addCase(const fs::path& folder) {
+        const std::string className = folder.parent_path().filename().string();
+        const std::string name = className + '-' + folder.filename().string();
+        if (const fs::path file = folder / "before.xml"; fs::exists(file)) {
+            QDomDocument document;
+            if (document.setContent(read(file)))
+                addXml(name, document, versionBefore(className, 61));
+        } else if (fs::exists(folder / "before.json")) {
+            const json flat = json::parse(read(folder / "before.json").toStdString(), nullptr, false);
+            if (flat.is_object())
+                addJson(name, projectOf(flat, versionBefore(className, 76)));
+        }
+    }
+
+    void addSample(const fs::path& file) {
+        if (file.extension() == ".xml") {
+            QDomDocument document;
+            document.setContent(read(file));
+            thinOut(document);
+            addXml(file.stem().string(), document, 0);
+        } else if (file.extension() == ".json") {
+            json project = json::parse(read(file).toStdString());
+            thinOut(project);
+            addJson(file.stem().string(), project);
+        }
+    }
+
+private:
+    void addXml(const std::string& name, QDomDocument& document, int version) {
+        if (version > 0)
+            document.documentElement().setAttribute(QStringLiteral("schemaVersion"), version);
+        const QByteArray bytes = Reader::writeXml(document);
+        for (const char* target : {"XmlChainFuzz", "ConverterFuzz", "ReaderFuzz"})
+            write(m_output / target / (name + ".xml"), bytes);
+    }
+    void addJson(const std::string& name, const json& project) {
+        for (const char* target : {"JsonChainFuzz", "ReaderFuzz"})
+            write(m_output / target / (name + ".json"), Reader::writeJson(project));
+    }
+
+    fs::path m_output;
+};
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 4) {
+        std::cerr << "use: " << argv[0] << " CASES SAMPLES OUTPUT\n";
+        return 2;
+    }
+    Seeds seeds(argv[3]);
+    for (const auto& adaptor : fs::directory_iterator(argv[1])) {
+        for (const auto& entry : fs::directory_iterator(adaptor.path()))
+            seeds.addCase(entry.path());
+    }
+    for (const auto& entry : fs::directory_iterator(argv[2]))
+        seeds.addSample(entry.path());
+    return 0;
+}

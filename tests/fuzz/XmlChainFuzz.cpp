@@ -1,0 +1,16 @@
+// Any archive of any version goes all the way to the newest, or is refused.
+
+#include "Fuzz.h"
+#include "Mutate.h"
+
+FUZZ_MUTATE_BY(Fuzz::mutateXml)
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    Fuzz::initialize("XmlChainFuzz");
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    Fuzz::travel(Fuzz::bytesOf(data, size));
+    return 0;
+}

@@ -1,0 +1,59 @@
+// What the fuzz targets once found stands in tests/fuzz/corpus and goes through the reader here too.
+
+#include "Reader/Error.h"
+#include "Reader/Road.h"
+#include "Reader/Verify.h"
+#include "support/Files.h"
+#include "support/Paths.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace fs = std::filesystem;
+using Reader::Document;
+
+namespace {
+
+std::vector<fs::path> findings() {
+    std::vector<fs::path> files;
+    for (const char* target : {"ReaderFuzz", "ConverterFuzz", "XmlChainFuzz", "JsonChainFuzz"}) {
+        const fs::path folder = Tests::fuzzCorpusFolder() / target;
+        if (!fs::exists(folder))
+            continue;
+        for (const auto& entry : fs::directory_iterator(folder))
+            files.push_back(entry.path());
+    }
+    std::sort(files.begin(), files.end());
+    return files;
+}
+
+/// The bytes of a document that went as far as it can; empty for one that is refused.
+QByteArray saved(const QByteArray& bytes) {
+    Reader::Journey journey;
+    journey.name = journey.location = journey.target = QStringLiteral("film");
+    try {
+        Document document = Reader::parse(bytes, journey.name);
+        Reader::verify(document);
+        document.version = document.version.value_or(0);
+        Reader::Report report = Reader::migrate(document, journey);
+        return Reader::save(std::move(document), journey, report).bytes;
+    } catch (const Reader::Error&) {
+        return {};
+    }
+}
+
+TEST(FuzzFindings, AreRefusedOrMigratedToWhatCanBeRead) {
+    Reader::useStandInFolders();
+    const auto files = findings();
+    ASSERT_FALSE(files.empty());
+    for (const fs::path& file : files) {
+        SCOPED_TRACE(file.filename());
+        const QByteArray bytes = saved(QByteArray::fromStdString(Tests::readFile(file)));
+        if (!bytes.isEmpty()) {
+            EXPECT_EQ(Reader::serialize(Reader::parse(bytes, QStringLiteral("film"))).bytes, bytes);
+        }
+    }
+}
+
+} // namespace

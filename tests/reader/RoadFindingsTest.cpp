@@ -1,0 +1,182 @@
+// What the checker finds on the road: steps leave a document as sound as it was, but for what some of them are meant
+// to leave behind. That is listed here, with the reason.
+
+#include "Reader/Road.h"
+#include "Reader/Verify.h"
+#include "support/Documents.h"
+#include "support/Files.h"
+#include "support/Paths.h"
+
+#include <gtest/gtest.h>
+
+#include <QRegularExpression>
+
+#include <map>
+#include <set>
+#include <tuple>
+
+using Reader::Document;
+using Reader::Fault;
+using Reader::Finding;
+using Reader::Journey;
+
+namespace {
+
+/// A fault that a step is meant to leave, at all places of a kind.
+struct Told {
+    const char* step;
+    Fault fault;
+    const char* className;
+    const char* path; ///< with "#" for every number
+
+    auto key() const {
+        return std::tuple<std::string, Fault, std::string, std::string>(step, fault, className, path);
+    }
+};
+
+constexpr const char* refs = "refs/Item[#]/Data";
+
+const Told told[] = {
+    // These take objects out with their own predeclarations. The records of those who referred to them keep the
+    // numbers in their `refs`: nothing reads those.
+    {"V16_PanZoomAdaptor", Fault::StaleDeclaration, "Predeclare", refs},
+    {"V24_CompositionRemoveAdaptor", Fault::StaleDeclaration, "Predeclare", refs},
+    {"V32_ColorFiltersAdaptor", Fault::StaleDeclaration, "Predeclare", refs},
+    {"V34_NoPreviewAdaptor", Fault::StaleDeclaration, "Predeclare", refs},
+    {"V40_RemoveQuizFromOverlayAdaptor", Fault::StaleDeclaration, "Predeclare", refs},
+    {"V51_MaskEffectAdaptor", Fault::StaleDeclaration, "Predeclare", refs},
+    // One pass forward over the records: an envelope's matrix is declared before the value that holds it, so its
+    // record stays when the overlay goes.
+    {"V40_RemoveQuizFromOverlayAdaptor", Fault::StaleDeclaration, "Predeclare", "oid"},
+    {"V40_RemoveQuizFromOverlayAdaptor", Fault::StaleDeclaration, "Predeclare", "poid"},
+    // The entries of a clip's second zoom, and of an enhancement without a flag, outlast their effects.
+    {"V16_PanZoomAdaptor", Fault::DanglingReference, "Timeline::Clip", "effects/Item[#]/Data"},
+    {"V32_ColorFiltersAdaptor", Fault::DanglingReference, "Timeline::Clip", "effects/Item[#]/Data"},
+    // Effects that no clip lists are converted like the others, and stay without one.
+    {"V4_EffectNamespaceAdaptor", Fault::Unreachable, "Effect::AutoEnhance", ""},
+    {"V18_NoiseRemovalAdaptor", Fault::Unreachable, "Effect::AudioNoiseSuppress", ""},
+    {"V20_HighlightConcealAdaptor", Fault::Unreachable, "Effect::MaskConceal", ""},
+    {"V20_HighlightConcealAdaptor", Fault::Unreachable, "Effect::MaskHighlight", ""},
+    {"V32_ColorFiltersAdaptor", Fault::Unreachable, "Effect::AutoSaturation", ""},
+    {"V32_ColorFiltersAdaptor", Fault::Unreachable, "Effect::MagicEnhance", ""},
+    // The two items of a title change their numbers and not their places.
+    {"V17_TitleAdaptorSunLabel", Fault::WrongIndex, "Overlay::Preset", "items/Item[#]"},
+    // The effect gives way to one without fields, and what its fields referred to stays.
+    {"V18_NoiseRemovalAdaptor", Fault::Unreachable, "Effect::NoiseProfile", ""},
+    // The record of an overlay item gets `size` 1 and an item number 1, whatever it had; the shadow counts on from there.
+    {"V25_OverlayAnimationAdaptor", Fault::WrongSize, "Predeclare", "refs"},
+    {"V25_OverlayAnimationAdaptor", Fault::WrongIndex, "Predeclare", "refs/Item[#]"},
+    {"V38_OverlayDropShadowAdaptor", Fault::WrongIndex, "Predeclare", "refs/Item[#]"},
+    // Tracks are listed from the topmost, number 6, down.
+    {"V27_MultitrackAdaptor", Fault::WrongIndex, "Timeline::Object", "tracks/Item[#]"},
+    // Every clip loses its transition, and only those of the primary track are listed on.
+    {"V46_TransitionToClipPairAdaptor", Fault::Unreachable, "Transition::Crossfade", ""},
+    // Quiz clips and dropped tracks leave their lists and stay as objects, with all that they hold; saving drops them.
+    {"V69_RemoveQuizzesAdaptor", Fault::Unreachable, "Timeline::Clip", ""},
+    {"V69_RemoveQuizzesAdaptor", Fault::Unreachable, "Timeline::ClipTiming", ""},
+    {"V69_RemoveQuizzesAdaptor", Fault::Unreachable, "Timeline::CollectionItemInfo", ""},
+    {"V69_RemoveQuizzesAdaptor", Fault::Unreachable, "Quiz::Preset", ""},
+    {"V69_RemoveQuizzesAdaptor", Fault::Unreachable, "Quiz::Question", ""},
+    {"V77_TrackUsedAdaptor", Fault::Unreachable, "Timeline::Track", ""},
+};
+
+/// Findings by fault, class and path with "#" for numbers.
+using Counts = std::map<std::tuple<Fault, std::string, std::string>, int>;
+
+Counts countsOf(const Document& document) {
+    static const QRegularExpression numbers(QStringLiteral("\\[\\d+\\]"));
+    Counts counts;
+    for (const Finding& finding : Reader::verify(document))
+        ++counts[{
+            finding.fault, finding.className,
+            QString::fromStdString(finding.path).replace(numbers, QStringLiteral("[#]")).toStdString()}];
+    return counts;
+}
+
+using Left = std::set<decltype(told[0].key())>;
+
+/// What each adaptor on the road leaves that was not there before it.
+Left leftBehind(const QByteArray& bytes, int to = Reader::currentVersion) {
+    Left left;
+    Counts before;
+    Journey journey;
+    journey.name = journey.location = journey.target = QStringLiteral("film");
+    journey.to = to;
+    journey.watch = [&](const std::string& className, const Document& document) {
+        Counts now = countsOf(document);
+        for (const auto& [key, count] : now) {
+            if (!className.empty() && count > before[key])
+                left.insert(std::tuple_cat(std::make_tuple(className), key));
+        }
+        before = std::move(now);
+    };
+    Document document = Reader::parse(bytes, journey.name);
+    Reader::migrate(document, journey);
+    return left;
+}
+
+std::string lineOf(const Left::value_type& entry) {
+    const auto& [step, fault, className, path] = entry;
+    return step + ": " + std::string(Reader::nameOf(fault)) + ' ' + className + ' ' + path;
+}
+
+TEST(RoadFindings, StepsLeaveWhatTheyAreToldAndNothingElse) {
+    Reader::useStandInFolders();
+    Left allowed;
+    for (const Told& entry : told)
+        allowed.insert(entry.key());
+    Left met;
+    for (const auto& entry : std::filesystem::directory_iterator(Tests::samplesFolder())) {
+        const std::string extension = entry.path().extension().string();
+        if (extension != ".xml" && extension != ".json")
+            continue;
+        for (const auto& left : leftBehind(QByteArray::fromStdString(Tests::readFile(entry.path())))) {
+            EXPECT_TRUE(allowed.count(left)) << entry.path().filename() << ": " << lineOf(left);
+            met.insert(left);
+        }
+    }
+    for (const auto& entry : allowed)
+        EXPECT_TRUE(met.count(entry)) << "no sample shows " << lineOf(entry);
+}
+
+/// An archive of a version with a timeline of one clip, which has those effects and overlay.
+QByteArray film(int version, const std::string& clip, const std::string& objects,
+                std::vector<std::pair<std::string, long long>> declared) {
+    declared.insert(declared.end(),
+                    {{"Timeline::Object", 2}, {"Timeline::Clip", 3}, {"Timeline::ClipTiming", 4}});
+    return QByteArray::fromStdString("<Archive schemaVersion='" + std::to_string(version) +
+                                     "'><RootRef type='ObjectRef' value='2'/>" +
+                                     Tests::predeclarator(declared) +
+                                     "<RootObject type='Timeline::Object' objectId='2'><clips type='Array' "
+                                     "size='1'><Item type='Item' index='1'>"
+                                     "<Key type='ObjectRef' value='3'/><Value type='Timeline::ClipTiming' "
+                                     "objectId='4'/></Item></clips></RootObject>"
+                                     "<RootObject type='Timeline::Clip' objectId='3'>" +
+                                     clip + "</RootObject>" + objects + "</Archive>");
+}
+
+// The first zoom of a clip becomes its envelope; the item of the second stays and leads nowhere.
+TEST(RoadFindings, ASecondZoomLeavesAReference) {
+    const std::string zoom = "<RootObject type='Effect::Zoom' objectId='";
+    const Left left =
+        leftBehind(film(15,
+                        "<effects type='Array' size='2'><Item type='Item' index='1'><Data "
+                        "type='ObjectRef' value='5'/></Item><Item type='Item' index='2'><Data "
+                        "type='ObjectRef' value='6'/></Item></effects>",
+                        zoom + "5'/>" + zoom + "6'/>", {{"Effect::Zoom", 5}, {"Effect::Zoom", 6}}),
+                   16);
+    EXPECT_TRUE(left.count(
+        {"V16_PanZoomAdaptor", Fault::DanglingReference, "Timeline::Clip", "effects/Item[#]/Data"}));
+}
+
+// A quiz overlay that no clip uses loses its predeclaration and stays.
+TEST(RoadFindings, AnUnusedQuizStaysUndeclared) {
+    const Left left = leftBehind(film(39, "",
+                                      "<RootObject type='Overlay::Preset' objectId='5'><type type='int32_t' "
+                                      "value='4'/></RootObject>",
+                                      {{"Overlay::Preset", 5}}),
+                                 40);
+    EXPECT_TRUE(left.count({"V40_RemoveQuizFromOverlayAdaptor", Fault::NotDeclared, "Overlay::Preset", ""}));
+}
+
+} // namespace
