@@ -357,7 +357,7 @@ json Impl::complete(json value) {
 }
 
 QString Impl::referencedTypeName(const QDomElement& element) const {
-    const QString type = Archive::typeOf(element);
+    QString type = Archive::typeOf(element);
     if (type != Words::ObjectRef)
         return type;
     const qint64 id = element.attribute(Words::value).toLongLong();

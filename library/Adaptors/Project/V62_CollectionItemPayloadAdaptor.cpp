@@ -46,7 +46,7 @@ bool isWithoutResource(const QString& type) {
 Download takeDownload(QDomElement holder) {
     const QString remoteUrl = QStringLiteral("remoteUrl");
     Download download = {Archive::valueOf(holder, remoteUrl),
-                               Archive::valueOf(holder, remoteSize).toLongLong()};
+                         Archive::valueOf(holder, remoteSize).toLongLong()};
     Archive::removeFirstChild(holder, remoteUrl);
     Archive::removeFirstChild(holder, remoteSize);
     QDomElement location = holder.firstChildElement(QStringLiteral("location"));

@@ -137,16 +137,16 @@ bool Outline::takeInCreated() {
     Elements outside;
     std::size_t rootObjects = 0;
     std::size_t baseParts = 0;
-    for (QDomElement& e : m_created) {
+    for (const QDomElement& e : m_created) {
         if (!isInTree(e)) {
-            outside.push_back(std::move(e));
+            outside.push_back(e);
             continue;
         }
         rootObjects += e.tagName() == Words::RootObject ? 1 : 0;
         baseParts += e.tagName() == Words::BaseOfObject ? 1 : 0;
         const long long id = e.attribute(Words::objectId).toLongLong();
         if (m_greatest && id > m_greatest->id)
-            m_greatest = GreatestId{id, std::move(e)};
+            m_greatest = GreatestId{id, e};
     }
     m_created = std::move(outside);
     if (m_lists && rootObjects + baseParts > 0 && !takeInAppended(rootObjects, baseParts))

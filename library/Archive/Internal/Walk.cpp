@@ -66,7 +66,7 @@ QDomElement childAt(QDomElement e, std::initializer_list<QString> path) {
     return e;
 }
 
-void removeFromParent(QDomElement e) {
+void removeFromParent(const QDomElement& e) {
     QDomNode parent = e.parentNode();
     if (!parent.isNull())
         parent.removeChild(e);

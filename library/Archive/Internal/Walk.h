@@ -37,7 +37,7 @@ QDomElement firstDescendant(const QDomNode& below, const QString& tag);
 QDomElement childAt(QDomElement e, std::initializer_list<QString> path);
 
 /// Removes an element from the tree, wherever it stands; nothing for one that stands nowhere.
-void removeFromParent(QDomElement e);
+void removeFromParent(const QDomElement& e);
 
 /// The document's one `Archive` element, at any depth; a null element where there are none or several.
 QDomElement soleArchive(const QDomDocument& document);

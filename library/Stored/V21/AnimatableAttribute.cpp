@@ -102,7 +102,7 @@ AnimatableAttributeFloatList::AnimatableAttributeFloatList(const SvgElement& pla
             values.clear();
             break;
         }
-        values.append(std::move(*numbers));
+        values.append(*numbers);
     }
     valueCount = values.size();
 }

@@ -38,7 +38,7 @@ const QString adjustablePointTag = QStringLiteral("adjustablePoint");
 // Points are filled in one after the other, and one may bring in the names of others: the text could double with each
 // point, and all of it is searched for each.
 constexpr qint64 maxGrowth = 4;
-constexpr qint64 maxGrowthOfSmallText = 1024 * 1024;
+constexpr qint64 maxGrowthOfSmallText = qint64(1024) * 1024;
 constexpr qint64 maxSearchedBytes = qint64(1) << 28;
 
 // A stop counts once for each gradient around it, though a gradient in another one is no SVG.

@@ -33,6 +33,7 @@ QDomElement svgElementOf(const QDomDocument& dom) {
 std::vector<QDomElement> adjustablePointsOf(const QDomDocument& dom) {
     const QDomNodeList found = dom.elementsByTagName(QStringLiteral("adjustablePoint"));
     std::vector<QDomElement> points;
+    points.reserve(static_cast<std::size_t>(found.length()));
     for (int number = 0; number < found.length(); ++number)
         points.push_back(found.item(number).toElement());
     return points;

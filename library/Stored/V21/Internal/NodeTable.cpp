@@ -53,7 +53,8 @@ void NodeTable::listChildren() {
     m_children.resize(m_entries.size() - 1);
     for (int number = 1; number < size(); ++number) {
         const int start = m_childStart[static_cast<std::size_t>(parent(number))];
-        m_children[static_cast<std::size_t>(start + entry(number).position)] = number;
+        const int place = start + entry(number).position;
+        m_children[static_cast<std::size_t>(place)] = number;
     }
 }
 
@@ -87,7 +88,8 @@ int NodeTable::find(const SvgElement& place) const {
         const int count = m_childStart[static_cast<std::size_t>(number) + 1] - start;
         if (position < 0 || position >= count)
             return -1;
-        number = m_children[static_cast<std::size_t>(start + position)];
+        const int place = start + position;
+        number = m_children[static_cast<std::size_t>(place)];
     }
     return number;
 }
