@@ -23,17 +23,18 @@
 #include <optional>
 #include <string>
 
-#if defined(__SANITIZE_ADDRESS__)
-#define ADAPTORS_SANITIZED
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define ADAPTORS_SANITIZED
-#endif
-#endif
-
 using Reader::Problem;
 
 namespace {
+
+/// A sanitizer's own memory would count as the program's.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool isSanitized = true;
+#elif defined(__has_feature)
+constexpr bool isSanitized = __has_feature(address_sanitizer);
+#else
+constexpr bool isSanitized = false;
+#endif
 
 constexpr int usageError = 2;
 constexpr int hasFindings = 17;
@@ -52,7 +53,7 @@ Exit codes:
    3  the input can't be read             4  the input is empty
    5  neither XML nor JSON                6  broken XML
    7  broken JSON                         8  not one <Archive>, or its root object is missing
-   9  XML that is refused: document type declarations, foreign encodings, hostile depth
+   9  XML that is refused: document type declarations, foreign encodings, hostile shapes
   10  JSON that is no project             11  no usable schema version: give --from N
   12  a version that can't be migrated    13  a step failed
   14  --strict: a step reported an error or a clip was lost; nothing was written
@@ -178,15 +179,11 @@ void limitMemory(const QString& name, qint64 size) {
         "adaptors: error: " + name.toStdString() +
         ": the document needs more memory than any project of its size takes; nothing was written\n";
     std::set_new_handler(endWithoutMemory);
-#ifndef ADAPTORS_SANITIZED // a sanitizer's own memory would count
     rlimit limit = {};
-    if (getrlimit(RLIMIT_DATA, &limit) != 0)
+    if (isSanitized || getrlimit(RLIMIT_DATA, &limit) != 0)
         return;
     limit.rlim_cur = std::min(limit.rlim_cur, baseMemory + memoryPerByte * static_cast<rlim_t>(size));
     setrlimit(RLIMIT_DATA, &limit);
-#else
-    static_cast<void>(size);
-#endif
 }
 
 QByteArray readInput(const QString& input) {
