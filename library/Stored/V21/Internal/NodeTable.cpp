@@ -88,8 +88,8 @@ int NodeTable::find(const SvgElement& place) const {
         const int count = m_childStart[static_cast<std::size_t>(number) + 1] - start;
         if (position < 0 || position >= count)
             return -1;
-        const int place = start + position;
-        number = m_children[static_cast<std::size_t>(place)];
+        const int child = start + position;
+        number = m_children[static_cast<std::size_t>(child)];
     }
     return number;
 }
