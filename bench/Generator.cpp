@@ -258,6 +258,8 @@ private:
     Id m_nextId = firstFreeId;
     std::size_t m_scene = 0;
     std::size_t m_effect = 0;
+    std::size_t m_effectsPerClip = 0;
+    std::size_t m_clipCount = 0;
     long long m_time = 0;
     std::vector<Id> m_parts; ///< embedded in the object under way
     std::vector<Id> m_clipIds;
@@ -277,7 +279,7 @@ bool Generator::isEnough(const Size& size) const {
         m_clips.elements() + m_links.elements() + m_objects.elements() + m_records.elements();
     const auto bytes = static_cast<std::size_t>(m_clips.bytes().size() + m_links.bytes().size() +
                                                 m_objects.bytes().size() + m_records.bytes().size());
-    return (size.elements == 0 || elements >= size.elements) && (size.bytes == 0 || bytes >= size.bytes);
+    return elements >= size.elements && bytes >= size.bytes && m_clipCount >= size.clips;
 }
 
 /// Two classes stood outside the namespace of effects before version 4.
@@ -584,9 +586,11 @@ Id Generator::addStabilization(const QByteArray& path) {
 
 Id Generator::addClip(const QByteArray& name, const ClipParts& parts) {
     const Id clip = newId();
-    std::vector<Id> effects;
-    if (parts.hasEffects)
-        effects = {addEffect(), addEffect()};
+    ++m_clipCount;
+    const std::size_t usualEffects = parts.hasEffects ? 2 : 0;
+    std::vector<Id> effects(m_effectsPerClip == 0 ? usualEffects : m_effectsPerClip);
+    for (Id& effect : effects)
+        effect = addEffect();
     const Id preview = isSince(12) && !isSince(34) ? addPreview() : 0;
     const Id stabilization = isSince(15) && parts.isStabilized ? addStabilization(parts.path) : 0;
 
@@ -786,6 +790,7 @@ Text Generator::writeTimeline() {
 }
 
 QByteArray Generator::run(const Size& size) {
+    m_effectsPerClip = size.effectsPerClip;
     if (isSince(27)) {
         for (int number = 16; number <= 96; number += 16)
             m_trackIds.push_back(newId());

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "bench/Generator.h"
+
 #include <QByteArray>
 
 #include <cstddef>
@@ -18,7 +20,7 @@ struct Part {
 
 /// Where the time goes for one project of the oldest version.
 struct RoadTimes {
-    std::size_t elements = 0;
+    std::size_t elements = 0; ///< of the archive
     std::size_t bytesRead = 0;
     std::size_t bytesWritten = 0;
     std::size_t logLines = 0;
@@ -35,6 +37,6 @@ struct RoadTimes {
 };
 
 /// Measures `runs` times, all parts in turn, and takes the median of each.
-RoadTimes measureRoad(std::size_t elements, int runs);
+RoadTimes measureRoad(const Size& size, int runs);
 
 } // namespace Bench

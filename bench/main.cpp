@@ -6,6 +6,7 @@
 
 #include <glog/logging.h>
 
+#include <algorithm>
 #include <charconv>
 #include <iostream>
 #include <string>
@@ -18,6 +19,7 @@ constexpr const char* usage =
     R"(adaptors-bench                       the road from version 3 to 77 at 10,000 and 100,000 elements
 adaptors-bench --large               the same, and at 1,000,000 elements
 adaptors-bench --elements N...       the same at these sizes
+adaptors-bench --clips N EFFECTS     the same with a tenth of N clips and with N, each with so many effects
 adaptors-bench --write N VERSION     writes such a project to standard output
 adaptors-bench --micro [ARGUMENTS]   single operations, with the arguments of Google Benchmark
 )";
@@ -37,25 +39,37 @@ int runsFor(std::size_t elements) {
     return elements <= 20000 ? 9 : elements <= 200000 ? 3 : 1;
 }
 
-int printTable(const std::vector<std::size_t>& sizes) {
+int printTable(const std::vector<Bench::Size>& sizes) {
+    constexpr std::size_t elementsPerClip = 100;
     std::vector<Bench::RoadTimes> projects;
-    for (const std::size_t elements : sizes) {
-        std::cerr << "measuring " << elements << " elements\n";
-        projects.push_back(Bench::measureRoad(elements, runsFor(elements)));
+    for (const Bench::Size& size : sizes) {
+        std::cerr << "measuring " << size.elements + size.clips
+                  << (size.clips > 0 ? " clips\n" : " elements\n");
+        projects.push_back(Bench::measureRoad(size, runsFor(size.elements + size.clips * elementsPerClip)));
     }
     Bench::printTable(std::cout, projects);
     return 0;
 }
 
 int printSizes(const std::vector<std::string>& arguments) {
-    std::vector<std::size_t> sizes;
+    std::vector<Bench::Size> sizes;
     for (const std::string& argument : arguments) {
-        std::size_t elements = 0;
-        if (!readNumber(argument, elements))
+        Bench::Size size;
+        if (!readNumber(argument, size.elements))
             return refuse();
-        sizes.push_back(elements);
+        sizes.push_back(size);
     }
     return sizes.empty() ? refuse() : printTable(sizes);
+}
+
+int printClips(const std::vector<std::string>& arguments) {
+    Bench::Size many;
+    if (arguments.size() != 2 || !readNumber(arguments[0], many.clips) ||
+        !readNumber(arguments[1], many.effectsPerClip))
+        return refuse();
+    Bench::Size few = many;
+    few.clips = std::max<std::size_t>(1, many.clips / 10);
+    return printTable({few, many});
 }
 
 int writeProject(const std::vector<std::string>& arguments) {
@@ -63,7 +77,7 @@ int writeProject(const std::vector<std::string>& arguments) {
     int version = 0;
     if (arguments.size() != 2 || !readNumber(arguments[0], elements) || !readNumber(arguments[1], version))
         return refuse();
-    const QByteArray text = Bench::generateProject(version, {elements, 0});
+    const QByteArray text = Bench::generateProject(version, {elements, 0, 0, 0});
     std::cout.write(text.constData(), text.size());
     return std::cout.good() ? 0 : 1;
 }
@@ -80,13 +94,15 @@ int main(int argc, char* argv[]) {
 
     std::vector<std::string> arguments(argv + 1, argv + argc);
     if (arguments.empty())
-        return printTable({10000, 100000});
+        return printTable({{10000, 0, 0, 0}, {100000, 0, 0, 0}});
     const std::string mode = arguments.front();
     arguments.erase(arguments.begin());
     if (mode == "--large" && arguments.empty())
-        return printTable({10000, 100000, 1000000});
+        return printTable({{10000, 0, 0, 0}, {100000, 0, 0, 0}, {1000000, 0, 0, 0}});
     if (mode == "--elements")
         return printSizes(arguments);
+    if (mode == "--clips")
+        return printClips(arguments);
     if (mode == "--write")
         return writeProject(arguments);
     if (mode == "--micro")

@@ -678,7 +678,15 @@ TEST_P(RoadTest, TheSampleItselfIsSound) {
     const Document document = Reader::parse(bytesOf(GetParam()), QStringLiteral("holiday"));
     EXPECT_EQ(document.version, version());
     EXPECT_EQ(document.isXml(), GetParam().isXml);
-    EXPECT_THAT(Tests::linesOf(Reader::verify(document)), IsEmpty());
+    auto findings = Reader::verify(document);
+    if (version() == reelVersion) {
+        // Fifteen effects that no clip lists, and the noise profile of one of them.
+        const auto removed = std::erase_if(findings, [](const Reader::Finding& finding) {
+            return finding.fault == Reader::Fault::Unreachable;
+        });
+        EXPECT_EQ(removed, 16u);
+    }
+    EXPECT_THAT(Tests::linesOf(findings), IsEmpty());
 }
 
 TEST_P(RoadTest, TheSameSampleGivesTheSameBytes) {
