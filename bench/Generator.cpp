@@ -265,7 +265,6 @@ private:
     std::vector<Id> m_clipIds;
     std::vector<std::pair<Id, Id>> m_transitionsAndClips;
     std::vector<Id> m_trackIds; ///< of the tracks 16, 32, ... 96
-    std::size_t m_clipCount = 0;
     std::size_t m_linkCount = 0;
     std::size_t m_recordCount = 0;
     Text m_clips;   ///< items of the timeline's `clips`
@@ -586,7 +585,6 @@ Id Generator::addStabilization(const QByteArray& path) {
 
 Id Generator::addClip(const QByteArray& name, const ClipParts& parts) {
     const Id clip = newId();
-    ++m_clipCount;
     const std::size_t usualEffects = parts.hasEffects ? 2 : 0;
     std::vector<Id> effects(m_effectsPerClip == 0 ? usualEffects : m_effectsPerClip);
     for (Id& effect : effects)
