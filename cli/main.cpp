@@ -140,6 +140,14 @@ QString outputFor(const Arguments& arguments, const QString& input) {
     return file.path() == QLatin1String(".") ? name : file.path() + QLatin1Char('/') + name;
 }
 
+/// Makes the folder of a bundle where it is missing, but not the one that it stands in.
+void makeBundle(const QString& folder) {
+    if (!QFileInfo(folder).isDir() && !QDir().mkdir(folder))
+        throw Reader::Error(Problem::Unwritable,
+                            folder.toStdString() +
+                                ": can't make this folder; is the one that it stands in there?");
+}
+
 void refuseExisting(const Arguments& arguments, const QString& output) {
     const bool exists = QFileInfo::exists(output) || QFileInfo(output).isSymLink();
     if (!isStandardStream(output) && !arguments.inPlace && !arguments.force && exists)
@@ -226,6 +234,8 @@ int migrate(const Arguments& arguments) {
     };
     // A project that is not written leaves no side files either.
     journey.toBundle = journey.toBundle && !isRefused();
+    if (journey.toBundle)
+        makeBundle(path(arguments.bundle));
     const Reader::Serialized result = Reader::save(std::move(document), journey, report);
 
     Summary summary{report, journey.name, {}, {}, result.leftOut};
@@ -353,10 +363,10 @@ void addMigrate(CLI::App& app, Arguments& arguments) {
     inPlace->excludes(output);
     command
         ->add_option("--bundle", arguments.bundle,
-                     "Write to this folder, with texts of titles that are SVG as files beside the project")
+                     "Write to this folder, made if missing, with texts of titles that are SVG as files "
+                     "beside the project")
         ->excludes(output)
-        ->excludes(inPlace)
-        ->check(CLI::ExistingDirectory);
+        ->excludes(inPlace);
     command->add_flag("--force", arguments.force, "Replace an output that exists");
     addFrom(command, arguments);
     addTo(command, arguments, "The schema version to stop at: up to 62 an XML archive, from 63 on JSON");

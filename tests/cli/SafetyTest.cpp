@@ -176,7 +176,9 @@ TEST_F(SafetyTest, AMissingOutputFolderIsNamedAndNotMade) {
     expectWriteError(run({"migrate", "film.xml", "-o", "new/film.json", "--force"}), "new/film.json",
                      "make its folder");
     EXPECT_FALSE(exists("new"));
-    EXPECT_EQ(run({"migrate", "film.xml", "--bundle", "new"}).exitCode, 2);
+    expectWriteError(run({"migrate", "film.xml", "--bundle", "new/bundle"}), "new/bundle", "stands in");
+    write("file", "");
+    expectWriteError(run({"migrate", "film.xml", "--bundle", "file"}), "file", "can't make this folder");
 }
 
 TEST_F(SafetyTest, AVanishedInputIsNamed) {
