@@ -160,7 +160,7 @@ void writeWhereNothingIs(const QString& path, const QByteArray& bytes) {
 /// Keeps `bytes`, what the file held, beside it. An earlier backup is never written over.
 QString keepBackup(const QString& path, const QByteArray& bytes) {
     for (int number = 1;; ++number) {
-        const QString backup =
+        QString backup =
             path + QStringLiteral(".bak") + (number == 1 ? QString() : QString::number(number));
         if (QFileInfo(backup).isSymLink() || QFileInfo::exists(backup))
             continue;
@@ -241,7 +241,7 @@ FileInPlace::~FileInPlace() {
 }
 
 QString FileInPlace::replace(const QByteArray& bytes) {
-    const QString backup = keepBackup(m_path, m_bytes);
+    QString backup = keepBackup(m_path, m_bytes);
     try {
         if (m_state != stateOfPath())
             fail(Problem::Unwritable, m_path,

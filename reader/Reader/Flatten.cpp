@@ -241,7 +241,8 @@ unsigned long long linkTarget(const json& value) {
 }
 
 FlatDocument flatten(json root, FlattenNotes& notes) {
-    return Flattener(root, notes).run(std::move(root));
+    Flattener flattener(root, notes);
+    return flattener.run(std::move(root));
 }
 
 json nest(FlatDocument document, std::size_t& leftOut) {

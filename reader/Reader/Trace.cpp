@@ -67,7 +67,7 @@ QString Trace::write(const Entry& entry, const Document& document) const {
     if (!QDir().mkpath(m_folder))
         throw Error(Problem::Unwritable,
                     m_folder.toStdString() + ": the folder can't be made; name another one");
-    const QString file = QDir(m_folder).filePath(name);
+    QString file = QDir(m_folder).filePath(name);
     writeFile(file, bytesOf(document, m_version), m_existing);
     return file;
 }
