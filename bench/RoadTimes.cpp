@@ -105,7 +105,7 @@ private:
     void convert() {
         json envelope;
         other("conversion to JSON",
-              [&] { envelope = Reader::Conversion().convert(m_document.xml()).second; });
+              [&] { envelope = Reader::Conversion().consume(m_document.xml()).second; });
         Reader::JsonDocument project;
         other("flatten", [&] { project = Reader::openEnvelope(std::move(envelope), name); });
         other("free the DOM", [&] { m_document.content = std::move(project); });

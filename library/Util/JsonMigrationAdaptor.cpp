@@ -20,4 +20,10 @@ std::pair<int, nlohmann::json> JsonMigrationAdaptor::convert(const QDomDocument&
     return {m_version, std::move(result)};
 }
 
+std::pair<int, nlohmann::json> JsonMigrationAdaptor::consume(const QDomDocument& document) {
+    nlohmann::json result = XmlToJsonAdaptor().consume(document);
+    m_converted = true;
+    return {m_version, std::move(result)};
+}
+
 } // namespace Util

@@ -16,7 +16,10 @@ public:
     bool canConvert(Bundle::Backend from, Bundle::Backend to) const override;
     std::pair<int, nlohmann::json> convert(const QDomDocument& document) override;
 
-    /// Whether convert() has been called.
+    /// As convert(), for a document that nobody needs any more; see XmlToJsonAdaptor::consume().
+    std::pair<int, nlohmann::json> consume(const QDomDocument& document);
+
+    /// Whether convert() or consume() has been called.
     bool converted() const { return m_converted; }
 
 private:

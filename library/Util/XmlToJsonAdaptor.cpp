@@ -85,11 +85,13 @@ const QHash<QString, Scalar>& scalars() {
 
 // Containers: each is a frame on the converter's own stack, so that depth costs memory and never call stack.
 
-/// An object element; `next` is the child whose turn it is, `key` the place of the value under way.
+/// An object element; `next` is the child whose turn it is, `key` the place of the value under way. `spent` is the
+/// element where it is to be freed.
 struct ObjectFrame {
     json object;
     QDomElement next;
     std::string key;
+    QDomElement spent;
 };
 
 /// An array element; `item` is the entry under way.
@@ -140,10 +142,12 @@ constexpr NamedMap namedMaps[] = {
 
 class Impl {
 public:
-    json adapt(const QDomDocument& document);
+    enum class Afterwards { Keep, Free };
+
+    json adapt(const QDomDocument& document, Afterwards afterwards);
 
 private:
-    void collect(const QDomElement& archive);
+    void collect();
     void collectPredeclarations(const QDomElement& predeclarator);
 
     json convertElement(const QDomElement& element);
@@ -166,6 +170,8 @@ private:
     QString referencedTypeName(const QDomElement& element) const;
     bool isClipPairValue(const QDomElement& value) const;
 
+    QDomElement m_archive;
+    bool m_freesObjects = false;
     QMap<qint64, QString> m_predeclaredTypes;
     QHash<qint64, QDomElement> m_rootObjects;
     QSet<qint64> m_visitedIds;
@@ -173,24 +179,33 @@ private:
     std::deque<Frame> m_frames; // a deque: a frame stays where it is while others are pushed
 };
 
-json Impl::adapt(const QDomDocument& document) {
+json Impl::adapt(const QDomDocument& document, Afterwards afterwards) {
     json result = json::object();
     result["data"] = nullptr;
     result["version"] = "1.0";
-    const QDomElement archive = document.firstChildElement(Words::Archive);
-    if (archive.isNull())
+    m_archive = document.firstChildElement(Words::Archive);
+    if (m_archive.isNull())
         return result;
-    collect(archive);
-    result["data"] = convertElement(archive.firstChildElement(Words::RootRef));
+    m_freesObjects = afterwards == Afterwards::Free;
+    collect();
+    result["data"] = convertElement(m_archive.firstChildElement(Words::RootRef));
     return result;
 }
 
-void Impl::collect(const QDomElement& archive) {
-    for (const QDomElement& object : Archive::Internal::elements(archive, Words::RootObject)) {
+void Impl::collect() {
+    Archive::Internal::Elements predeclarators;
+    for (const QDomElement& object : Archive::Internal::elements(m_archive, Words::RootObject)) {
+        if (object.parentNode() != m_archive)
+            m_freesObjects = false; // it may be converted once in its place and once by a reference
         if (Archive::typeOf(object) == Words::Predeclarator)
-            collectPredeclarations(object);
+            predeclarators.push_back(object);
         else
             m_rootObjects[object.attribute(Words::objectId).toLongLong()] = object;
+    }
+    for (const QDomElement& predeclarator : predeclarators) {
+        collectPredeclarations(predeclarator);
+        if (m_freesObjects)
+            m_archive.removeChild(predeclarator);
     }
     // Base class parts are numbered behind the predeclared objects alone: an object that has no predeclaration
     // may share its id with a part.
@@ -240,7 +255,7 @@ std::optional<json> Impl::beginObjectRef(const QDomElement& element, QDomElement
         return link;
     }
     m_visitedIds.insert(id); // before the object itself: a cycle ends in a link
-    target = m_rootObjects.value(id);
+    target = m_rootObjects.take(id);
     return std::nullopt;
 }
 
@@ -255,7 +270,9 @@ std::optional<json> Impl::beginObject(const QDomElement& element) {
     }
     json object = json::object();
     object[MetaDetails::s_meta] = std::move(meta);
-    m_frames.push_back(ObjectFrame{std::move(object), element.firstChildElement(), {}});
+    const bool isSpent = m_freesObjects && element.tagName() == Words::RootObject;
+    m_frames.push_back(ObjectFrame{
+        std::move(object), element.firstChildElement(), {}, isSpent ? element : QDomElement()});
     return std::nullopt;
 }
 
@@ -304,8 +321,11 @@ std::optional<json> Impl::resume(ObjectFrame& frame, std::optional<json> value) 
     for (;;) {
         if (value)
             frame.object[frame.key] = std::move(*value);
-        if (frame.next.isNull())
+        if (frame.next.isNull()) {
+            if (!frame.spent.isNull())
+                m_archive.removeChild(frame.spent);
             return complete(std::move(frame.object));
+        }
         const QDomElement child = frame.next;
         frame.next = child.nextSiblingElement();
         const QString tag = child.tagName();
@@ -378,7 +398,11 @@ bool Impl::isClipPairValue(const QDomElement& value) const {
 } // namespace
 
 json XmlToJsonAdaptor::adapt(const QDomDocument& document) {
-    return Impl().adapt(document);
+    return Impl().adapt(document, Impl::Afterwards::Keep);
+}
+
+json XmlToJsonAdaptor::consume(const QDomDocument& document) {
+    return Impl().adapt(document, Impl::Afterwards::Free);
 }
 
 } // namespace Util

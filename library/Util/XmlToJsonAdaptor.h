@@ -12,6 +12,10 @@ namespace Util {
 class XmlToJsonAdaptor {
 public:
     nlohmann::json adapt(const QDomDocument& document);
+
+    /// The same, for a document that nobody needs any more: objects are removed from it and freed as soon as they are
+    /// converted, so that the two forms don't stand in memory side by side. What it holds afterwards is left open.
+    nlohmann::json consume(const QDomDocument& document);
 };
 
 } // namespace Util

@@ -141,7 +141,7 @@ void convertToJson(Document& document, const Journey& journey, Runner& runner) {
     const auto freed = freeIdsOfRootObjects(document.xml());
     Conversion conversion;
     runner.run(conversion.name().toStdString(), [&] {
-        auto [version, envelope] = conversion.convert(document.xml());
+        auto [version, envelope] = conversion.consume(document.xml());
         document.content = openEnvelope(std::move(envelope), journey.name);
         document.version = std::max(*document.version, version);
     });

@@ -1,6 +1,7 @@
 #include "Reader/XmlText.h"
 
 #include "Reader/Error.h"
+#include "Reader/XmlTree.h"
 
 #include <QStringList>
 #include <QXmlStreamReader>
@@ -220,8 +221,7 @@ QDomDocument parseXml(const QByteArray& bytes, const QString& name) {
     refuseHostileText(bytes, name);
     QXmlStreamReader reader(bytes);
     reader.setNamespaceProcessing(false);
-    QDomDocument document;
-    document.setContent(&reader, false);
+    QDomDocument document = buildXmlTree(reader);
     if (reader.hasError())
         fail(Problem::BrokenXml, name, reader.lineNumber(), reader.columnNumber(), reader.errorString());
     return document;
