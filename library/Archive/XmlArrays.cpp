@@ -107,7 +107,7 @@ bool removeItemsFromList(QDomElement& array, const std::function<bool(QDomElemen
     if (victims.empty())
         return false;
     for (const QDomElement& victim : victims)
-        array.removeChild(victim);
+        Internal::removeChild(array, victim);
     // The old attribute less the removals, not a fresh count: a wrong size stays as wrong as it was.
     setSize(array, static_cast<long long>(static_cast<unsigned long long>(size) - victims.size()));
     return true;
@@ -129,10 +129,10 @@ bool removePredeclare(QDomElement& predeclarations, long long id) {
 
 namespace Internal {
 
-QDomElement predeclarationsAmong(const Elements& rootObjects) {
+QDomElement predeclarationsAmong(const TypedElements& rootObjects) {
     QDomElement predeclarations;
-    for (const QDomElement& object : rootObjects) {
-        if (typeOf(object) == Words::Predeclarator)
+    for (const auto& [object, type] : rootObjects) {
+        if (type == Words::Predeclarator)
             predeclarations = object.firstChildElement(Words::predeclarations);
     }
     return predeclarations;

@@ -133,7 +133,7 @@ void iterateArray(const QDomElement& array, const std::function<void(QDomElement
 void removeFirstChild(QDomElement& e, const QString& name) {
     const QDomElement child = e.firstChildElement(name);
     if (!child.isNull())
-        e.removeChild(child);
+        Internal::removeChild(e, child);
 }
 
 long long getMaxObjectId(const QByteArray& documentText) {

@@ -73,7 +73,7 @@ TEST_F(OutlineTest, TellsNothingBelowOtherElements) {
     EXPECT_EQ(outline.elements(m_first, Words::BaseOfObject), nullptr);
     EXPECT_EQ(outline.elements(m_archive, Words::Item), nullptr);
     ASSERT_NE(outline.elements(m_archive, Words::BaseOfObject), nullptr);
-    EXPECT_EQ(outline.elements(m_archive, Words::BaseOfObject)->size(), 2u);
+    EXPECT_EQ((*outline.elements(m_archive, Words::BaseOfObject))->size(), 2u);
 }
 
 TEST_F(OutlineTest, TakesInWhatIsAppended) {
@@ -110,17 +110,84 @@ TEST_F(OutlineTest, TakesInIdsOfEmbeddedObjects) {
 }
 
 TEST_F(OutlineTest, ForgetsWhatIsRemoved) {
-    expectTruthAfter([&] { m_archive.removeChild(m_last); });
-    expectTruthAfter([&] { m_archive.replaceChild(newObject(2), m_first); });
+    expectTruthAfter([&] { Archive::Internal::removeChild(m_archive, m_last); });
+    expectTruthAfter([&] { Archive::Internal::replaceChild(m_archive, newObject(2), m_first); });
+}
+
+TEST_F(OutlineTest, ForgetsWhatIsRemovedAgainstTheOrderOfTheDocument) {
+    for (long long id = 20; id < 30; ++id)
+        m_archive.appendChild(newObject(id));
+    expectTruthAfter([&] {
+        for (QDomElement object = m_archive.lastChildElement(); object.attribute(Words::objectId) != QLatin1String("7");
+             object = m_archive.lastChildElement())
+            Archive::Internal::removeChild(m_archive, object);
+    });
+}
+
+TEST_F(OutlineTest, ForgetsWhatStoodInARemovedElement) {
+    expectTruthAfter([&] { Archive::removeFirstChild(m_first, Words::BaseOfObject); });
+    expectTruthAfter([&] {
+        m_last.appendChild(newObject(12));
+        Archive::Internal::removeFromParent(m_last);
+    });
+}
+
+TEST_F(OutlineTest, ForgetsWhatIsNewAndRemovedAtOnce) {
+    expectTruthAfter([&] {
+        m_archive.appendChild(newObject(12));
+        Archive::Internal::removeFromParent(m_archive.lastChildElement());
+    });
+}
+
+TEST_F(OutlineTest, TakesInWhatIsRemovedAndComesBack) {
+    expectTruthAfter([&] {
+        Archive::Internal::removeChild(m_archive, m_first);
+        m_archive.appendChild(m_first);
+    });
+    Outline outline(m_document);
+    Tests::fill(outline, m_document);
+    Archive::Internal::removeChild(m_archive, m_last);
+    EXPECT_EQ(Tests::difference(outline, m_document), "");
+    m_archive.appendChild(m_last);
+    EXPECT_EQ(Tests::difference(outline, m_document), "");
+}
+
+TEST_F(OutlineTest, LeavesInWhatAnotherParentFailsToRemove) {
+    expectTruthAfter([&] { Archive::Internal::removeChild(m_first, m_last); });
+    expectTruthAfter([&] { Archive::Internal::replaceChild(m_first, newObject(5), m_last); });
+}
+
+TEST_F(OutlineTest, KnowsNewTypes) {
+    expectTruthAfter([&] { Archive::Internal::setType(m_first, QStringLiteral("Z")); });
+    expectTruthAfter([&] {
+        Archive::Internal::setType(m_last, QStringLiteral("Y"));
+        Archive::Internal::setType(m_first, QStringLiteral("X"));
+    });
+    expectTruthAfter([&] {
+        QDomElement object = newObject(13);
+        Archive::Internal::setType(object, QStringLiteral("W"));
+        m_archive.appendChild(object);
+        Archive::Internal::setType(m_last, QStringLiteral("V"));
+    });
+}
+
+TEST_F(OutlineTest, LeavesListsAsTheyWereToTheirHolders) {
+    Outline outline(m_document);
+    const auto before = Archive::Internal::typedElements(m_document, Words::RootObject);
+    Archive::Internal::setType(m_first, QStringLiteral("Z"));
+    Archive::Internal::removeChild(m_archive, m_last);
+    EXPECT_EQ(Tests::difference(outline, m_document), "");
+    EXPECT_EQ(before.begin()->type, QLatin1String("A"));
+    EXPECT_EQ(before.last(), m_last);
 }
 
 TEST_F(OutlineTest, NoticesRootObjectsThatAreRenamed) {
     expectTruthAfter([&] {
+        Outline::removed(m_last);
         m_last.setTagName(QStringLiteral("content"));
         QDomElement object = newObject(8);
         object.appendChild(m_last);
         m_archive.appendChild(object);
-        Outline::rearranged(m_document); // its base part stands behind another now
     });
 }
 

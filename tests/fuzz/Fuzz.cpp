@@ -2,6 +2,7 @@
 
 #include "Reader/Error.h"
 #include "Reader/Road.h"
+#include "support/Outlines.h"
 
 #include <QHashFunctions>
 
@@ -29,6 +30,14 @@ std::optional<Document> read(const QByteArray& bytes) {
     } catch (const Reader::Error&) {
         return std::nullopt;
     }
+}
+
+/// What the road knows of an archive between two steps is what a search finds.
+void checkOutline(const std::string& step, const Document& document) {
+    if (!document.isXml())
+        return;
+    if (auto* outline = Archive::Internal::Outline::of(document.xml()))
+        check(Tests::difference(*outline, document.xml()).empty(), step.c_str());
 }
 
 } // namespace
@@ -60,6 +69,7 @@ void travel(const QByteArray& bytes) {
         return;
     Journey journey;
     journey.name = journey.location = journey.target = name;
+    journey.watch = checkOutline;
     QByteArray saved;
     try {
         Reader::Report report = Reader::migrate(*document, journey);

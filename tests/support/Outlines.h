@@ -6,6 +6,7 @@
 
 #include <QDomDocument>
 
+#include <algorithm>
 #include <string>
 
 namespace Tests {
@@ -24,8 +25,14 @@ inline std::string difference(Archive::Internal::Outline& outline, const QDomDoc
         return "another Archive";
     for (const QString& tag : {Archive::Words::RootObject, Archive::Words::BaseOfObject}) {
         const auto* known = outline.elements(document, tag);
-        if (known && *known != Archive::Internal::search(document, tag))
-            return "other elements " + tag.toStdString();
+        if (!known)
+            continue;
+        const auto sought = Archive::Internal::searchTyped(document, tag);
+        const bool isSame =
+            std::equal((*known)->begin(), (*known)->end(), sought->begin(), sought->end(),
+                       [](const auto& a, const auto& b) { return a.element == b.element && a.type == b.type; });
+        if (!isSame)
+            return "other elements " + tag.toStdString() + ", or other types";
     }
     const auto greatest = Archive::Internal::searchGreatestId(document);
     const auto known = outline.greatestId();

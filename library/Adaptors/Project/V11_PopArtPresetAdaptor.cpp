@@ -42,7 +42,7 @@ void setPreset(QDomDocument& document, QDomElement& effect, int value) {
     if (old.isNull())
         effect.appendChild(preset);
     else
-        effect.replaceChild(preset, old);
+        Archive::Internal::replaceChild(effect, preset, old);
 }
 
 } // namespace

@@ -34,7 +34,7 @@ void V12_ClipPreviewAdaptor::adapt(QDomDocument& document) {
         LOG(ERROR) << "<Archive> element not found";
         return;
     }
-    const Elements objects = elements(archive, Words::RootObject);
+    const auto objects = typedElements(archive, Words::RootObject);
     Elements clips = ofType(objects, QStringLiteral("Timeline::Clip"));
     if (clips.empty())
         return;

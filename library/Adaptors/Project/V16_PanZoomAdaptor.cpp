@@ -173,8 +173,7 @@ bool Impl::collect() {
 }
 
 void Impl::collectObjects() {
-    for (const QDomElement& object : Archive::Internal::elements(m_archive, Words::RootObject)) {
-        const QString type = Archive::typeOf(object);
+    for (const auto& [object, type] : Archive::Internal::typedElements(m_archive, Words::RootObject)) {
         if (type == Words::Predeclarator)
             m_predeclarations = Archive::Internal::firstDescendant(object, Words::predeclarations);
         else if (type == QLatin1String("Effect::Zoom"))
@@ -227,9 +226,9 @@ void Impl::prepareKeyValues() {
 void Impl::removeEffects() {
     Archive::Internal::removePredeclares(m_predeclarations, m_staleIds);
     for (const QDomElement& effect : m_zoomEffects)
-        m_archive.removeChild(effect);
+        Archive::Internal::removeChild(m_archive, effect);
     for (const QDomElement& effect : m_panAndZoomEffects)
-        m_archive.removeChild(effect);
+        Archive::Internal::removeChild(m_archive, effect);
 }
 
 void Impl::convertClips() {

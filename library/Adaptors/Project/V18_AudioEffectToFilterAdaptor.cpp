@@ -23,10 +23,11 @@ void V18_AudioEffectToFilterAdaptor::adapt(QDomDocument& document) {
         LOG(ERROR) << "<Archive> element not found";
         return;
     }
-    for (const QDomElement& effect : Archive::Internal::elements(archive, Words::RootObject)) {
-        if (isFilter(Archive::typeOf(effect)))
-            effect.firstChildElement(Words::BaseOfObject)
-                .setAttribute(Words::type, QStringLiteral("Effect::AudioFilter"));
+    for (const auto& [effect, type] : Archive::Internal::typedElements(archive, Words::RootObject)) {
+        if (!isFilter(type))
+            continue;
+        QDomElement base = effect.firstChildElement(Words::BaseOfObject);
+        Archive::Internal::setType(base, QStringLiteral("Effect::AudioFilter"));
     }
 }
 

@@ -39,10 +39,10 @@ public:
 
 private:
     void collect(const QDomElement& archive) {
-        const Elements objects = Archive::Internal::elements(archive, Words::RootObject);
+        const auto objects = Archive::Internal::typedElements(archive, Words::RootObject);
         QSet<long long> ids;
-        for (const QDomElement& object : objects) {
-            if (!isNoiseRemoval(Archive::typeOf(object)))
+        for (const auto& [object, type] : objects) {
+            if (!isNoiseRemoval(type))
                 continue;
             m_effects.push_back(object);
             ids.insert(idOf(object));
@@ -75,7 +75,7 @@ private:
 
     void replace(const QDomElement& effect) {
         QDomNode parent = effect.parentNode();
-        parent.removeChild(effect);
+        Archive::Internal::removeChild(parent, effect);
         parent.appendChild(createNoiseSuppress(idOf(effect)));
     }
 

@@ -91,7 +91,7 @@ void rename(QDomElement& effect, const Kind& kind) {
     Archive::setValueOf(object, QStringLiteral("id"), QString::fromLatin1(kind.number));
     Archive::setValueOf(object, QStringLiteral("uniqueId"), QString::fromLatin1(kind.number));
     Archive::setValueOf(object, QStringLiteral("tag"), QString::fromLatin1(kind.tag));
-    effect.setAttribute(Words::type, QString::fromLatin1(kind.effectClass));
+    Archive::Internal::setType(effect, QString::fromLatin1(kind.effectClass));
 }
 
 void removeOldFields(QDomElement& effect) {
@@ -130,8 +130,7 @@ bool Impl::parse() {
         LOG(ERROR) << "<Archive> element not found";
         return false;
     }
-    for (const QDomElement& object : Archive::Internal::elements(m_archive, Words::RootObject)) {
-        const QString type = Archive::typeOf(object);
+    for (const auto& [object, type] : Archive::Internal::typedElements(m_archive, Words::RootObject)) {
         if (type == Words::Predeclarator)
             m_predeclarations = Archive::Internal::firstDescendant(object, Words::predeclarations);
         else if (type == QLatin1String("Effect::Mask"))

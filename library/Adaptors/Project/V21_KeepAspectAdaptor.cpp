@@ -21,8 +21,8 @@ void dropAspects(const QDomElement& envelope) {
 } // namespace
 
 void V21_KeepAspectAdaptor::adapt(QDomDocument& document) {
-    for (QDomElement& object : elements(Archive::Internal::soleArchive(document), Words::RootObject)) {
-        const QString type = Archive::typeOf(object);
+    const QDomElement archive = Archive::Internal::soleArchive(document);
+    for (auto [object, type] : Archive::Internal::typedElements(archive, Words::RootObject)) {
         if (type == QLatin1String("TransformationEnvelope"))
             dropAspects(object);
         else if (type == QLatin1String("Effect::PictureInPicture") || type == QLatin1String("Effect::Crop"))

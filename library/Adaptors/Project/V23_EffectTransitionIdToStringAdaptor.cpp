@@ -153,8 +153,7 @@ void convert(const QDomElement& object, const QString& field, std::span<const Id
 } // namespace
 
 void V23_EffectTransitionIdToStringAdaptor::adapt(QDomDocument& document) {
-    for (const QDomElement& object : Archive::Internal::elements(document, Words::BaseOfObject)) {
-        const QString type = Archive::typeOf(object);
+    for (const auto& [object, type] : Archive::Internal::typedElements(document, Words::BaseOfObject)) {
         if (type == QLatin1String("Effect::Object")) {
             convert(object, QStringLiteral("id"), effectIdentifiers);
             convert(object, QStringLiteral("uniqueId"), effectIdentifiers);

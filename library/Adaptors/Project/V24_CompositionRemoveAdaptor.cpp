@@ -33,9 +33,8 @@ private:
 };
 
 void Impl::collect() {
-    for (const QDomElement& object : Archive::Internal::elements(m_archive, Words::RootObject)) {
+    for (const auto& [object, type] : Archive::Internal::typedElements(m_archive, Words::RootObject)) {
         m_objects[object.attribute(Words::objectId).toInt()] = object;
-        const QString type = Archive::typeOf(object);
         if (type == Words::Predeclarator)
             m_predeclarations = object.firstChildElement(Words::predeclarations);
         else if (type == QLatin1String("File"))
@@ -74,7 +73,7 @@ void Impl::removeObject(int id) {
     if (id == 0)
         return;
     // An object that is no child of `Archive` stays in the tree, while its id and its record go.
-    m_archive.removeChild(m_objects.take(id));
+    Archive::Internal::removeChild(m_archive, m_objects.take(id));
     // The record goes even where there is no such object.
     m_removedIds.insert(id);
 }

@@ -84,8 +84,7 @@ private:
 };
 
 void Impl::collect() {
-    for (const QDomElement& object : Archive::Internal::elements(m_document, Words::RootObject)) {
-        const QString type = Archive::typeOf(object);
+    for (const auto& [object, type] : Archive::Internal::typedElements(m_document, Words::RootObject)) {
         if (type == Words::Predeclarator)
             m_predeclarations = firstDescendant(object, Words::predeclarations);
         else if (type == QLatin1String("Timeline::Object"))

@@ -95,8 +95,7 @@ bool Impl::parse() {
         LOG(ERROR) << "<Archive> element not found";
         return false;
     }
-    for (const QDomElement& object : elements(m_archive, Words::RootObject)) {
-        const QString type = Archive::typeOf(object);
+    for (const auto& [object, type] : Archive::Internal::typedElements(m_archive, Words::RootObject)) {
         if (type == Words::Predeclarator) {
             m_predeclarations = object.firstChildElement(Words::predeclarations);
         } else if (type == QLatin1String("Timeline::Clip")) {
@@ -138,7 +137,8 @@ void Impl::cleanUpOldAutoEffects() {
     m_ids.greatest(); // before anything goes: ids of what goes are not given again
     removePredeclarations();
     for (const QDomElement& effect : m_autoEffects)
-        m_archive.removeChild(effect); // one that stands elsewhere stays, while its record goes
+        // One that stands elsewhere stays, while its record goes.
+        Archive::Internal::removeChild(m_archive, effect);
     for (const auto& [clipId, effectId] : m_effectOfClip) {
         QDomElement effects = effectsOf(m_clips.at(clipId));
         const long long victim = effectId;

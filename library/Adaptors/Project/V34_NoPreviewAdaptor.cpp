@@ -10,13 +10,13 @@ namespace Words = Archive::Words;
 namespace Project {
 namespace {
 
-void removePreviewObjects(QDomElement archive, const Elements& objects) {
+void removePreviewObjects(QDomElement archive, const TypedElements& objects) {
     QSet<long long> ids;
     for (const QString& type :
          {QStringLiteral("StaticPreview::ImageObject"), QStringLiteral("StaticPreview::WaveformObject")}) {
         for (const QDomElement& object : ofType(objects, type)) {
             ids.insert(static_cast<long long>(Archive::objectIdOf(object)));
-            archive.removeChild(object); // one that stands elsewhere stays, while its record goes
+            removeChild(archive, object); // one that stands elsewhere stays, while its record goes
         }
     }
     QDomElement predeclarations = predeclarationsAmong(objects);
@@ -30,7 +30,7 @@ void V34_NoPreviewAdaptor::adapt(QDomDocument& document) {
     const QDomElement archive = document.firstChildElement(Words::Archive);
     if (archive.isNull())
         return;
-    const Elements objects = elements(archive, Words::RootObject);
+    const auto objects = typedElements(archive, Words::RootObject);
     removePreviewObjects(archive, objects);
     for (QDomElement& clip : ofType(objects, QStringLiteral("Timeline::Clip")))
         Archive::removeFirstChild(clip, QStringLiteral("preview"));

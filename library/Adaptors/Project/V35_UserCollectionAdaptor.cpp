@@ -24,8 +24,7 @@ struct Found {
 /// Looks no further than it must: of several objects of a type, the last before both are known counts.
 Found find(const QDomElement& archive) {
     Found found;
-    for (const QDomElement& object : elements(archive, Words::RootObject)) {
-        const QString type = Archive::typeOf(object);
+    for (const auto& [object, type] : Archive::Internal::typedElements(archive, Words::RootObject)) {
         if (type == Words::Predeclarator)
             found.predeclarations = object.firstChildElement(Words::predeclarations);
         else if (type == QLatin1String("Timeline::Object"))

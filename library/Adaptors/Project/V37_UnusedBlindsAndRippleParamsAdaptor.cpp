@@ -6,8 +6,7 @@
 namespace Project {
 
 void V37_UnusedBlindsAndRippleParamsAdaptor::adapt(QDomDocument& document) {
-    for (QDomElement& object : Archive::Internal::elements(document, Archive::Words::RootObject)) {
-        const QString type = Archive::typeOf(object);
+    for (auto [object, type] : Archive::Internal::typedElements(document, Archive::Words::RootObject)) {
         if (type == QLatin1String("Transition::Ripple"))
             Archive::removeFirstChild(object, QStringLiteral("ampMode"));
         else if (type == QLatin1String("Transition::Blinds"))

@@ -74,8 +74,7 @@ bool Impl::collect() {
         LOG(ERROR) << "<Archive> element not found or is not unique";
         return false;
     }
-    for (const QDomElement& object : elements(m_archive, Words::RootObject)) {
-        const QString type = Archive::typeOf(object);
+    for (const auto& [object, type] : Archive::Internal::typedElements(m_archive, Words::RootObject)) {
         if (type == Words::Predeclarator)
             m_predeclarations = object.firstChildElement(Words::predeclarations);
         else if (type == QLatin1String("Timeline::Clip"))
@@ -117,7 +116,7 @@ void Impl::convertQuizClip(QDomElement& clip) {
     const Quiz quiz = createQuiz(overlay);
     // Of several clips that share a preset only the first finds it in the archive: the quizzes of the others are
     // referred to and declared, but stand nowhere.
-    m_archive.replaceChild(quiz.preset, overlay);
+    Archive::Internal::replaceChild(m_archive, quiz.preset, overlay);
     for (const QDomElement& question : quiz.questions)
         Archive::Internal::Outline::adopted(question);
     Archive::setValueOf(clip, QStringLiteral("quiz"), QString::number(quiz.id));

@@ -15,7 +15,7 @@ namespace Words = Archive::Words;
 const QString pictureInPicture = QStringLiteral("Effect::PictureInPicture");
 
 void becomePictureInPicture(QDomElement& effect) {
-    effect.setAttribute(Words::type, pictureInPicture);
+    Archive::Internal::setType(effect, pictureInPicture);
     const QDomElement object = Archive::Internal::innerBase(effect);
     Archive::setValueOf(object, QStringLiteral("id"), QStringLiteral("f60a32dd-2591-4cd3-859a-69f9c6a6838f"));
     Archive::setValueOf(object, QStringLiteral("tag"), QStringLiteral("effect_cutaway"));

@@ -275,10 +275,9 @@ bool Impl::collect() {
 }
 
 void Impl::collectObjects() {
-    for (const QDomElement& object : Archive::Internal::elements(m_archive, Words::RootObject)) {
+    for (const auto& [object, type] : Archive::Internal::typedElements(m_archive, Words::RootObject)) {
         m_objects[Archive::objectIdOf(object)] = object;
         m_isFlat = m_isFlat && object.parentNode() == m_archive;
-        const QString type = Archive::typeOf(object);
         if (type == Words::Predeclarator)
             m_predeclarator = object;
         else if (type == QLatin1String("Timeline::Object"))

@@ -31,9 +31,8 @@ QString portablePathOf(const QDomElement& field) {
 }
 
 /// Gives the number of paths that were set.
-int settlePaths(const QDomElement& object) {
+int settlePaths(const QDomElement& object, const QString& type) {
     int settled = 0;
-    const QString type = Archive::typeOf(object);
     for (const PathField& row : pathFields) {
         if (type != QLatin1String(row.type))
             continue;
@@ -53,10 +52,10 @@ int settlePaths(const QDomElement& object) {
 } // namespace
 
 void V48_OldPortablePathAdaptor::adapt(QDomDocument& document) {
-    const Elements objects = elements(document, Words::RootObject);
+    const auto objects = Archive::Internal::typedElements(document, Words::RootObject);
     int settled = 0;
-    for (const QDomElement& object : objects)
-        settled += settlePaths(object);
+    for (const auto& [object, type] : objects)
+        settled += settlePaths(object, type);
     QDomElement content = lastOfType(objects, QStringLiteral("Project::Content"));
     if (!content.isNull())
         content.appendChild(Archive::createBool(document, QStringLiteral("portable"), settled > 0));

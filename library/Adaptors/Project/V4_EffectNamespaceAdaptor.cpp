@@ -13,6 +13,8 @@ namespace {
 namespace Words = Archive::Words;
 using Archive::Internal::Elements;
 using Archive::Internal::elements;
+using Archive::Internal::TypedElements;
+using Archive::Internal::typedElements;
 
 struct Renaming {
     const char* oldName;
@@ -68,10 +70,10 @@ Names newNames() {
     return names;
 }
 
-Elements declaredTypeNames(const Elements& rootObjects) {
+Elements declaredTypeNames(const TypedElements& rootObjects) {
     Elements typeNames;
-    for (const QDomElement& object : rootObjects) {
-        if (Archive::typeOf(object) != Words::Predeclarator)
+    for (const auto& [object, type] : rootObjects) {
+        if (type != Words::Predeclarator)
             continue;
         const QDomElement records = Archive::Internal::firstDescendant(object, Words::predeclarations);
         for (const QDomElement& typeName : elements(records, Words::typeName))
@@ -80,11 +82,19 @@ Elements declaredTypeNames(const Elements& rootObjects) {
     return typeNames;
 }
 
-void rename(const Elements& list, const QString& attribute, const Names& names) {
-    for (QDomElement e : list) {
-        const auto found = names.constFind(e.attribute(attribute));
+void renameTypes(const TypedElements& list, const Names& names) {
+    for (auto [e, type] : list) {
+        const auto found = names.constFind(type);
         if (found != names.constEnd())
-            e.setAttribute(attribute, *found);
+            Archive::Internal::setType(e, *found);
+    }
+}
+
+void renameValues(const Elements& list, const Names& names) {
+    for (QDomElement e : list) {
+        const auto found = names.constFind(e.attribute(Words::value));
+        if (found != names.constEnd())
+            e.setAttribute(Words::value, *found);
     }
 }
 
@@ -96,11 +106,10 @@ void V4_EffectNamespaceAdaptor::adapt(QDomDocument& document) {
         LOG(ERROR) << "<Archive> element not found";
         return;
     }
-    const Elements rootObjects = elements(archive, Words::RootObject);
     const Names names = newNames();
-    rename(rootObjects, Words::type, names);
-    rename(elements(archive, Words::BaseOfObject), Words::type, names);
-    rename(declaredTypeNames(rootObjects), Words::value, names);
+    renameTypes(typedElements(archive, Words::RootObject), names);
+    renameTypes(typedElements(archive, Words::BaseOfObject), names);
+    renameValues(declaredTypeNames(typedElements(archive, Words::RootObject)), names);
 }
 
 } // namespace Project

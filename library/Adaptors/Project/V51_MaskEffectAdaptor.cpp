@@ -283,7 +283,7 @@ void Impl::setParent(long long frameId, long long parent) {
 void Impl::retire(NewMask& mask, const QDomElement& effect, Edits& predeclares) {
     predeclares.remove(idOf(effect));
     mask.replacedIds.append(idOf(effect));
-    m_archive.removeChild(effect);
+    Archive::Internal::removeChild(m_archive, effect);
 }
 
 void Impl::replaceEffects(const QDomElement& clip, const NewMask& mask) {

@@ -36,8 +36,8 @@ void V55_AudioEffectsGroupIdAdaptor::adapt(QDomDocument& document) {
         LOG(ERROR) << "<Archive> element not found";
         return;
     }
-    for (const QDomElement& effect : Archive::Internal::elements(archive, Words::RootObject)) {
-        if (!groupClasses.contains(Archive::typeOf(effect)))
+    for (const auto& [effect, type] : Archive::Internal::typedElements(archive, Words::RootObject)) {
+        if (!groupClasses.contains(type))
             continue;
         const QDomElement base = Archive::Internal::innerBase(effect);
         if (Archive::valueOf(base, uniqueId) == groupId)

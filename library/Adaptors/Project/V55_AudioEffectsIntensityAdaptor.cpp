@@ -46,6 +46,10 @@ const Preset* findPreset(const Preset (&presets)[count], const QString& tag) {
     return found == std::end(presets) ? nullptr : found;
 }
 
+QString tagOf(const QDomElement& effect) {
+    return Archive::valueOf(Archive::Internal::innerBase(effect), QStringLiteral("tag"));
+}
+
 void writeChild(const QDomElement& parent, const QString& name, double value) {
     QDomElement child = parent.firstChildElement(name);
     Archive::writeValue(child, value);
@@ -76,14 +80,12 @@ void V55_AudioEffectsIntensityAdaptor::adapt(QDomDocument& document) {
         LOG(ERROR) << "<Archive> element not found";
         return;
     }
-    for (const QDomElement& effect : Archive::Internal::elements(archive, Words::RootObject)) {
-        const QString type = Archive::typeOf(effect);
-        const QString tag = Archive::valueOf(Archive::Internal::innerBase(effect), QStringLiteral("tag"));
+    for (const auto& [effect, type] : Archive::Internal::typedElements(archive, Words::RootObject)) {
         if (type == QLatin1String("Effect::AudioPhone")) {
-            if (const auto* preset = findPreset(phonePresets, tag))
+            if (const auto* preset = findPreset(phonePresets, tagOf(effect)))
                 convertPhone(effect, *preset);
         } else if (type == QLatin1String("Effect::AudioPitch")) {
-            if (const auto* preset = findPreset(pitchPresets, tag))
+            if (const auto* preset = findPreset(pitchPresets, tagOf(effect)))
                 convertPitch(effect, *preset);
         }
     }

@@ -16,8 +16,8 @@ namespace Words = Archive::Words;
 const QString className = QStringLiteral("Effect::AudioNormalize");
 const QString normalizationId = QStringLiteral("6c7a85ac-2a34-44a0-bd07-504f95370354");
 
-bool isNormalizedClip(const QDomElement& object) {
-    return Archive::typeOf(object) == QLatin1String("Timeline::Clip") &&
+bool isNormalizedClip(const QDomElement& object, const QString& type) {
+    return type == QLatin1String("Timeline::Clip") &&
            Archive::valueOf(object, QStringLiteral("volumeNormalize")).toLongLong() != 0;
 }
 
@@ -50,13 +50,13 @@ void V55_AudioNormalizationEffectAdaptor::adapt(QDomDocument& document) {
         LOG(ERROR) << "<Archive> element not found";
         return;
     }
-    const auto objects = Archive::Internal::elements(archive, Words::RootObject);
+    const auto objects = Archive::Internal::typedElements(archive, Words::RootObject);
     QDomElement predeclarations = Archive::Internal::predeclarationsAmong(objects);
     Archive::Internal::ObjectIds ids(document);
     // `volumeNormalize` stays on every clip, although the effect has taken its place: documents of this
     // version have it so.
-    for (const QDomElement& clip : objects) {
-        if (!isNormalizedClip(clip))
+    for (const auto& [clip, type] : objects) {
+        if (!isNormalizedClip(clip, type))
             continue;
         const long long id =
             Archive::addPredeclaration(predeclarations, document, className, 0, ids.greatest(), -1, {});

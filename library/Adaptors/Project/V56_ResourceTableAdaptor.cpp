@@ -20,8 +20,8 @@ void insertReference(QDomDocument& document, QDomElement& content, long long id)
                         content.firstChildElement(QStringLiteral("userCollection")));
 }
 
-void insertBehindLast(const Elements& objects, const QDomElement& table, QDomElement& archive) {
-    QDomNode place = objects.empty() ? QDomNode() : QDomNode(objects.back());
+void insertBehindLast(const TypedElements& objects, const QDomElement& table, QDomElement& archive) {
+    QDomNode place = objects.last();
     while (!place.isNull() && place.parentNode() != archive)
         place = place.parentNode();
     archive.insertAfter(table, place);
@@ -36,7 +36,7 @@ void V56_ResourceTableAdaptor::adapt(QDomDocument& document) {
         return;
     }
     // A table that is there already is not looked for: the content gets another.
-    const Elements objects = elements(archive, Words::RootObject);
+    const auto objects = typedElements(archive, Words::RootObject);
     QDomElement predeclarations = predeclarationsAmong(objects);
     QDomElement content = lastOfType(objects, QStringLiteral("Project::Content"));
     long long maxId = maxObjectId(document);

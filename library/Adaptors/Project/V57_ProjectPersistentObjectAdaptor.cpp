@@ -34,12 +34,9 @@ void setParent(const QDomElement& predeclarations, const QList<long long>& ids, 
 void embed(QDomElement object, const QString& name, QDomElement& parent) {
     if (object.isNull())
         return;
+    Outline::removed(object);
     object.setTagName(name);
     parent.appendChild(object);
-    const bool hasOthers = !firstDescendant(object, Words::RootObject).isNull() ||
-                           !firstDescendant(object, Words::BaseOfObject).isNull();
-    if (hasOthers)
-        Outline::rearranged(object.ownerDocument());
 }
 
 } // namespace
@@ -51,7 +48,7 @@ void V57_ProjectPersistentObjectAdaptor::adapt(QDomDocument& document) {
         return;
     }
     const QString resourceTable = QStringLiteral("resourceTable");
-    const Elements objects = elements(archive, Words::RootObject);
+    const auto objects = typedElements(archive, Words::RootObject);
     QDomElement predeclarations = predeclarationsAmong(objects);
     QDomElement content = lastOfType(objects, QStringLiteral("Project::Content"));
     QDomElement table = lastOfType(objects, QStringLiteral("ResourceTable::Object"));

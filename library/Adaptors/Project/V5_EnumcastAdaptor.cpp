@@ -75,8 +75,7 @@ void V5_EnumcastAdaptor::adapt(QDomDocument& document) {
         LOG(ERROR) << "<Archive> element not found";
         return;
     }
-    for (const QDomElement& object : Archive::Internal::elements(archive, Words::RootObject)) {
-        const QString type = Archive::typeOf(object);
+    for (const auto& [object, type] : Archive::Internal::typedElements(archive, Words::RootObject)) {
         for (const EnumField& row : enumFields) {
             if (type == QLatin1String(row.className))
                 convert(object, row);

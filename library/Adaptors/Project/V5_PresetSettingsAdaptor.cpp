@@ -91,8 +91,7 @@ QString tagOf(const QDomElement& object) {
 
 Presets collect(const QDomElement& archive) {
     Presets presets;
-    for (const QDomElement& object : Archive::Internal::elements(archive, Words::RootObject)) {
-        const QString className = Archive::typeOf(object);
+    for (const auto& [object, className] : Archive::Internal::typedElements(archive, Words::RootObject)) {
         if (!isStockClass(className))
             continue;
         const QString tag = tagOf(object);
@@ -115,7 +114,7 @@ void apply(QDomDocument& document, QDomElement& object, const Setting& setting) 
     if (stored.isNull())
         object.appendChild(created);
     else
-        object.replaceChild(created, stored); // a value of its own gives way to the table's
+        Archive::Internal::replaceChild(object, created, stored); // a value of its own gives way to the table's
 }
 
 } // namespace

@@ -27,7 +27,7 @@ void describe(const QDomElement& object) {
 }
 
 /// The ids that theme items refer to, as texts.
-QSet<QString> themeIds(const Elements& objects) {
+QSet<QString> themeIds(const TypedElements& objects) {
     QSet<QString> ids;
     for (const QDomElement& item :
          ofType(objects, QStringLiteral("Collection::PersistentItem::Import::Object"))) {
@@ -38,14 +38,13 @@ QSet<QString> themeIds(const Elements& objects) {
 }
 
 void describeBaseParts(const QDomDocument& document) {
-    for (const QDomElement& part : elements(document, Words::BaseOfObject)) {
-        const QString type = Archive::typeOf(part);
+    for (const auto& [part, type] : typedElements(document, Words::BaseOfObject)) {
         if (type == QLatin1String("Effect::Object") || type == QLatin1String("Transition::Object"))
             describe(part);
     }
 }
 
-void describeRootObjects(const Elements& objects, const QString& type, const QSet<QString>& excluded) {
+void describeRootObjects(const TypedElements& objects, const QString& type, const QSet<QString>& excluded) {
     for (const QDomElement& object : ofType(objects, type)) {
         if (!excluded.contains(object.attribute(Words::objectId)))
             describe(object);
@@ -76,7 +75,7 @@ void describeObjects(FlatObject& document, const std::set<std::string>& classes,
 } // namespace
 
 void V60_CollectionItemDescriptionAdaptor::adapt(QDomDocument& document) {
-    const Elements objects = elements(document, Words::RootObject);
+    const auto objects = typedElements(document, Words::RootObject);
     const QSet<QString> excluded = themeIds(objects);
     const bool hasPersistentRoot = !lastOfType(objects, QStringLiteral("Project::PersistentObject")).isNull();
     describeBaseParts(document);

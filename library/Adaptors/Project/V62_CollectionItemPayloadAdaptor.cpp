@@ -55,7 +55,7 @@ Download takeDownload(QDomElement holder) {
     return download;
 }
 
-Downloads collect(QDomDocument& document, Elements& objects) {
+Downloads collect(QDomDocument& document, const TypedElements& objects) {
     Downloads downloads;
     const auto take = [&](const QDomElement& object, const QDomElement& holder) {
         downloads[static_cast<long long>(Archive::objectIdOf(object))] = takeDownload(holder);
@@ -63,8 +63,7 @@ Downloads collect(QDomDocument& document, Elements& objects) {
     const auto addEmptyPath = [&](QDomElement object) {
         object.appendChild(Archive::createString(document, resourcePath, QString()));
     };
-    for (const QDomElement& object : objects) {
-        const QString type = Archive::typeOf(object);
+    for (auto [object, type] : objects) {
         if (type == QLatin1String("Import::Object"))
             take(object, object);
         else if (type.startsWith(QLatin1String("Effect::")))
@@ -87,11 +86,11 @@ void renameRecords(const QDomElement& predeclarations) {
 }
 
 void convertItem(QDomDocument& document, QDomElement& object, const Downloads& downloads) {
-    object.setAttribute(Words::type, QStringLiteral("Collection::Item"));
+    setType(object, QStringLiteral("Collection::Item"));
     const QDomElement item = object.firstChildElement(QStringLiteral("item"));
     const long long id = item.attribute(Words::value).toLongLong();
     if (!item.isNull())
-        object.replaceChild(Archive::createObjectRef(document, QStringLiteral("payload"), id), item);
+        replaceChild(object, Archive::createObjectRef(document, QStringLiteral("payload"), id), item);
     const Download download = downloads.value(id);
     object.appendChild(Archive::createString(document, QStringLiteral("downloadUrl"), download.url));
     object.appendChild(Archive::createInt64(document, remoteSize, download.size));
@@ -100,10 +99,9 @@ void convertItem(QDomDocument& document, QDomElement& object, const Downloads& d
 } // namespace
 
 void V62_CollectionItemPayloadAdaptor::adapt(QDomDocument& document) {
-    Elements objects = elements(document, Words::RootObject);
+    const auto objects = typedElements(document, Words::RootObject);
     const Downloads downloads = collect(document, objects);
-    for (QDomElement& object : objects) {
-        const QString type = Archive::typeOf(object);
+    for (auto [object, type] : objects) {
         if (type == Words::Predeclarator)
             renameRecords(object.firstChildElement(Words::predeclarations));
         else if (isPersistentItem(type))

@@ -50,8 +50,7 @@ bool Impl::collect() {
         LOG(ERROR) << "<Archive> element not found";
         return false;
     }
-    for (const QDomElement& object : elements(m_archive, Words::RootObject)) {
-        const QString type = Archive::typeOf(object);
+    for (const auto& [object, type] : Archive::Internal::typedElements(m_archive, Words::RootObject)) {
         if (type == Words::Predeclarator) {
             m_predeclarations = firstDescendant(object, Words::predeclarations);
         } else if (type == QLatin1String("Timeline::Clip")) {

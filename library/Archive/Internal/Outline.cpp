@@ -4,6 +4,7 @@
 #include "Archive/Internal/PlainText.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace Archive::Internal {
 namespace {
@@ -54,6 +55,25 @@ void Outline::adopted(const QDomElement& e) {
     }
 }
 
+void Outline::removed(const QDomNode& e) {
+    Outline* outline = of(e);
+    if (!outline || !outline->m_lists)
+        return;
+    for (QDomNode node = e; !node.isNull(); node = nextInDocument(node, e)) {
+        const QString tag = node.nodeName();
+        if (tag == Words::RootObject)
+            outline->m_removed.rootObjects.push_back(node.toElement());
+        else if (tag == Words::BaseOfObject)
+            outline->m_removed.baseParts.push_back(node.toElement());
+    }
+}
+
+void Outline::retyped(const QDomElement& e) {
+    Outline* outline = of(e);
+    if (outline && outline->m_lists)
+        outline->m_retyped.push_back(e);
+}
+
 void Outline::rearranged(const QDomDocument& document) {
     if (Outline* outline = of(document))
         outline->m_lists.reset();
@@ -69,6 +89,8 @@ void Outline::clear() {
     m_lists.reset();
     doubtTexts();
     m_created.clear();
+    m_removed = {};
+    m_retyped.clear();
 }
 
 void Outline::doubtTexts() {
@@ -77,7 +99,7 @@ void Outline::doubtTexts() {
 }
 
 bool Outline::isUpToDate() {
-    return m_archive && m_marks.length() == 1;
+    return m_archive && m_removed.size() == 0 && m_retyped.empty() && m_marks.length() == 1;
 }
 
 void Outline::markUpToDate() {
@@ -91,10 +113,11 @@ void Outline::update() {
         return;
     if (m_archive && (m_archive->isNull() || m_document.documentElement() != *m_archive))
         clear();
-    m_hopsLeft =
-        mostHops(m_created.size() + (m_lists ? m_lists->rootObjects.size() + m_lists->baseParts.size() : 0));
+    m_hopsLeft = mostHops(m_created.size() + m_removed.size() +
+                          (m_lists ? m_lists->rootObjects->size() + m_lists->baseParts->size() : 0));
     if (m_archive && !(dropRemoved() && takeInCreated()))
         clear();
+    takeInRetyped();
     if (!m_archive) {
         clear();
         findArchive();
@@ -117,19 +140,81 @@ bool Outline::isInTree(const QDomNode& node) {
     return !ancestor.isNull();
 }
 
-void Outline::dropRemoved(Elements& list, const QString& tag) {
-    std::erase_if(list, [&](const QDomElement& e) { return e.tagName() != tag || !isInTree(e); });
+namespace {
+
+/// The list, which others may share, to be changed.
+TypedElements::List& own(Outline::List& list) {
+    if (list.use_count() > 1)
+        list = std::make_shared<TypedElements::List>(*list);
+    return *list;
 }
+
+/// Calls `visit` on the entries of the elements, and gives whether all were met. Changes come in document order as a
+/// rule, or in that of a few groups: then as many passes that compare addresses meet them all.
+template <class Visit>
+bool visitInOrder(TypedElements::List& list, const Elements& elements, Visit visit) {
+    auto next = elements.begin();
+    for (int passes = 0; passes < 4 && next != elements.end(); ++passes) {
+        for (auto entry = list.begin(); entry != list.end() && next != elements.end(); ++entry) {
+            if (entry->element != *next)
+                continue;
+            visit(*entry);
+            ++next;
+        }
+    }
+    return next == elements.end();
+}
+
+Elements withTag(const Elements& elements, const QString& tag) {
+    Elements result;
+    std::copy_if(elements.begin(), elements.end(), std::back_inserter(result),
+                 [&](const QDomElement& e) { return e.tagName() == tag; });
+    return result;
+}
+
+} // namespace
 
 /// False where the document is too deep to go on.
 bool Outline::dropRemoved() {
     if (m_greatest && !m_greatest->holder.isNull() && !isInTree(m_greatest->holder))
         m_greatest.reset();
     if (m_lists) {
-        dropRemoved(m_lists->rootObjects, Words::RootObject);
-        dropRemoved(m_lists->baseParts, Words::BaseOfObject);
+        drop(m_lists->rootObjects, m_removed.rootObjects);
+        drop(m_lists->baseParts, m_removed.baseParts);
     }
+    // They may come back into the tree as if they were new.
+    m_created.insert(m_created.end(), m_removed.rootObjects.begin(), m_removed.rootObjects.end());
+    m_created.insert(m_created.end(), m_removed.baseParts.begin(), m_removed.baseParts.end());
+    m_removed = {};
     return m_hopsLeft > 0;
+}
+
+void Outline::drop(List& list, const Elements& gone) {
+    if (gone.empty())
+        return;
+    TypedElements::List& entries = own(list);
+    if (visitInOrder(entries, gone, [](TypedElement& e) { e.element = QDomElement(); }))
+        std::erase_if(entries, [](const TypedElement& e) { return e.element.isNull(); });
+    else
+        std::erase_if(entries,
+                      [this](const TypedElement& e) { return e.element.isNull() || !isInTree(e.element); });
+}
+
+void Outline::takeInRetyped() {
+    if (m_lists) {
+        retype(m_lists->rootObjects, withTag(m_retyped, Words::RootObject));
+        retype(m_lists->baseParts, withTag(m_retyped, Words::BaseOfObject));
+    }
+    m_retyped.clear();
+}
+
+void Outline::retype(List& list, const Elements& retyped) {
+    if (retyped.empty())
+        return;
+    const auto readType = [](TypedElement& e) { e.type = e.element.attribute(Words::type); };
+    TypedElements::List& entries = own(list);
+    if (!visitInOrder(entries, retyped, readType))
+        std::for_each(entries.begin(), entries.end(), readType);
 }
 
 /// False where the document is too deep to go on.
@@ -157,36 +242,45 @@ bool Outline::takeInCreated() {
 /// New root objects mostly stand behind all others, and all that is in them behind all that is known. False where
 /// not all new elements are there: then the order of the lists is open.
 bool Outline::takeInAppended(std::size_t createdRootObjects, std::size_t createdBaseParts) {
-    auto& [rootObjects, baseParts] = *m_lists;
-    const auto last = std::find_if(rootObjects.rbegin(), rootObjects.rend(),
-                                   [this](const QDomElement& e) { return e.parentNode() == *m_archive; });
+    TypedElements::List& rootObjects = own(m_lists->rootObjects);
+    TypedElements::List& baseParts = own(m_lists->baseParts);
+    const auto last =
+        std::find_if(rootObjects.rbegin(), rootObjects.rend(),
+                     [this](const TypedElement& e) { return e.element.parentNode() == *m_archive; });
     if (last == rootObjects.rend())
         return false;
     const std::size_t knownRootObjects = rootObjects.size();
     const std::size_t knownBaseParts = baseParts.size();
-    for (QDomElement object = last->nextSiblingElement(Words::RootObject); !object.isNull();
+    for (QDomElement object = last->element.nextSiblingElement(Words::RootObject); !object.isNull();
          object = object.nextSiblingElement(Words::RootObject)) {
         for (QDomNode node = object; !node.isNull(); node = nextInDocument(node, object)) {
             const QString tag = node.nodeName();
-            if (tag == Words::RootObject)
-                rootObjects.push_back(node.toElement());
-            else if (tag == Words::BaseOfObject)
-                baseParts.push_back(node.toElement());
+            if (tag == Words::RootObject || tag == Words::BaseOfObject) {
+                const QDomElement e = node.toElement();
+                (tag == Words::RootObject ? rootObjects : baseParts)
+                    .push_back({e, e.attribute(Words::type)});
+            }
         }
     }
     return rootObjects.size() - knownRootObjects == createdRootObjects &&
            baseParts.size() - knownBaseParts == createdBaseParts;
 }
 
-const Elements* Outline::elements(const QDomNode& below, const QString& tag) {
+const Outline::List* Outline::elements(const QDomNode& below, const QString& tag) {
     if (tag != Words::RootObject && tag != Words::BaseOfObject)
         return nullptr;
     update();
     if (m_archive->isNull() || !(below.isDocument() || below == *m_archive))
         return nullptr;
     if (!m_lists)
-        m_lists = Lists{search(m_document, Words::RootObject), search(m_document, Words::BaseOfObject)};
+        m_lists =
+            Lists{searchTyped(m_document, Words::RootObject), searchTyped(m_document, Words::BaseOfObject)};
     return tag == Words::RootObject ? &m_lists->rootObjects : &m_lists->baseParts;
+}
+
+const Outline::List* Outline::known(const QDomNode& below, const QString& tag) {
+    Outline* outline = of(below);
+    return outline ? outline->elements(below, tag) : nullptr;
 }
 
 std::optional<QDomElement> Outline::soleArchive() {

@@ -7,6 +7,7 @@
 
 #include <QDomDocument>
 
+#include <memory>
 #include <optional>
 
 namespace Archive::Internal {
@@ -16,11 +17,11 @@ namespace Archive::Internal {
 /// elements(), rootObjects(), soleArchive() and maxObjectId() answer from it on this thread; without one they
 /// search, with the same results.
 ///
-/// Every change of the document is noticed, but for elements that get a kept tag by renaming. After a change the outline brings itself up
-/// to date from what was created meanwhile, without a search. So a step that brings root objects, base parts or
-/// object ids into the document otherwise than by createObject() calls adopted() or forget(); one that gives such
-/// elements another place calls rearranged(); one that writes texts otherwise than by the functions of Archive,
-/// and not from texts of the document, calls wrote().
+/// That the document changed is noticed; what changed is told. The outline then brings itself up to date from what it
+/// was told, without a search. The functions of Archive and Walk.h tell it all by themselves. A step that brings root
+/// objects, base parts or object ids into the document otherwise than by createObject() calls adopted() or forget();
+/// one that gives such elements another place or another tag calls rearranged(); one that writes texts otherwise than
+/// by the functions of Archive, and not from texts of the document, calls wrote().
 class Outline {
 public:
     explicit Outline(const QDomDocument& document);
@@ -37,6 +38,12 @@ public:
     /// A new text in the document. One that readers may stumble over puts the greatest id in doubt.
     static void wrote(const QString& text);
 
+    /// The node and all in it left the tree or their place in it, or the node is about to get another tag.
+    static void removed(const QDomNode& e);
+
+    /// The element got another `type`.
+    static void retyped(const QDomElement& e);
+
     /// The element and all in it came into the tree from another document.
     static void adopted(const QDomElement& e);
 
@@ -49,8 +56,13 @@ public:
     /// The document's one `Archive`, or nothing where the document must be searched for it.
     std::optional<QDomElement> soleArchive();
 
+    using List = std::shared_ptr<TypedElements::List>;
+
     /// All elements of that tag below, or null where the outline can't tell.
-    const Elements* elements(const QDomNode& below, const QString& tag);
+    const List* elements(const QDomNode& below, const QString& tag);
+
+    /// The same from the outline that stands for the node's document, if one does.
+    static const List* known(const QDomNode& below, const QString& tag);
 
     /// What Internal::maxObjectId() gives, or nothing where only the document's text can tell.
     std::optional<long long> greatestId();
@@ -61,8 +73,15 @@ public:
 private:
     /// The elements of the kept tags, in document order.
     struct Lists {
+        List rootObjects;
+        List baseParts;
+    };
+
+    struct Removed {
         Elements rootObjects;
         Elements baseParts;
+
+        std::size_t size() const { return rootObjects.size() + baseParts.size(); }
     };
 
     bool isUpToDate();
@@ -72,7 +91,9 @@ private:
     void doubtTexts();
     void findArchive();
     bool dropRemoved();
-    void dropRemoved(Elements& list, const QString& tag);
+    void drop(List& list, const Elements& gone);
+    void takeInRetyped();
+    void retype(List& list, const Elements& retyped);
     bool takeInCreated();
     bool takeInAppended(std::size_t createdRootObjects, std::size_t createdBaseParts);
     bool isInTree(const QDomNode& node);
@@ -92,6 +113,8 @@ private:
     std::optional<GreatestId> m_greatest;
     std::size_t m_hopsLeft = 0; ///< of an update, from nodes towards the archive
     Elements m_created;         ///< since the last update, and those that were still outside the tree then
+    Removed m_removed;          ///< since the last update
+    Elements m_retyped;         ///< the same
 };
 
 } // namespace Archive::Internal

@@ -31,8 +31,7 @@ QDomElement OverlayItems::refsOf(long long id) const {
 
 OverlayItems collectOverlayItems(const QDomElement& archive) {
     OverlayItems collected;
-    for (const QDomElement& object : elements(archive, Words::RootObject)) {
-        const QString type = typeOf(object);
+    for (const auto& [object, type] : typedElements(archive, Words::RootObject)) {
         if (type == Words::Predeclarator)
             collected.predeclarations = firstDescendant(object, Words::predeclarations);
         else if (type == QLatin1String("Overlay::Preset"))

@@ -11,7 +11,7 @@ namespace Archive::Internal {
 
 /// The first `predeclarations` child of the `Predeclarator` among these objects; a null element for none. The
 /// last of several counts, also where it has no such child.
-QDomElement predeclarationsAmong(const Elements& rootObjects);
+QDomElement predeclarationsAmong(const TypedElements& rootObjects);
 
 /// The object that a record (the `Data` of an entry of `predeclarations`) declares.
 long long declaredId(const QDomElement& record);

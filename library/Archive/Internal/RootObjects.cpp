@@ -6,21 +6,22 @@
 
 namespace Archive::Internal {
 
-Elements ofType(const Elements& objects, const QString& type) {
+Elements ofType(const TypedElements& objects, const QString& type) {
     Elements result;
-    for (const QDomElement& object : objects) {
-        if (typeOf(object) == type)
-            result.push_back(object);
+    for (const auto& object : objects) {
+        if (object.type == type)
+            result.push_back(object.element);
     }
     return result;
 }
 
-QDomElement lastOfType(const Elements& objects, const QString& type) {
-    for (auto object = objects.rbegin(); object != objects.rend(); ++object) {
-        if (typeOf(*object) == type)
-            return *object;
+QDomElement lastOfType(const TypedElements& objects, const QString& type) {
+    QDomElement last;
+    for (const auto& object : objects) {
+        if (object.type == type)
+            last = object.element;
     }
-    return {};
+    return last;
 }
 
 namespace {

@@ -16,10 +16,10 @@ inline long long idOf(const QDomElement& object) {
 }
 
 /// Those of that type, in order.
-Elements ofType(const Elements& objects, const QString& type);
+Elements ofType(const TypedElements& objects, const QString& type);
 
 /// The last of that type, or a null element.
-QDomElement lastOfType(const Elements& objects, const QString& type);
+QDomElement lastOfType(const TypedElements& objects, const QString& type);
 
 /// The `BaseOfObject` parts of that type below root objects, in document order, each as often as there are root
 /// objects around it.

@@ -11,7 +11,7 @@ namespace Archive::Internal {
 
 TransformedEffects::TransformedEffects(const QDomDocument& document, const QDomElement& archive,
                                        const QString& className) {
-    const Elements objects = elements(archive, Words::RootObject);
+    const TypedElements objects = typedElements(archive, Words::RootObject);
     m_effects = ofType(objects, className);
     m_predeclarations = predeclarationsAmong(objects);
     if (m_effects.empty())

@@ -4,8 +4,6 @@
 
 #include <QDomDocument>
 
-#include <algorithm>
-#include <iterator>
 
 namespace Archive::Internal {
 namespace {
@@ -28,20 +26,41 @@ Elements search(const QDomNode& below, const QString& tag) {
 }
 
 Elements elements(const QDomNode& below, const QString& tag) {
-    Outline* outline = Outline::of(below);
-    const Elements* known = outline ? outline->elements(below, tag) : nullptr;
-    return known ? *known : search(below, tag);
+    const auto* known = Outline::known(below, tag);
+    if (!known)
+        return search(below, tag);
+    Elements result;
+    result.reserve((*known)->size());
+    for (const TypedElement& e : **known)
+        result.push_back(e.element);
+    return result;
 }
 
 Elements elements(const QDomNode& below, const QString& tag, const QString& type) {
     Elements result;
-    const auto keep = [&](const Elements& all) {
-        std::copy_if(all.begin(), all.end(), std::back_inserter(result),
-                     [&](const QDomElement& e) { return e.attribute(Words::type) == type; });
-    };
-    Outline* outline = Outline::of(below);
-    const Elements* known = outline ? outline->elements(below, tag) : nullptr;
-    keep(known ? *known : search(below, tag));
+    if (const auto* known = Outline::known(below, tag)) {
+        for (const TypedElement& e : **known) {
+            if (e.type == type)
+                result.push_back(e.element);
+        }
+    } else {
+        for (const QDomElement& e : search(below, tag)) {
+            if (e.attribute(Words::type) == type)
+                result.push_back(e);
+        }
+    }
+    return result;
+}
+
+TypedElements typedElements(const QDomNode& below, const QString& tag) {
+    const auto* known = Outline::known(below, tag);
+    return TypedElements(known ? *known : searchTyped(below, tag));
+}
+
+std::shared_ptr<TypedElements::List> searchTyped(const QDomNode& below, const QString& tag) {
+    auto result = std::make_shared<TypedElements::List>();
+    for (const QDomElement& e : search(below, tag))
+        result->push_back({e, e.attribute(Words::type)});
     return result;
 }
 
@@ -69,7 +88,22 @@ QDomElement childAt(QDomElement e, std::initializer_list<QString> path) {
 void removeFromParent(const QDomElement& e) {
     QDomNode parent = e.parentNode();
     if (!parent.isNull())
-        parent.removeChild(e);
+        removeChild(parent, e);
+}
+
+void removeChild(QDomNode& parent, const QDomNode& child) {
+    if (!parent.removeChild(child).isNull())
+        Outline::removed(child);
+}
+
+void replaceChild(QDomNode& parent, const QDomNode& created, const QDomNode& old) {
+    if (!parent.replaceChild(created, old).isNull())
+        Outline::removed(old);
+}
+
+void setType(QDomElement& e, const QString& type) {
+    e.setAttribute(Words::type, type);
+    Outline::retyped(e);
 }
 
 QDomElement soleArchive(const QDomDocument& document) {

@@ -9,6 +9,7 @@
 #include <QString>
 
 #include <functional>
+#include <memory>
 #include <vector>
 
 namespace Archive::Internal {
@@ -19,8 +20,34 @@ using Elements = std::vector<QDomElement>;
 Elements elements(const QDomNode& below, const QString& tag);
 Elements elements(const QDomNode& below, const QString& tag, const QString& type);
 
-/// The same as the first form, whatever an outline knows.
+/// An element and its `type`.
+struct TypedElement {
+    QDomElement element;
+    QString type;
+};
+
+/// What the first form of elements() gives, with the types of that moment. Copies share their memory.
+class TypedElements {
+public:
+    using List = std::vector<TypedElement>;
+
+    explicit TypedElements(std::shared_ptr<const List> list) : m_list(std::move(list)) {}
+
+    List::const_iterator begin() const { return m_list->begin(); }
+    List::const_iterator end() const { return m_list->end(); }
+
+    /// A null element where there is none.
+    QDomElement last() const { return m_list->empty() ? QDomElement() : m_list->back().element; }
+
+private:
+    std::shared_ptr<const List> m_list;
+};
+
+TypedElements typedElements(const QDomNode& below, const QString& tag);
+
+/// The same as the first form of elements(), whatever an outline knows.
 Elements search(const QDomNode& below, const QString& tag);
+std::shared_ptr<TypedElements::List> searchTyped(const QDomNode& below, const QString& tag);
 
 /// All `RootObject` descendants of that `type`.
 inline Elements rootObjects(const QDomNode& below, const QString& type) {
@@ -36,8 +63,16 @@ QDomElement firstDescendant(const QDomNode& below, const QString& tag);
 /// The first child of the first child ... along a path of tags; a null element where one is missing.
 QDomElement childAt(QDomElement e, std::initializer_list<QString> path);
 
+/// Steps remove and replace elements by these functions and not by the tree's own, which tell no outline.
 /// Removes an element from the tree, wherever it stands; nothing for one that stands nowhere.
 void removeFromParent(const QDomElement& e);
+/// Removes a child; nothing for one that stands elsewhere.
+void removeChild(QDomNode& parent, const QDomNode& child);
+/// Puts `created` in the place of a child; nothing where that stands elsewhere.
+void replaceChild(QDomNode& parent, const QDomNode& created, const QDomNode& old);
+
+/// Gives an element another `type`.
+void setType(QDomElement& e, const QString& type);
 
 /// The document's one `Archive` element, at any depth; a null element where there are none or several.
 QDomElement soleArchive(const QDomDocument& document);
