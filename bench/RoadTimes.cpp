@@ -12,6 +12,8 @@
 #include "bench/Measure.h"
 
 #include <algorithm>
+#include <memory>
+#include <set>
 
 using nlohmann::json;
 
@@ -51,6 +53,7 @@ public:
     explicit Walk(const QByteArray& text) {
         load = millisecondsOf([&] { m_document.content = Reader::parseXml(text, name); });
         m_document.version = oldestVersion;
+        m_outline = std::make_unique<Archive::Internal::Outline>(m_document.xml());
         other("count the objects of the archive", [&] { Reader::countObjects(m_document); });
         other("list the clips of the archive", [&] { Reader::listClips(m_document); });
         unnumbered("OverlayFileContentReadAdaptor");
@@ -90,13 +93,12 @@ private:
     }
 
     void xmlRoad() {
-        Archive::Internal::Outline outline(m_document.xml());
         unnumbered("ThemeTransitionsAndSceneAdaptor");
         for (const Reader::Step* row :
              Reader::stepsFor(Bundle::Backend::Xml, oldestVersion, Reader::lastXmlVersion)) {
             step(*row, [&] {
                 row->makeXml()->adapt(m_document.xml());
-                outline.endStep();
+                m_outline->endStep();
             });
         }
         unnumbered("ImportDescriptionAdaptor");
@@ -104,11 +106,15 @@ private:
 
     void convert() {
         json envelope;
+        std::set<unsigned long long> idsTaken;
         other("conversion to JSON",
-              [&] { envelope = Reader::Conversion().consume(m_document.xml()).second; });
+              [&] { envelope = Reader::Conversion().consume(m_document.xml(), idsTaken).second; });
         Reader::JsonDocument project;
         other("flatten", [&] { project = Reader::openEnvelope(std::move(envelope), name); });
-        other("free the DOM", [&] { m_document.content = std::move(project); });
+        other("free the DOM", [&] {
+            m_outline.reset();
+            m_document.content = std::move(project);
+        });
     }
 
     void save() {
@@ -122,6 +128,7 @@ private:
     }
 
     Reader::Document m_document;
+    std::unique_ptr<Archive::Internal::Outline> m_outline;
 };
 
 std::size_t wholeRoad(const QByteArray& text) {

@@ -4,6 +4,9 @@
 
 #include <nlohmann/json.hpp>
 
+#include <set>
+#include <utility>
+
 namespace Util {
 
 /// The step from the XML archive to JSON. A document reader derives from it and gives it a name.
@@ -17,7 +20,8 @@ public:
     std::pair<int, nlohmann::json> convert(const QDomDocument& document) override;
 
     /// As convert(), for a document that nobody needs any more; see XmlToJsonAdaptor::consume().
-    std::pair<int, nlohmann::json> consume(const QDomDocument& document);
+    std::pair<int, nlohmann::json> consume(const QDomDocument& document,
+                                           std::set<unsigned long long>& idsTaken);
 
     /// Whether convert() or consume() has been called.
     bool converted() const { return m_converted; }

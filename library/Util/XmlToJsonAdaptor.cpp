@@ -1,7 +1,9 @@
 #include "Util/XmlToJsonAdaptor.h"
 
 #include "Archive/Internal/Count.h"
+#include "Archive/Internal/Outline.h"
 #include "Archive/Internal/Predeclarations.h"
+#include "Archive/Internal/RootObjects.h"
 #include "Archive/Internal/Walk.h"
 #include "Archive/Internal/Words.h"
 #include "Archive/Xml.h"
@@ -16,11 +18,13 @@
 #include <deque>
 #include <iterator>
 #include <optional>
+#include <set>
 #include <string>
 #include <variant>
 #include <vector>
 
 using nlohmann::json;
+using Archive::Internal::idOf;
 using Serialize::Json::MetaDetails;
 namespace Words = Archive::Words;
 
@@ -142,9 +146,8 @@ constexpr NamedMap namedMaps[] = {
 
 class Impl {
 public:
-    enum class Afterwards { Keep, Free };
-
-    json adapt(const QDomDocument& document, Afterwards afterwards);
+    json adapt(const QDomDocument& document);
+    json consume(const QDomDocument& document, std::set<unsigned long long>& idsTaken);
 
 private:
     void collect();
@@ -169,9 +172,12 @@ private:
 
     QString referencedTypeName(const QDomElement& element) const;
     bool isClipPairValue(const QDomElement& value) const;
+    bool takesIdOfRootObject(const QDomElement& element);
 
     QDomElement m_archive;
     bool m_freesObjects = false;
+    std::set<unsigned long long>* m_idsTaken = nullptr; ///< from embedded objects; null where they keep theirs
+    QSet<unsigned long long> m_rootIds;
     QMap<qint64, QString> m_predeclaredTypes;
     QHash<qint64, QDomElement> m_rootObjects;
     QSet<qint64> m_visitedIds;
@@ -179,14 +185,19 @@ private:
     std::deque<Frame> m_frames; // a deque: a frame stays where it is while others are pushed
 };
 
-json Impl::adapt(const QDomDocument& document, Afterwards afterwards) {
+json Impl::consume(const QDomDocument& document, std::set<unsigned long long>& idsTaken) {
+    m_freesObjects = true;
+    m_idsTaken = &idsTaken;
+    return adapt(document);
+}
+
+json Impl::adapt(const QDomDocument& document) {
     json result = json::object();
     result["data"] = nullptr;
     result["version"] = "1.0";
     m_archive = document.firstChildElement(Words::Archive);
     if (m_archive.isNull())
         return result;
-    m_freesObjects = afterwards == Afterwards::Free;
     collect();
     result["data"] = convertElement(m_archive.firstChildElement(Words::RootRef));
     return result;
@@ -194,14 +205,18 @@ json Impl::adapt(const QDomDocument& document, Afterwards afterwards) {
 
 void Impl::collect() {
     Archive::Internal::Elements predeclarators;
-    for (const QDomElement& object : Archive::Internal::elements(m_archive, Words::RootObject)) {
+    for (const auto& [object, type] : Archive::Internal::typedElements(m_archive, Words::RootObject)) {
         if (object.parentNode() != m_archive)
             m_freesObjects = false; // it may be converted once in its place and once by a reference
-        if (Archive::typeOf(object) == Words::Predeclarator)
+        if (m_idsTaken)
+            m_rootIds.insert(Archive::objectIdOf(object));
+        if (type == Words::Predeclarator)
             predeclarators.push_back(object);
         else
-            m_rootObjects[object.attribute(Words::objectId).toLongLong()] = object;
+            m_rootObjects[idOf(object)] = object;
     }
+    if (m_freesObjects)
+        Archive::Internal::Outline::forget(m_archive.ownerDocument()); // it holds objects
     for (const QDomElement& predeclarator : predeclarators) {
         collectPredeclarations(predeclarator);
         if (m_freesObjects)
@@ -266,7 +281,7 @@ std::optional<json> Impl::beginObject(const QDomElement& element) {
         meta[MetaDetails::s_object_id] = m_nextObjectId;
         m_nextObjectId = Archive::Internal::plusOne(m_nextObjectId);
     } else {
-        meta[MetaDetails::s_object_id] = element.attribute(Words::objectId).toLongLong();
+        meta[MetaDetails::s_object_id] = takesIdOfRootObject(element) ? 0 : idOf(element);
     }
     json object = json::object();
     object[MetaDetails::s_meta] = std::move(meta);
@@ -274,6 +289,17 @@ std::optional<json> Impl::beginObject(const QDomElement& element) {
     m_frames.push_back(ObjectFrame{
         std::move(object), element.firstChildElement(), {}, isSpent ? element : QDomElement()});
     return std::nullopt;
+}
+
+/// Whether an embedded object has an id that a root object has, where such ids are taken away.
+bool Impl::takesIdOfRootObject(const QDomElement& element) {
+    if (!m_idsTaken || element.tagName() == Words::RootObject)
+        return false;
+    const unsigned long long id = Archive::objectIdOf(element);
+    if (id == 0 || !m_rootIds.contains(id))
+        return false;
+    m_idsTaken->insert(id);
+    return true;
 }
 
 std::optional<json> Impl::beginArray(const QDomElement& element) {
@@ -398,11 +424,11 @@ bool Impl::isClipPairValue(const QDomElement& value) const {
 } // namespace
 
 json XmlToJsonAdaptor::adapt(const QDomDocument& document) {
-    return Impl().adapt(document, Impl::Afterwards::Keep);
+    return Impl().adapt(document);
 }
 
-json XmlToJsonAdaptor::consume(const QDomDocument& document) {
-    return Impl().adapt(document, Impl::Afterwards::Free);
+json XmlToJsonAdaptor::consume(const QDomDocument& document, std::set<unsigned long long>& idsTaken) {
+    return Impl().consume(document, idsTaken);
 }
 
 } // namespace Util

@@ -2,6 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <set>
+
 class QDomDocument;
 
 namespace Util {
@@ -15,7 +17,9 @@ public:
 
     /// The same, for a document that nobody needs any more: objects are removed from it and freed as soon as they are
     /// converted, so that the two forms don't stand in memory side by side. What it holds afterwards is left open.
-    nlohmann::json consume(const QDomDocument& document);
+    /// References mean root objects, and in JSON the object that is met first would get them. So embedded objects
+    /// that have an id of a root object get the id 0; such ids are added to `idsTaken`.
+    nlohmann::json consume(const QDomDocument& document, std::set<unsigned long long>& idsTaken);
 };
 
 } // namespace Util

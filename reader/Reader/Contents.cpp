@@ -36,8 +36,8 @@ void walkElements(const QDomElement& top, Visit visit) {
 /// The archive's root objects that hold the project, by id; the later of two counts, as in the conversion.
 QHash<unsigned long long, QDomElement> rootObjectsById(const QDomDocument& xml) {
     QHash<unsigned long long, QDomElement> objects;
-    for (const QDomElement& e : Archive::Internal::elements(xml, Words::RootObject)) {
-        if (!isDeclaring(e))
+    for (const auto& [e, type] : Archive::Internal::typedElements(xml, Words::RootObject)) {
+        if (!isDeclaring(type))
             objects.insert(Archive::objectIdOf(e), e);
     }
     return objects;
@@ -64,11 +64,17 @@ std::string classOf(const json& object) {
 }
 
 ObjectCounts countXml(const QDomDocument& xml) {
-    ObjectCounts counts;
+    QHash<QString, std::size_t> byType;
     walkElements(xml.documentElement(), [&](const QDomElement& e) {
-        if (e.hasAttribute(Words::objectId) && !isDeclaring(e))
-            ++counts[Archive::typeOf(e).toStdString()];
+        if (!e.hasAttribute(Words::objectId))
+            return;
+        const QString type = Archive::typeOf(e);
+        if (!isDeclaring(type))
+            ++byType[type];
     });
+    ObjectCounts counts;
+    for (auto type = byType.begin(); type != byType.end(); ++type)
+        counts[type.key().toStdString()] += *type;
     return counts;
 }
 
@@ -164,8 +170,7 @@ std::set<unsigned long long> reachableInJson(const JsonDocument& document) {
 
 } // namespace
 
-bool isDeclaring(const QDomElement& e) {
-    const QString type = Archive::typeOf(e);
+bool isDeclaring(const QString& type) {
     return type == Words::Predeclarator || type == Words::Predeclare;
 }
 

@@ -15,7 +15,7 @@ using ObjectCounts = std::map<std::string, std::size_t>;
 ObjectCounts countObjects(const Document& document);
 
 /// Whether an element of an archive declares other objects rather than being a part of the project.
-bool isDeclaring(const QDomElement& e);
+bool isDeclaring(const QString& type);
 
 /// A clip that a timeline lists.
 struct Clip {

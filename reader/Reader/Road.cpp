@@ -1,6 +1,7 @@
 #include "Reader/Road.h"
 
 #include "Archive/Internal/Outline.h"
+#include "Archive/Internal/RootObjects.h"
 #include "Archive/Internal/Walk.h"
 #include "Archive/Xml.h"
 #include "Reader/Conversion.h"
@@ -11,10 +12,11 @@
 #include <algorithm>
 #include <functional>
 #include <new>
+#include <optional>
 #include <set>
-#include <unordered_set>
 
 namespace Words = Archive::Words;
+using Archive::Internal::idOf;
 
 namespace Reader {
 namespace {
@@ -82,73 +84,55 @@ void checkVersions(const Document& document, const Journey& journey) {
 /// lose to a nested one.
 void sortRootObjects(QDomDocument& xml) {
     QDomElement archive = xml.documentElement();
-    const auto objects = Archive::Internal::children(archive, Words::RootObject);
-    const QString root = archive.firstChildElement(Words::RootRef).attribute(Words::value);
+    const auto root = archive.firstChildElement(Words::RootRef).attribute(Words::value).toULongLong();
     Archive::Internal::Elements first;
-    for (const QDomElement& e : objects) {
-        if (Archive::typeOf(e) == Words::Predeclarator)
+    QDomElement main;
+    for (const auto& [e, type] : Archive::Internal::typedElements(xml, Words::RootObject)) {
+        if (e.parentNode() != archive)
+            continue;
+        if (type == Words::Predeclarator)
             first.push_back(e);
+        else if (main.isNull() && Archive::objectIdOf(e) == root)
+            main = e;
     }
-    const auto main = std::find_if(objects.begin(), objects.end(), [&](const QDomElement& e) {
-        return Archive::typeOf(e) != Words::Predeclarator && Archive::objectIdOf(e) == root.toULongLong();
-    });
-    if (main != objects.end())
-        first.push_back(*main);
-    QDomElement place = objects.empty() ? QDomElement() : objects.front();
+    if (!main.isNull())
+        first.push_back(main);
+    QDomElement place = archive.firstChildElement(Words::RootObject);
     for (const QDomElement& e : first) {
-        if (e == place)
+        if (e == place) {
             place = place.nextSiblingElement(Words::RootObject);
-        else
+        } else {
+            Archive::Internal::Outline::removed(e);
             archive.insertBefore(e, place);
+        }
     }
 }
 
 void checkRootObject(const QDomDocument& xml, const Journey& journey) {
     const QDomElement ref = xml.documentElement().firstChildElement(Words::RootRef);
     const auto id = ref.attribute(Words::value).toLongLong();
-    const auto objects = Archive::Internal::elements(xml, Words::RootObject);
-    const bool isThere = std::any_of(objects.begin(), objects.end(), [&](const QDomElement& e) {
-        return e.attribute(Words::objectId).toLongLong() == id && Archive::typeOf(e) != Words::Predeclarator;
+    const auto objects = Archive::Internal::typedElements(xml, Words::RootObject);
+    const bool isThere = std::any_of(objects.begin(), objects.end(), [&](const auto& object) {
+        return object.type != Words::Predeclarator && idOf(object.element) == id;
     });
     if (!isThere)
         fail(Problem::NoArchive, journey,
              "<RootRef> names the object " + std::to_string(id) + ", and there is no such <RootObject>");
 }
 
-/// Takes ids of root objects away from embedded objects that have the same ones, and gives these ids. References
-/// mean the root objects, and in JSON the object that is met first would get them. Questions of quizzes bring such
-/// objects along: they come out of archives of their own.
-std::set<unsigned long long> freeIdsOfRootObjects(const QDomDocument& xml) {
-    std::unordered_set<unsigned long long> taken;
-    for (const QDomElement& e : Archive::Internal::elements(xml, Words::RootObject))
-        taken.insert(Archive::objectIdOf(e));
-    std::set<unsigned long long> freed;
-    const QDomElement archive = xml.documentElement();
-    for (QDomNode node = archive; !node.isNull(); node = Archive::Internal::nextInDocument(node, archive)) {
-        QDomElement e = node.toElement();
-        const bool isOther = e.tagName() == Words::RootObject || e.tagName() == Words::BaseOfObject ||
-                             Archive::typeOf(e) == Words::Predeclare;
-        if (isOther || !e.hasAttribute(Words::objectId) || !taken.count(Archive::objectIdOf(e)))
-            continue;
-        freed.insert(Archive::objectIdOf(e));
-        e.setAttribute(Words::objectId, 0);
-    }
-    return freed;
-}
-
 void convertToJson(Document& document, const Journey& journey, Runner& runner) {
     checkRootObject(document.xml(), journey);
-    const auto freed = freeIdsOfRootObjects(document.xml());
     Conversion conversion;
+    // Questions of quizzes bring objects along that have ids of the project's: they come out of archives of their own.
+    std::set<unsigned long long> idsTaken;
     runner.run(conversion.name().toStdString(), [&] {
-        auto [version, envelope] = conversion.consume(document.xml());
-        document.content = openEnvelope(std::move(envelope), journey.name);
+        auto [version, converted] = conversion.consume(document.xml(), idsTaken);
+        document.content = openEnvelope(std::move(converted), journey.name);
         document.version = std::max(*document.version, version);
     });
     auto& duplicateIds = document.json().notes.duplicateIds;
-    std::set<unsigned long long> all(duplicateIds.begin(), duplicateIds.end());
-    all.insert(freed.begin(), freed.end());
-    duplicateIds.assign(all.begin(), all.end());
+    idsTaken.insert(duplicateIds.begin(), duplicateIds.end());
+    duplicateIds.assign(idsTaken.begin(), idsTaken.end());
 }
 
 void runJsonSteps(Document& document, int to, Runner& runner, Report& report) {
@@ -183,8 +167,7 @@ void runUnnumbered(const char* className, Document& document, const Surroundings
 
 /// All that happens to an archive while it is one.
 void runXmlRoad(Document& document, const Journey& journey, const Surroundings& surroundings, Runner& runner,
-                Report& report) {
-    Archive::Internal::Outline outline(document.xml());
+                Report& report, Archive::Internal::Outline& outline) {
     runUnnumbered("ThemeTransitionsAndSceneAdaptor", document, surroundings, runner);
     for (const Step* step :
          stepsFor(Bundle::Backend::Xml, *document.version, std::min(journey.to, lastXmlVersion))) {
@@ -262,9 +245,12 @@ Report migrate(Document& document, const Journey& journey) {
     Report report;
     report.formBefore = document.form();
     report.from = *document.version;
+    const bool wasXml = document.isXml();
+    std::optional<Archive::Internal::Outline> outline;
+    if (wasXml)
+        outline.emplace(document.xml());
     report.objectsBefore = countObjects(document);
     const std::vector<Clip> clips = listClips(document);
-    const bool wasXml = document.isXml();
     const Surroundings surroundings = surroundingsOf(journey);
     {
         Runner runner(document, journey, report);
@@ -275,9 +261,10 @@ Report migrate(Document& document, const Journey& journey) {
         runner.watch({});
         if (wasXml) {
             runUnnumbered("OverlayFileContentReadAdaptor", document, surroundings, runner);
-            runXmlRoad(document, journey, surroundings, runner, report);
+            runXmlRoad(document, journey, surroundings, runner, report, *outline);
             if (journey.to > lastXmlVersion)
                 convertToJson(document, journey, runner);
+            outline.reset();
         }
         if (!document.isXml()) {
             runJsonSteps(document, journey.to, runner, report);

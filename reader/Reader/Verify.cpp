@@ -71,7 +71,7 @@ Inventory takeInventory(const QDomDocument& xml) {
     const auto enter = [&](const QDomElement& e) {
         if (isObject(e)) {
             inventory.objects.insert(Archive::objectIdOf(e));
-            if (e.tagName() == Words::RootObject && !isDeclaring(e))
+            if (e.tagName() == Words::RootObject && !isDeclaring(Archive::typeOf(e)))
                 inventory.rootObjects.insert(Archive::objectIdOf(e));
         } else if (e.tagName() == Words::oid &&
                    Archive::typeOf(e.parentNode().toElement()) == Words::Predeclare) {
@@ -158,7 +158,7 @@ void ArchiveCheck::checkObject(const QDomElement& e) {
     m_owners.push_back({Archive::typeOf(e).toStdString(), id, m_levels.size()});
     if (!m_met.insert(id).second)
         add(Fault::DuplicateId, "another object has its id");
-    if (isDeclaring(e))
+    if (isDeclaring(Archive::typeOf(e)))
         return;
     if (!m_inventory.declared.count(id))
         add(Fault::NotDeclared, "no predeclaration names it");

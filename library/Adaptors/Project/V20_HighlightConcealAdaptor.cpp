@@ -147,7 +147,6 @@ void Impl::adapt() {
     for (auto& [id, effect] : m_effects)
         convert(id, effect, predeclares);
     predeclares.finish();
-    Archive::Internal::Outline::rearranged(m_document);
 }
 
 void Impl::convert(unsigned long long unsignedId, MaskEffect& effect, PredeclarationEdits& predeclares) {
@@ -174,6 +173,7 @@ void Impl::convert(unsigned long long unsignedId, MaskEffect& effect, Predeclara
     predeclares.add(QString::fromLatin1(highlight.frameClass), effectId, maxId, frameId, {transformId});
     predeclares.add(QStringLiteral("Types::Transform"), frameId, maxId, transformId, {});
 
+    Archive::Internal::Outline::removed(element);
     m_archive.appendChild(element); // from its old place to the end
 }
 
