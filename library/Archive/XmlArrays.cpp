@@ -1,4 +1,6 @@
+#include "Archive/Internal/ArrayItems.h"
 #include "Archive/Internal/Count.h"
+#include "Archive/Internal/Outline.h"
 #include "Archive/Internal/Predeclarations.h"
 #include "Archive/Internal/Words.h"
 #include "Archive/Xml.h"
@@ -17,13 +19,6 @@ long long sizeOf(const QDomElement& array) {
 
 void setSize(QDomElement& array, long long size) {
     array.setAttribute(Words::size, QString::number(size));
-}
-
-/// Most keep the index that they have, and reading it is far cheaper than writing it.
-void setIndex(QDomElement& item, long long index) {
-    const QString text = QString::number(index);
-    if (item.attribute(Words::index) != text)
-        item.setAttribute(Words::index, text);
 }
 
 QDomElement takeOrMakeArray(QDomDocument& doc, QDomElement& parent, const QString& name) {
@@ -55,11 +50,34 @@ QDomElement createRecord(QDomDocument& doc, const QString& typeName, long long i
 
 } // namespace
 
+namespace Internal {
+
+void setIndex(QDomElement& item, long long index) {
+    const QString text = QString::number(index);
+    if (item.attribute(Words::index) != text)
+        item.setAttribute(Words::index, text);
+}
+
+bool removeItems(QDomElement& array, const Elements& victims) {
+    if (victims.empty())
+        return false;
+    const long long size = sizeOf(array);
+    for (const QDomElement& victim : victims)
+        array.removeChild(victim);
+    Outline::removedItems(array, victims);
+    // The old attribute less the removals, not a fresh count: a wrong size stays as wrong as it was.
+    setSize(array, static_cast<long long>(static_cast<unsigned long long>(size) - victims.size()));
+    return true;
+}
+
+} // namespace Internal
+
 QDomElement appendArrayElement(QDomDocument& doc, QDomElement& array) {
     const long long size = plusOne(sizeOf(array));
     QDomElement item = createArrayItem(doc, size);
     if (!array.isNull()) {
         array.appendChild(item);
+        Internal::Outline::appendedItem(array, item);
         setSize(array, size);
     }
     return item;
@@ -79,6 +97,7 @@ QDomElement prependArrayElement(QDomDocument& doc, QDomElement& array) {
         array.appendChild(item);
     else
         array.insertBefore(item, first);
+    Internal::Outline::prependedItem(array);
     setSize(array, plusOne(sizeOf(array)));
     // Each index counts up from what it was: gaps stay gaps.
     for (QDomElement e = array.firstChildElement(Words::Item); !e.isNull();
@@ -93,8 +112,7 @@ QDomElement prependArrayElement(QDomDocument& doc, QDomElement& parent, const QS
 }
 
 bool removeItemsFromList(QDomElement& array, const std::function<bool(QDomElement&)>& pred) {
-    const long long size = sizeOf(array);
-    std::vector<QDomElement> victims;
+    Internal::Elements victims;
     long long index = 0;
     for (QDomElement item = array.firstChildElement(Words::Item); !item.isNull();
          item = item.nextSiblingElement(Words::Item)) {
@@ -102,15 +120,9 @@ bool removeItemsFromList(QDomElement& array, const std::function<bool(QDomElemen
         if (pred(data))
             victims.push_back(item);
         else
-            setIndex(item, ++index); // also where nothing goes in the end
+            Internal::setIndex(item, ++index); // also where nothing goes in the end
     }
-    if (victims.empty())
-        return false;
-    for (const QDomElement& victim : victims)
-        Internal::removeChild(array, victim);
-    // The old attribute less the removals, not a fresh count: a wrong size stays as wrong as it was.
-    setSize(array, static_cast<long long>(static_cast<unsigned long long>(size) - victims.size()));
-    return true;
+    return Internal::removeItems(array, victims);
 }
 
 long long addPredeclaration(QDomElement& predeclarations, QDomDocument& doc, const QString& typeName,
@@ -127,27 +139,4 @@ bool removePredeclare(QDomElement& predeclarations, long long id) {
                                [id](QDomElement& data) { return Internal::declaredId(data) == id; });
 }
 
-namespace Internal {
-
-QDomElement predeclarationsAmong(const TypedElements& rootObjects) {
-    QDomElement predeclarations;
-    for (const auto& [object, type] : rootObjects) {
-        if (type == Words::Predeclarator)
-            predeclarations = object.firstChildElement(Words::predeclarations);
-    }
-    return predeclarations;
-}
-
-long long declaredId(const QDomElement& record) {
-    return valueOf(record, Words::oid).toLongLong();
-}
-
-bool removePredeclares(QDomElement& predeclarations, const QSet<long long>& ids) {
-    if (ids.isEmpty())
-        return false; // no call, no renumbering
-    return removeItemsFromList(predeclarations,
-                               [&ids](QDomElement& data) { return ids.contains(declaredId(data)); });
-}
-
-} // namespace Internal
 } // namespace Archive

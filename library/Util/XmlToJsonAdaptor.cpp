@@ -215,11 +215,11 @@ void Impl::collect() {
         else
             m_rootObjects[idOf(object)] = object;
     }
-    if (m_freesObjects)
-        Archive::Internal::Outline::forget(m_archive.ownerDocument()); // it holds objects
-    for (const QDomElement& predeclarator : predeclarators) {
+    for (const QDomElement& predeclarator : predeclarators)
         collectPredeclarations(predeclarator);
-        if (m_freesObjects)
+    if (m_freesObjects) {
+        Archive::Internal::Outline::forget(m_archive.ownerDocument()); // it holds objects
+        for (const QDomElement& predeclarator : predeclarators)
             m_archive.removeChild(predeclarator);
     }
     // Base class parts are numbered behind the predeclared objects alone: an object that has no predeclaration
@@ -229,11 +229,10 @@ void Impl::collect() {
 }
 
 void Impl::collectPredeclarations(const QDomElement& predeclarator) {
-    Archive::iterateArray(predeclarator.firstChildElement(Words::predeclarations),
-                          [this](QDomElement& record) {
-                              m_predeclaredTypes[Archive::Internal::declaredId(record)] =
-                                  Archive::valueOf(record, Words::typeName);
-                          });
+    const auto records =
+        Archive::Internal::recordsOf(predeclarator.firstChildElement(Words::predeclarations));
+    for (const auto& record : *records)
+        m_predeclaredTypes[record.id] = Archive::valueOf(record.data, Words::typeName);
 }
 
 json Impl::convertElement(const QDomElement& element) {

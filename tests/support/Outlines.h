@@ -34,6 +34,18 @@ inline std::string difference(Archive::Internal::Outline& outline, const QDomDoc
         if (!isSame)
             return "other elements " + tag.toStdString() + ", or other types";
     }
+    const auto predeclarations = Archive::Internal::predeclarationsAmong(
+        Archive::Internal::typedElements(document, Archive::Words::RootObject));
+    const auto records = outline.records(predeclarations);
+    const auto items = Archive::Internal::children(predeclarations, Archive::Words::Item);
+    const bool areSame = std::equal(records->begin(), records->end(), items.begin(), items.end(),
+                                    [](const auto& record, const QDomElement& item) {
+                                        const auto fresh = Archive::Internal::recordIn(item);
+                                        return record.item == fresh.item && record.data == fresh.data &&
+                                               record.id == fresh.id;
+                                    });
+    if (!areSame)
+        return "other records";
     const auto greatest = Archive::Internal::searchGreatestId(document);
     const auto known = outline.greatestId();
     if (known.has_value() != greatest.has_value() || (known && *known != greatest->id))

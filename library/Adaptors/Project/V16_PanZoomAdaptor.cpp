@@ -204,12 +204,12 @@ void Impl::collectStaleIds() {
     for (const QDomElement& effect : m_panAndZoomEffects)
         m_staleIds.insert(idOf(effect));
     // One pass forward: of an object referred to whose record stands before the reference, nothing more is taken.
-    for (const QDomElement& item : Archive::Internal::children(m_predeclarations, Words::Item)) {
-        const QDomElement record = item.firstChildElement(Words::Data);
-        if (!m_staleIds.contains(Archive::Internal::declaredId(record)))
+    const auto records = Archive::Internal::recordsOf(m_predeclarations);
+    for (const auto& record : *records) {
+        if (!m_staleIds.contains(record.id))
             continue;
         for (const QDomElement& entry :
-             Archive::Internal::children(record.firstChildElement(Words::refs), Words::Item)) {
+             Archive::Internal::children(record.data.firstChildElement(Words::refs), Words::Item)) {
             for (const QDomElement& target : Archive::Internal::children(entry, Words::Data))
                 m_staleIds.insert(numberIn(target));
         }

@@ -48,10 +48,11 @@ private:
             ids.insert(idOf(object));
         }
         m_predeclarations = Archive::Internal::predeclarationsAmong(objects);
-        Archive::iterateArray(m_predeclarations, [&](QDomElement& record) {
-            if (ids.contains(Archive::Internal::declaredId(record)))
-                m_records.push_back(record);
-        });
+        const auto records = Archive::Internal::recordsOf(m_predeclarations);
+        for (const auto& record : *records) {
+            if (ids.contains(record.id))
+                m_records.push_back(record.data);
+        }
     }
 
     QSet<long long> convertRecords() {
@@ -68,8 +69,8 @@ private:
 
     /// Removes the records of all that the effects owned.
     void removeRecordsBelow(const QSet<long long>& owners) {
-        Archive::removeItemsFromList(m_predeclarations, [&](QDomElement& record) {
-            return owners.contains(Archive::valueOf(record, Words::poid).toLongLong());
+        Archive::Internal::removeRecords(m_predeclarations, [&](const Archive::Internal::Record& record) {
+            return owners.contains(Archive::valueOf(record.data, Words::poid).toLongLong());
         });
     }
 

@@ -90,11 +90,11 @@ void Impl::collectRemovals() {
     for (auto it = m_overlays.cbegin(); it != m_overlays.cend(); ++it)
         m_removals.insert(it.key());
     // One pass forward: what an entry before its referrer declares stays.
-    for (const QDomElement& item : children(m_predeclarations, Words::Item)) {
-        const QDomElement record = item.firstChildElement(Words::Data);
-        if (!m_removals.contains(Archive::Internal::declaredId(record)))
+    const auto records = Archive::Internal::recordsOf(m_predeclarations);
+    for (const auto& record : *records) {
+        if (!m_removals.contains(record.id))
             continue;
-        for (const QDomElement& ref : children(record.firstChildElement(Words::refs), Words::Item))
+        for (const QDomElement& ref : children(record.data.firstChildElement(Words::refs), Words::Item))
             m_removals.insert(valueOf(ref, Words::Data).toLongLong());
     }
 }

@@ -139,13 +139,14 @@ bool Impl::parse() {
 }
 
 void Impl::collectFrameRecords() {
-    Archive::iterateArray(m_predeclarations, [this](QDomElement& record) {
-        const QString typeName = Archive::valueOf(record, Words::typeName);
+    const auto records = Archive::Internal::recordsOf(m_predeclarations);
+    for (const auto& record : *records) {
+        const QString typeName = Archive::valueOf(record.data, Words::typeName);
         // Both names: conceal frames are declared as highlight frames.
         if (typeName == QLatin1String("Effect::FrameHighlight") ||
             typeName == QLatin1String("Effect::FrameConceal"))
-            m_frameRecords[Archive::Internal::declaredId(record)] = record;
-    });
+            m_frameRecords[record.id] = record.data;
+    }
 }
 
 void Impl::adapt() {

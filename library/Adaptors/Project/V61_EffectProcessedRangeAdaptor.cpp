@@ -40,11 +40,12 @@ QHash<long long, QDomElement> collectEffects(const QDomDocument& document) {
 std::vector<Declared> collectDeclared(const QDomDocument& document, const QDomElement& predeclarations) {
     const auto effects = collectEffects(document);
     std::vector<Declared> declared;
-    Archive::iterateArray(predeclarations, [&](QDomElement& record) {
-        const auto effect = effects.find(Archive::Internal::declaredId(record));
+    const auto records = Archive::Internal::recordsOf(predeclarations);
+    for (const auto& record : *records) {
+        const auto effect = effects.find(record.id);
         if (effect != effects.end())
-            declared.push_back({*effect, record});
-    });
+            declared.push_back({*effect, record.data});
+    }
     return declared;
 }
 

@@ -14,6 +14,14 @@ thread_local Outline* standing = nullptr;
 const QString unchanged = QStringLiteral("unchanged");
 const QString changed = QStringLiteral("changed");
 
+/// The list, which others may share, to be changed.
+template <class List>
+List& own(std::shared_ptr<List>& list) {
+    if (list.use_count() > 1)
+        list = std::make_shared<List>(*list);
+    return *list;
+}
+
 } // namespace
 
 Outline::Outline(const QDomDocument& document)
@@ -68,6 +76,51 @@ void Outline::removed(const QDomNode& e) {
     }
 }
 
+void Outline::removedChild(const QDomNode& parent, const QDomNode& child) {
+    removed(child);
+    if (Outline* outline = of(child))
+        outline->forgetRecordsBehind(parent, child);
+}
+
+/// A child of an entry that tells of its record may be that record, or its id.
+void Outline::forgetRecordsBehind(const QDomNode& parent, const QDomNode& child) {
+    if (!m_records)
+        return;
+    const QString tag = child.nodeName();
+    const bool isPart = (tag == Words::Item && parent == m_records->array) ||
+                        (tag == Words::Data && parent.parentNode() == m_records->array) ||
+                        (tag == Words::oid && parent.parentNode().parentNode() == m_records->array);
+    if (isPart)
+        m_records.reset();
+}
+
+void Outline::appendedItem(const QDomElement& array, const QDomElement& item) {
+    Outline* outline = of(array);
+    if (outline && outline->m_records && outline->m_records->array == array)
+        outline->m_records->unread.push_back(item);
+}
+
+void Outline::prependedItem(const QDomElement& array) {
+    Outline* outline = of(array);
+    if (outline && outline->m_records && outline->m_records->array == array)
+        outline->m_records.reset();
+}
+
+void Outline::removedItems(const QDomElement& array, const Elements& items) {
+    for (const QDomElement& item : items)
+        removed(item);
+    Outline* outline = of(array);
+    if (!outline || !outline->m_records || outline->m_records->array != array)
+        return;
+    outline->records(array); // reads those that are appended
+    auto next = items.begin();
+    std::erase_if(own(outline->m_records->list), [&](const Record& record) {
+        const bool isGone = next != items.end() && record.item == *next;
+        next += isGone ? 1 : 0;
+        return isGone;
+    });
+}
+
 void Outline::retyped(const QDomElement& e) {
     Outline* outline = of(e);
     if (outline && outline->m_lists)
@@ -87,6 +140,7 @@ void Outline::forget(const QDomDocument& document) {
 void Outline::clear() {
     m_archive.reset();
     m_lists.reset();
+    m_records.reset();
     doubtTexts();
     m_created.clear();
     m_removed = {};
@@ -141,13 +195,6 @@ bool Outline::isInTree(const QDomNode& node) {
 }
 
 namespace {
-
-/// The list, which others may share, to be changed.
-TypedElements::List& own(Outline::List& list) {
-    if (list.use_count() > 1)
-        list = std::make_shared<TypedElements::List>(*list);
-    return *list;
-}
 
 /// Calls `visit` on the entries of the elements, and gives whether all were met. Changes come in document order as a
 /// rule, or in that of a few groups: then as many passes that compare addresses meet them all.
@@ -281,6 +328,18 @@ const Outline::List* Outline::elements(const QDomNode& below, const QString& tag
 const Outline::List* Outline::known(const QDomNode& below, const QString& tag) {
     Outline* outline = of(below);
     return outline ? outline->elements(below, tag) : nullptr;
+}
+
+std::shared_ptr<const Records> Outline::records(const QDomElement& array) {
+    if (!m_records || m_records->array != array)
+        m_records = KnownRecords{array, std::make_shared<Records>(), children(array, Words::Item)};
+    if (!m_records->unread.empty()) {
+        Records& list = own(m_records->list);
+        for (const QDomElement& item : m_records->unread)
+            list.push_back(recordIn(item));
+        m_records->unread.clear();
+    }
+    return m_records->list;
 }
 
 std::optional<QDomElement> Outline::soleArchive() {

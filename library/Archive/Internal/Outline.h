@@ -3,6 +3,7 @@
 // For this project's own use.
 
 #include "Archive/Internal/ObjectIds.h"
+#include "Archive/Internal/Predeclarations.h"
 #include "Archive/Internal/Walk.h"
 
 #include <QDomDocument>
@@ -41,6 +42,14 @@ public:
     /// The node and all in it left the tree or their place in it, or the node is about to get another tag.
     static void removed(const QDomNode& e);
 
+    /// The same for a child that was removed from `parent`.
+    static void removedChild(const QDomNode& parent, const QDomNode& child);
+
+    /// An array got an entry behind all others, or in front of them, or lost entries.
+    static void appendedItem(const QDomElement& array, const QDomElement& item);
+    static void prependedItem(const QDomElement& array);
+    static void removedItems(const QDomElement& array, const Elements& items);
+
     /// The element got another `type`.
     static void retyped(const QDomElement& e);
 
@@ -64,6 +73,9 @@ public:
     /// The same from the outline that stands for the node's document, if one does.
     static const List* known(const QDomNode& below, const QString& tag);
 
+    /// What recordsOf() gives. Kept for one array, as there is but one in a project.
+    std::shared_ptr<const Records> records(const QDomElement& array);
+
     /// What Internal::maxObjectId() gives, or nothing where only the document's text can tell.
     std::optional<long long> greatestId();
 
@@ -84,6 +96,13 @@ private:
         std::size_t size() const { return rootObjects.size() + baseParts.size(); }
     };
 
+    struct KnownRecords {
+        QDomElement array;
+        std::shared_ptr<Records> list;
+        Elements unread; ///< appended since
+    };
+
+    void forgetRecordsBehind(const QDomNode& parent, const QDomNode& child);
     bool isUpToDate();
     void update();
     void markUpToDate();
@@ -109,6 +128,7 @@ private:
 
     std::optional<QDomElement> m_archive; ///< the sole `Archive` where it is the document element, else null
     std::optional<Lists> m_lists;
+    std::optional<KnownRecords> m_records;
     bool m_isPlain = false; ///< the tree says all that its text would
     std::optional<GreatestId> m_greatest;
     std::size_t m_hopsLeft = 0; ///< of an update, from nodes towards the archive

@@ -30,10 +30,10 @@ void PredeclarationEdits::finish() {
 
     std::size_t added = 0;
     unsigned long long victims = 0;
-    removeItemsFromList(m_predeclarations, [&](QDomElement& data) {
-        const auto removal = m_removals.constFind(declaredId(data));
+    removeRecords(m_predeclarations, [&](const Record& record) {
+        const auto removal = m_removals.constFind(record.id);
         const bool isRemoved = removal != m_removals.constEnd();
-        const bool isNew = added < m_added.size() && data.parentNode() == m_added[added];
+        const bool isNew = added < m_added.size() && record.item == m_added[added];
         // An old record was there at every removal, a new one only at those that came after it.
         const bool goes = isRemoved && (!isNew || *removal > added);
         added += isNew ? 1 : 0;

@@ -7,6 +7,10 @@
 #include <QDomElement>
 #include <QSet>
 
+#include <functional>
+#include <memory>
+#include <vector>
+
 namespace Archive::Internal {
 
 /// The first `predeclarations` child of the `Predeclarator` among these objects; a null element for none. The
@@ -15,6 +19,24 @@ QDomElement predeclarationsAmong(const TypedElements& rootObjects);
 
 /// The object that a record (the `Data` of an entry of `predeclarations`) declares.
 long long declaredId(const QDomElement& record);
+
+/// An entry of an array of predeclarations.
+struct Record {
+    QDomElement item;
+    QDomElement data; ///< its first `Data`, or a null element
+    long long id;     ///< of the object that it declares
+};
+
+using Records = std::vector<Record>;
+
+/// Reads an entry.
+Record recordIn(const QDomElement& item);
+
+/// The entries of an array of predeclarations, in order, as they are at this moment. An outline keeps them.
+std::shared_ptr<const Records> recordsOf(const QDomElement& predeclarations);
+
+/// What removeItemsFromList() does, on records. Calls `goes` on all in order.
+bool removeRecords(QDomElement& predeclarations, const std::function<bool(const Record&)>& goes);
 
 /// The same result as one removePredeclare() for each id, in one walk.
 bool removePredeclares(QDomElement& predeclarations, const QSet<long long>& ids);

@@ -46,11 +46,10 @@ void TransformedEffects::collectRecords() {
     QSet<long long> ids;
     for (const QDomElement& effect : m_effects)
         ids.insert(idOf(effect));
-    for (const QDomElement& item : children(m_predeclarations, Words::Item)) {
-        const QDomElement record = item.firstChildElement(Words::Data);
-        const long long id = declaredId(record);
-        if (ids.contains(id))
-            m_records.insert(id, record);
+    const auto records = recordsOf(m_predeclarations);
+    for (const Record& record : *records) {
+        if (ids.contains(record.id))
+            m_records.insert(record.id, record.data);
     }
 }
 

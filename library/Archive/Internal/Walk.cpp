@@ -93,12 +93,12 @@ void removeFromParent(const QDomElement& e) {
 
 void removeChild(QDomNode& parent, const QDomNode& child) {
     if (!parent.removeChild(child).isNull())
-        Outline::removed(child);
+        Outline::removedChild(parent, child);
 }
 
 void replaceChild(QDomNode& parent, const QDomNode& created, const QDomNode& old) {
     if (!parent.replaceChild(created, old).isNull())
-        Outline::removed(old);
+        Outline::removedChild(parent, old);
 }
 
 void setType(QDomElement& e, const QString& type) {

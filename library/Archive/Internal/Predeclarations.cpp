@@ -1,0 +1,57 @@
+#include "Archive/Internal/Predeclarations.h"
+
+#include "Archive/Internal/ArrayItems.h"
+#include "Archive/Internal/Outline.h"
+#include "Archive/Xml.h"
+
+namespace Archive::Internal {
+
+QDomElement predeclarationsAmong(const TypedElements& rootObjects) {
+    QDomElement predeclarations;
+    for (const auto& [object, type] : rootObjects) {
+        if (type == Words::Predeclarator)
+            predeclarations = object.firstChildElement(Words::predeclarations);
+    }
+    return predeclarations;
+}
+
+long long declaredId(const QDomElement& record) {
+    return valueOf(record, Words::oid).toLongLong();
+}
+
+Record recordIn(const QDomElement& item) {
+    const QDomElement data = item.firstChildElement(Words::Data);
+    return {item, data, declaredId(data)};
+}
+
+std::shared_ptr<const Records> recordsOf(const QDomElement& predeclarations) {
+    if (Outline* outline = Outline::of(predeclarations))
+        return outline->records(predeclarations);
+    auto records = std::make_shared<Records>();
+    for (const QDomElement& item : children(predeclarations, Words::Item))
+        records->push_back(recordIn(item));
+    return records;
+}
+
+bool removeRecords(QDomElement& predeclarations, const std::function<bool(const Record&)>& goes) {
+    const auto records = recordsOf(predeclarations);
+    Elements victims;
+    long long index = 0;
+    for (const Record& record : *records) {
+        if (goes(record)) {
+            victims.push_back(record.item);
+        } else {
+            QDomElement item = record.item;
+            setIndex(item, ++index); // also where nothing goes in the end
+        }
+    }
+    return removeItems(predeclarations, victims);
+}
+
+bool removePredeclares(QDomElement& predeclarations, const QSet<long long>& ids) {
+    if (ids.isEmpty())
+        return false; // no call, no renumbering
+    return removeRecords(predeclarations, [&ids](const Record& record) { return ids.contains(record.id); });
+}
+
+} // namespace Archive::Internal
