@@ -2,6 +2,7 @@
 
 #include "Stored/V21/SvgDocument.h"
 
+#include "Stored/V21/Internal/KeyValues.h"
 #include "Stored/V21/Internal/Markup.h"
 #include "Stored/V21/Internal/Names.h"
 #include "Stored/V21/Internal/NodeTable.h"
