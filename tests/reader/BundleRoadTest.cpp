@@ -5,8 +5,8 @@
 #include "Reader/Contents.h"
 #include "support/Compare.h"
 #include "support/Files.h"
-#include "support/Film.h"
 #include "support/Findings.h"
+#include "support/Holiday.h"
 #include "support/Paths.h"
 
 #include <gmock/gmock.h>
@@ -31,6 +31,7 @@ using testing::IsEmpty;
 using Tests::clipNamed;
 using Tests::ExpectedTimeline;
 using Tests::Project;
+using Tests::Result;
 using Tests::Strings;
 
 namespace {
@@ -115,26 +116,14 @@ std::string svgDifference(const QByteArray& expected, const QByteArray& actual) 
     return Tests::difference(first.documentElement(), second.documentElement());
 }
 
-struct Result {
-    QByteArray bytes;
-    Report report;
-};
-
 /// Reads a project out of a folder, and saves it into another one; without that, texts stay in the document.
 Result migrated(const QByteArray& bytes, const QString& source, const QString& target = {},
                 int to = Reader::currentVersion) {
-    Journey journey;
-    journey.name = QStringLiteral("holiday");
-    journey.location = journey.target = QStringLiteral("holiday");
-    journey.to = to;
+    Journey journey = Tests::journeyTo(to);
     journey.sourceFiles = Reader::SideFiles(source);
     journey.targetFiles = Reader::SideFiles(target);
     journey.toBundle = !target.isEmpty();
-    Document document = Reader::parse(bytes, journey.name);
-    Result result;
-    result.report = Reader::migrate(document, journey);
-    result.bytes = Reader::save(std::move(document), journey, result.report).bytes;
-    return result;
+    return Tests::migrated(bytes, journey);
 }
 
 Strings logOf(const Report& report) {
