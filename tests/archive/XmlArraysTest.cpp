@@ -93,7 +93,7 @@ TEST(XmlArrays, PrependByNameTakesTheFirstChildOrMakesIt) {
 }
 
 TEST(XmlArrays, NullArraysAreQuietlyPassedOver) {
-    const QtMessages messages;
+    const Tests::QtMessages messages;
     QDomDocument doc;
     QDomElement none;
     EXPECT_EQ(textOf(Archive::appendArrayElement(doc, none)), "Item index=1 type=Item");
@@ -180,7 +180,7 @@ TEST(XmlPredeclarations, IdZeroIsNoId) {
 }
 
 TEST(XmlPredeclarations, MissingPredeclarationsStillTakeTheNumbers) {
-    const QtMessages messages;
+    const Tests::QtMessages messages;
     QDomDocument doc;
     QDomElement none;
     long long maxId = 10;

@@ -19,7 +19,8 @@ namespace {
 
 /// A project that is nothing but an item of a title, with that text or the name of the side file that holds it.
 QByteArray title(const QByteArray& text) {
-    return jsonProject(R"({"@meta":{"class_name":"Overlay::Item","object_id":2},"encodedText":")" + text + "\"}");
+    return jsonProject(R"({"@meta":{"class_name":"Overlay::Item","object_id":2},"encodedText":")" + text +
+                       "\"}");
 }
 
 TEST_F(ProgramTest, MigratesBesideTheInput) {
@@ -254,7 +255,7 @@ TEST_F(ProgramTest, ABundleTravelsToAnotherAndIsReadAgain) {
     EXPECT_FALSE(first.err.contains("side file")) << first.err.toStdString();
     const QStringList sideFiles = {"content_1.svg", "content_2.svg", "content_3.svg", "content_4.svg"};
     EXPECT_EQ(QDir(path("new")).entryList(QDir::Files, QDir::Name),
-              sideFiles + migratedName("holiday"));
+              sideFiles + QStringList(migratedName("holiday")));
     EXPECT_EQ(run({"migrate", "new", "--bundle", "again"}).exitCode, 0);
     EXPECT_EQ(read("again/" + migratedName(QFileInfo(migratedName("holiday")).completeBaseName())),
               read("new/" + migratedName("holiday")));

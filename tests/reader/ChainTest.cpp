@@ -7,10 +7,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QRegularExpression>
+
 #include <cctype>
-#include <regex>
 #include <set>
-#include <sstream>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -24,13 +24,14 @@ using testing::IsEmpty;
 using Row = std::tuple<int, std::string, std::string>;
 
 std::vector<Row> history() {
-    static const std::regex line(R"(\| (\d+) \| (.+) \| `(\w+)` \|)");
-    std::istringstream changes(Tests::readFile(Tests::changesFile()));
+    static const QRegularExpression line(QStringLiteral("^\\| (\\d+) \\| (.+) \\| `(\\w+)` \\|$"),
+                                         QRegularExpression::MultilineOption);
     std::vector<Row> rows;
-    std::smatch match;
-    for (std::string text; std::getline(changes, text);) {
-        if (std::regex_match(text, match, line))
-            rows.emplace_back(std::stoi(match[1]), match[2], match[3]);
+    auto matches = line.globalMatch(QString::fromStdString(Tests::readFile(Tests::changesFile())));
+    while (matches.hasNext()) {
+        const auto match = matches.next();
+        rows.emplace_back(match.captured(1).toInt(), match.captured(2).toStdString(),
+                          match.captured(3).toStdString());
     }
     return rows;
 }

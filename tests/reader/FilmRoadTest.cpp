@@ -107,7 +107,7 @@ TEST_P(FilmRoadTest, TitlesKeepTheirTexts) {
     const Project film = project();
     std::size_t met = 0;
     for (const ExpectedTimeline& timeline : filmOf(GetParam())) {
-        for (const ExpectedClip& clip : timeline.clips) {
+        for (const Tests::ExpectedClip& clip : timeline.clips) {
             const auto text = titleTexts.find(clip.name);
             if (version() < timeline.since || !isThere(clip, version()) || text == titleTexts.end())
                 continue;

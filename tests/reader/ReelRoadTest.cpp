@@ -2,6 +2,7 @@
 
 #include "Archive/Internal/Walk.h"
 #include "Archive/Xml.h"
+#include "Reader/Verify.h"
 #include "support/Holiday.h"
 
 #include <gmock/gmock.h>
