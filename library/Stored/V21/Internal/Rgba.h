@@ -1,6 +1,6 @@
 #pragma once
 
-// For this project's own use.
+// For the model's own use.
 
 #include <QByteArray>
 
