@@ -155,7 +155,8 @@ TEST_F(SafetyTest, AReadOnlyFolderIsAnErrorAndChangesNothing) {
         geteuid() == 0 ? "set -- setpriv --reuid=65534 --regid=65534 --clear-groups \"$@\"; " : "";
     if (runAfter(asOther, {"--version"}).exitCode != 0)
         GTEST_SKIP() << "the program can't be run as another user here";
-    expectWriteError(runAfter(asOther, {"migrate", "film.xml"}), migratedName("film").toUtf8(), "permissions");
+    expectWriteError(runAfter(asOther, {"migrate", "film.xml"}), migratedName("film").toUtf8(),
+                     "permissions");
     expectWriteError(runAfter(asOther, {"migrate", "film.xml", "--in-place"}), "film.xml.bak", "permissions");
     EXPECT_EQ(files(), QStringList{"film.xml"});
     EXPECT_EQ(read("film.xml"), archive());
