@@ -278,7 +278,7 @@ private:
         m_all.push_back(added);
     }
 
-    static void move(QDomElement e, const QDomElement& to) {
+    static void move(const QDomElement& e, const QDomElement& to) {
         for (QDomNode up = to; !up.isNull(); up = up.parentNode()) {
             if (up == e)
                 return; // not below itself

@@ -279,7 +279,7 @@ TEST_F(ProgramTest, SideFilesOutsideTheFolderAreRefused) {
         write("old/film.json", title(name));
         const Outcome outcome = run({"migrate", "old/film.json", "--force", "-o", "-"});
         EXPECT_EQ(outcome.exitCode, 0);
-        const std::string text = json::parse(outcome.out.toStdString())["data"]["encodedText"];
+        std::string text = json::parse(outcome.out.toStdString())["data"]["encodedText"];
         EXPECT_EQ(text.empty(), outcome.err.contains("OverlayFileContentReadAdaptor: side file"))
             << outcome.err.toStdString();
         return text;
