@@ -44,6 +44,15 @@ std::string formsOf(bool hasXml, bool hasJson) {
     return hasXml && hasJson ? "XML, JSON" : hasXml ? "XML" : "JSON";
 }
 
+Json formsAsJson(bool hasXml, bool hasJson) {
+    Json list = Json::array();
+    if (hasXml)
+        list.push_back("xml");
+    if (hasJson)
+        list.push_back("json");
+    return list;
+}
+
 /// Counts by class as a JSON object whose order is that of the map.
 Json countsAsJson(const Reader::ObjectCounts& counts) {
     Json result = Json::object();
@@ -92,8 +101,7 @@ std::string placeOf(const Reader::Finding& finding) {
            (finding.path.empty() ? "" : ' ' + finding.path);
 }
 
-std::vector<Reader::Finding> findingsOf(const Reader::Document& document, Reader::Fault fault) {
-    std::vector<Reader::Finding> findings = Reader::verify(document);
+std::vector<Reader::Finding> ofKind(Reader::Fault fault, std::vector<Reader::Finding> findings) {
     std::erase_if(findings, [fault](const Reader::Finding& finding) { return finding.fault != fault; });
     return findings;
 }
@@ -175,11 +183,12 @@ std::string infoAsText(const Reader::Document& document, const QString& name) {
     for (const auto& [className, count] : counts)
         out << std::setw(10) << count << "  " << (className.empty() ? "(no class)" : className) << '\n';
     out << "  clips:   " << Reader::listClips(document).size() << '\n';
-    const auto dangling = findingsOf(document, Reader::Fault::DanglingReference);
+    const auto findings = Reader::verify(document);
+    const auto dangling = ofKind(Reader::Fault::DanglingReference, findings);
     out << "  dangling references: " << dangling.size() << '\n';
     for (const Reader::Finding& finding : dangling)
         out << "          " << placeOf(finding) << " refers to " << finding.to << '\n';
-    const auto duplicates = findingsOf(document, Reader::Fault::DuplicateId);
+    const auto duplicates = ofKind(Reader::Fault::DuplicateId, findings);
     out << "  duplicate ids: " << duplicates.size() << '\n';
     for (const Reader::Finding& finding : duplicates)
         out << "          " << placeOf(finding) << '\n';
@@ -199,12 +208,13 @@ std::string infoAsJson(const Reader::Document& document, const QString& name) {
     result["clips"] = Json::array();
     for (const Reader::Clip& clip : Reader::listClips(document))
         result["clips"].push_back({{"id", clip.id}, {"name", clip.name}});
+    const auto findings = Reader::verify(document);
     result["danglingReferences"] = Json::array();
-    for (const Reader::Finding& finding : findingsOf(document, Reader::Fault::DanglingReference))
+    for (const Reader::Finding& finding : ofKind(Reader::Fault::DanglingReference, findings))
         result["danglingReferences"].push_back(
             {{"from", finding.id}, {"class", finding.className}, {"to", finding.to}});
     result["duplicateIds"] = Json::array();
-    for (const Reader::Finding& finding : findingsOf(document, Reader::Fault::DuplicateId))
+    for (const Reader::Finding& finding : ofKind(Reader::Fault::DuplicateId, findings))
         result["duplicateIds"].push_back(finding.id);
     result["steps"] = namesOfStepsToRun(document);
     return result.dump(2) + '\n';
@@ -253,24 +263,16 @@ std::string stepsAsText(int from, int to) {
 }
 
 std::string stepsAsJson(int from, int to) {
-    const auto forms = [](bool hasXml, bool hasJson) {
-        Json list = Json::array();
-        if (hasXml)
-            list.push_back("xml");
-        if (hasJson)
-            list.push_back("json");
-        return list;
-    };
     Json result = Json::array();
     for (const Step* step : stepsBetween(from, to))
         result.push_back({{"number", step->number},
                           {"class", step->className},
-                          {"forms", forms(step->hasXml(), step->hasJson())},
+                          {"forms", formsAsJson(step->hasXml(), step->hasJson())},
                           {"summary", step->summary}});
     for (const Reader::Unnumbered& adaptor : Reader::unnumberedAdaptors())
         result.push_back({{"number", nullptr},
                           {"class", adaptor.className},
-                          {"forms", forms(adaptor.makeXml != nullptr, adaptor.makeJson != nullptr)},
+                          {"forms", formsAsJson(adaptor.makeXml != nullptr, adaptor.makeJson != nullptr)},
                           {"summary", adaptor.summary}});
     return result.dump(2) + '\n';
 }

@@ -2,7 +2,7 @@
 
 #include "Adaptors/AbstractAdaptorXml.h"
 
-/// As the reader chooses: gives every "Import::Object" the `descriptionUrl` that older files may lack.
+/// On every archive before the conversion: gives every "Import::Object" the `descriptionUrl` that older files may lack.
 class ImportDescriptionAdaptor : public Bundle::AbstractAdaptorXml {
 public:
     void adapt(QDomDocument& document) override;

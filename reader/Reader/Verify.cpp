@@ -161,7 +161,7 @@ void ArchiveCheck::checkObject(const QDomElement& e) {
     if (isDeclaring(Archive::typeOf(e)))
         return;
     if (!m_inventory.declared.count(id))
-        add(Fault::NotDeclared, "no predeclaration names it");
+        add(Fault::NotPredeclared, "no predeclaration names it");
     if (e.tagName() == Words::RootObject && !m_reachable.count(id))
         add(Fault::Unreachable, unreachable);
 }
@@ -171,7 +171,7 @@ void ArchiveCheck::checkReference(const QDomElement& e) {
     const unsigned long long id = e.attribute(Words::value).toULongLong();
     const bool isDeclaration = m_declarator > 0;
     if (id != 0 && !(isDeclaration ? m_inventory.objects : m_inventory.rootObjects).count(id))
-        add(isDeclaration ? Fault::StaleDeclaration : Fault::DanglingReference, missing(id)).to = id;
+        add(isDeclaration ? Fault::StalePredeclaration : Fault::DanglingReference, missing(id)).to = id;
 }
 
 void ArchiveCheck::checkIndex(const QDomElement& item) {

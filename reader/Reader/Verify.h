@@ -10,13 +10,13 @@ namespace Reader {
 
 /// What can be wrong with a document that can be read all the same.
 enum class Fault {
-    DanglingReference, ///< a reference to an object that is not there
-    DuplicateId,       ///< an object whose id another one has already
-    WrongSize,         ///< an array whose `size` is not the number of its items; archives only
-    WrongIndex,        ///< an array item whose `index` is not its place from 1; archives only
-    NotDeclared,       ///< an object without a predeclaration; archives only
-    StaleDeclaration,  ///< a predeclaration that names an object that is not there; archives only
-    Unreachable,       ///< an object that no references lead to from the root object
+    DanglingReference,   ///< a reference to an object that is not there
+    DuplicateId,         ///< an object whose id another one has already
+    WrongSize,           ///< an array whose `size` is not the number of its items; archives only
+    WrongIndex,          ///< an array item whose `index` is not its place from 1; archives only
+    NotPredeclared,      ///< an object without a predeclaration; archives only
+    StalePredeclaration, ///< a predeclaration that names an object that is not there; archives only
+    Unreachable,         ///< an object that no references lead to from the root object
 };
 
 /// A fault and its place.

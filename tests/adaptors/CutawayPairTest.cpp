@@ -7,6 +7,7 @@
 #include "Archive/Internal/Walk.h"
 #include "Archive/Xml.h"
 #include "support/Compare.h"
+#include "support/Documents.h"
 
 #include <gtest/gtest.h>
 
@@ -44,12 +45,6 @@ constexpr const char* project = R"(
   </RootObject>
 </Archive>)";
 
-QDomDocument parsed(const char* text) {
-    QDomDocument document;
-    EXPECT_TRUE(document.setContent(QByteArray(text)));
-    return document;
-}
-
 template <class Adaptor>
 void run(QDomDocument& document) {
     Adaptor().adapt(document);
@@ -74,7 +69,7 @@ QDomElement recordOf(const QDomDocument& document, const QString& id) {
 }
 
 TEST(CutawayPairTest, CutawaysBecomePictureInPicture) {
-    QDomDocument document = parsed(project);
+    QDomDocument document = Tests::xml(project);
     run<Project::V8_ChromaKeyPiPAdaptor>(document);
     ASSERT_EQ(rootObjects(document, "Effect::Cutaway").size(), 2u);
     run<Project::V41_CutawayToPictureInPictureAdaptor>(document);
@@ -108,7 +103,7 @@ TEST(CutawayPairTest, CutawaysBecomePictureInPicture) {
 }
 
 TEST(CutawayPairTest, PictureInPictureStepLeavesCutawaysAlone) {
-    QDomDocument document = parsed(project);
+    QDomDocument document = Tests::xml(project);
     run<Project::V8_ChromaKeyPiPAdaptor>(document);
     const QDomNode before = document.cloneNode();
     run<Project::V13_PictureInPictureAdaptor>(document);
@@ -116,7 +111,7 @@ TEST(CutawayPairTest, PictureInPictureStepLeavesCutawaysAlone) {
 }
 
 TEST(CutawayPairTest, IntensityStaysWithTheCutaway) {
-    QDomDocument document = parsed(project);
+    QDomDocument document = Tests::xml(project);
     run<Project::V8_ChromaKeyPiPAdaptor>(document);
     run<Project::V33_EffectIntensityAdaptor>(document);
     run<Project::V41_CutawayToPictureInPictureAdaptor>(document);

@@ -8,21 +8,14 @@
 #include "Adaptors/Project/V57_NoiseGateEffectRangeAdaptor.h"
 #include "support/Compare.h"
 #include "support/Documents.h"
-#include "support/Log.h"
+#include "support/Steps.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
+using Tests::adapted;
 using Tests::xml;
-
-template <class... Adaptors>
-QDomDocument migrated(QDomDocument document) {
-    const Tests::Log log;
-    (Adaptors().adapt(document), ...);
-    EXPECT_TRUE(log.lines().empty());
-    return document;
-}
 
 /// As version 32 saved them: no effect has an intensity.
 const char* const voices = R"(
@@ -94,19 +87,19 @@ TEST(IntensityPair, PresetsOfVoicesSetTheIntensityThatEveryEffectGot) {
     <pitch type="double" value="2" binaryData="QAAAAAAAAAA="/>
   </RootObject>
 </Archive>)"),
-                  migrated<Project::V33_EffectIntensityAdaptor, Project::V55_AudioEffectsGroupIdAdaptor,
-                           Project::V55_AudioEffectsIntensityAdaptor, Project::V55_EffectBypassAdaptor>(
+                  adapted<Project::V33_EffectIntensityAdaptor, Project::V55_AudioEffectsGroupIdAdaptor,
+                          Project::V55_AudioEffectsIntensityAdaptor, Project::V55_EffectBypassAdaptor>(
                       xml(voices))),
               "");
 }
 
 TEST(IntensityPair, TheStepsOfVersion55LeaveTheSameInReverse) {
     const QDomDocument inOrder =
-        migrated<Project::V33_EffectIntensityAdaptor, Project::V55_AudioEffectsGroupIdAdaptor,
-                 Project::V55_AudioEffectsIntensityAdaptor, Project::V55_EffectBypassAdaptor>(xml(voices));
+        adapted<Project::V33_EffectIntensityAdaptor, Project::V55_AudioEffectsGroupIdAdaptor,
+                Project::V55_AudioEffectsIntensityAdaptor, Project::V55_EffectBypassAdaptor>(xml(voices));
     const QDomDocument reversed =
-        migrated<Project::V33_EffectIntensityAdaptor, Project::V55_EffectBypassAdaptor,
-                 Project::V55_AudioEffectsIntensityAdaptor, Project::V55_AudioEffectsGroupIdAdaptor>(
+        adapted<Project::V33_EffectIntensityAdaptor, Project::V55_EffectBypassAdaptor,
+                Project::V55_AudioEffectsIntensityAdaptor, Project::V55_AudioEffectsGroupIdAdaptor>(
             xml(voices));
     EXPECT_EQ(Tests::difference(inOrder, reversed), "");
 }
@@ -123,7 +116,7 @@ TEST(IntensityPair, PresetOfAVoiceWithoutIntensityChangesItsFieldsAlone) {
     <pitch type="double" value="1.5" binaryData="P/gAAAAAAAA="/>
   </RootObject>
 </Archive>)"),
-                                migrated<Project::V55_AudioEffectsIntensityAdaptor>(xml(R"(
+                                adapted<Project::V55_AudioEffectsIntensityAdaptor>(xml(R"(
 <Archive>
   <RootObject type="Effect::AudioPitch" objectId="5">
     <BaseOfObject type="Effect::AudioFilter" objectId="5">
@@ -138,8 +131,7 @@ TEST(IntensityPair, PresetOfAVoiceWithoutIntensityChangesItsFieldsAlone) {
 }
 
 TEST(IntensityPair, RangeOfAGateBecomesTheIntensityThatEveryEffectGot) {
-    EXPECT_EQ(
-        Tests::difference(xml(R"(
+    EXPECT_EQ(Tests::difference(xml(R"(
 <Archive>
   <RootObject type="Effect::AudioNoiseGate" objectId="4">
     <BaseOfObject type="Effect::AudioFilter" objectId="4">
@@ -151,8 +143,8 @@ TEST(IntensityPair, RangeOfAGateBecomesTheIntensityThatEveryEffectGot) {
     </BaseOfObject>
   </RootObject>
 </Archive>)"),
-                          migrated<Project::V33_EffectIntensityAdaptor, Project::V55_EffectBypassAdaptor,
-                                   Project::V57_NoiseGateEffectRangeAdaptor>(xml(R"(
+                                adapted<Project::V33_EffectIntensityAdaptor, Project::V55_EffectBypassAdaptor,
+                                        Project::V57_NoiseGateEffectRangeAdaptor>(xml(R"(
 <Archive>
   <RootObject type="Effect::AudioNoiseGate" objectId="4">
     <BaseOfObject type="Effect::AudioFilter" objectId="4">
@@ -163,7 +155,7 @@ TEST(IntensityPair, RangeOfAGateBecomesTheIntensityThatEveryEffectGot) {
     <range type="double" value="0.25" binaryData="P9AAAAAAAAA="/>
   </RootObject>
 </Archive>)"))),
-        "");
+              "");
 }
 
 TEST(IntensityPair, NormalizationComesWithItsIntensityAndGetsNoSecond) {
@@ -210,8 +202,8 @@ TEST(IntensityPair, NormalizationComesWithItsIntensityAndGetsNoSecond) {
     </BaseOfObject>
   </RootObject>
 </Archive>)"),
-                  migrated<Project::V33_EffectIntensityAdaptor, Project::V55_AudioNormalizationEffectAdaptor,
-                           Project::V55_EffectBypassAdaptor>(xml(R"(
+                  adapted<Project::V33_EffectIntensityAdaptor, Project::V55_AudioNormalizationEffectAdaptor,
+                          Project::V55_EffectBypassAdaptor>(xml(R"(
 <Archive>
   <RootObject type="Predeclarator" objectId="1">
     <predeclarations type="Array" size="0"/>

@@ -5,12 +5,13 @@
 #include "Adaptors/Project/V57_NoiseGateEffectRangeAdaptor.h"
 #include "support/Compare.h"
 #include "support/Documents.h"
-#include "support/Log.h"
+#include "support/Steps.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
+using Tests::adapted;
 using Tests::xml;
 
 const char* const oldEffects = R"(
@@ -95,7 +96,9 @@ TEST(NoiseGatePair, TheTwoStepsOfVersion18WorkInEitherOrder) {
 }
 
 TEST(NoiseGatePair, GateWithoutARecordReachesTheLaterStepAndLosesItsRange) {
-    QDomDocument document = xml(R"(
+    const QDomDocument document =
+        adapted<Project::V18_AudioEffectToFilterAdaptor, Project::V18_NoiseRemovalAdaptor,
+                Project::V57_NoiseGateEffectRangeAdaptor>(xml(R"(
 <Archive>
   <RootObject type="Effect::AudioNoiseGate" objectId="4">
     <BaseOfObject type="Effect::AudioFilter" objectId="4">
@@ -105,11 +108,7 @@ TEST(NoiseGatePair, GateWithoutARecordReachesTheLaterStepAndLosesItsRange) {
     </BaseOfObject>
     <range type="double" value="0.25" binaryData="P9AAAAAAAAA="/>
   </RootObject>
-</Archive>)");
-    const Tests::Log log;
-    Project::V18_AudioEffectToFilterAdaptor().adapt(document);
-    Project::V18_NoiseRemovalAdaptor().adapt(document);
-    Project::V57_NoiseGateEffectRangeAdaptor().adapt(document);
+</Archive>)"));
     EXPECT_EQ(Tests::difference(xml(R"(
 <Archive>
   <RootObject type="Effect::AudioNoiseGate" objectId="4">
@@ -122,7 +121,6 @@ TEST(NoiseGatePair, GateWithoutARecordReachesTheLaterStepAndLosesItsRange) {
 </Archive>)"),
                                 document),
               "");
-    EXPECT_TRUE(log.lines().empty());
 }
 
 } // namespace

@@ -4,7 +4,7 @@
 #include "Adaptors/Project/V9_StabilizationAdaptor.h"
 #include "support/Compare.h"
 #include "support/Documents.h"
-#include "support/Log.h"
+#include "support/Steps.h"
 
 #include <gtest/gtest.h>
 
@@ -12,12 +12,9 @@ namespace {
 
 using Tests::xml;
 
-QDomDocument migrated(QDomDocument document) {
-    const Tests::Log log;
-    Project::V9_StabilizationAdaptor().adapt(document);
-    Project::V15_TwoPassStabilizationAdaptor().adapt(document);
-    EXPECT_TRUE(log.lines().empty());
-    return document;
+QDomDocument migrated(const QDomDocument& document) {
+    return Tests::adapted<Project::V9_StabilizationAdaptor, Project::V15_TwoPassStabilizationAdaptor>(
+        document);
 }
 
 TEST(StabilizationPair, StabilizedClipEndsWithItsObject) {

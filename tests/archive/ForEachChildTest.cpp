@@ -1,7 +1,9 @@
-// forEachChild below an element, against a plain loop over a live list whose length is read once.
+// forEachChild: the length is read once, the elements are fetched by number from a live list.
 
 #include "Archive/Xml.h"
+#include "support/Elements.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QDomDocument>
@@ -10,7 +12,200 @@
 
 namespace {
 
-using Met = std::vector<std::string>;
+using testing::ElementsAre;
+using Tests::idOf;
+using Tests::rootOf;
+using Tests::textOf;
+using Tests::Texts;
+using Tests::xml;
+
+Texts walk(QDomDocument doc, const std::function<void(QDomElement&)>& change) {
+    Texts met;
+    Archive::forEachChild(doc, "b", [&](QDomElement& e) {
+        met.push_back(idOf(e));
+        change(e);
+    });
+    return met;
+}
+
+const char* const four = "<a><b id='1'/><b id='2'/><in><b id='3'/></in><b id='4'/></a>";
+
+TEST(ForEachChild, MeetsAllDescendantsInDocumentOrder) {
+    EXPECT_THAT(
+        walk(xml("<b id='0'><b id='1'><x/><b id='2'/></b><c><b id='3'/></c></b>"), [](QDomElement&) {}),
+        ElementsAre("0", "1", "2", "3"));
+}
+
+TEST(ForEachChild, BelowAnElementTheElementItselfIsNotMet) {
+    QDomElement e =
+        rootOf("<a><b id='1'><b id='2'/><c><b id='3'/></c></b><b id='4'/></a>").firstChildElement();
+    Texts met;
+    Archive::forEachChild(e, "b", [&](QDomElement& child) { met.push_back(idOf(child)); });
+    EXPECT_THAT(met, ElementsAre("2", "3"));
+}
+
+TEST(ForEachChild, NothingToMeet) {
+    QDomDocument empty;
+    QDomElement none;
+    int calls = 0;
+    Archive::forEachChild(empty, "b", [&](QDomElement&) { ++calls; });
+    Archive::forEachChild(none, "b", [&](QDomElement&) { ++calls; });
+    QDomDocument doc = xml(four);
+    Archive::forEachChild(doc, "none", [&](QDomElement&) { ++calls; });
+    EXPECT_EQ(calls, 0);
+}
+
+TEST(ForEachChild, RemovingTheCurrentElementSkipsEverySecond) {
+    QDomDocument doc = xml(four);
+    const Texts met = walk(doc, [](QDomElement& e) {
+        if (!e.isNull())
+            e.parentNode().removeChild(e);
+    });
+    EXPECT_THAT(met, ElementsAre("1", "3", "null", "null"));
+    EXPECT_EQ(textOf(doc.documentElement()), "a [b id=2, in, b id=4]");
+}
+
+TEST(ForEachChild, AddingBeforeTheCurrentElementMeetsItAgain) {
+    const Texts met = walk(xml(four), [](QDomElement& e) {
+        QDomElement added = e.ownerDocument().createElement("b");
+        added.setAttribute("id", "new");
+        e.parentNode().insertBefore(added, e);
+    });
+    EXPECT_THAT(met, ElementsAre("1", "1", "1", "1"));
+}
+
+TEST(ForEachChild, AddingBehindTheCurrentElementMeetsTheNewOne) {
+    int added = 0;
+    const Texts met = walk(xml(four), [&](QDomElement& e) {
+        QDomElement next = e.ownerDocument().createElement("b");
+        next.setAttribute("id", "new" + QString::number(++added));
+        e.parentNode().insertAfter(next, e);
+    });
+    EXPECT_THAT(met, ElementsAre("1", "new1", "new2", "new3"));
+}
+
+TEST(ForEachChild, AddingBelowTheCurrentElementMeetsTheNewOne) {
+    int added = 0;
+    const Texts met = walk(xml(four), [&](QDomElement& e) {
+        QDomElement child = e.ownerDocument().createElement("b");
+        child.setAttribute("id", "new" + QString::number(++added));
+        e.appendChild(child);
+    });
+    EXPECT_THAT(met, ElementsAre("1", "new1", "new2", "new3"));
+}
+
+TEST(ForEachChild, AddingAtTheEndIsNotMetSinceTheLengthIsReadOnce) {
+    QDomDocument doc = xml(four);
+    const Texts met =
+        walk(doc, [&](QDomElement&) { doc.documentElement().appendChild(doc.createElement("b")); });
+    EXPECT_THAT(met, ElementsAre("1", "2", "3", "4"));
+    EXPECT_EQ(doc.elementsByTagName("b").length(), 8);
+}
+
+TEST(ForEachChild, RemovingAnEarlierElementFarAwaySkipsOne) {
+    QDomDocument doc = xml("<a><b id='1'/><b id='2'/><b id='3'/><b id='4'/><b id='5'/><b id='6'/></a>");
+    const Texts met = walk(doc, [&](QDomElement& e) {
+        if (idOf(e) == "4")
+            doc.documentElement().removeChild(doc.documentElement().firstChildElement().nextSiblingElement());
+    });
+    EXPECT_THAT(met, ElementsAre("1", "2", "3", "4", "6", "null"));
+}
+
+TEST(ForEachChild, AddingAnEarlierElementFarAwayMeetsOneTwice) {
+    QDomDocument doc = xml("<a><c/><b id='1'/><b id='2'/><b id='3'/><b id='4'/></a>");
+    const Texts met = walk(doc, [&](QDomElement& e) {
+        if (idOf(e) == "3")
+            doc.documentElement().firstChildElement("c").appendChild(doc.createElement("b"));
+    });
+    EXPECT_THAT(met, ElementsAre("1", "2", "3", "3"));
+}
+
+TEST(ForEachChild, RemovingWhatIsLeftGivesNullElements) {
+    QDomDocument doc = xml(four);
+    const Texts met = walk(doc, [&](QDomElement&) {
+        if (!doc.documentElement().isNull())
+            doc.removeChild(doc.documentElement());
+    });
+    EXPECT_THAT(met, ElementsAre("1", "null", "null", "null"));
+}
+
+TEST(ForEachChild, ElementsOfOtherTagsMayComeAndGo) {
+    QDomDocument doc = xml("<a><b id='1'><c/></b><c/><b id='2'><c/></b><c/><b id='3'><c/></b></a>");
+    const Texts met = walk(doc, [&](QDomElement& e) {
+        e.removeChild(e.firstChildElement("c"));
+        e.appendChild(doc.createElement("d"));
+        e.parentNode().insertBefore(doc.createElement("d"), e);
+        if (e.nextSibling().nodeName() == "c")
+            e.parentNode().removeChild(e.nextSibling());
+    });
+    EXPECT_THAT(met, ElementsAre("1", "2", "3"));
+    EXPECT_EQ(textOf(doc.documentElement()), "a [d, b id=1 [d], d, b id=2 [d], d, b id=3 [d]]");
+}
+
+// More elements than a list that is built again after each call could bear: 3,400 of them.
+
+QDomDocument manyElements(int count) {
+    QDomDocument doc;
+    QDomElement root = doc.createElement("a");
+    doc.appendChild(root);
+    for (int i = 0; i < count; ++i) {
+        QDomElement e = doc.createElement("b");
+        e.setAttribute("id", QString::number(i));
+        root.appendChild(e);
+    }
+    return doc;
+}
+
+TEST(ForEachChild, InABigDocumentAddingToEachElementMeetsEachOnce) {
+    QDomDocument doc = manyElements(100'000);
+    int expected = 0;
+    Archive::forEachChild(doc, "b", [&](QDomElement& e) {
+        ASSERT_EQ(e.attribute("id").toInt(), expected++);
+        e.appendChild(doc.createElement("c"));
+    });
+    EXPECT_EQ(expected, 100'000);
+}
+
+TEST(ForEachChild, InABigDocumentRemovingTheCurrentElementSkipsEverySecond) {
+    QDomDocument doc = manyElements(3'400);
+    int calls = 0;
+    int nulls = 0;
+    Archive::forEachChild(doc, "b", [&](QDomElement& e) {
+        if (e.isNull()) {
+            ++nulls;
+        } else {
+            ASSERT_EQ(e.attribute("id").toInt(), 2 * calls);
+            e.parentNode().removeChild(e);
+        }
+        ++calls;
+    });
+    EXPECT_EQ(calls, 3'400);
+    EXPECT_EQ(nulls, 1'700);
+}
+
+TEST(ForEachChild, InABigDocumentAddingBeforeOrBehindShiftsTheRest) {
+    QDomDocument doc = manyElements(3'400);
+    std::vector<int> met;
+    Archive::forEachChild(doc, "b", [&](QDomElement& e) {
+        met.push_back(e.attribute("id").toInt());
+        QDomElement added = doc.createElement("b");
+        added.setAttribute("id", "-1");
+        if (met.size() == 10)
+            e.parentNode().insertBefore(added, e);
+        if (met.size() == 20)
+            e.parentNode().insertAfter(added, e);
+    });
+    ASSERT_EQ(met.size(), 3'400U);
+    EXPECT_EQ(met[9], 9);
+    EXPECT_EQ(met[10], 9);
+    EXPECT_EQ(met[11], 10);
+    EXPECT_EQ(met[19], 18);
+    EXPECT_EQ(met[20], -1);
+    EXPECT_EQ(met[21], 19);
+    EXPECT_EQ(met.back(), 3'397);
+}
+
+// The same as a plain loop over such a list, whatever the callback does.
 
 /// The same changes on two equal documents: elements come, go, move and change their tags, also the one below
 /// which the walk goes and those above it.
@@ -31,7 +226,7 @@ public:
         m_below = m_all[1 + seed % 4];
     }
 
-    Met byNumber() {
+    Texts byNumber() {
         const QDomNodeList list =
             m_fromDocument ? m_document.elementsByTagName("b") : m_below.elementsByTagName("b");
         const int length = list.length();
@@ -40,7 +235,7 @@ public:
         return m_met;
     }
 
-    Met byForEachChild() {
+    Texts byForEachChild() {
         const auto visit = [this](QDomElement& e) { step(e); };
         if (m_fromDocument)
             Archive::forEachChild(m_document, "b", visit);
@@ -53,7 +248,7 @@ public:
 
 private:
     void step(const QDomElement& e) {
-        m_met.push_back(e.isNull() ? "null" : e.attribute("id").toStdString());
+        m_met.push_back(idOf(e));
         const auto kind = m_random() % 12;
         QDomElement other = m_all[m_random() % m_all.size()];
         QDomElement another = m_all[m_random() % m_all.size()];
@@ -83,7 +278,7 @@ private:
         m_all.push_back(added);
     }
 
-    static void move(QDomElement e, const QDomElement& to) {
+    static void move(const QDomElement& e, const QDomElement& to) {
         for (QDomNode up = to; !up.isNull(); up = up.parentNode()) {
             if (up == e)
                 return; // not below itself
@@ -97,7 +292,7 @@ private:
     QDomDocument m_document;
     std::vector<QDomElement> m_all;
     QDomElement m_below;
-    Met m_met;
+    Texts m_met;
     int m_added = 0;
 };
 

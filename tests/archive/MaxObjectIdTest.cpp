@@ -1,16 +1,57 @@
-// The greatest object id: searching the tree gives what scanning the written text gives, whatever a tree holds.
+// The greatest object id: scanning a text for it, and searching the tree, which gives what scanning the written text
+// gives, whatever a tree holds.
 
 #include "Archive/Internal/ObjectIds.h"
 #include "Archive/Xml.h"
+#include "support/Documents.h"
 
 #include <gtest/gtest.h>
 
 #include <QDomDocument>
 
+#include <limits>
 #include <random>
 
 namespace {
 
+using Tests::xml;
+
+constexpr long long maxLong = std::numeric_limits<long long>::max();
+
+TEST(MaxObjectId, StartsAtOne) {
+    EXPECT_EQ(Archive::getMaxObjectId({}), 1);
+    EXPECT_EQ(Archive::getMaxObjectId("<a b='7'/>"), 1);
+    EXPECT_EQ(Archive::getMaxObjectId("<a objectId='0'/>"), 1);
+    EXPECT_EQ(Archive::getMaxObjectId("<a objectId='-5'/>"), 1);
+    EXPECT_EQ(Archive::getMaxObjectId("no xml"), 1);
+}
+
+TEST(MaxObjectId, LooksAtEveryElementAndOnlyAtObjectId) {
+    EXPECT_EQ(Archive::getMaxObjectId("<a objectId='3'><b><c objectId='12'/></b><d objectId='5'/></a>"), 12);
+    EXPECT_EQ(Archive::getMaxObjectId("<a objectId='3' oid='90'><oid value='91'/><poid value='92'/></a>"), 3);
+    EXPECT_EQ(Archive::getMaxObjectId("<a objectid='9' ObjectId='9' objectIds='9'/>"), 1);
+    EXPECT_EQ(Archive::getMaxObjectId("<a xmlns:x='urn:x' x:objectId='9' objectId='4'/>"), 4);
+    EXPECT_EQ(
+        Archive::getMaxObjectId("<a><!-- <b objectId='9'/> --><![CDATA[<b objectId='9'/>]]>objectId='9'</a>"),
+        1);
+}
+
+TEST(MaxObjectId, WhatIsNoNumberChangesNothing) {
+    EXPECT_EQ(
+        Archive::getMaxObjectId("<a objectId='4'><b objectId='abc'/><b objectId='9x'/><b objectId=''/></a>"),
+        4);
+    EXPECT_EQ(Archive::getMaxObjectId("<a objectId='4'><b objectId='9223372036854775808'/></a>"), 4);
+    EXPECT_EQ(Archive::getMaxObjectId("<a objectId='4'><b objectId='9223372036854775807'/></a>"), maxLong);
+}
+
+TEST(MaxObjectId, StopsAtTheFirstError) {
+    EXPECT_EQ(Archive::getMaxObjectId("<a objectId='4'><b objectId='5'></a><c objectId='6'/>"), 5);
+    EXPECT_EQ(Archive::getMaxObjectId("<a objectId='4'/><b objectId='5'/>"), 4);
+    EXPECT_EQ(Archive::getMaxObjectId("<a objectId='4'><x:b objectId='5'/><c objectId='6'/></a>"), 4);
+    EXPECT_EQ(Archive::getMaxObjectId("<a objectId='4'><b objectId='5'"), 4);
+}
+
+/// What the tree gives must be what the text gives.
 void expectSame(const QDomDocument& document, const std::string& what) {
     const QByteArray text = document.toByteArray(1);
     EXPECT_EQ(Archive::Internal::maxObjectId(document), Archive::getMaxObjectId(text))
@@ -26,6 +67,119 @@ QDomDocument parsed(const QByteArray& text, bool namespaces = false) {
 
 QDomDocument sample() {
     return parsed("<a objectId='5'><b objectId='6'/></a>");
+}
+
+TEST(MaxObjectId, TreeAndTextAgreeOnWhatWasRead) {
+    const char* const texts[] = {
+        "<a/>",
+        "<a objectId='5'><b objectId='9'/></a>",
+        "<?xml version='1.0'?><a objectId='5'/>",
+        "<?xml version='1.0' encoding='UTF-8'?><a objectId='5'/>",
+        "<?xml version='1.0' encoding='utf-8' standalone='yes'?><a objectId='5'/>",
+        "<?xml version='1.0' encoding='ISO-8859-1'?><a objectId='5' n='\xe4'/>",
+        "<?xml version='1.1'?><a objectId='5'/>",
+        "<!DOCTYPE a><a objectId='5'/>",
+        "<!DOCTYPE a [<!ENTITY e 'x'>]><a objectId='5'>&e;<b objectId='6'/></a>",
+        "<!-- first --><a objectId='5'><!-- in --><b objectId='6'/></a><!-- last -->",
+        "<a objectId='5'><![CDATA[ <x> ]]><b objectId='6'/></a>",
+        "<a objectId='5'><?target data?><b objectId='6'/></a>",
+        "<?target data?><a objectId='5'/>",
+        "<x:a objectId='5'><b objectId='6'/></x:a>",
+        "<a objectId='5'><x:b objectId='6'/><c objectId='7'/></a>",
+        "<a xmlns:x='urn:x' objectId='5'><x:b x:objectId='60' objectId='6'/><c objectId='7'/></a>",
+        "<a x:objectId='9' objectId='5'><c objectId='7'/></a>",
+        "<a objectId='5' n='&#1;'><b objectId='6'/></a>",
+        "<a objectId='5' n='&#9;&#10;&#13;'><b objectId='6'/></a>",
+        "<a objectId='5' n='\xf0\x9f\x8e\xac'><b objectId='6'>\xf0\x9f\x8e\xac</b></a>",
+        "<a objectId='5' n='&#xFFFE;'><b objectId='6'/></a>",
+        "<a objectId='5' n='&lt;&amp;&quot;&gt;'><b objectId='6'>]]&gt;</b></a>",
+        "<a objectId='&#32;5 '><b objectId='&#9;6&#10;'/></a>",
+        "<a objectId='9223372036854775807'><b objectId='9223372036854775808'/></a>",
+        "<a objectId='18446744073709551615'/>",
+        "<\xc3\xa4 objectId='5'><b \xc3\xb6='1' objectId='6'/></\xc3\xa4>",
+        "<a xml:space='preserve' objectId='5'><b objectId='6'/></a>",
+        "<a xmlns='urn:a' objectId='5'><b objectId='6'/></a>",
+        "<xmlish objectId='5'><b objectId='6'/></xmlish>",
+        "<a objectId='5'>text<b objectId='6'/>more &#x85; text</a>",
+    };
+    for (const char* text : texts) {
+        QDomDocument document;
+        if (document.setContent(QByteArray(text)))
+            expectSame(document, text);
+        else
+            ADD_FAILURE() << "not read: " << text;
+    }
+}
+
+TEST(MaxObjectId, TreeAndTextAgreeOnWhatTheDomAloneCanHold) {
+    const auto document = [] { return xml("<a objectId='5'><b objectId='6'/></a>"); };
+    // Texts that no parser gives, but a step may have set.
+    for (const int unit : {0x0, 0x1, 0x8, 0xB, 0x1F, 0x7F, 0x85, 0xD800, 0xDC00, 0xFFFD, 0xFFFE, 0xFFFF}) {
+        QDomDocument inAttribute = document();
+        inAttribute.documentElement().setAttribute("n",
+                                                   QString("x") + QChar(static_cast<ushort>(unit)) + "y");
+        expectSame(inAttribute, "attribute with " + std::to_string(unit));
+        QDomDocument inText = document();
+        inText.documentElement().insertBefore(
+            inText.createTextNode(QString("x") + QChar(static_cast<ushort>(unit))),
+            inText.documentElement().firstChild());
+        expectSame(inText, "text with " + std::to_string(unit));
+    }
+    for (const char* name :
+         {"n:m", ":n", "n:", "xmlns:n", "xmlns", "xml:n", "1n", "n m", "", "n=\"1\" m", "\xc3\xb6"}) {
+        QDomDocument withAttribute = document();
+        withAttribute.documentElement().setAttribute(QString::fromUtf8(name), "1");
+        expectSame(withAttribute, std::string("attribute named ") + name);
+        QDomDocument withElement = document();
+        QDomElement element = withElement.createElement("other");
+        element.setTagName(QString::fromUtf8(name));
+        element.setAttribute("objectId", "60");
+        withElement.documentElement().insertBefore(element, withElement.documentElement().firstChild());
+        expectSame(withElement, std::string("element named ") + name);
+    }
+}
+
+TEST(MaxObjectId, TreeAndTextAgreeOnSeveralDocumentElementsAndStrayNodes) {
+    QDomDocument document = xml("<a objectId='5'><b objectId='6'/></a>");
+    QDomElement second = document.createElement("c");
+    second.setAttribute("objectId", "70");
+    document.appendChild(second);
+    expectSame(document, "two document elements");
+    document.insertBefore(document.createComment("first"), document.firstChild());
+    expectSame(document, "comment first");
+    document.documentElement().appendChild(document.createEntityReference("none"));
+    expectSame(document, "entity reference");
+
+    expectSame(QDomDocument(), "nothing");
+    QDomDocument onlyComment;
+    onlyComment.appendChild(onlyComment.createComment("x"));
+    expectSame(onlyComment, "only a comment");
+}
+
+TEST(MaxObjectId, TreeAndTextAgreeOnDeclarations) {
+    for (const char* data : {"version=\"1.0\"", "version='1.0'", "version=\"1.0\" encoding=\"UTF-8\"",
+                             "version=\"1.1\"", "version=\"2.0\"", "version=\"1.0\" standalone=\"yes\"",
+                             "version=\"1.0\" standalone=\"maybe\"", "encoding=\"UTF-8\"", "",
+                             "version=\"1.0\" encoding=\"utf-8x\"", "version=\"1.0\" encoding=\"UTF-16\"",
+                             "nonsense", "version=\"1.0\" encoding=\"x\" standalone=\"utf-8\"",
+                             "version=\"1.0\" other=\"1\"", "version = \"1.0\" "}) {
+        QDomDocument document = xml("<a objectId='5'/>");
+        document.insertBefore(document.createProcessingInstruction("xml", data), document.firstChild());
+        expectSame(document, std::string("declaration ") + data);
+    }
+    QDomDocument late = xml("<a objectId='5'><b objectId='6'/></a>");
+    late.documentElement().insertBefore(late.createProcessingInstruction("xml", "version=\"1.0\""),
+                                        late.documentElement().firstChild());
+    expectSame(late, "declaration inside");
+}
+
+TEST(MaxObjectId, RunningIdsAreSearchedForOnce) {
+    QDomDocument document = xml("<a objectId='5'/>");
+    Archive::Internal::ObjectIds ids(document);
+    EXPECT_EQ(ids.next(), 6);
+    document.documentElement().setAttribute("objectId", "50");
+    EXPECT_EQ(ids.next(), 7);
+    EXPECT_EQ(ids.greatest(), 7);
 }
 
 TEST(MaxObjectIdOfTree, TextBesideTheDocumentElementEndsTheScan) {

@@ -2,6 +2,7 @@
 
 #include "Archive/Archive.h"
 #include "MTime/MTime.h"
+#include "support/QtMessages.h"
 
 #include <gtest/gtest.h>
 
@@ -21,25 +22,6 @@ using Serialize::Json::FlatObject;
 constexpr long long maxLong = std::numeric_limits<long long>::max();
 constexpr long long minLong = std::numeric_limits<long long>::min();
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-
-/// Counts what Qt prints while it lives, such as "Calling appendChild() on a null node".
-class QtMessages {
-public:
-    QtMessages() {
-        s_count = 0;
-        m_previous =
-            qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) { ++s_count; });
-    }
-    ~QtMessages() { qInstallMessageHandler(m_previous); }
-    QtMessages(const QtMessages&) = delete;
-    QtMessages& operator=(const QtMessages&) = delete;
-
-    int count() const { return s_count; }
-
-private:
-    inline static int s_count = 0;
-    QtMessageHandler m_previous;
-};
 
 QDomElement elementIn(QDomDocument& doc, const QByteArray& text) {
     EXPECT_TRUE(doc.setContent(text)) << text.toStdString();
@@ -69,7 +51,7 @@ TEST(ToolkitLimits, ExtractValueTakesAnyIntegerAsFallback) {
 }
 
 TEST(ToolkitLimits, NothingIsPrintedForNullElements) {
-    const QtMessages messages;
+    const Tests::QtMessages messages;
     QDomDocument doc;
     QDomElement none;
     long long maxId = 10;

@@ -1,17 +1,13 @@
 #include "Archive/Internal/Walk.h"
 #include "Archive/Internal/ObjectIds.h"
+#include "support/Documents.h"
 
 #include <gtest/gtest.h>
 
 using Archive::Internal::RenewedMaximum;
+using Tests::xml;
 
 namespace {
-
-QDomDocument parsed(const char* text) {
-    QDomDocument document;
-    EXPECT_TRUE(document.setContent(QString::fromLatin1(text)));
-    return document;
-}
 
 std::string steps(const QDomNode& below) {
     std::string text;
@@ -22,20 +18,20 @@ std::string steps(const QDomNode& below) {
 }
 
 TEST(WalkElements, EntersAndLeavesEachElement) {
-    const QDomDocument document = parsed("<a>x<b><c/>y<d><e/></d></b><!-- z --><f/></a>");
+    const QDomDocument document = xml("<a>x<b><c/>y<d><e/></d></b><!-- z --><f/></a>");
     EXPECT_EQ(steps(document), "<a<b<c>c<d<e>e>d>b<f>f>a");
     EXPECT_EQ(steps(document.documentElement()), "<b<c>c<d<e>e>d>b<f>f");
 }
 
 TEST(WalkElements, StaysBelowItsRoot) {
-    const QDomDocument document = parsed("<a><b><c/></b><d/></a>");
+    const QDomDocument document = xml("<a><b><c/></b><d/></a>");
     EXPECT_EQ(steps(document.documentElement().firstChildElement("b")), "<c>c");
     EXPECT_EQ(steps(document.documentElement().firstChildElement("d")), "");
     EXPECT_EQ(steps(QDomElement()), "");
 }
 
 TEST(RenewedMaximum, CountsWhatWasAdded) {
-    QDomDocument document = parsed("<a objectId='7'><b objectId='3'/></a>");
+    QDomDocument document = xml("<a objectId='7'><b objectId='3'/></a>");
     RenewedMaximum maximum(document);
     EXPECT_EQ(maximum.take(), 7);
     maximum.added(5);
@@ -45,7 +41,7 @@ TEST(RenewedMaximum, CountsWhatWasAdded) {
 }
 
 TEST(RenewedMaximum, SearchesAgainOnceInDoubt) {
-    QDomDocument document = parsed("<a objectId='7'><b objectId='9'/></a>");
+    QDomDocument document = xml("<a objectId='7'><b objectId='9'/></a>");
     RenewedMaximum maximum(document);
     EXPECT_EQ(maximum.take(), 9);
     QDomElement root = document.documentElement();
@@ -59,7 +55,7 @@ TEST(RenewedMaximum, SearchesAgainOnceInDoubt) {
 }
 
 TEST(RenewedMaximum, CountsWhatWasAddedBesideAComment) {
-    QDomDocument document = parsed("<a objectId='7'><!-- by hand --></a>");
+    QDomDocument document = xml("<a objectId='7'><!-- by hand --></a>");
     RenewedMaximum maximum(document);
     EXPECT_EQ(maximum.take(), 7);
     maximum.added(100);
@@ -70,7 +66,7 @@ TEST(RenewedMaximum, CountsWhatWasAddedBesideAComment) {
 
 // The reader stops at the prefix, which nothing declares.
 TEST(RenewedMaximum, TrustsNothingWhereTheTextHasAnError) {
-    QDomDocument document = parsed("<a objectId='7'><p:b objectId='9'/></a>");
+    QDomDocument document = xml("<a objectId='7'><p:b objectId='9'/></a>");
     RenewedMaximum maximum(document);
     EXPECT_EQ(maximum.take(), 7);
     maximum.added(100);

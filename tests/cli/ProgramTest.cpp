@@ -7,24 +7,34 @@
 #include <sys/stat.h>
 
 using nlohmann::json;
+using Reader::currentVersion;
 using Tests::archive;
+using Tests::jsonProject;
+using Tests::migratedName;
 using Tests::Outcome;
 using Tests::ProgramTest;
 using Tests::sample;
 
 namespace {
 
+/// A project that is nothing but an item of a title, with that text or the name of the side file that holds it.
+QByteArray title(const QByteArray& text) {
+    return jsonProject(R"({"@meta":{"class_name":"Overlay::Item","object_id":2},"encodedText":")" + text +
+                       "\"}");
+}
+
 TEST_F(ProgramTest, MigratesBesideTheInput) {
     write("film.xml", sample("holiday-v27.xml"));
     const Outcome outcome = run({"migrate", "film.xml"});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
     EXPECT_EQ(outcome.out, "");
-    EXPECT_TRUE(outcome.err.contains("XML archive of schema version 27 -> JSON of schema version 77"));
+    EXPECT_TRUE(outcome.err.contains("XML archive of schema version 27 -> JSON of schema version " +
+                                     QByteArray::number(currentVersion)));
     EXPECT_TRUE(outcome.err.contains("6 in, 6 out"));
-    EXPECT_TRUE(outcome.err.contains("film.v77.json"));
+    EXPECT_TRUE(outcome.err.contains(migratedName("film").toUtf8()));
     EXPECT_FALSE(outcome.err.contains("\x1b["));
-    EXPECT_EQ(files(), (QStringList{"film.v77.json", "film.xml"}));
-    EXPECT_EQ(json::parse(read("film.v77.json").toStdString())["schemaVersion"], 77);
+    EXPECT_EQ(files(), (QStringList{migratedName("film"), "film.xml"}));
+    EXPECT_EQ(json::parse(read(migratedName("film")).toStdString())["schemaVersion"], currentVersion);
     EXPECT_EQ(read("film.xml"), sample("holiday-v27.xml"));
 }
 
@@ -40,12 +50,12 @@ TEST_F(ProgramTest, TheSameInputGivesTheSameBytes) {
 
 TEST_F(ProgramTest, NothingIsWrittenOverWithoutForce) {
     write("film.xml", archive());
-    write("film.v77.json", "precious");
+    write(migratedName("film"), "precious");
     expectFailure({"migrate", "film.xml"}, 16, "--force");
-    EXPECT_EQ(read("film.v77.json"), "precious");
+    EXPECT_EQ(read(migratedName("film")), "precious");
     expectFailure({"migrate", "film.xml", "-o", "film.xml"}, 16, "--force");
     EXPECT_EQ(run({"migrate", "film.xml", "--force"}).exitCode, 0);
-    EXPECT_TRUE(read("film.v77.json").startsWith('{'));
+    EXPECT_TRUE(read(migratedName("film")).startsWith('{'));
 }
 
 TEST_F(ProgramTest, InPlaceKeepsEveryBackup) {
@@ -72,14 +82,14 @@ TEST_F(ProgramTest, StopsAtAVersion) {
     EXPECT_EQ(json::parse(read("film.v63.json").toStdString())["schemaVersion"], 63);
     expectFailure({"migrate", "film.xml", "--to", "26"}, 12, "27");
     expectFailure({"migrate", "film.v63.json", "--to", "62"}, 12, "film.v63.json");
-    EXPECT_EQ(run({"migrate", "film.xml", "--to", "78"}).exitCode, 2);
+    EXPECT_EQ(run({"migrate", "film.xml", "--to", QString::number(currentVersion + 1)}).exitCode, 2);
 }
 
 TEST_F(ProgramTest, VersionsThatCannotBe) {
     write("old.xml", archive({}, ""));
     expectFailure({"migrate", "old.xml"}, 11, "--from N");
     EXPECT_EQ(run({"migrate", "old.xml", "--from", "29"}).exitCode, 0);
-    write("new.xml", archive({}, " schemaVersion='78'"));
+    write("new.xml", archive({}, " schemaVersion='" + QByteArray::number(currentVersion + 1) + "'"));
     expectFailure({"migrate", "new.xml"}, 12, "too new");
     write("odd.xml", archive({}, " schemaVersion='x'"));
     expectFailure({"migrate", "odd.xml"}, 11, "odd.xml");
@@ -101,7 +111,7 @@ TEST_F(ProgramTest, BadInputHasItsOwnExitCodes) {
     expectFailure({"migrate", "project.xml"}, 8, "<Project>");
     expectFailure({"migrate", "doctype.xml"}, 9, "doctype.xml:1:1");
     expectFailure({"migrate", "envelope.json"}, 10, "version");
-    EXPECT_EQ(files().filter(".v77.").size(), 0);
+    EXPECT_EQ(files().filter(".v").size(), 0);
 }
 
 TEST_F(ProgramTest, ARootThatIsNotThereIsNoProject) {
@@ -187,17 +197,16 @@ TEST_F(ProgramTest, JsonBelowTheConversionSkipsStepsForArchives) {
 
 TEST_F(ProgramTest, MarkersSurviveWithoutTheirFolders) {
     const auto file = [](const QByteArray& path) {
-        return R"({"version": "1.0", "schemaVersion": 77, "data": {"@meta": {"class_name": "File", "object_id": 2}, "path": ")" +
-               path + "\"}}";
+        return jsonProject(R"({"@meta": {"class_name": "File", "object_id": 2}, "path": ")" + path + "\"}");
     };
     const auto pathOf = [&](const QString& name) {
         return json::parse(read(name).toStdString())["data"]["path"].get<std::string>();
     };
     write("film.json", file("#AI_MODELS_ROOT#/net.bin"));
     EXPECT_EQ(run({"migrate", "film.json"}).exitCode, 0);
-    EXPECT_EQ(pathOf("film.v77.json"), "#AI_MODELS_ROOT#/net.bin");
+    EXPECT_EQ(pathOf(migratedName("film")), "#AI_MODELS_ROOT#/net.bin");
     EXPECT_EQ(run({"migrate", "film.json", "--force", "--ai-models-root", path("models")}).exitCode, 0);
-    EXPECT_EQ(pathOf("film.v77.json"), "#AI_MODELS_ROOT#/net.bin");
+    EXPECT_EQ(pathOf(migratedName("film")), "#AI_MODELS_ROOT#/net.bin");
     // A relative path counts from the project's folder, wherever the project goes.
     write("film.json", file("media/a.mp4"));
     ASSERT_TRUE(QDir(m_folder.path()).mkdir("moved"));
@@ -217,26 +226,22 @@ TEST_F(ProgramTest, OutputThatCannotBeWritten) {
 TEST_F(ProgramTest, BundlesAreReadAndWritten) {
     ASSERT_TRUE(QDir(m_folder.path()).mkdir("old"));
     ASSERT_TRUE(QDir(m_folder.path()).mkdir("new"));
-    const auto project = [](const QByteArray& content) {
-        return R"({"version":"1.0","schemaVersion":77,"data":{"@meta":{"class_name":"Overlay::Item","object_id":2},"encodedText":")" +
-               content + "\"}}";
-    };
     const auto textOf = [&](const QString& name) {
         return json::parse(read(name).toStdString())["data"]["encodedText"].get<std::string>();
     };
-    write("old/film.json", project("content_7.svg"));
+    write("old/film.json", title("content_7.svg"));
     write("old/content_7.svg", "<svg/>");
     EXPECT_EQ(run({"migrate", "old", "-o", "film.json"}).exitCode, 0);
     EXPECT_EQ(textOf("film.json"), QByteArray("<svg/>").toBase64().toStdString());
     EXPECT_EQ(run({"migrate", "old", "--bundle", "new"}).exitCode, 0);
-    EXPECT_EQ(textOf("new/film.v77.json"), "content_1.svg");
+    EXPECT_EQ(textOf("new/" + migratedName("film")), "content_1.svg");
     EXPECT_EQ(read("new/content_1.svg"), "<svg/>");
     // A side file that exists is not written over: the text stays in the document, and that is told.
-    QFile::remove(path("new/film.v77.json"));
+    QFile::remove(path("new/" + migratedName("film")));
     const Outcome again = run({"migrate", "old", "--bundle", "new"});
     EXPECT_EQ(again.exitCode, 0);
     EXPECT_TRUE(again.err.contains("content_1.svg")) << again.err.toStdString();
-    EXPECT_EQ(textOf("new/film.v77.json"), QByteArray("<svg/>").toBase64().toStdString());
+    EXPECT_EQ(textOf("new/" + migratedName("film")), QByteArray("<svg/>").toBase64().toStdString());
     write("old/other.json", "{}");
     expectFailure({"migrate", "old"}, 3, "name the file");
 }
@@ -250,9 +255,10 @@ TEST_F(ProgramTest, ABundleTravelsToAnotherAndIsReadAgain) {
     EXPECT_FALSE(first.err.contains("side file")) << first.err.toStdString();
     const QStringList sideFiles = {"content_1.svg", "content_2.svg", "content_3.svg", "content_4.svg"};
     EXPECT_EQ(QDir(path("new")).entryList(QDir::Files, QDir::Name),
-              sideFiles + QStringList("holiday.v77.json"));
+              sideFiles + QStringList(migratedName("holiday")));
     EXPECT_EQ(run({"migrate", "new", "--bundle", "again"}).exitCode, 0);
-    EXPECT_EQ(read("again/holiday.v77.v77.json"), read("new/holiday.v77.json"));
+    EXPECT_EQ(read("again/" + migratedName(QFileInfo(migratedName("holiday")).completeBaseName())),
+              read("new/" + migratedName("holiday")));
     for (const QString& name : sideFiles)
         EXPECT_EQ(read("again/" + name), read("new/" + name)) << name.toStdString();
 }
@@ -270,13 +276,10 @@ TEST_F(ProgramTest, SideFilesOutsideTheFolderAreRefused) {
     ASSERT_TRUE(QFile::link(path("secret.svg"), path("old/content_link.svg")));
     ASSERT_EQ(mkfifo(path("old/content_pipe.svg").toLocal8Bit().constData(), 0600), 0);
     const auto textFor = [&](const QByteArray& name) {
-        write(
-            "old/film.json",
-            R"({"version":"1.0","schemaVersion":77,"data":{"@meta":{"class_name":"Overlay::Item","object_id":2},"encodedText":")" +
-                name + "\"}}");
+        write("old/film.json", title(name));
         const Outcome outcome = run({"migrate", "old/film.json", "--force", "-o", "-"});
         EXPECT_EQ(outcome.exitCode, 0);
-        const std::string text = json::parse(outcome.out.toStdString())["data"]["encodedText"];
+        std::string text = json::parse(outcome.out.toStdString())["data"]["encodedText"];
         EXPECT_EQ(text.empty(), outcome.err.contains("OverlayFileContentReadAdaptor: side file"))
             << outcome.err.toStdString();
         return text;

@@ -23,6 +23,8 @@
 using Reader::FileInPlace;
 using Reader::Problem;
 using Tests::archive;
+using Tests::jsonProject;
+using Tests::migratedName;
 using Tests::Outcome;
 using Tests::sample;
 
@@ -116,7 +118,7 @@ TEST_F(SafetyTest, AKillLeavesTheOldFileOrTheNewOne) {
 TEST_F(SafetyTest, AFullDiskIsAnErrorAndChangesNothing) {
     write("film.xml", sample("holiday-v27.xml"));
     const QString small = "ulimit -f 8; "; // 4096 bytes
-    expectWriteError(runAfter(small, {"migrate", "film.xml"}), "film.v77.json", "make room");
+    expectWriteError(runAfter(small, {"migrate", "film.xml"}), migratedName("film").toUtf8(), "make room");
     expectWriteError(runAfter(small, {"migrate", "film.xml", "-o", "old.json", "--force"}), "old.json",
                      "make room");
     expectWriteError(runAfter(small, {"migrate", "film.xml", "--in-place"}), "film.xml.bak", "make room");
@@ -153,7 +155,8 @@ TEST_F(SafetyTest, AReadOnlyFolderIsAnErrorAndChangesNothing) {
         geteuid() == 0 ? "set -- setpriv --reuid=65534 --regid=65534 --clear-groups \"$@\"; " : "";
     if (runAfter(asOther, {"--version"}).exitCode != 0)
         GTEST_SKIP() << "the program can't be run as another user here";
-    expectWriteError(runAfter(asOther, {"migrate", "film.xml"}), "film.v77.json", "permissions");
+    expectWriteError(runAfter(asOther, {"migrate", "film.xml"}), migratedName("film").toUtf8(),
+                     "permissions");
     expectWriteError(runAfter(asOther, {"migrate", "film.xml", "--in-place"}), "film.xml.bak", "permissions");
     EXPECT_EQ(files(), QStringList{"film.xml"});
     EXPECT_EQ(read("film.xml"), archive());
@@ -254,8 +257,7 @@ QByteArray inTimeline(const QByteArray& content, const QByteArray& objects = {})
 }
 
 QByteArray inProject(const QByteArray& content) {
-    return R"({"version":"1.0","schemaVersion":77,"data":{"@meta":{"class_name":"Note","object_id":2},"a":)" +
-           content + "}}";
+    return jsonProject(R"({"@meta":{"class_name":"Note","object_id":2},"a":)" + content + "}");
 }
 
 /// A document of about a million bytes of the same thing.

@@ -5,8 +5,8 @@
 #include "Reader/Contents.h"
 #include "support/Compare.h"
 #include "support/Files.h"
-#include "support/Film.h"
 #include "support/Findings.h"
+#include "support/Holiday.h"
 #include "support/Paths.h"
 
 #include <gmock/gmock.h>
@@ -31,6 +31,7 @@ using testing::IsEmpty;
 using Tests::clipNamed;
 using Tests::ExpectedTimeline;
 using Tests::Project;
+using Tests::Result;
 using Tests::Strings;
 
 namespace {
@@ -115,26 +116,14 @@ std::string svgDifference(const QByteArray& expected, const QByteArray& actual) 
     return Tests::difference(first.documentElement(), second.documentElement());
 }
 
-struct Result {
-    QByteArray bytes;
-    Report report;
-};
-
 /// Reads a project out of a folder, and saves it into another one; without that, texts stay in the document.
 Result migrated(const QByteArray& bytes, const QString& source, const QString& target = {},
                 int to = Reader::currentVersion) {
-    Journey journey;
-    journey.name = QStringLiteral("holiday");
-    journey.location = journey.target = QStringLiteral("holiday");
-    journey.to = to;
+    Journey journey = Tests::journeyTo(to);
     journey.sourceFiles = Reader::SideFiles(source);
     journey.targetFiles = Reader::SideFiles(target);
     journey.toBundle = !target.isEmpty();
-    Document document = Reader::parse(bytes, journey.name);
-    Result result;
-    result.report = Reader::migrate(document, journey);
-    result.bytes = Reader::save(std::move(document), journey, result.report).bytes;
-    return result;
+    return Tests::migrated(bytes, journey);
 }
 
 Strings logOf(const Report& report) {
@@ -194,7 +183,7 @@ TEST_F(BundleRoadTest, TheSampleItselfIsSound) {
 TEST_F(BundleRoadTest, OnlyTheQuizWithoutATypeIsReported) {
     EXPECT_THAT(logOf(whole().report), ElementsAre(untypedQuiz));
     EXPECT_EQ(whole().report.from, sampleVersion);
-    EXPECT_EQ(whole().report.to, 77);
+    EXPECT_EQ(whole().report.to, Reader::currentVersion);
 }
 
 TEST_F(BundleRoadTest, EveryClipIsOnceAtItsTimeOnItsTrack) {
@@ -406,7 +395,7 @@ TEST_F(BundleRoadTest, ATextWhoseFileIsMissingIsReadAsNothing) {
 
 TEST_F(BundleRoadTest, StoppingAnywhereLeadsToTheSameProject) {
     const json atOnce = Tests::renumbered(whole().bytes);
-    for (const int stop : {sampleVersion, 21, 25, 38, 40, 50, 62, 63, 69, 77}) {
+    for (const int stop : {sampleVersion, 21, 25, 38, 40, 50, 62, 63, 69, Reader::currentVersion}) {
         const QTemporaryDir halfway;
         const Result half = migrated(sample(), sampleFolder(), halfway.path(), stop);
         // An archive holds its texts itself.

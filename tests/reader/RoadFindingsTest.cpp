@@ -39,16 +39,16 @@ constexpr const char* refs = "refs/Item[#]/Data";
 const Told told[] = {
     // These take objects out with their own predeclarations. The records of those who referred to them keep the
     // numbers in their `refs`: nothing reads those.
-    {"V16_PanZoomAdaptor", Fault::StaleDeclaration, "Predeclare", refs},
-    {"V24_CompositionRemoveAdaptor", Fault::StaleDeclaration, "Predeclare", refs},
-    {"V32_ColorFiltersAdaptor", Fault::StaleDeclaration, "Predeclare", refs},
-    {"V34_NoPreviewAdaptor", Fault::StaleDeclaration, "Predeclare", refs},
-    {"V40_RemoveQuizFromOverlayAdaptor", Fault::StaleDeclaration, "Predeclare", refs},
-    {"V51_MaskEffectAdaptor", Fault::StaleDeclaration, "Predeclare", refs},
+    {"V16_PanZoomAdaptor", Fault::StalePredeclaration, "Predeclare", refs},
+    {"V24_CompositionRemoveAdaptor", Fault::StalePredeclaration, "Predeclare", refs},
+    {"V32_ColorFiltersAdaptor", Fault::StalePredeclaration, "Predeclare", refs},
+    {"V34_NoPreviewAdaptor", Fault::StalePredeclaration, "Predeclare", refs},
+    {"V40_RemoveQuizFromOverlayAdaptor", Fault::StalePredeclaration, "Predeclare", refs},
+    {"V51_MaskEffectAdaptor", Fault::StalePredeclaration, "Predeclare", refs},
     // One pass forward over the records: an envelope's matrix is declared before the value that holds it, so its
     // record stays when the overlay goes.
-    {"V40_RemoveQuizFromOverlayAdaptor", Fault::StaleDeclaration, "Predeclare", "oid"},
-    {"V40_RemoveQuizFromOverlayAdaptor", Fault::StaleDeclaration, "Predeclare", "poid"},
+    {"V40_RemoveQuizFromOverlayAdaptor", Fault::StalePredeclaration, "Predeclare", "oid"},
+    {"V40_RemoveQuizFromOverlayAdaptor", Fault::StalePredeclaration, "Predeclare", "poid"},
     // The entries of a clip's second zoom, and of an enhancement without a flag, outlast their effects.
     {"V16_PanZoomAdaptor", Fault::DanglingReference, "Timeline::Clip", "effects/Item[#]/Data"},
     {"V32_ColorFiltersAdaptor", Fault::DanglingReference, "Timeline::Clip", "effects/Item[#]/Data"},
@@ -176,7 +176,8 @@ TEST(RoadFindings, AnUnusedQuizStaysUndeclared) {
                                       "value='4'/></RootObject>",
                                       {{"Overlay::Preset", 5}}),
                                  40);
-    EXPECT_TRUE(left.count({"V40_RemoveQuizFromOverlayAdaptor", Fault::NotDeclared, "Overlay::Preset", ""}));
+    EXPECT_TRUE(
+        left.count({"V40_RemoveQuizFromOverlayAdaptor", Fault::NotPredeclared, "Overlay::Preset", ""}));
 }
 
 } // namespace

@@ -161,8 +161,8 @@ TEST(Verify, EachFaultHasItsName) {
     EXPECT_EQ(Reader::nameOf(Fault::DuplicateId), "duplicate-id");
     EXPECT_EQ(Reader::nameOf(Fault::WrongSize), "wrong-size");
     EXPECT_EQ(Reader::nameOf(Fault::WrongIndex), "wrong-index");
-    EXPECT_EQ(Reader::nameOf(Fault::NotDeclared), "not-predeclared");
-    EXPECT_EQ(Reader::nameOf(Fault::StaleDeclaration), "stale-predeclaration");
+    EXPECT_EQ(Reader::nameOf(Fault::NotPredeclared), "not-predeclared");
+    EXPECT_EQ(Reader::nameOf(Fault::StalePredeclaration), "stale-predeclaration");
     EXPECT_EQ(Reader::nameOf(Fault::Unreachable), "unreachable");
 }
 

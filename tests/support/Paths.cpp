@@ -14,6 +14,10 @@ std::filesystem::path samplesFolder() {
     return SAMPLES_DIR;
 }
 
+std::filesystem::path changesFile() {
+    return CHANGES_FILE;
+}
+
 std::filesystem::path fuzzCorpusFolder() {
     return TESTS_DIR "/fuzz/corpus";
 }

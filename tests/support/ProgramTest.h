@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Reader/Chain.h"
 #include "support/Files.h"
 #include "support/Program.h"
 
@@ -42,6 +43,17 @@ protected:
 
 inline QByteArray sample(const char* name) {
     return QByteArray::fromStdString(readFile(samplesFolder() / name));
+}
+
+/// What a migration calls its result, beside the input: "film.v77.json" for "film".
+inline QString migratedName(const QString& name) {
+    return name + ".v" + QString::number(Reader::currentVersion) + ".json";
+}
+
+/// A project of the newest version with that root object.
+inline QByteArray jsonProject(const QByteArray& root) {
+    return R"({"version": "1.0", "schemaVersion": )" + QByteArray::number(Reader::currentVersion) +
+           ", \"data\": " + root + "}";
 }
 
 /// A project of version 62, unless told otherwise, with a timeline, a track and one clip, to which `extra` is added.

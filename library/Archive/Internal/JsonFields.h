@@ -1,6 +1,6 @@
 #pragma once
 
-// For the library's own use: reading fields of class objects. Nothing here leaves a key behind.
+// For this project's own use: reading fields of class objects. Nothing here leaves a key behind.
 
 #include <nlohmann/json.hpp>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-// For the library's own use: what the JSON value does by recursion. Here depth costs memory, not stack.
+// For this project's own use: what the JSON value does by recursion. Here depth costs memory, not stack.
 
 #include <nlohmann/json.hpp>
 

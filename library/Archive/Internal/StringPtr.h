@@ -1,6 +1,6 @@
 #pragma once
 
-// For the library's own use.
+// For this project's own use.
 
 #include <QDomDocument>
 #include <QString>

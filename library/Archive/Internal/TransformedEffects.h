@@ -1,6 +1,6 @@
 #pragma once
 
-// For the project's own use.
+// For this project's own use.
 
 #include "Archive/Internal/Walk.h"
 

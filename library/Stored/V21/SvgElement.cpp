@@ -1,11 +1,13 @@
 #include "Stored/V21/SvgElement.h"
 
+#include "Stored/V21/Internal/Names.h"
+
 #include <QDomElement>
 
 namespace Stored::V21 {
 
 SvgElement::SvgElement(const QDomNode& node, const QDomNode& root)
-    : id(node.toElement().attribute(QStringLiteral("id"))) {
+    : id(node.toElement().attribute(Internal::Names::idName)) {
     int before = 0;
     for (QDomNode current = node; !current.isNull() && current != root;) {
         const QDomNode sibling = current.previousSibling();
@@ -18,7 +20,7 @@ SvgElement::SvgElement(const QDomNode& node, const QDomNode& root)
         pathKey.prepend(QString::number(before));
         before = 0;
         current = current.parentNode();
-        if (current.toElement().hasAttribute(QStringLiteral("visibility")))
+        if (current.toElement().hasAttribute(Internal::Names::visibilityName))
             underVisibility = true;
         if (current.nodeName() == QStringLiteral("defs"))
             underDefs = true;

@@ -2,6 +2,7 @@
 
 #include "Stored/V21/Internal/KeyValues.h"
 #include "Stored/V21/Internal/Markup.h"
+#include "Stored/V21/Internal/Names.h"
 #include "Stored/V21/Internal/Time.h"
 
 #include <QDomDocument>
@@ -15,13 +16,7 @@
 namespace Stored::V21 {
 namespace {
 
-const QString fillName = QStringLiteral("fill");
-const QString fillOpacityName = QStringLiteral("fill-opacity");
-const QString strokeName = QStringLiteral("stroke");
-const QString strokeOpacityName = QStringLiteral("stroke-opacity");
-const QString strokeWidthName = QStringLiteral("stroke-width");
-const QString posXName = QStringLiteral("posX");
-const QString posYName = QStringLiteral("posY");
+using namespace Internal::Names;
 
 /// A wider stroke of the root stays as the text has it: the limit is wanted.
 constexpr int greatestWrittenWidth = 4;
@@ -31,7 +26,7 @@ QDomElement svgElementOf(const QDomDocument& dom) {
 }
 
 std::vector<QDomElement> adjustablePointsOf(const QDomDocument& dom) {
-    const QDomNodeList found = dom.elementsByTagName(QStringLiteral("adjustablePoint"));
+    const QDomNodeList found = dom.elementsByTagName(adjustablePointTag);
     std::vector<QDomElement> points;
     points.reserve(static_cast<std::size_t>(found.length()));
     for (int number = 0; number < found.length(); ++number)

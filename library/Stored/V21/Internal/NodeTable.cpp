@@ -1,5 +1,7 @@
 #include "Stored/V21/Internal/NodeTable.h"
 
+#include "Stored/V21/Internal/Names.h"
+
 #include <QDomElement>
 
 #include <numeric>
@@ -38,7 +40,7 @@ void NodeTable::append(const QDomNode& node, int parent, int position) {
         const Entry& above = entry(parent);
         const QString tag = above.node.nodeName();
         added.underVisibility =
-            above.underVisibility || above.node.toElement().hasAttribute(QStringLiteral("visibility"));
+            above.underVisibility || above.node.toElement().hasAttribute(Names::visibilityName);
         added.underDefs = above.underDefs || tag == QStringLiteral("defs");
         added.underClipPath = above.underClipPath || tag == QStringLiteral("clipPath");
     }

@@ -1,0 +1,4 @@
+#pragma once
+
+/// Does what the command line says and gives the exit code. Throws Reader::Error.
+int runCommandLine(int argc, char** argv);

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "Reader/Chain.h"
+
+#include <optional>
+#include <string>
+
+/// What the command line said.
+struct Arguments {
+    std::string file;
+    std::string output;
+    std::string step;
+    std::string bundle;
+    std::string folder;
+    std::string packagesRoot;
+    std::string aiModelsRoot;
+    std::string downloadableRoot;
+    std::optional<int> from;
+    int to = Reader::currentVersion;
+    bool force = false;
+    bool inPlace = false;
+    bool strict = false;
+    bool json = false;
+};
+
+/// What the program does, a function for each command. Each gives the exit code; all but steps() throw Reader::Error.
+namespace Commands {
+
+int migrate(const Arguments& arguments);
+int steps(const Arguments& arguments);
+int run(const Arguments& arguments);
+int info(const Arguments& arguments);
+int verify(const Arguments& arguments);
+int trace(const Arguments& arguments);
+
+} // namespace Commands

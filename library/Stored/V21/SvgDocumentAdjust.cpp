@@ -1,0 +1,215 @@
+// What a change of style does to a document that was read: colours, sizes, points.
+
+#include "Stored/V21/SvgDocument.h"
+
+#include "Stored/V21/Internal/KeyValues.h"
+#include "Stored/V21/Internal/Markup.h"
+#include "Stored/V21/Internal/Names.h"
+#include "Stored/V21/Internal/NodeTable.h"
+
+#include <QDomElement>
+
+#include <glog/logging.h>
+
+#include <algorithm>
+
+namespace Stored::V21 {
+namespace {
+
+using namespace Internal::Names;
+using Internal::NodeTable;
+
+const QString stopColorName = QStringLiteral("stop-color");
+const QString retain = QStringLiteral("retain");
+
+// Points are filled in one after the other, and one may bring in the names of others: the text could double with each
+// point, and all of it is searched for each.
+constexpr qint64 maxGrowth = 4;
+constexpr qint64 maxGrowthOfSmallText = qint64(1024) * 1024;
+constexpr qint64 maxSearchedBytes = qint64(1) << 28;
+
+// A stop counts once for each gradient around it, though a gradient in another one is no SVG.
+constexpr std::size_t maxGradientsAround = 8;
+
+bool isAnimation(const QString& tag) {
+    return tag == animateTag || tag == animateMotionTag || tag == animateColorTag ||
+           tag == animateTransformTag;
+}
+
+bool isPaint(const QString& value) {
+    return value != QLatin1String("none") && value != QLatin1String("currentColor") &&
+           value != QLatin1String("inherit") && !value.startsWith(QLatin1String("url"));
+}
+
+bool isStyle(const QString& name) {
+    return name == fillName || name == strokeName || name == strokeOpacityName || name == fillOpacityName ||
+           name == strokeWidthName;
+}
+
+bool isAdjustable(const NodeTable& nodes, int number, const QString& name) {
+    const QDomElement element = nodes.node(number).toElement();
+    if (!element.hasAttribute(name))
+        return false;
+    if (element.attribute(idName).contains(retain + name, Qt::CaseInsensitive))
+        return false;
+    if (name == fillName && isAnimation(element.tagName())) // there it is no paint
+        return false;
+    if ((name == fillName || name == strokeName) && !isPaint(element.attribute(name)))
+        return false;
+    return !(isStyle(name) && nodes.isUnderClipPath(number));
+}
+
+QString moved(const QColor& color, const std::vector<int>& offsets) {
+    const auto channel = [](int value) { return std::clamp(value, 0, 255); };
+    return QColor(channel(color.red() + offsets[0]), channel(color.green() + offsets[1]),
+                  channel(color.blue() + offsets[2]))
+        .name();
+}
+
+} // namespace
+
+void SvgDocument::collectAdjustableAttributes(const QStringList& names) {
+    parse();
+    m_adjustable.clear();
+    std::vector<std::vector<std::shared_ptr<AdjustableAttribute>>> found(
+        static_cast<std::size_t>(names.size()));
+    for (int number = 0; number < m_nodes->size(); ++number) {
+        SvgElement place;
+        bool isPlaced = false;
+        for (int name = 0; name < names.size(); ++name) {
+            if (!isAdjustable(*m_nodes, number, names[name]))
+                continue;
+            if (!isPlaced)
+                place = m_nodes->place(number);
+            isPlaced = true;
+            found[static_cast<std::size_t>(name)].push_back(
+                std::make_shared<AdjustableAttribute>(place, m_nodes->node(number), names[name], place.id));
+        }
+    }
+    for (int name = 0; name < names.size(); ++name)
+        m_adjustable[names[name]] = std::move(found[static_cast<std::size_t>(name)]);
+}
+
+void SvgDocument::collectGradientStops() {
+    m_gradientStops.clear();
+    m_stopsInDocumentOrder.clear();
+    parse();
+    std::vector<int> around; // where the gradients end in which this one stands
+    for (const int gradient : m_nodes->elements(QStringLiteral("linearGradient"))) {
+        while (!around.empty() && around.back() <= gradient)
+            around.pop_back();
+        if (around.size() == maxGradientsAround) {
+            LOG(ERROR) << "gradients stand too deep in one another";
+            break;
+        }
+        around.push_back(m_nodes->behind(gradient));
+
+        const QString id = m_nodes->node(gradient).toElement().attribute(idName);
+        if (id.contains(retain, Qt::CaseInsensitive))
+            continue;
+        QColor previous;
+        for (const int number : m_nodes->elementsBelow(gradient, QStringLiteral("stop"))) {
+            const QDomElement stop = m_nodes->node(number).toElement();
+            if (!stop.hasAttribute(stopColorName))
+                continue;
+            const QColor color = Internal::colorFrom(stop.attribute(stopColorName));
+            std::vector<int> offsets{0, 0, 0};
+            // The difference to the stop before, not to the first one: this is wanted.
+            if (previous.isValid())
+                offsets = {color.red() - previous.red(), color.green() - previous.green(),
+                           color.blue() - previous.blue()};
+            const auto attribute =
+                std::make_shared<AdjustableAttribute>(m_nodes->place(number), stop, stopColorName, id);
+            m_gradientStops[attribute] = offsets;
+            m_stopsInDocumentOrder.push_back(attribute);
+            previous = color;
+        }
+    }
+}
+
+void SvgDocument::applyColorToGradients(const QColor& color) {
+    // By pointer the order would be another on each run, and a stop below two gradients counts twice.
+    for (const auto& attribute : m_stopsInDocumentOrder) {
+        QDomElement stop = m_nodes->resolve(attribute->element).toElement();
+        if (!stop.isNull())
+            stop.setAttribute(stopColorName, moved(color, m_gradientStops.at(attribute)));
+    }
+    if (!m_gradientStops.empty())
+        save();
+}
+
+void SvgDocument::setAttributeValue(const QString& name, const QString& value, const QString& idFilter) {
+    const auto entry = m_adjustable.find(name);
+    if (entry == m_adjustable.end())
+        return;
+    bool isHit = false;
+    for (const auto& attribute : entry->second) {
+        if (!idFilter.isEmpty() && attribute->id != idFilter)
+            continue;
+        isHit = true;
+        QDomElement element = m_nodes->resolve(attribute->element).toElement();
+        if (!element.isNull())
+            element.setAttribute(attribute->name, value);
+    }
+    if (isHit)
+        save();
+    if (name == posXName || name == posYName)
+        refreshAdjustablePoints();
+}
+
+void SvgDocument::refreshAdjustablePoints() {
+    QByteArray filledIn = contentWithPointsFilledIn();
+    setStorage(filledIn);
+    parse();
+    for (const auto& animation : m_animations) {
+        // Only these have anything to refresh; by the table it takes no time that grows with the siblings.
+        if (auto* point = dynamic_cast<AnimatableAttributeAdjustablePoint*>(animation.get()))
+            point->refresh(*m_nodes);
+    }
+    setStorage(m_content);
+    parse();
+}
+
+QByteArray SvgDocument::contentWithPointsFilledIn() const {
+    const qint64 maxSize = maxGrowthOfSmallText + maxGrowth * m_content.size();
+    qint64 searched = 0;
+    QByteArray filledIn = m_content;
+    const auto occurs = [&](const QByteArray& text) {
+        searched += filledIn.size();
+        return filledIn.contains(text);
+    };
+
+    struct Coordinate {
+        QString name;
+        QByteArray ending; ///< of each reference
+        bool isNamed;      ///< by anything that is not filled in yet
+    };
+    Coordinate coordinates[] = {{posXName, '.' + posXName.toUtf8(), false},
+                                {posYName, '.' + posYName.toUtf8(), false}};
+    const auto seeWhatIsNamed = [&] {
+        for (Coordinate& coordinate : coordinates)
+            coordinate.isNamed = occurs(coordinate.ending);
+    };
+
+    seeWhatIsNamed();
+    for (const auto& point : m_adjustablePoints) {
+        const QDomElement element = m_nodes->resolve(*point).toElement();
+        for (const Coordinate& coordinate : coordinates) {
+            const QByteArray reference = point->id.toUtf8() + coordinate.ending;
+            if (!coordinate.isNamed || (searched <= maxSearchedBytes && !occurs(reference)))
+                continue;
+            const QByteArray value = element.attribute(coordinate.name).toUtf8();
+            const qint64 size =
+                filledIn.size() + qint64(filledIn.count(reference)) * (value.size() - reference.size());
+            if (size > maxSize || searched > maxSearchedBytes) {
+                LOG(ERROR) << "adjustable points name one another too often";
+                return m_content;
+            }
+            filledIn.replace(reference, value);
+            seeWhatIsNamed();
+        }
+    }
+    return filledIn;
+}
+
+} // namespace Stored::V21

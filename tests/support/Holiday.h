@@ -1,0 +1,75 @@
+#pragma once
+
+#include "Reader/Road.h"
+#include "support/Film.h"
+
+#include <gtest/gtest.h>
+
+#include <QByteArray>
+
+#include <string>
+#include <vector>
+
+/// The samples that are files: one film, in two cuts, as the editor saved it at many versions.
+namespace Tests {
+
+enum class Cut { Short, Long };
+
+struct Sample {
+    const char* file;
+    int version;
+    bool isXml;
+    Cut cut;
+};
+
+inline constexpr Sample samples[] = {
+    {"holiday-v3.xml", 3, true, Cut::Long},     {"holiday-v12.xml", 12, true, Cut::Long},
+    {"holiday-v21.xml", 21, true, Cut::Long},   {"holiday-v27.xml", 27, true, Cut::Short},
+    {"holiday-v34.xml", 34, true, Cut::Long},   {"holiday-v45.xml", 45, true, Cut::Long},
+    {"holiday-v55.xml", 55, true, Cut::Long},   {"holiday-v60.json", 60, false, Cut::Long},
+    {"holiday-v62.xml", 62, true, Cut::Short},  {"holiday-v63.json", 63, false, Cut::Short},
+    {"holiday-v70.json", 70, false, Cut::Long}, {"holiday-v76.json", 76, false, Cut::Long},
+};
+
+/// The sample of that version.
+const Sample& sampleOf(int version);
+
+QByteArray bytesOf(const Sample& sample);
+
+/// How the film of a sample ought to look at the newest version.
+const std::vector<ExpectedTimeline>& filmOf(const Sample& sample);
+
+/// A journey of a project called "holiday", without side files.
+Reader::Journey journeyTo(int version);
+
+struct Result {
+    QByteArray bytes;
+    Reader::Report report;
+};
+
+/// A project at the end of a journey, saved.
+Result migrated(const QByteArray& bytes, const Reader::Journey& journey);
+Result migrated(const QByteArray& bytes, int to = Reader::currentVersion);
+
+/// An effect of a clip, by its class without "Effect::". Throws where there is none.
+const nlohmann::json& effectOf(const Project& project, const std::string& clip, const std::string& className);
+double intensityOf(const Project& project, const std::string& clip, const std::string& className);
+
+/// The nine numbers of a matrix, row by row.
+std::vector<double> matrixOf(const Project& project, const nlohmann::json& holder, const std::string& key);
+
+/// Tests of every sample at the newest version.
+class HolidayTest : public testing::TestWithParam<Sample> {
+protected:
+    static void SetUpTestSuite() { Reader::useStandInFolders(); }
+
+    static bool isLong() { return GetParam().cut == Cut::Long; }
+    static int version() { return GetParam().version; }
+    static const Result& result();
+    static Project project() { return Project(result().bytes); }
+};
+
+/// The name of a sample as a test's parameter.
+std::string sampleName(const testing::TestParamInfo<Sample>& info);
+
+} // namespace Tests

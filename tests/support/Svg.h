@@ -1,0 +1,35 @@
+#pragma once
+
+#include "Stored/V21/SvgDocument.h"
+
+#include <QDomElement>
+
+#include <memory>
+
+/// What tests of the SVG model look at.
+namespace Tests {
+
+/// The first element of that id in the live document; a null element for none.
+inline QDomElement liveElement(const Stored::V21::SvgDocument& document, const QString& id) {
+    QDomNode node = document.dom().documentElement();
+    while (!node.isNull() && node.toElement().attribute("id") != id) {
+        QDomNode next = node.firstChild();
+        for (; next.isNull() && !node.isNull(); node = node.parentNode())
+            next = node.nextSibling();
+        node = next;
+    }
+    return node.toElement();
+}
+
+/// Its attribute, "(none)" where it has none.
+inline QString live(const Stored::V21::SvgDocument& document, const QString& id, const QString& attribute) {
+    return liveElement(document, id).attribute(attribute, "(none)");
+}
+
+/// An animation as one of that class; null where it is another.
+template <class Leaf>
+const Leaf* leaf(const std::shared_ptr<Stored::V21::AnimatableAttribute>& attribute) {
+    return dynamic_cast<const Leaf*>(attribute.get());
+}
+
+} // namespace Tests
