@@ -23,8 +23,8 @@
 #include <variant>
 #include <vector>
 
-using nlohmann::json;
 using Archive::Internal::idOf;
+using nlohmann::json;
 using Serialize::Json::MetaDetails;
 namespace Words = Archive::Words;
 
@@ -176,7 +176,8 @@ private:
 
     QDomElement m_archive;
     bool m_freesObjects = false;
-    std::set<unsigned long long>* m_idsTaken = nullptr; ///< from embedded objects; null where they keep theirs
+    std::set<unsigned long long>* m_idsTaken =
+        nullptr; ///< from embedded objects; null where they keep theirs
     QSet<unsigned long long> m_rootIds;
     QMap<qint64, QString> m_predeclaredTypes;
     QHash<qint64, QDomElement> m_rootObjects;
@@ -285,8 +286,8 @@ std::optional<json> Impl::beginObject(const QDomElement& element) {
     json object = json::object();
     object[MetaDetails::s_meta] = std::move(meta);
     const bool isSpent = m_freesObjects && element.tagName() == Words::RootObject;
-    m_frames.push_back(ObjectFrame{
-        std::move(object), element.firstChildElement(), {}, isSpent ? element : QDomElement()});
+    m_frames.push_back(
+        ObjectFrame{std::move(object), element.firstChildElement(), {}, isSpent ? element : QDomElement()});
     return std::nullopt;
 }
 

@@ -118,8 +118,8 @@ TEST_F(OutlineTest, ForgetsWhatIsRemovedAgainstTheOrderOfTheDocument) {
     for (long long id = 20; id < 30; ++id)
         m_archive.appendChild(newObject(id));
     expectTruthAfter([&] {
-        for (QDomElement object = m_archive.lastChildElement(); object.attribute(Words::objectId) != QLatin1String("7");
-             object = m_archive.lastChildElement())
+        for (QDomElement object = m_archive.lastChildElement();
+             object.attribute(Words::objectId) != QLatin1String("7"); object = m_archive.lastChildElement())
             Archive::Internal::removeChild(m_archive, object);
     });
 }

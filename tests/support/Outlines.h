@@ -28,9 +28,9 @@ inline std::string difference(Archive::Internal::Outline& outline, const QDomDoc
         if (!known)
             continue;
         const auto sought = Archive::Internal::searchTyped(document, tag);
-        const bool isSame =
-            std::equal((*known)->begin(), (*known)->end(), sought->begin(), sought->end(),
-                       [](const auto& a, const auto& b) { return a.element == b.element && a.type == b.type; });
+        const bool isSame = std::equal(
+            (*known)->begin(), (*known)->end(), sought->begin(), sought->end(),
+            [](const auto& a, const auto& b) { return a.element == b.element && a.type == b.type; });
         if (!isSame)
             return "other elements " + tag.toStdString() + ", or other types";
     }
@@ -38,12 +38,12 @@ inline std::string difference(Archive::Internal::Outline& outline, const QDomDoc
         Archive::Internal::typedElements(document, Archive::Words::RootObject));
     const auto records = outline.records(predeclarations);
     const auto items = Archive::Internal::children(predeclarations, Archive::Words::Item);
-    const bool areSame = std::equal(records->begin(), records->end(), items.begin(), items.end(),
-                                    [](const auto& record, const QDomElement& item) {
-                                        const auto fresh = Archive::Internal::recordIn(item);
-                                        return record.item == fresh.item && record.data == fresh.data &&
-                                               record.id == fresh.id;
-                                    });
+    const bool areSame =
+        std::equal(records->begin(), records->end(), items.begin(), items.end(),
+                   [](const auto& record, const QDomElement& item) {
+                       const auto fresh = Archive::Internal::recordIn(item);
+                       return record.item == fresh.item && record.data == fresh.data && record.id == fresh.id;
+                   });
     if (!areSame)
         return "other records";
     const auto greatest = Archive::Internal::searchGreatestId(document);

@@ -125,8 +125,8 @@ private:
     void replaceByHalf(QDomElement& timing, long long half) {
         const QDomElement old = timing.firstChildElement(transitionDurationName);
         if (!old.isNull())
-            Archive::Internal::replaceChild(
-                timing, Archive::createInt64(m_document, transitionHalfName, half), old);
+            Archive::Internal::replaceChild(timing,
+                                            Archive::createInt64(m_document, transitionHalfName, half), old);
     }
 
     void moveLinked(long long id, long long previousHalf) {

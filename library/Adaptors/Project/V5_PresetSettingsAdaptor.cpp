@@ -114,7 +114,8 @@ void apply(QDomDocument& document, QDomElement& object, const Setting& setting) 
     if (stored.isNull())
         object.appendChild(created);
     else
-        Archive::Internal::replaceChild(object, created, stored); // a value of its own gives way to the table's
+        Archive::Internal::replaceChild(object, created,
+                                        stored); // a value of its own gives way to the table's
 }
 
 } // namespace

@@ -68,8 +68,8 @@ void prependReference(QDomDocument& document, const QDomElement& record, long lo
 } // namespace
 
 void V61_EffectProcessedRangeAdaptor::adapt(QDomDocument& document) {
-    QDomElement predeclarations =
-        Archive::Internal::predeclarationsAmong(Archive::Internal::typedElements(document, Words::RootObject));
+    QDomElement predeclarations = Archive::Internal::predeclarationsAmong(
+        Archive::Internal::typedElements(document, Words::RootObject));
     Archive::Internal::ObjectIds ids(document);
     for (Declared& declared : collectDeclared(document, predeclarations)) {
         const long long id = Archive::addPredeclaration(predeclarations, document, rangeClass,

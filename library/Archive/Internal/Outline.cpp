@@ -291,9 +291,9 @@ bool Outline::takeInCreated() {
 bool Outline::takeInAppended(std::size_t createdRootObjects, std::size_t createdBaseParts) {
     TypedElements::List& rootObjects = own(m_lists->rootObjects);
     TypedElements::List& baseParts = own(m_lists->baseParts);
-    const auto last =
-        std::find_if(rootObjects.rbegin(), rootObjects.rend(),
-                     [this](const TypedElement& e) { return e.element.parentNode() == *m_archive; });
+    const auto last = std::find_if(rootObjects.rbegin(), rootObjects.rend(), [this](const TypedElement& e) {
+        return e.element.parentNode() == *m_archive;
+    });
     if (last == rootObjects.rend())
         return false;
     const std::size_t knownRootObjects = rootObjects.size();
@@ -304,8 +304,7 @@ bool Outline::takeInAppended(std::size_t createdRootObjects, std::size_t created
             const QString tag = node.nodeName();
             if (tag == Words::RootObject || tag == Words::BaseOfObject) {
                 const QDomElement e = node.toElement();
-                (tag == Words::RootObject ? rootObjects : baseParts)
-                    .push_back({e, e.attribute(Words::type)});
+                (tag == Words::RootObject ? rootObjects : baseParts).push_back({e, e.attribute(Words::type)});
             }
         }
     }

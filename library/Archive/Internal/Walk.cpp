@@ -4,7 +4,6 @@
 
 #include <QDomDocument>
 
-
 namespace Archive::Internal {
 namespace {
 
