@@ -8,7 +8,7 @@ function(project_adaptors_settings target)
         -ffp-contract=off)
     # __FILE__ in a log line is the path below the project, not that of the building machine, also where a compiler
     # cache passes paths from the build folder on. The macro alone: counters of coverage need the real paths.
-    file(RELATIVE_PATH upwards "${CMAKE_BINARY_DIR}" "${PROJECT_SOURCE_DIR}")
+    cmake_path(RELATIVE_PATH PROJECT_SOURCE_DIR BASE_DIRECTORY "${CMAKE_BINARY_DIR}" OUTPUT_VARIABLE upwards)
     target_compile_options(${target} PRIVATE
         "-fmacro-prefix-map=${upwards}/=" "-fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=")
 endfunction()
