@@ -16,6 +16,7 @@
 
 #include <array>
 #include <chrono>
+#include <climits>
 #include <iostream>
 #include <memory>
 #include <random>
@@ -437,12 +438,16 @@ TEST_F(FilesTest, ATemporaryFileOfAnotherRunStands) {
 }
 
 TEST_F(FilesTest, WithoutABackupNothingIsReplaced) {
-    const QString longest(255, QLatin1Char('n')); // no room for ".bak"
+    // Just short enough for the temporary file of the result, and too long for that of the backup.
+    const int ending = QStringLiteral(".%1-1.tmp").arg(getpid()).size();
+    const QString longest(NAME_MAX - ending, QLatin1Char('n'));
     write(longest, "old");
     FileInPlace file(path(longest));
     EXPECT_EQ(problemOf([&] { file.replace("migrated"); }), Problem::Unwritable);
     EXPECT_EQ(read(longest), "old");
     EXPECT_EQ(files(), QStringList{longest});
+    Reader::writeFile(path(longest), "new");
+    EXPECT_EQ(read(longest), "new");
 }
 
 TEST_F(FilesTest, AFileThatOpensAndCannotBeReadIsAnError) {
