@@ -160,8 +160,7 @@ void writeWhereNothingIs(const QString& path, const QByteArray& bytes) {
 /// Keeps `bytes`, what the file held, beside it. An earlier backup is never written over.
 QString keepBackup(const QString& path, const QByteArray& bytes) {
     for (int number = 1;; ++number) {
-        QString backup =
-            path + QStringLiteral(".bak") + (number == 1 ? QString() : QString::number(number));
+        QString backup = path + QStringLiteral(".bak") + (number == 1 ? QString() : QString::number(number));
         if (QFileInfo(backup).isSymLink() || QFileInfo::exists(backup))
             continue;
         try {
