@@ -321,7 +321,7 @@ TEST_F(ProgramTest, RunsOneStep) {
 TEST_F(ProgramTest, OneStepTellsWhatItLogged) {
     const Outcome outcome = run({"run", "V4_TrackValueAdaptor", "-"}, "<Archive><RootRef/></Archive>");
     EXPECT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
-    EXPECT_EQ(outcome.err, "");
+    EXPECT_FALSE(outcome.err.contains("V4_TrackValueAdaptor")) << outcome.err.toStdString();
     // Version 35 can't do its work without predeclarations, and says so.
     const Outcome logged = run({"run", "V35_UserCollectionAdaptor", "-"},
                                archive({}, " schemaVersion='34'").replace("'Predeclarator'", "'Other'"));
