@@ -6,8 +6,11 @@ function(project_adaptors_settings target)
         -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
         # Stored doubles are the same to the last bit on every machine: no fused multiply-add.
         -ffp-contract=off)
-    # __FILE__ in a log line is the path below the project, not that of the building machine.
-    target_compile_options(${target} PRIVATE "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=")
+    # __FILE__ in a log line is the path below the project, not that of the building machine, also where a compiler
+    # cache passes paths from the build folder on. The macro alone: counters of coverage need the real paths.
+    cmake_path(RELATIVE_PATH PROJECT_SOURCE_DIR BASE_DIRECTORY "${CMAKE_BINARY_DIR}" OUTPUT_VARIABLE upwards)
+    target_compile_options(${target} PRIVATE
+        "-fmacro-prefix-map=${upwards}/=" "-fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=")
 endfunction()
 
 # A target's sources are the files of its folder: adding a step needs no change here.

@@ -93,6 +93,11 @@ TEST_F(ProgramTest, VersionsThatCannotBe) {
     expectFailure({"migrate", "new.xml"}, 12, "too new");
     write("odd.xml", archive({}, " schemaVersion='x'"));
     expectFailure({"migrate", "odd.xml"}, 11, "odd.xml");
+    write("film.json",
+          R"({"version":"1.0","schemaVersion":60,"data":{"@meta":{"class_name":"Timeline::Object",
+        "object_id":2}}})");
+    expectFailure({"migrate", "film.json", "--to", "62"}, 12, "ask for version 63");
+    EXPECT_EQ(files(), (QStringList{"film.json", "new.xml", "odd.xml", "old.v77.json", "old.xml"}));
 }
 
 TEST_F(ProgramTest, BadInputHasItsOwnExitCodes) {
@@ -310,6 +315,32 @@ TEST_F(ProgramTest, RunsOneStep) {
     EXPECT_TRUE(
         run({"run", "CollectionItemPreviewUrlsAdaptor", "film.json"}).out.contains("\"previewUrls\":[]"));
     expectFailure({"run", "PortableLoadAdaptor", "film.xml"}, 2, "XML");
+    expectFailure({"run", "V28_ClipLabelAdaptor", "film.json"}, 2, "JSON");
+    expectFailure({"run", "ImportDescriptionAdaptor", "film.json"}, 2, "JSON");
+    write("film.xml", archive("<RootObject type='Import::Object' objectId='6'/>"));
+    EXPECT_TRUE(run({"run", "ImportDescriptionAdaptor", "film.xml"}).out.contains("<descriptionUrl"));
+}
+
+TEST_F(ProgramTest, OneStepTellsWhatItLogged) {
+    const Outcome outcome = run({"run", "V4_TrackValueAdaptor", "-"}, "<Archive><RootRef/></Archive>");
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
+    EXPECT_FALSE(outcome.err.contains("V4_TrackValueAdaptor")) << outcome.err.toStdString();
+    // Version 35 can't do its work without predeclarations, and says so.
+    const Outcome logged = run({"run", "V35_UserCollectionAdaptor", "-"},
+                               archive({}, " schemaVersion='34'").replace("'Predeclarator'", "'Other'"));
+    EXPECT_EQ(logged.exitCode, 0);
+    EXPECT_TRUE(logged.err.contains("error: V35_UserCollectionAdaptor: Can't adapt user collection"))
+        << logged.err.toStdString();
+}
+
+TEST_F(ProgramTest, IdsOfSeveralObjectsAreTold) {
+    write("film.json",
+          R"({"version":"1.0","schemaVersion":76,"data":{"@meta":{"class_name":"Timeline::Object",
+        "object_id":2},"a":{"@meta":{"class_name":"File","object_id":3},"path":""},
+        "b":{"@meta":{"class_name":"File","object_id":3},"path":""}}})");
+    const Outcome outcome = run({"migrate", "film.json"});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
+    EXPECT_TRUE(outcome.err.contains("1 id stood for several objects")) << outcome.err.toStdString();
 }
 
 TEST_F(ProgramTest, TellsAboutADocument) {

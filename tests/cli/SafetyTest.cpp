@@ -11,9 +11,12 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <chrono>
+#include <climits>
 #include <iostream>
 #include <memory>
 #include <random>
@@ -395,6 +398,63 @@ TEST_F(FilesTest, AFileThatAppearedMeanwhileStands) {
     ASSERT_EQ(symlink("nowhere", QFile::encodeName(path("link.json")).constData()), 0);
     EXPECT_EQ(problemOf([&] { Reader::writeFile(path("link.json"), "new", Reader::Existing::Refuse); }),
               Problem::OutputExists);
+}
+
+TEST_F(FilesTest, ALinkLeadsToTheFileThatIsReplaced) {
+    write("film.json", "old");
+    ASSERT_EQ(symlink("film.json", QFile::encodeName(path("first.json")).constData()), 0);
+    ASSERT_EQ(symlink("first.json", QFile::encodeName(path("second.json")).constData()), 0);
+    Reader::writeFile(path("second.json"), "new");
+    EXPECT_TRUE(QFileInfo(path("first.json")).isSymLink());
+    EXPECT_TRUE(QFileInfo(path("second.json")).isSymLink());
+    EXPECT_EQ(read("film.json"), "new");
+    // Also where it leads to a file that is yet to be made.
+    ASSERT_EQ(symlink("later.json", QFile::encodeName(path("third.json")).constData()), 0);
+    Reader::writeFile(path("third.json"), "newer");
+    EXPECT_TRUE(QFileInfo(path("third.json")).isSymLink());
+    EXPECT_EQ(read("later.json"), "newer");
+}
+
+TEST_F(FilesTest, APipeTakesTheBytesItself) {
+    const QByteArray pipe = QFile::encodeName(path("pipe"));
+    ASSERT_EQ(mkfifo(pipe.constData(), 0600), 0);
+    const int end = open(pipe.constData(), O_RDONLY | O_NONBLOCK);
+    ASSERT_GE(end, 0);
+    Reader::writeFile(path("pipe"), "migrated", Reader::Existing::Refuse);
+    std::array<char, 64> bytes = {};
+    EXPECT_EQ(::read(end, bytes.data(), bytes.size()), 8);
+    EXPECT_STREQ(bytes.data(), "migrated");
+    close(end);
+    struct stat status = {};
+    ASSERT_EQ(lstat(pipe.constData(), &status), 0);
+    EXPECT_TRUE(S_ISFIFO(status.st_mode));
+}
+
+TEST_F(FilesTest, ATemporaryFileOfAnotherRunStands) {
+    const QString left = QStringLiteral("film.json.%1-1.tmp").arg(getpid());
+    write(left, "left over");
+    Reader::writeFile(path("film.json"), "new");
+    EXPECT_EQ(read("film.json"), "new");
+    EXPECT_EQ(read(left), "left over");
+    EXPECT_EQ(files().size(), 2);
+}
+
+TEST_F(FilesTest, WithoutABackupNothingIsReplaced) {
+    // Just short enough for the temporary file of the result, and too long for that of the backup.
+    const int ending = QStringLiteral(".%1-1.tmp").arg(getpid()).size();
+    const QString longest(NAME_MAX - ending, QLatin1Char('n'));
+    write(longest, "old");
+    FileInPlace file(path(longest));
+    EXPECT_EQ(problemOf([&] { file.replace("migrated"); }), Problem::Unwritable);
+    EXPECT_EQ(read(longest), "old");
+    EXPECT_EQ(files(), QStringList{longest});
+    Reader::writeFile(path(longest), "new");
+    EXPECT_EQ(read(longest), "new");
+}
+
+TEST_F(FilesTest, AFileThatOpensAndCannotBeReadIsAnError) {
+    // The first page of a process is nobody's.
+    EXPECT_EQ(problemOf([] { Reader::readFile(QStringLiteral("/proc/self/mem")); }), Problem::Unreadable);
 }
 
 } // namespace

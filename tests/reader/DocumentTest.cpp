@@ -50,6 +50,9 @@ TEST(Parse, BrokenXmlNamesLineAndColumn) {
     expectFailure("<Archive a='1' a='2'/>", Problem::BrokenXml, "film.xml:1:");
     expectFailure("<Archive a='&nbsp;'/>", Problem::BrokenXml, "nbsp");
     expectFailure("<Archive a='\xFF\xFE'/>", Problem::BrokenXml, "film.xml:1:");
+    expectFailure("<Archive>\n<RootRef value='>", Problem::BrokenXml, "film.xml:2:");
+    expectFailure("<Archive>\n<RootRef", Problem::BrokenXml, "film.xml:2:");
+    expectFailure("<Archive>\n<!-- ", Problem::BrokenXml, "film.xml:2:");
 }
 
 TEST(Parse, CharactersThatXmlForbids) {
@@ -87,6 +90,12 @@ TEST(Parse, ForeignEncodingsAreRefused) {
     expectFailure("<?xml version='1.0' encoding='UTF-7'?><Archive/>", Problem::RefusedXml, "UTF-8");
     EXPECT_NO_THROW(Reader::parse("<?xml version='1.0' encoding='ISO-8859-1'?><Archive a='\xE9'/>", name));
     EXPECT_NO_THROW(Reader::parse("\xEF\xBB\xBF<Archive/>", name));
+    EXPECT_NO_THROW(Reader::parse("<?xml version='1.0' encoding='Windows-1252'?><Archive a='\x80'/>", name));
+    EXPECT_NO_THROW(Reader::parse("<?xml version='1.0' encoding='us-ascii'?><Archive/>", name));
+    // A mark of the byte order tells UTF-16 before any '<'.
+    expectFailure(QByteArray("\xFF\xFE<\0A\0", 6), Problem::UnknownForm, "neither");
+    EXPECT_THROW(Reader::parseXml(QByteArray("\xFF\xFE<\0A\0/\0>\0", 10), name), Reader::Error);
+    EXPECT_THROW(Reader::parseXml(QByteArray("\xFE\xFF\0<\0A\0/\0>", 10), name), Reader::Error);
 }
 
 TEST(Parse, HostileDepthIsRefused) {
@@ -139,6 +148,8 @@ TEST(Parse, SchemaVersions) {
     expectFailure("<Archive schemaVersion='-1'/>", Problem::NoVersion, "--from");
     expectFailure("<Archive schemaVersion=''/>", Problem::NoVersion, "--from");
     expectFailure("<Archive schemaVersion='99999999999999999999'/>", Problem::NoVersion, "--from");
+    expectFailure("<Archive schemaVersion='1000001'/>", Problem::NoVersion, "--from");
+    EXPECT_EQ(Reader::parse("<Archive schemaVersion='1000000'/>", name).version, 1000000);
     expectFailure(R"({"version": "1.0", "schemaVersion": "63", "data": {"@meta": {}}})", Problem::NoVersion,
                   "--from");
     expectFailure(R"({"version": "1.0", "schemaVersion": -1, "data": {"@meta": {}}})", Problem::NoVersion,
@@ -162,6 +173,18 @@ TEST(Serialize, ArchivesKeepAllThatTheyHold) {
     EXPECT_TRUE(once.contains("<?go on?>"));
     EXPECT_LT(once.indexOf(" a="), once.indexOf(" schemaVersion=")); // sorted
     EXPECT_LT(once.indexOf(" schemaVersion="), once.indexOf(" z="));
+}
+
+TEST(Serialize, TextsComeBack) {
+    for (const char* text :
+         {"plain", "", "\\u007f", "\\u0000", "\\n\\t", "\\\"", "\\\\", "caf\u00e9", "~ "}) {
+        SCOPED_TRACE(text);
+        const QByteArray bytes = R"({"data":{"@meta":{"class_name":"A","object_id":2},"text":")" +
+                                 QByteArray(text) + R"("},"version":"1.0"})";
+        const auto before = Reader::parse(bytes, name);
+        const auto after = Reader::parse(Reader::serialize(before).bytes, name);
+        EXPECT_EQ(before.json().flat.objects, after.json().flat.objects);
+    }
 }
 
 TEST(Serialize, JsonKeepsItsEnvelope) {

@@ -55,6 +55,12 @@ TEST(VerifyArchive, ASoundOneHasNoFindings) {
                 IsEmpty());
 }
 
+TEST(VerifyArchive, WhatStandsInNoObject) {
+    const QByteArray stray = "<list type='Array' size='5'><Item index='3'/></list>";
+    EXPECT_THAT(linesIn(archive({2}, "<RootObject type='Timeline::Object' objectId='2'/>" + stray)),
+                ElementsAre("wrong-size  0 Archive/list", "wrong-index  0 Archive/list/Item[1]"));
+}
+
 TEST(VerifyArchive, ReferencesThatLeadNowhere) {
     const auto findings = findingsIn(archive(
         {2, 4}, "<RootObject type='Timeline::Object' objectId='2'>"

@@ -144,6 +144,17 @@ TEST(SvgAdjustablePoints, OneThatBreaksTheCopyLeavesTheDocumentAlone) {
     EXPECT_TRUE(leaf<AnimatableAttributeAdjustablePoint>(document.animations().at(0))->inner);
 }
 
+TEST(SvgAdjustablePoints, OneThatBreaksTheCopyBeforeTheAnimationLeavesItNoPlace) {
+    const SvgDocument document("<svg><adjustablePoint id='p' posX='&lt;&quot;' posY='1'/><g title='p.posX'/>"
+                               "<line><animate attributeName='x1' values='p.posX;p.posY'/></line></svg>");
+    const auto* point = leaf<AnimatableAttributeAdjustablePoint>(document.animations().at(0));
+    EXPECT_THAT(point->element.path, ElementsAre(2));
+    const auto* inner = leaf<AnimatableAttributeFloatList>(point->inner);
+    ASSERT_TRUE(inner);
+    EXPECT_THAT(inner->element.path, IsEmpty());
+    EXPECT_EQ(inner->name, "x1");
+}
+
 TEST(SvgAdjustablePoints, CollectingNeedsTheTagInTheTextAsGiven) {
     EXPECT_THAT(SvgDocument("<svg>word<adjustablePoint id='a' posX='1' posY='2'/></svg>").adjustablePoints(),
                 IsEmpty());

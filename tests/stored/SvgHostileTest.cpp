@@ -142,6 +142,21 @@ TEST(SvgHostile, DefaultsOfADocumentTypeAreNotGivenToEveryElement) {
     EXPECT_EQ(SvgImage(text).document()->durationMs(), 0);
 }
 
+TEST(SvgHostile, DefaultsThatEntitiesHideAreNotGivenToEveryElement) {
+    // Each declaration has few attributes, and quotation marks alone tell that together they have many.
+    const auto duration = [](int lists) {
+        QString text = "<!DOCTYPE svg [";
+        for (int number = 0; number < lists; ++number)
+            text += QString("<!ATTLIST animateColor a%1 CDATA '1'>").arg(number);
+        return SvgImage(text + "]><svg><animateColor attributeName='fill' from='red' to='blue' begin='0s' "
+                               "dur='1s'/></svg>")
+            .document()
+            ->durationMs();
+    };
+    EXPECT_EQ(duration(10), 1000);
+    EXPECT_EQ(duration(300), 0);
+}
+
 TEST(SvgHostile, DocumentTypesWithManyAttributes) {
     QString lists;
     QString attributes;

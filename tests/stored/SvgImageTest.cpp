@@ -434,6 +434,13 @@ TEST(SvgWriting, IsThatOfQtButForTheOrder) {
     }
 }
 
+TEST(SvgWriting, ACommentThatEndsInADashEndsWhereItShould) {
+    QDomDocument dom;
+    dom.appendChild(dom.createElement("svg")).appendChild(dom.createComment("x-"));
+    EXPECT_EQ(Internal::toText(dom), dom.toString(1));
+    EXPECT_EQ(Internal::toText(dom), "<svg>\n <!--x- -->\n</svg>\n");
+}
+
 TEST(SvgWriting, ManyAttributesAreWrittenAsFewAre) {
     const auto element = [](int attributes, const QString& more) {
         QString text = "<svg";

@@ -159,6 +159,7 @@ bool Outline::isUpToDate() {
 void Outline::markUpToDate() {
     m_mark.setTagName(unchanged);
     m_marks = m_markParent.elementsByTagName(unchanged);
+    m_marks.length(); // builds the list
     m_mark.setTagName(changed);
 }
 
