@@ -16,7 +16,7 @@
 namespace {
 
 constexpr const char* usage =
-    R"(adaptors-bench                       the road from version 3 to 77 at 10,000 and 100,000 elements
+    R"(adaptors-bench                       the road from version 3 to the newest at 10,000 and 100,000 elements
 adaptors-bench --large               the same, and at 1,000,000 elements
 adaptors-bench --elements N...       the same at these sizes
 adaptors-bench --clips N EFFECTS     the same with a tenth of N clips and with N, each with so many effects

@@ -1,6 +1,7 @@
 #include "Adaptors/OverlayFileContentReadAdaptor.h"
 
 #include "Archive/Internal/FlatObjects.h"
+#include "Archive/Internal/Outline.h"
 #include "Archive/Internal/Walk.h"
 #include "Archive/Xml.h"
 #include "Serialize/Json/FlatObject.h"
@@ -15,12 +16,13 @@ QString toBase64(const QByteArray& content) {
 }
 
 void bringBack(QDomElement& text, const QByteArray& content) {
-    text.setAttribute(Words::type, QStringLiteral("String"));
+    Archive::Internal::setType(text, QStringLiteral("String"));
     // Under any other tag the name of the file stays as the text.
     if (text.tagName() == QLatin1String("text"))
         text.setAttribute(Words::value, QString::fromUtf8(content));
     else if (text.tagName() == QLatin1String("encodedText"))
         text.setAttribute(Words::value, toBase64(content));
+    Archive::Internal::Outline::wrote(text.attribute(Words::value));
 }
 
 } // namespace

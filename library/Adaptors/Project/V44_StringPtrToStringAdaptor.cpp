@@ -79,8 +79,10 @@ void V44_StringPtrToStringAdaptor::adapt(QDomDocument& document) {
     auto matches = matchesInTree(document);
     if (!matches)
         return convertText(document);
-    for (QDomAttr& attribute : *matches)
+    for (QDomAttr& attribute : *matches) {
         attribute.setValue(QStringLiteral("String"));
+        Archive::Internal::Outline::retyped(attribute.ownerElement());
+    }
 }
 
 } // namespace Project

@@ -123,13 +123,9 @@ void Outline::removedItems(const QDomElement& array, const Elements& items) {
 
 void Outline::retyped(const QDomElement& e) {
     Outline* outline = of(e);
-    if (outline && outline->m_lists)
+    const QString tag = e.tagName();
+    if (outline && outline->m_lists && (tag == Words::RootObject || tag == Words::BaseOfObject))
         outline->m_retyped.push_back(e);
-}
-
-void Outline::rearranged(const QDomDocument& document) {
-    if (Outline* outline = of(document))
-        outline->m_lists.reset();
 }
 
 void Outline::forget(const QDomDocument& document) {

@@ -21,8 +21,8 @@ namespace Archive::Internal {
 /// That the document changed is noticed; what changed is told. The outline then brings itself up to date from what it
 /// was told, without a search. The functions of Archive and Walk.h tell it all by themselves. A step that brings root
 /// objects, base parts or object ids into the document otherwise than by createObject() calls adopted() or forget();
-/// one that gives such elements another place or another tag calls rearranged(); one that writes texts otherwise than
-/// by the functions of Archive, and not from texts of the document, calls wrote().
+/// one that gives such elements another place, tag or type calls removed() or retyped(); one that writes texts otherwise
+/// than by the functions of Archive, and not from texts of the document, calls wrote().
 class Outline {
 public:
     explicit Outline(const QDomDocument& document);
@@ -39,7 +39,7 @@ public:
     /// A new text in the document. One that readers may stumble over puts the greatest id in doubt.
     static void wrote(const QString& text);
 
-    /// The node and all in it left the tree or their place in it, or the node is about to get another tag.
+    /// The node and all in it left the tree, or are about to get another place, or the node another tag.
     static void removed(const QDomNode& e);
 
     /// The same for a child that was removed from `parent`.
@@ -55,9 +55,6 @@ public:
 
     /// The element and all in it came into the tree from another document.
     static void adopted(const QDomElement& e);
-
-    /// Root objects or base parts of the document got another place: their lists are searched anew.
-    static void rearranged(const QDomDocument& document);
 
     /// Nothing is known any more of the document.
     static void forget(const QDomDocument& document);
