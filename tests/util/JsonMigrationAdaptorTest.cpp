@@ -5,9 +5,17 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+#include <string>
+#include <vector>
+
 using Bundle::Backend;
 using nlohmann::json;
 using Tests::expectSame;
+using Tests::item;
+using Tests::object;
+using Tests::predeclarator;
+using Tests::ref;
 using Tests::xml;
 
 namespace {
@@ -43,6 +51,79 @@ TEST(JsonMigrationAdaptor, HandsItsNumberBackAndNotesThatItRan) {
     EXPECT_TRUE(copy.converted());
     EXPECT_EQ(adaptor.convert(xml("<NoArchive/>")).first, -7);
     EXPECT_TRUE(adaptor.converted());
+}
+
+/// What is left of a document when it is consumed, and what that gave.
+struct Consumed {
+    explicit Consumed(const std::string& content) : document(Tests::archive(content)) {
+        value = Util::XmlToJsonAdaptor().consume(document, idsTaken);
+    }
+
+    QDomDocument document;
+    json value;
+    std::set<unsigned long long> idsTaken;
+};
+
+TEST(ConsumingConversion, GivesWhatTheOtherGives) {
+    const std::string pair =
+        "<Value type='Array' size='1'>" + item(ref("First", 4) + ref("Second", 5)) + "</Value>";
+    const std::vector<std::string> contents = {
+        ref("RootRef", 2) + object("A", 2, ref("b", 3) + ref("again", 3)) + object("B", 3, ref("back", 2)),
+        predeclarator({{"A", 2}, {"Transition::Fade", 3}, {"Timeline::Clip", 4}, {"Timeline::Clip", 5}}) +
+            ref("RootRef", 2) + object("A", 2, "<f type='Array'>" + item(ref("Key", 3) + pair) + "</f>") +
+            object("Transition::Fade", 3, ref("clip", 4)) + object("Timeline::Clip", 4) +
+            object("Timeline::Clip", 5),
+        ref("RootRef", 2) +
+            object("A", 2, "<BaseOfObject type='C'><x type='bool' value='1'/></BaseOfObject>"),
+        ref("RootRef", 2) + object("A", 2, ref("b", 3)) + object("B", 3) + object("Later", 3),
+        ref("RootRef", 9) + object("A", 2),
+        object("A", 2),
+    };
+    for (const std::string& content : contents) {
+        SCOPED_TRACE(content);
+        const Consumed consumed(content);
+        expectSame(Tests::convert(Tests::archive(content)), consumed.value);
+        EXPECT_TRUE(consumed.idsTaken.empty());
+    }
+}
+
+// An object inside another is converted in its place, and once more by the first reference.
+TEST(ConsumingConversion, ConvertsNestedRootObjectsTwice) {
+    const std::string content =
+        ref("RootRef", 2) +
+        object("A", 2, "<in type='B' objectId='7'>" + object("N", 3, ref("c", 4)) + "</in>" + ref("n", 3)) +
+        object("C", 4, "<x type='int32_t' value='5'/>");
+    const Consumed consumed(content);
+    const json data = consumed.value["data"];
+    expectSame(Tests::convert(Tests::archive(content)), consumed.value);
+    EXPECT_EQ(data["in"]["RootObject"]["c"]["x"], 5);
+    EXPECT_EQ(data["n"]["c"]["@meta_reference"], 4);
+}
+
+TEST(ConsumingConversion, FreesWhatItConverts) {
+    const Consumed consumed(predeclarator({{"A", 2}}) + ref("RootRef", 2) + object("A", 2, ref("b", 3)) +
+                            object("B", 3) + object("Unreached", 4));
+    const QDomElement left = consumed.document.documentElement().firstChildElement("RootObject");
+    EXPECT_EQ(left.attribute("type"), "Unreached");
+    EXPECT_TRUE(left.nextSiblingElement("RootObject").isNull());
+}
+
+TEST(ConsumingConversion, TakesIdsOfRootObjectsFromEmbeddedObjects) {
+    const std::string content = ref("RootRef", 2) +
+                                object("A", 2,
+                                       "<own type='E' objectId='8'/><other type='E' objectId='3'/>"
+                                       "<none type='E'/>" +
+                                           ref("b", 3)) +
+                                object("B", 3, "<BaseOfObject type='C' objectId='3'/>");
+    const Consumed consumed(content);
+    const json data = consumed.value["data"];
+    EXPECT_EQ(data["own"]["@meta"]["object_id"], 8);
+    EXPECT_EQ(data["other"]["@meta"]["object_id"], 0);
+    EXPECT_EQ(data["none"]["@meta"]["object_id"], 0);
+    EXPECT_EQ(data["b"]["@meta"]["object_id"], 3);
+    EXPECT_EQ(data["b"]["C"]["@meta"]["object_id"], 1);
+    EXPECT_EQ(consumed.idsTaken, std::set<unsigned long long>{3});
+    EXPECT_EQ(Tests::convert(Tests::archive(content))["data"]["other"]["@meta"]["object_id"], 3);
 }
 
 } // namespace

@@ -1,0 +1,135 @@
+// The tree of an archive is the one that Qt builds from the same text.
+
+#include "Reader/XmlTree.h"
+#include "support/Files.h"
+#include "support/Paths.h"
+
+#include <gtest/gtest.h>
+
+#include <QXmlStreamReader>
+
+#include <cstring>
+#include <filesystem>
+
+namespace {
+
+QDomDocument treeOf(const QByteArray& text) {
+    QXmlStreamReader reader(text);
+    reader.setNamespaceProcessing(false);
+    QDomDocument document = Reader::buildXmlTree(reader);
+    EXPECT_FALSE(reader.hasError()) << reader.errorString().toStdString();
+    return document;
+}
+
+QDomDocument qtTreeOf(const QByteArray& text) {
+    QXmlStreamReader reader(text);
+    reader.setNamespaceProcessing(false);
+    QDomDocument document;
+    EXPECT_TRUE(document.setContent(&reader, false));
+    return document;
+}
+
+void expectSameNode(const QDomNode& expected, const QDomNode& actual) {
+    EXPECT_EQ(expected.nodeType(), actual.nodeType());
+    EXPECT_EQ(expected.nodeName(), actual.nodeName());
+    EXPECT_EQ(expected.nodeValue(), actual.nodeValue());
+    EXPECT_EQ(expected.nodeValue().isNull(), actual.nodeValue().isNull());
+    EXPECT_EQ(expected.localName().isNull(), actual.localName().isNull());
+    EXPECT_EQ(expected.namespaceURI().isNull(), actual.namespaceURI().isNull());
+    const QDomNamedNodeMap attributes = expected.attributes();
+    EXPECT_EQ(attributes.length(), actual.attributes().length());
+    for (int number = 0; number < attributes.length(); ++number) {
+        const QDomNode attribute = attributes.item(number);
+        const QDomNode other = actual.attributes().namedItem(attribute.nodeName());
+        ASSERT_FALSE(other.isNull()) << attribute.nodeName().toStdString();
+        expectSameNode(attribute, other);
+    }
+    QDomNode child = expected.firstChild();
+    QDomNode other = actual.firstChild();
+    for (; !child.isNull() && !other.isNull(); child = child.nextSibling(), other = other.nextSibling())
+        expectSameNode(child, other);
+    EXPECT_EQ(child.isNull(), other.isNull()) << "below " << expected.nodeName().toStdString();
+}
+
+void expectTreeOfQt(const QByteArray& text) {
+    SCOPED_TRACE(text.left(500).toStdString());
+    expectSameNode(qtTreeOf(text), treeOf(text));
+    EXPECT_EQ(qtTreeOf(text).doctype().name(), treeOf(text).doctype().name());
+}
+
+TEST(XmlTree, IsTheOneOfQt) {
+    for (const char* text : {
+             "<a/>",
+             "<?xml version='1.0'?><a/>",
+             "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a/>\n",
+             "<?xml version='1.0' encoding='UTF-8' standalone='yes'?><a/>",
+             "<?xml version='1.0' encoding='UTF-8' standalone='no'?><a/>",
+             "<!-- before --><?before it?><a/><!-- behind --><?behind?>",
+             "<a><!----><!-- in --><?in  two words ?><b/></a>",
+             "<a>\n <b/>\t<c> text </c>\r\n</a>",
+             "<a>text<b/>text</a>",
+             "<a> &amp; &lt; </a>",
+             "<a>&#32;</a>",
+             "<a>&#160;</a>",
+             "<a>\xC2\xA0</a>",
+             "<a><![CDATA[]]><![CDATA[  ]]><![CDATA[ x < & ]]>behind</a>",
+             "<a x='' y=' ' z='&lt;&amp;&quot;&#10;'/>",
+             "<a x='1'><b x='1' y='1'/><b y='1' x='1'/></a>",
+             "<a long='a value of more than twenty-four characters'><b long='a value of more than "
+             "twenty-four "
+             "characters'/></a>",
+             "<p:a xmlns:p='u' p:x='1' xmlns='v'><b/></p:a>",
+             "<\xC3\xA4 \xC3\xB6='\xF0\x9D\x84\x9E'/>",
+         })
+        expectTreeOfQt(text);
+}
+
+// Many more strings than any pool has places for.
+TEST(XmlTree, MixesNoStringsUp) {
+    QByteArray text = "<a>";
+    for (int number = 0; number < 20000; ++number) {
+        const QByteArray digits = QByteArray::number(number);
+        text += "<e" + digits + " n" + digits + "='" + digits + "' value='" + digits + "'/>";
+    }
+    const QDomDocument document = treeOf(text + "</a>");
+    int number = 0;
+    for (QDomElement e = document.documentElement().firstChildElement(); !e.isNull();
+         e = e.nextSiblingElement(), ++number) {
+        const QString digits = QString::number(number);
+        ASSERT_EQ(e.tagName(), "e" + digits);
+        ASSERT_EQ(e.attribute("n" + digits), digits);
+        ASSERT_EQ(e.attribute(QStringLiteral("value")), digits);
+    }
+    EXPECT_EQ(number, 20000);
+}
+
+TEST(XmlTree, SharesWhatIsEqual) {
+    const QDomDocument document = treeOf("<a><bc type='double'/><bc type='double'/></a>");
+    const QDomElement first = document.documentElement().firstChildElement();
+    const QDomElement second = first.nextSiblingElement();
+    EXPECT_EQ(first.tagName().constData(), second.tagName().constData());
+    EXPECT_EQ(first.attribute(QStringLiteral("type")).constData(),
+              second.attribute(QStringLiteral("type")).constData());
+}
+
+TEST(XmlTree, LeavesErrorsWithTheReader) {
+    for (const char* text : {"", "<a>", "<a></b>", "<a x='1' x='2'/>", "<a>&what;</a>", "<a/><b/>", "text"}) {
+        QXmlStreamReader reader(QByteArray::fromRawData(text, static_cast<int>(std::strlen(text))));
+        reader.setNamespaceProcessing(false);
+        Reader::buildXmlTree(reader);
+        EXPECT_TRUE(reader.hasError()) << text;
+    }
+}
+
+TEST(XmlTree, OfEverySampleIsTheOneOfQt) {
+    int samples = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(Tests::samplesFolder())) {
+        if (entry.path().extension() != ".xml")
+            continue;
+        expectTreeOfQt(QByteArray::fromStdString(Tests::readFile(entry.path())));
+        ++samples;
+    }
+    EXPECT_GE(samples, 8);
+}
+
+} // namespace
