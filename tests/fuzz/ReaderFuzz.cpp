@@ -6,7 +6,22 @@
 #include "Reader/Error.h"
 #include "Reader/Verify.h"
 
+#include <QXmlStreamReader>
+
 #include <optional>
+
+namespace {
+
+/// The tree is the one that Qt builds.
+void checkTree(const QDomDocument& document, const QByteArray& bytes) {
+    QXmlStreamReader reader(bytes);
+    reader.setNamespaceProcessing(false);
+    QDomDocument expected;
+    Fuzz::check(expected.setContent(&reader, false), "Qt does not read what was read");
+    Fuzz::check(document.toByteArray(1) == expected.toByteArray(1), "Qt reads another tree");
+}
+
+} // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
     Fuzz::initialize("ReaderFuzz");
@@ -20,6 +35,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     } catch (const Reader::Error&) {
         return 0;
     }
+    if (document->isXml())
+        checkTree(document->xml(), Fuzz::bytesOf(data, size));
     Reader::countObjects(*document);
     Reader::listClips(*document);
     Reader::verify(*document);
