@@ -124,6 +124,19 @@ TEST_F(OutlineTest, ForgetsWhatIsRemovedAgainstTheOrderOfTheDocument) {
     });
 }
 
+// Too many changes of direction for the order of the document.
+TEST_F(OutlineTest, KnowsThePlacesOfWhatWasMovedInAnyOrder) {
+    for (long long id = 20; id < 40; ++id)
+        m_archive.appendChild(newObject(id));
+    expectTruthAfter([&] {
+        const auto objects = Archive::Internal::children(m_archive, Words::RootObject);
+        for (std::size_t place = objects.size(); place > 2; place -= 2) {
+            Outline::removed(objects[place - 1]);
+            m_archive.appendChild(objects[place - 1]);
+        }
+    });
+}
+
 TEST_F(OutlineTest, ForgetsWhatStoodInARemovedElement) {
     expectTruthAfter([&] { Archive::removeFirstChild(m_first, Words::BaseOfObject); });
     expectTruthAfter([&] {

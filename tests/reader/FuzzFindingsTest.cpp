@@ -4,6 +4,7 @@
 #include "Reader/Road.h"
 #include "Reader/Verify.h"
 #include "support/Files.h"
+#include "support/Outlines.h"
 #include "support/Paths.h"
 
 #include <gtest/gtest.h>
@@ -32,6 +33,11 @@ std::vector<fs::path> findings() {
 QByteArray saved(const QByteArray& bytes) {
     Reader::Journey journey;
     journey.name = journey.location = journey.target = QStringLiteral("film");
+    journey.watch = [](const std::string& step, const Document& document) {
+        auto* outline = document.isXml() ? Archive::Internal::Outline::of(document.xml()) : nullptr;
+        if (outline)
+            EXPECT_EQ(Tests::difference(*outline, document.xml()), "") << "behind " << step;
+    };
     try {
         Document document = Reader::parse(bytes, journey.name);
         Reader::verify(document);

@@ -222,10 +222,10 @@ Elements withTag(const Elements& elements, const QString& tag) {
 bool Outline::dropRemoved() {
     if (m_greatest && !m_greatest->holder.isNull() && !isInTree(m_greatest->holder))
         m_greatest.reset();
-    if (m_lists) {
-        drop(m_lists->rootObjects, m_removed.rootObjects);
-        drop(m_lists->baseParts, m_removed.baseParts);
-    }
+    const bool areDropped = m_lists && drop(m_lists->rootObjects, m_removed.rootObjects) &&
+                            drop(m_lists->baseParts, m_removed.baseParts);
+    if (!areDropped)
+        m_lists.reset();
     // They may come back into the tree as if they were new.
     m_created.insert(m_created.end(), m_removed.rootObjects.begin(), m_removed.rootObjects.end());
     m_created.insert(m_created.end(), m_removed.baseParts.begin(), m_removed.baseParts.end());
@@ -233,15 +233,15 @@ bool Outline::dropRemoved() {
     return m_hopsLeft > 0;
 }
 
-void Outline::drop(List& list, const Elements& gone) {
+/// False where not all of them are found.
+bool Outline::drop(List& list, const Elements& gone) {
     if (gone.empty())
-        return;
+        return true;
     TypedElements::List& entries = own(list);
-    if (visitInOrder(entries, gone, [](TypedElement& e) { e.element = QDomElement(); }))
-        std::erase_if(entries, [](const TypedElement& e) { return e.element.isNull(); });
-    else
-        std::erase_if(entries,
-                      [this](const TypedElement& e) { return e.element.isNull() || !isInTree(e.element); });
+    if (!visitInOrder(entries, gone, [](TypedElement& e) { e.element = QDomElement(); }))
+        return false;
+    std::erase_if(entries, [](const TypedElement& e) { return e.element.isNull(); });
+    return true;
 }
 
 void Outline::takeInRetyped() {

@@ -107,7 +107,7 @@ private:
     void doubtTexts();
     void findArchive();
     bool dropRemoved();
-    void drop(List& list, const Elements& gone);
+    bool drop(List& list, const Elements& gone);
     void takeInRetyped();
     void retype(List& list, const Elements& retyped);
     bool takeInCreated();
