@@ -35,8 +35,9 @@ QByteArray saved(const QByteArray& bytes) {
     journey.name = journey.location = journey.target = QStringLiteral("film");
     journey.watch = [](const std::string& step, const Document& document) {
         auto* outline = document.isXml() ? Archive::Internal::Outline::of(document.xml()) : nullptr;
-        if (outline)
+        if (outline) {
             EXPECT_EQ(Tests::difference(*outline, document.xml()), "") << "behind " << step;
+        }
     };
     try {
         Document document = Reader::parse(bytes, journey.name);
