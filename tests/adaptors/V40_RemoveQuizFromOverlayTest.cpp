@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <QDomDocument>
+#include <QStringList>
 
 namespace {
 
@@ -56,22 +57,52 @@ TEST(V40RemoveQuizFromOverlay, EachOfManyClipsGetsItsQuiz) {
     EXPECT_EQ(document.elementsByTagName(QStringLiteral("questions")).length(), clips);
 }
 
-TEST(XmlText, NestingIsBounded) {
+TEST(V40RemoveQuizFromOverlay, IdsBehindATextErrorInTheFieldThatChangesDoNotCount) {
+    // The vertical tab is no character of XML. A tree can hold it, and the scan for the greatest id stops there.
     QDomDocument document;
-    EXPECT_TRUE(Archive::Internal::parseXml(document, nested(1000)));
-    EXPECT_FALSE(document.documentElement().isNull());
-    EXPECT_FALSE(Archive::Internal::parseXml(document, nested(1001)));
-    EXPECT_TRUE(document.documentElement().isNull());
-    EXPECT_TRUE(Archive::Internal::parseXml(
-        document, QStringLiteral("<a>") + QStringLiteral("<b></b>").repeated(2000) + QStringLiteral("</a>")));
+    ASSERT_TRUE(
+        document.setContent(archive(quizClip(3, 7, QStringLiteral("<RootObject type='Quiz::Question'/>")) +
+                                    QStringLiteral("<RootObject type='Timeline::Track' objectId='50'/>"))));
+    document.elementsByTagName(QStringLiteral("overlay"))
+        .item(0)
+        .toElement()
+        .setAttribute(QStringLiteral("value"), QStringLiteral("7\v"));
+    Project::V40_RemoveQuizFromOverlayAdaptor().adapt(document);
+    const QDomElement questions = document.elementsByTagName(QStringLiteral("questions")).item(0).toElement();
+    EXPECT_EQ(questions.parentNode().toElement().attribute(QStringLiteral("objectId")), QStringLiteral("4"));
+    EXPECT_EQ(questions.firstChildElement().firstChildElement().attribute(QStringLiteral("objectId")),
+              QStringLiteral("5"));
 }
 
-TEST(XmlText, WhatIsNoXmlGivesAnEmptyDocument) {
+TEST(XmlText, NestingIsBounded) {
     QDomDocument document;
-    for (const char* text : {"", "text", "<a>", "<a></b>"}) {
-        EXPECT_FALSE(Archive::Internal::parseXml(document, QString::fromLatin1(text))) << text;
-        EXPECT_TRUE(document.firstChild().isNull()) << text;
-    }
+    Archive::Internal::parseXml(document, nested(1000));
+    EXPECT_FALSE(document.documentElement().isNull());
+    Archive::Internal::parseXml(document, nested(1001));
+    EXPECT_TRUE(document.documentElement().isNull());
+    Archive::Internal::parseXml(document, QStringLiteral("<a>") + QStringLiteral("<b></b>").repeated(2000) +
+                                              QStringLiteral("</a>"));
+    EXPECT_FALSE(document.documentElement().isNull());
+}
+
+TEST(XmlText, OfABrokenTextCountsWhatStandsInFrontOfTheFault) {
+    const auto childrenOf = [](const char* text) {
+        QDomDocument document;
+        Archive::Internal::parseXml(document, QStringLiteral("<old/>"));
+        Archive::Internal::parseXml(document, QString::fromLatin1(text));
+        QStringList children;
+        for (QDomElement e = document.documentElement().firstChildElement(); !e.isNull();
+             e = e.nextSiblingElement())
+            children.append(e.tagName());
+        return document.documentElement().tagName() + ':' + children.join(',');
+    };
+    EXPECT_EQ(childrenOf("<a><b/><c/></a>").toStdString(), "a:b,c");
+    EXPECT_EQ(childrenOf("<a><b/><c/>").toStdString(), "a:b,c");
+    EXPECT_EQ(childrenOf("<a><b/></c></a>").toStdString(), "a:b");
+    EXPECT_EQ(childrenOf("<a><b/></a>text").toStdString(), "a:b");
+    EXPECT_EQ(childrenOf("<a>&<b/></a>").toStdString(), "a:");
+    EXPECT_EQ(childrenOf("text").toStdString(), ":");
+    EXPECT_EQ(childrenOf("").toStdString(), ":");
 }
 
 } // namespace

@@ -9,6 +9,8 @@
 
 #include <QMap>
 
+#include <algorithm>
+
 #include <glog/logging.h>
 
 namespace Words = Archive::Words;
@@ -25,6 +27,10 @@ constexpr int quizPresetType = 4;
 
 int typeFieldOf(const QDomElement& object) {
     return valueOf(object, Words::type).toInt();
+}
+
+bool isQuizClip(const QDomElement& clip) {
+    return typeFieldOf(clip) == quizClipType;
 }
 
 /// The texts of a preset's items, in order; an item without one counts with an empty text.
@@ -83,6 +89,9 @@ bool Impl::collect() {
             m_overlays.insert(object.attribute(Words::objectId).toLongLong(), object);
     }
     collectRemovals();
+    // Now and not at the first new object: what hides ids behind it may stand in a text that changes before.
+    if (std::any_of(m_clips.begin(), m_clips.end(), isQuizClip))
+        m_ids.greatest();
     return true;
 }
 
@@ -102,7 +111,7 @@ void Impl::collectRemovals() {
 void Impl::convert() {
     for (QDomElement& clip : m_clips) {
         clip.appendChild(Archive::createObjectRef(m_document, QStringLiteral("quiz"), 0));
-        if (typeFieldOf(clip) == quizClipType)
+        if (isQuizClip(clip))
             convertQuizClip(clip);
     }
     // Quiz presets that no clip uses stay, without a predeclaration.

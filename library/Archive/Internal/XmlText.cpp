@@ -45,11 +45,10 @@ QT_WARNING_POP
 
 } // namespace
 
-bool parseXml(QDomDocument& document, const QString& text) {
-    if (!isTooDeep(text) && document.setContent(text))
-        return true;
-    document.clear(); // a parse that fails leaves what it had read by then
-    return false;
+void parseXml(QDomDocument& document, const QString& text) {
+    document.clear();
+    if (!isTooDeep(text))
+        document.setContent(text); // one that fails leaves what it had read by then
 }
 
 } // namespace Archive::Internal
