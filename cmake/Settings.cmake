@@ -25,8 +25,10 @@ endfunction()
 # Documents are masses of small nodes, and after tens of thousands of them were freed the C library's allocator
 # stops to sort what it has. A program links this one instead where it is there and no sanitizer brings its own.
 find_library(PROJECT_ADAPTORS_JEMALLOC jemalloc)
+set(PROJECT_ADAPTORS_CMAKE_FOLDER "${CMAKE_CURRENT_LIST_DIR}")
 function(project_adaptors_allocator target)
     if(PROJECT_ADAPTORS_JEMALLOC AND NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
+        target_sources(${target} PRIVATE "${PROJECT_ADAPTORS_CMAKE_FOLDER}/jemalloc.cpp")
         target_link_libraries(${target} PRIVATE
             -Wl,--push-state,--no-as-needed "${PROJECT_ADAPTORS_JEMALLOC}" -Wl,--pop-state)
     endif()
