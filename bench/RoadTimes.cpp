@@ -52,9 +52,10 @@ public:
 
     explicit Walk(const QByteArray& text) {
         load = millisecondsOf([&] { m_document.content = Reader::parseXml(text, name); });
-        m_document.version = oldestVersion;
-        m_outline = std::make_unique<Archive::Internal::Outline>(m_document.xml());
+        m_document = Reader::parse(text, name);
         other("count the objects of the archive", [&] { Reader::countObjects(m_document); });
+        auto facts = std::move(*m_document.facts);
+        m_outline = std::make_unique<Archive::Internal::Outline>(m_document.xml(), std::move(facts));
         other("list the clips of the archive", [&] { Reader::listClips(m_document); });
         unnumbered("OverlayFileContentReadAdaptor");
         xmlRoad();

@@ -54,8 +54,10 @@ namespace Internal {
 
 void setIndex(QDomElement& item, long long index) {
     const QString text = QString::number(index);
-    if (item.attribute(Words::index) != text)
-        item.setAttribute(Words::index, text);
+    if (item.attribute(Words::index) == text)
+        return;
+    item.setAttribute(Words::index, text);
+    Outline::numbered(item.parentNode().toElement(), 0);
 }
 
 bool removeItems(QDomElement& array, const Elements& victims) {
@@ -77,7 +79,7 @@ QDomElement appendArrayElement(QDomDocument& doc, QDomElement& array) {
     QDomElement item = createArrayItem(doc, size);
     if (!array.isNull()) {
         array.appendChild(item);
-        Internal::Outline::appendedItem(array, item);
+        Internal::Outline::appendedItem(array, item, size);
         setSize(array, size);
     }
     return item;

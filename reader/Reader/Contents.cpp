@@ -63,18 +63,22 @@ std::string classOf(const json& object) {
     return name ? *name : std::string();
 }
 
-ObjectCounts countXml(const QDomDocument& xml) {
-    QHash<QString, std::size_t> byType;
+QHash<QString, std::size_t> objectsByType(const QDomDocument& xml) {
+    QHash<QString, std::size_t> objects;
     walkElements(xml.documentElement(), [&](const QDomElement& e) {
-        if (!e.hasAttribute(Words::objectId))
-            return;
-        const QString type = Archive::typeOf(e);
-        if (!isDeclaring(type))
-            ++byType[type];
+        if (e.hasAttribute(Words::objectId))
+            ++objects[Archive::typeOf(e)];
     });
+    return objects;
+}
+
+ObjectCounts countXml(const Document& document) {
+    const auto objects = document.facts ? document.facts->objectsByType : objectsByType(document.xml());
     ObjectCounts counts;
-    for (auto type = byType.begin(); type != byType.end(); ++type)
-        counts[type.key().toStdString()] += *type;
+    for (auto type = objects.begin(); type != objects.end(); ++type) {
+        if (!isDeclaring(type.key()))
+            counts[type.key().toStdString()] += *type;
+    }
     return counts;
 }
 
@@ -176,7 +180,7 @@ bool isDeclaring(const QString& type) {
 
 ObjectCounts countObjects(const Document& document) {
     if (document.isXml())
-        return countXml(document.xml());
+        return countXml(document);
     ObjectCounts counts;
     for (const auto& [id, object] : document.json().flat.objects)
         ++counts[classOf(object)];

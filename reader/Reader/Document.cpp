@@ -58,15 +58,16 @@ std::optional<int> versionOf(const json& envelope, const QString& name) {
 }
 
 Document parseArchive(const QByteArray& bytes, const QString& name, std::optional<int> version) {
-    const QDomDocument xml = parseXml(bytes, name);
+    Archive::Internal::TreeFacts facts;
+    const QDomDocument xml = parseXml(bytes, name, &facts);
     const QDomElement archive = xml.documentElement();
     if (archive.tagName() != archiveTag)
         fail(Problem::NoArchive, name,
              "the document element is <" + archive.tagName().toStdString() + ">, a project has <Archive>");
-    if (const int count = xml.elementsByTagName(archiveTag).length(); count != 1)
+    if (facts.archives != 1)
         fail(Problem::NoArchive, name,
-             "there are " + std::to_string(count) + " <Archive> elements, a project has one");
-    return {xml, version ? version : versionOf(archive, name)};
+             "there are " + std::to_string(facts.archives) + " <Archive> elements, a project has one");
+    return {xml, version ? version : versionOf(archive, name), std::move(facts)};
 }
 
 Document parseProjectJson(const QByteArray& bytes, const QString& name, std::optional<int> version) {
@@ -78,7 +79,7 @@ Document parseProjectJson(const QByteArray& bytes, const QString& name, std::opt
     if (!version)
         version = versionOf(envelope, name);
     envelope.erase(schemaVersionKey);
-    return {openEnvelope(std::move(envelope), name), version};
+    return {openEnvelope(std::move(envelope), name), version, std::nullopt};
 }
 
 Serialized serializeXml(Document document) {

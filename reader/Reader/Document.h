@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Adaptors/Backend.h"
+#include "Archive/Internal/TreeFacts.h"
 #include "Reader/Flatten.h"
 
 #include <QByteArray>
@@ -22,12 +23,17 @@ struct JsonDocument : FlatDocument {
 struct Document {
     std::variant<QDomDocument, JsonDocument> content;
     std::optional<int> version; ///< schema version; none where the document names none
+    /// What the archive held when it was read; none once it was handed out to be changed.
+    std::optional<Archive::Internal::TreeFacts> facts = std::nullopt;
 
     Bundle::Backend form() const {
         return content.index() == 0 ? Bundle::Backend::Xml : Bundle::Backend::Json;
     }
     bool isXml() const { return form() == Bundle::Backend::Xml; }
-    QDomDocument& xml() { return std::get<QDomDocument>(content); }
+    QDomDocument& xml() {
+        facts.reset();
+        return std::get<QDomDocument>(content);
+    }
     const QDomDocument& xml() const { return std::get<QDomDocument>(content); }
     JsonDocument& json() { return std::get<JsonDocument>(content); }
     const JsonDocument& json() const { return std::get<JsonDocument>(content); }

@@ -14,6 +14,7 @@
 #include <new>
 #include <optional>
 #include <set>
+#include <utility>
 
 namespace Words = Archive::Words;
 using Archive::Internal::idOf;
@@ -246,10 +247,12 @@ Report migrate(Document& document, const Journey& journey) {
     report.formBefore = document.form();
     report.from = *document.version;
     const bool wasXml = document.isXml();
-    std::optional<Archive::Internal::Outline> outline;
-    if (wasXml)
-        outline.emplace(document.xml());
     report.objectsBefore = countObjects(document);
+    std::optional<Archive::Internal::Outline> outline;
+    if (auto facts = std::exchange(document.facts, std::nullopt))
+        outline.emplace(document.xml(), std::move(*facts));
+    else if (wasXml)
+        outline.emplace(document.xml());
     const std::vector<Clip> clips = listClips(document);
     const Surroundings surroundings = surroundingsOf(journey);
     {

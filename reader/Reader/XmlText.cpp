@@ -216,12 +216,12 @@ void Writer::writeAttributes(const QDomElement& element) {
 
 } // namespace
 
-QDomDocument parseXml(const QByteArray& bytes, const QString& name) {
+QDomDocument parseXml(const QByteArray& bytes, const QString& name, Archive::Internal::TreeFacts* facts) {
     refuseForeignEncoding(bytes, name);
     refuseHostileText(bytes, name);
     QXmlStreamReader reader(bytes);
     reader.setNamespaceProcessing(false);
-    QDomDocument document = buildXmlTree(reader);
+    QDomDocument document = buildXmlTree(reader, facts);
     if (reader.hasError())
         fail(Problem::BrokenXml, name, reader.lineNumber(), reader.columnNumber(), reader.errorString());
     return document;

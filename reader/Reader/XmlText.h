@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Archive/Internal/TreeFacts.h"
+
 #include <QByteArray>
 #include <QDomDocument>
 #include <QString>
@@ -15,8 +17,9 @@ inline constexpr int maxXmlAttributes = 256;
 
 /// Reads XML text; `name` is the file's name for errors. Throws Error with line and column for text that is not
 /// well-formed, for document type declarations (the format has none), and for hostile depth or
-/// numbers of attributes.
-QDomDocument parseXml(const QByteArray& bytes, const QString& name);
+/// numbers of attributes. `facts`, where they are given, get what the tree holds.
+QDomDocument parseXml(const QByteArray& bytes, const QString& name,
+                      Archive::Internal::TreeFacts* facts = nullptr);
 
 /// Writes a document with sorted attributes, so that the same tree is the same text on every run. Depth costs
 /// memory, not stack.

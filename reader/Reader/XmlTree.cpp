@@ -1,8 +1,14 @@
 #include "Reader/XmlTree.h"
 
+#include "Archive/Internal/PlainText.h"
+
 #include <QXmlStreamReader>
 
+#include <algorithm>
 #include <array>
+
+namespace Words = Archive::Words;
+using Archive::Internal::TreeFacts;
 
 namespace Reader {
 namespace {
@@ -11,12 +17,16 @@ namespace {
 template <std::size_t slotCount>
 class StringPool {
 public:
-    QString take(const QStringRef& text) {
+    /// Calls `look` on each string that was not there.
+    template <class Look>
+    QString take(const QStringRef& text, Look look) {
         if (text.isEmpty())
             return QLatin1String("");
         QString& kept = m_slots[qHash(text) % slotCount];
-        if (kept != text)
+        if (kept != text) {
             kept = text.toString();
+            look(kept);
+        }
         return kept;
     }
 
@@ -28,17 +38,23 @@ constexpr int longestSharedValue = 24;
 
 class Builder {
 public:
-    explicit Builder(QXmlStreamReader& reader) : m_reader(reader) {}
+    Builder(QXmlStreamReader& reader, TreeFacts* facts) : m_reader(reader), m_facts(facts) {}
 
     QDomDocument run();
 
 private:
     void declare();
     void startElement();
+    QString takeName(const QStringRef& name);
     QString takeValue(const QStringRef& value);
     void takeCharacters();
+    void note(const QDomElement& element, const QString& tag, const QString& type,
+              const std::optional<QString>& objectId);
 
     QXmlStreamReader& m_reader;
+    TreeFacts* m_facts;
+    bool m_isPlain = true; ///< by now, within the document element
+    Archive::Internal::GreatestId m_greatest;
     QDomDocument m_document;
     QDomNode m_node; ///< what is open
     StringPool<1024> m_names;
@@ -62,9 +78,11 @@ QDomDocument Builder::run() {
             takeCharacters();
             break;
         case QXmlStreamReader::Comment:
+            m_isPlain = false;
             m_node.appendChild(m_document.createComment(m_reader.text().toString()));
             break;
         case QXmlStreamReader::ProcessingInstruction:
+            m_isPlain = false;
             m_node.appendChild(
                 m_document.createProcessingInstruction(m_reader.processingInstructionTarget().toString(),
                                                        m_reader.processingInstructionData().toString()));
@@ -73,6 +91,8 @@ QDomDocument Builder::run() {
             break;
         }
     }
+    if (m_facts && m_isPlain && Archive::Internal::hasPlainFrame(m_document))
+        m_facts->greatest = m_greatest;
     return m_document;
 }
 
@@ -89,16 +109,58 @@ void Builder::declare() {
 }
 
 void Builder::startElement() {
-    QDomElement element = m_document.createElement(m_names.take(m_reader.qualifiedName()));
+    const QString tag = takeName(m_reader.qualifiedName());
+    QDomElement element = m_document.createElement(tag);
     const QXmlStreamAttributes attributes = m_reader.attributes();
-    for (const QXmlStreamAttribute& attribute : attributes)
-        element.setAttribute(m_names.take(attribute.qualifiedName()), takeValue(attribute.value()));
+    m_isPlain = m_isPlain && attributes.size() <= Archive::Internal::mostPlainAttributes;
+    QString type;
+    std::optional<QString> id;
+    for (const QXmlStreamAttribute& attribute : attributes) {
+        const QString name = takeName(attribute.qualifiedName());
+        const QString value = takeValue(attribute.value());
+        element.setAttribute(name, value);
+        if (name == Words::type)
+            type = value;
+        else if (name == Words::objectId)
+            id = value;
+    }
     m_node.appendChild(element);
     m_node = element;
+    if (m_facts)
+        note(element, tag, type, id);
+}
+
+/// Takes down what is known of an element by now.
+void Builder::note(const QDomElement& element, const QString& tag, const QString& type,
+                   const std::optional<QString>& objectId) {
+    if (tag == Words::RootObject)
+        m_facts->rootObjects->push_back({element, type});
+    else if (tag == Words::BaseOfObject)
+        m_facts->baseParts->push_back({element, type});
+    else if (tag == Words::Archive)
+        ++m_facts->archives;
+    if (!objectId)
+        return;
+    ++m_facts->objectsByType[type];
+    if (const long long id = objectId->toLongLong(); id > m_greatest.id)
+        m_greatest = {id, element};
+}
+
+QString Builder::takeName(const QStringRef& name) {
+    return m_names.take(name, [this](const QString& taken) {
+        m_isPlain = m_isPlain && Archive::Internal::isPlainName(taken);
+    });
 }
 
 QString Builder::takeValue(const QStringRef& value) {
-    return value.size() <= longestSharedValue ? m_values.take(value) : value.toString();
+    const auto look = [this](const QString& taken) {
+        m_isPlain = m_isPlain && Archive::Internal::isPlainText(taken);
+    };
+    if (value.size() <= longestSharedValue)
+        return m_values.take(value, look);
+    const QString taken = value.toString();
+    look(taken);
+    return taken;
 }
 
 /// What is nothing but spaces is no content, in a CDATA section neither.
@@ -106,6 +168,7 @@ void Builder::takeCharacters() {
     const QString text = m_reader.text().toString();
     if (text.trimmed().isEmpty())
         return;
+    m_isPlain = m_isPlain && !m_reader.isCDATA() && Archive::Internal::isPlainText(text);
     if (m_reader.isCDATA())
         m_node.appendChild(m_document.createCDATASection(text));
     else
@@ -114,8 +177,8 @@ void Builder::takeCharacters() {
 
 } // namespace
 
-QDomDocument buildXmlTree(QXmlStreamReader& reader) {
-    return Builder(reader).run();
+QDomDocument buildXmlTree(QXmlStreamReader& reader, TreeFacts* facts) {
+    return Builder(reader, facts).run();
 }
 
 } // namespace Reader

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Archive/Internal/TreeFacts.h"
+
 #include <QDomDocument>
 
 class QXmlStreamReader;
@@ -8,7 +10,8 @@ namespace Reader {
 
 /// Builds the same tree as QDomDocument::setContent() does from a reader without namespaces, but for memory: equal
 /// names and short values share theirs, so that the tree is smaller and every walk through it finds them in the
-/// processor's cache. After an error, which the reader keeps, the tree is what was read by then.
-QDomDocument buildXmlTree(QXmlStreamReader& reader);
+/// processor's cache. After an error, which the reader keeps, the tree is what was read by then. `facts`, where they
+/// are given, get what the tree holds.
+QDomDocument buildXmlTree(QXmlStreamReader& reader, Archive::Internal::TreeFacts* facts = nullptr);
 
 } // namespace Reader

@@ -1,6 +1,7 @@
 // An outline tells what a search of the document would, after whatever change.
 
 #include "Archive/Internal/Outline.h"
+#include "Archive/Internal/ArrayItems.h"
 #include "Archive/Xml.h"
 #include "support/Outlines.h"
 
@@ -219,6 +220,57 @@ TEST_F(OutlineTest, TakesInWhatIsAdopted) {
         m_first.appendChild(stranger);
         Outline::adopted(stranger);
     });
+}
+
+TEST_F(OutlineTest, KnowsWhichRecordsAreNumbered) {
+    QDomElement predeclarator = newObject(20);
+    Archive::Internal::setType(predeclarator, Words::Predeclarator);
+    QDomElement records = Archive::createArray(m_document, Words::predeclarations, 0);
+    predeclarator.appendChild(records);
+    m_archive.appendChild(predeclarator);
+    long long greatest = 100;
+    const auto add = [&] {
+        Archive::addPredeclaration(records, m_document, QStringLiteral("A"), 0, greatest, greatest + 50, {});
+    };
+    const auto remove = [&](long long id) { Archive::Internal::removePredeclares(records, {id}); };
+    const auto idOf = [](const QDomElement& item) { return Archive::Internal::recordIn(item).id; };
+    const auto numbered = [&] { return Outline::numberedEntries(records); };
+    for (int i = 0; i < 5; ++i)
+        add();
+
+    Outline outline(m_document);
+    Tests::fill(outline, m_document);
+    outline.records(records);
+    EXPECT_EQ(numbered(), 0);
+    remove(1'000'000);
+    EXPECT_EQ(numbered(), 5);
+    add();
+    EXPECT_EQ(numbered(), 6);
+    remove(idOf(records.firstChildElement().nextSiblingElement()));
+    EXPECT_EQ(numbered(), 5);
+    EXPECT_EQ(records.lastChildElement().attribute(Words::index), "5");
+    EXPECT_EQ(Tests::difference(outline, m_document), "");
+
+    Archive::removePredeclare(records, idOf(records.lastChildElement()));
+    EXPECT_EQ(numbered(), 4);
+    EXPECT_EQ(Tests::difference(outline, m_document), "");
+
+    records.setAttribute(Words::size, QStringLiteral("70"));
+    add();
+    EXPECT_EQ(records.lastChildElement().attribute(Words::index), "71");
+    EXPECT_EQ(numbered(), 4);
+    remove(1'000'000);
+    EXPECT_EQ(records.lastChildElement().attribute(Words::index), "5");
+    EXPECT_EQ(numbered(), 5);
+
+    QDomElement third = records.firstChildElement().nextSiblingElement().nextSiblingElement();
+    Archive::Internal::setIndex(third, 9);
+    EXPECT_EQ(numbered(), 0);
+    remove(1'000'000);
+    EXPECT_EQ(third.attribute(Words::index), "3");
+
+    Archive::prependArrayElement(m_document, records);
+    EXPECT_EQ(Tests::difference(outline, m_document), "");
 }
 
 TEST_F(OutlineTest, LeavesTheGreatestIdOpenBehindTextsThatReadersStumbleOver) {

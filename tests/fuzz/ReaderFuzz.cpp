@@ -5,10 +5,12 @@
 #include "Reader/Contents.h"
 #include "Reader/Error.h"
 #include "Reader/Verify.h"
+#include "support/Facts.h"
 
 #include <QXmlStreamReader>
 
 #include <optional>
+#include <utility>
 
 namespace {
 
@@ -35,8 +37,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     } catch (const Reader::Error&) {
         return 0;
     }
-    if (document->isXml())
+    if (document->isXml()) {
+        const std::string difference = Tests::difference(*document->facts, std::as_const(*document).xml());
+        Fuzz::check(difference.empty(), difference.c_str());
         checkTree(document->xml(), Fuzz::bytesOf(data, size));
+    }
     Reader::countObjects(*document);
     Reader::listClips(*document);
     Reader::verify(*document);

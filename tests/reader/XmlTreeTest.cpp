@@ -1,6 +1,7 @@
 // The tree of an archive is the one that Qt builds from the same text.
 
 #include "Reader/XmlTree.h"
+#include "support/Facts.h"
 #include "support/Files.h"
 #include "support/Paths.h"
 
@@ -10,6 +11,9 @@
 
 #include <cstring>
 #include <filesystem>
+#include <vector>
+
+using Archive::Internal::TreeFacts;
 
 namespace {
 
@@ -121,15 +125,70 @@ TEST(XmlTree, LeavesErrorsWithTheReader) {
     }
 }
 
-TEST(XmlTree, OfEverySampleIsTheOneOfQt) {
-    int samples = 0;
+std::vector<QByteArray> xmlSamples() {
+    std::vector<QByteArray> texts;
     for (const auto& entry : std::filesystem::directory_iterator(Tests::samplesFolder())) {
-        if (entry.path().extension() != ".xml")
-            continue;
-        expectTreeOfQt(QByteArray::fromStdString(Tests::readFile(entry.path())));
-        ++samples;
+        if (entry.path().extension() == ".xml")
+            texts.push_back(QByteArray::fromStdString(Tests::readFile(entry.path())));
     }
-    EXPECT_GE(samples, 8);
+    EXPECT_GE(texts.size(), 8);
+    return texts;
+}
+
+TEST(XmlTree, OfEverySampleIsTheOneOfQt) {
+    for (const QByteArray& text : xmlSamples())
+        expectTreeOfQt(text);
+}
+
+/// Takes the facts down and compares them with what a search of the tree finds.
+TreeFacts factsOf(const QByteArray& text) {
+    SCOPED_TRACE(text.left(500).toStdString());
+    QXmlStreamReader reader(text);
+    reader.setNamespaceProcessing(false);
+    TreeFacts facts;
+    const QDomDocument document = Reader::buildXmlTree(reader, &facts);
+    EXPECT_EQ(Tests::difference(facts, document), "");
+    return facts;
+}
+
+TEST(XmlTree, FactsAreWhatASearchFinds) {
+    for (const QByteArray& text : xmlSamples())
+        factsOf(text);
+    const TreeFacts facts = factsOf(
+        "<Archive><RootObject type='A' objectId='5'><Archive/><x objectId='07' type='A'/><y objectId='x'/>"
+        "<BaseOfObject objectId='7' type='B'><RootObject/></BaseOfObject></RootObject></Archive>");
+    EXPECT_EQ(facts.archives, 2);
+    EXPECT_EQ(facts.rootObjects->size(), 2);
+    EXPECT_EQ(facts.baseParts->size(), 1);
+    EXPECT_EQ(facts.objectsByType.value(QStringLiteral("A")), 2);
+    EXPECT_EQ(facts.objectsByType.value(QString()), 1);
+    ASSERT_TRUE(facts.greatest);
+    EXPECT_EQ(facts.greatest->id, 7);
+    EXPECT_EQ(facts.greatest->holder.tagName(), "x");
+}
+
+TEST(XmlTree, FactsLeaveTheGreatestIdOpenWhereOnlyTheTextCanTell) {
+    QByteArray many;
+    for (int number = 0; number < 100; ++number)
+        many += " a" + QByteArray::number(number) + "=''";
+    for (const QByteArray& text : {
+             QByteArray("<?xml version='1.0' encoding='UTF-8'?><a objectId='3'>text</a>"),
+             "<a objectId='3'" + many.left(many.size() - 7) + "/>",
+         })
+        EXPECT_TRUE(factsOf(text).greatest) << text.toStdString();
+    for (const QByteArray& text : {
+             QByteArray("<?xml version='1.0' encoding='ISO-8859-1'?><a objectId='3'/>"),
+             QByteArray("<!-- before --><a objectId='3'/>"),
+             QByteArray("<a objectId='3'/><?behind?>"),
+             QByteArray("<a objectId='3'><!-- in --></a>"),
+             QByteArray("<a objectId='3'><![CDATA[x]]></a>"),
+             QByteArray("<a objectId='3'><?in it?></a>"),
+             QByteArray("<p:a objectId='3'/>"),
+             QByteArray("<a xmlA='' objectId='3'/>"),
+             QByteArray("<a xmlns='u' objectId='3'/>"),
+             "<a objectId='3'" + many + "/>",
+         })
+        EXPECT_FALSE(factsOf(text).greatest) << text.toStdString();
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "Archive/Internal/ObjectIds.h"
 #include "Archive/Internal/Outline.h"
 #include "Archive/Internal/Walk.h"
+#include "support/Facts.h"
 
 #include <QDomDocument>
 
@@ -28,10 +29,7 @@ inline std::string difference(Archive::Internal::Outline& outline, const QDomDoc
         if (!known)
             continue;
         const auto sought = Archive::Internal::searchTyped(document, tag);
-        const bool isSame = std::equal(
-            (*known)->begin(), (*known)->end(), sought->begin(), sought->end(),
-            [](const auto& a, const auto& b) { return a.element == b.element && a.type == b.type; });
-        if (!isSame)
+        if (!isSameList(**known, *sought))
             return "other elements " + tag.toStdString() + ", or other types";
     }
     const auto predeclarations = Archive::Internal::predeclarationsAmong(
@@ -46,6 +44,11 @@ inline std::string difference(Archive::Internal::Outline& outline, const QDomDoc
                    });
     if (!areSame)
         return "other records";
+    for (std::size_t place = 0; place < Archive::Internal::Outline::numberedEntries(predeclarations);
+         ++place) {
+        if (items.at(place).attribute(Archive::Words::index) != QString::number(place + 1))
+            return "other numbers of records";
+    }
     const auto greatest = Archive::Internal::searchGreatestId(document);
     const auto known = outline.greatestId();
     if (known.has_value() != greatest.has_value() || (known && *known != greatest->id))

@@ -1,5 +1,6 @@
 #include "Adaptors/Project/V17_TitleAdaptorSunLabel.h"
 
+#include "Archive/Internal/ArrayItems.h"
 #include "Archive/Internal/Walk.h"
 
 #include <glog/logging.h>
@@ -18,9 +19,9 @@ void exchangeIndices(const QDomElement& preset) {
     // The items keep their places, and a lone one gets its new index all the same.
     Archive::Internal::Elements items = Archive::Internal::elements(preset, Words::Item);
     if (!items.empty())
-        items[0].setAttribute(Words::index, QStringLiteral("2"));
+        Archive::Internal::setIndex(items[0], 2);
     if (items.size() > 1)
-        items[1].setAttribute(Words::index, QStringLiteral("1"));
+        Archive::Internal::setIndex(items[1], 1);
 }
 
 } // namespace

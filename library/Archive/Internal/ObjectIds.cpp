@@ -18,8 +18,6 @@ namespace {
 // only where its text is beyond doubt: plain names, no character that XML forbids, nothing but elements and text
 // below the one document element. Everything else is written out and scanned.
 
-constexpr int mostPlainAttributes = 100; // each is counted out from the first when it is fetched by number
-
 /// What was made with a namespace is written with more than its name, and one attribute may stand twice.
 bool isPlain(const QDomNode& elementOrAttribute) {
     return isPlainName(elementOrAttribute.nodeName()) && elementOrAttribute.localName().isNull();
@@ -70,19 +68,22 @@ GreatestId searchGreatestIdOfPlain(const QDomElement& top) {
     return greatest;
 }
 
-std::optional<GreatestId> searchGreatestId(const QDomDocument& document) {
+bool hasPlainFrame(const QDomDocument& document) {
     if (!document.doctype().name().isEmpty())
-        return std::nullopt; // it is written in front, and is no child of the document
-    std::optional<GreatestId> greatest;
+        return false; // it is written in front, and is no child of the document
+    bool hasElement = false;
     for (QDomNode node = document.firstChild(); !node.isNull(); node = node.nextSibling()) {
-        if (!node.isElement()) {
-            if (!isPlainDeclaration(node))
-                return std::nullopt;
-        } else if (greatest || !(greatest = searchGreatestId(node.toElement()))) {
-            return std::nullopt;
-        }
+        if (node.isElement() ? hasElement : !isPlainDeclaration(node))
+            return false;
+        hasElement = hasElement || node.isElement();
     }
-    return greatest ? greatest : GreatestId();
+    return true;
+}
+
+std::optional<GreatestId> searchGreatestId(const QDomDocument& document) {
+    if (!hasPlainFrame(document))
+        return std::nullopt;
+    return document.documentElement().isNull() ? GreatestId() : searchGreatestId(document.documentElement());
 }
 
 ScannedIds scanIds(const QByteArray& documentText) {

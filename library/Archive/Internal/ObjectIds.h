@@ -30,6 +30,12 @@ std::optional<GreatestId> searchGreatestId(const QDomElement& top);
 /// The same for an element in which the first form once found all plain, and nothing doubtful came since.
 GreatestId searchGreatestIdOfPlain(const QDomElement& top);
 
+/// Elements with more attributes count as doubtful: each is counted out from the first when it is fetched by number.
+constexpr int mostPlainAttributes = 100;
+
+/// Whether what stands outside the document element is beyond doubt.
+bool hasPlainFrame(const QDomDocument& document);
+
 /// What getMaxObjectId() gives for the document's toByteArray(1), without writing the text where the tree can
 /// tell as well.
 long long maxObjectId(const QDomDocument& document);

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 namespace Archive::Internal {
 namespace {
@@ -30,6 +31,16 @@ Outline::Outline(const QDomDocument& document)
       m_mark(m_document.createElement(unchanged)) {
     m_markParent.appendChild(m_mark);
     standing = this;
+}
+
+Outline::Outline(const QDomDocument& document, TreeFacts facts) : Outline(document) {
+    const QDomElement top = document.documentElement();
+    const bool isSole = facts.archives == 1 && top.tagName() == Words::Archive;
+    m_archive = isSole ? top : QDomElement();
+    m_lists = Lists{std::move(facts.rootObjects), std::move(facts.baseParts)};
+    m_greatest = facts.greatest;
+    m_isPlain = m_greatest && isSole;
+    markUpToDate();
 }
 
 Outline::~Outline() {
@@ -94,31 +105,56 @@ void Outline::forgetRecordsBehind(const QDomNode& parent, const QDomNode& child)
         m_records.reset();
 }
 
-void Outline::appendedItem(const QDomElement& array, const QDomElement& item) {
+Outline::KnownRecords* Outline::knownRecords(const QDomElement& array) {
     Outline* outline = of(array);
-    if (outline && outline->m_records && outline->m_records->array == array)
-        outline->m_records->unread.push_back(item);
+    return outline && outline->m_records && outline->m_records->array == array ? &*outline->m_records
+                                                                               : nullptr;
+}
+
+void Outline::appendedItem(const QDomElement& array, const QDomElement& item, long long index) {
+    KnownRecords* records = knownRecords(array);
+    if (!records)
+        return;
+    const bool isNumbered =
+        records->numbered == records->size() && index == static_cast<long long>(records->size()) + 1;
+    records->unread.push_back(item);
+    records->numbered += isNumbered ? 1 : 0;
 }
 
 void Outline::prependedItem(const QDomElement& array) {
-    Outline* outline = of(array);
-    if (outline && outline->m_records && outline->m_records->array == array)
-        outline->m_records.reset();
+    if (knownRecords(array))
+        of(array)->m_records.reset();
+}
+
+void Outline::numbered(const QDomElement& array, std::size_t entries) {
+    if (KnownRecords* records = knownRecords(array))
+        records->numbered = std::min(entries, records->size());
+}
+
+std::size_t Outline::numberedEntries(const QDomElement& array) {
+    const KnownRecords* records = knownRecords(array);
+    return records ? records->numbered : 0;
 }
 
 void Outline::removedItems(const QDomElement& array, const Elements& items) {
     for (const QDomElement& item : items)
         removed(item);
-    Outline* outline = of(array);
-    if (!outline || !outline->m_records || outline->m_records->array != array)
+    KnownRecords* records = knownRecords(array);
+    if (!records || items.empty())
         return;
-    outline->records(array); // reads those that are appended
+    of(array)->records(array); // reads those that are appended
+    Records& list = own(records->list);
+    const auto first = std::find_if(list.begin(), list.end(),
+                                    [&](const Record& record) { return record.item == items.front(); });
+    records->numbered = std::min(records->numbered, static_cast<std::size_t>(first - list.begin()));
     auto next = items.begin();
-    std::erase_if(own(outline->m_records->list), [&](const Record& record) {
-        const bool isGone = next != items.end() && record.item == *next;
-        next += isGone ? 1 : 0;
-        return isGone;
-    });
+    list.erase(std::remove_if(first, list.end(),
+                              [&](const Record& record) {
+                                  const bool isGone = next != items.end() && record.item == *next;
+                                  next += isGone ? 1 : 0;
+                                  return isGone;
+                              }),
+               list.end());
 }
 
 void Outline::retyped(const QDomElement& e) {
@@ -328,7 +364,7 @@ const Outline::List* Outline::known(const QDomNode& below, const QString& tag) {
 
 std::shared_ptr<const Records> Outline::records(const QDomElement& array) {
     if (!m_records || m_records->array != array)
-        m_records = KnownRecords{array, std::make_shared<Records>(), children(array, Words::Item)};
+        m_records = KnownRecords{array, std::make_shared<Records>(), children(array, Words::Item), 0};
     if (!m_records->unread.empty()) {
         Records& list = own(m_records->list);
         for (const QDomElement& item : m_records->unread)

@@ -4,6 +4,7 @@
 
 #include "Archive/Internal/ObjectIds.h"
 #include "Archive/Internal/Predeclarations.h"
+#include "Archive/Internal/TreeFacts.h"
 #include "Archive/Internal/Walk.h"
 
 #include <QDomDocument>
@@ -26,6 +27,8 @@ namespace Archive::Internal {
 class Outline {
 public:
     explicit Outline(const QDomDocument& document);
+    /// For a document that has not changed since the facts were taken.
+    Outline(const QDomDocument& document, TreeFacts facts);
     ~Outline();
     Outline(const Outline&) = delete;
     Outline& operator=(const Outline&) = delete;
@@ -45,10 +48,15 @@ public:
     /// The same for a child that was removed from `parent`.
     static void removedChild(const QDomNode& parent, const QDomNode& child);
 
-    /// An array got an entry behind all others, or in front of them, or lost entries.
-    static void appendedItem(const QDomElement& array, const QDomElement& item);
+    /// An array got an entry behind all others, which has that `index`, or in front of them, or lost entries.
+    static void appendedItem(const QDomElement& array, const QDomElement& item, long long index);
     static void prependedItem(const QDomElement& array);
     static void removedItems(const QDomElement& array, const Elements& items);
+
+    /// The first so many entries of an array of records have their places, from 1, as `index`; no more is known.
+    static void numbered(const QDomElement& array, std::size_t entries);
+    /// How many have, as far as is known.
+    static std::size_t numberedEntries(const QDomElement& array);
 
     /// The element got another `type`.
     static void retyped(const QDomElement& e);
@@ -96,9 +104,13 @@ private:
     struct KnownRecords {
         QDomElement array;
         std::shared_ptr<Records> list;
-        Elements unread; ///< appended since
+        Elements unread;          ///< appended since
+        std::size_t numbered = 0; ///< entries in front that have their place as `index`
+
+        std::size_t size() const { return list->size() + unread.size(); }
     };
 
+    static KnownRecords* knownRecords(const QDomElement& array);
     void forgetRecordsBehind(const QDomNode& parent, const QDomNode& child);
     bool isUpToDate();
     void update();

@@ -1,5 +1,6 @@
 #include "Archive/Internal/PredeclarationEdits.h"
 
+#include "Archive/Internal/ArrayItems.h"
 #include "Archive/Internal/Predeclarations.h"
 #include "Archive/Internal/Words.h"
 #include "Archive/Xml.h"
@@ -44,7 +45,7 @@ void PredeclarationEdits::finish() {
     for (std::size_t late = 0; late < lateIndexes.size(); ++late) {
         const auto index =
             static_cast<long long>(static_cast<unsigned long long>(lateIndexes[late]) - victims);
-        m_added[m_addedBeforeLastRemoval + late].setAttribute(Words::index, QString::number(index));
+        setIndex(m_added[m_addedBeforeLastRemoval + late], index);
     }
     m_added.clear();
     m_removals.clear();

@@ -34,18 +34,26 @@ std::shared_ptr<const Records> recordsOf(const QDomElement& predeclarations) {
 }
 
 bool removeRecords(QDomElement& predeclarations, const std::function<bool(const Record&)>& goes) {
-    const auto records = recordsOf(predeclarations);
+    auto records = recordsOf(predeclarations);
+    const std::size_t numbered = Outline::numberedEntries(predeclarations);
     Elements victims;
-    long long index = 0;
+    std::size_t left = 0;
     for (const Record& record : *records) {
         if (goes(record)) {
             victims.push_back(record.item);
-        } else {
-            QDomElement item = record.item;
-            setIndex(item, ++index); // also where nothing goes in the end
+            continue;
         }
+        QDomElement item = record.item;
+        const bool hasPlace = ++left + victims.size() <= numbered;
+        if (!hasPlace)
+            setIndex(item, static_cast<long long>(left)); // also where nothing goes in the end
+        else if (!victims.empty())
+            item.setAttribute(Words::index, QString::number(left));
     }
-    return removeItems(predeclarations, victims);
+    records.reset(); // else what is kept of them would be copied to be changed
+    const bool isChanged = removeItems(predeclarations, victims);
+    Outline::numbered(predeclarations, left);
+    return isChanged;
 }
 
 bool removePredeclares(QDomElement& predeclarations, const QSet<long long>& ids) {
