@@ -85,6 +85,39 @@ TEST_F(OutlineTest, TakesInObjectsThatAreInsertedBeforeOthers) {
     expectTruthAfter([&] { m_archive.insertBefore(newObject(9), m_first); });
 }
 
+TEST_F(OutlineTest, TakesInObjectsWithoutBasePartsWhereverTheyStand) {
+    const auto bare = [&](long long id) {
+        return Archive::createObject(m_document, Words::RootObject, QStringLiteral("E"), id);
+    };
+    m_first.appendChild(newObject(30));
+    expectTruthAfter([&] {
+        m_archive.insertBefore(bare(9), m_last);
+        QDomElement around = bare(10);
+        around.appendChild(bare(11));
+        m_archive.insertBefore(around, m_first);
+        m_archive.appendChild(bare(12));
+    });
+    expectTruthAfter([&] {
+        Archive::Internal::replaceChild(m_archive, bare(13), m_first);
+        Archive::Internal::replaceChild(m_archive, bare(14), m_last);
+    });
+    expectTruthAfter([&] {
+        m_archive.insertBefore(bare(15), m_archive.firstChild());
+        m_archive.firstChildElement(Words::RootObject).appendChild(bare(16));
+        m_archive.lastChildElement(Words::RootObject).appendChild(bare(17));
+    });
+    expectTruthAfter([&] {
+        QDomElement moved = m_archive.lastChildElement(Words::RootObject);
+        Outline::removed(moved);
+        m_archive.insertBefore(moved, m_archive.firstChild());
+        m_archive.insertBefore(bare(18), moved);
+    });
+    expectTruthAfter([&] {
+        m_archive.insertBefore(bare(19), m_archive.firstChild());
+        m_archive.insertBefore(newObject(20), m_archive.firstChild());
+    });
+}
+
 TEST_F(OutlineTest, TakesInObjectsInsideOthers) {
     expectTruthAfter([&] { m_first.appendChild(newObject(9)); });
     expectTruthAfter([&] {

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <unordered_set>
 #include <utility>
 
 namespace Archive::Internal {
@@ -230,19 +231,23 @@ bool Outline::isInTree(const QDomNode& node) {
 namespace {
 
 /// Calls `visit` on the entries of the elements, and gives whether all were met. Changes come in document order as a
-/// rule, or in that of a few groups: then as many passes that compare addresses meet them all.
+/// rule: then one pass that compares addresses meets them all.
 template <class Visit>
-bool visitInOrder(TypedElements::List& list, const Elements& elements, Visit visit) {
+bool visitEntries(TypedElements::List& list, const Elements& elements, Visit visit) {
     auto next = elements.begin();
-    for (int passes = 0; passes < 4 && next != elements.end(); ++passes) {
-        for (auto entry = list.begin(); entry != list.end() && next != elements.end(); ++entry) {
-            if (entry->element != *next)
-                continue;
-            visit(*entry);
-            ++next;
-        }
+    for (auto entry = list.begin(); entry != list.end() && next != elements.end(); ++entry) {
+        if (entry->element != *next)
+            continue;
+        visit(*entry);
+        ++next;
     }
-    return next == elements.end();
+    std::unordered_set<const void*> left;
+    std::transform(next, elements.end(), std::inserter(left, left.end()), identityOf);
+    for (auto entry = list.begin(); entry != list.end() && !left.empty(); ++entry) {
+        if (left.erase(identityOf(entry->element)) > 0)
+            visit(*entry);
+    }
+    return left.empty();
 }
 
 Elements withTag(const Elements& elements, const QString& tag) {
@@ -274,7 +279,7 @@ bool Outline::drop(List& list, const Elements& gone) {
     if (gone.empty())
         return true;
     TypedElements::List& entries = own(list);
-    if (!visitInOrder(entries, gone, [](TypedElement& e) { e.element = QDomElement(); }))
+    if (!visitEntries(entries, gone, [](TypedElement& e) { e.element = QDomElement(); }))
         return false;
     std::erase_if(entries, [](const TypedElement& e) { return e.element.isNull(); });
     return true;
@@ -293,7 +298,7 @@ void Outline::retype(List& list, const Elements& retyped) {
         return;
     const auto readType = [](TypedElement& e) { e.type = e.element.attribute(Words::type); };
     TypedElements::List& entries = own(list);
-    if (!visitInOrder(entries, retyped, readType))
+    if (!visitEntries(entries, retyped, readType))
         std::for_each(entries.begin(), entries.end(), readType);
 }
 
@@ -314,13 +319,31 @@ bool Outline::takeInCreated() {
             m_greatest = GreatestId{id, e};
     }
     m_created = std::move(outside);
-    if (m_lists && rootObjects + baseParts > 0 && !takeInAppended(rootObjects, baseParts))
+    const bool areTakenIn = !m_lists || rootObjects + baseParts == 0 ||
+                            takeInAppended(rootObjects, baseParts) ||
+                            (baseParts == 0 && takeInInserted(rootObjects));
+    if (!areTakenIn)
         m_lists.reset();
     return m_hopsLeft > 0;
 }
 
-/// New root objects mostly stand behind all others, and all that is in them behind all that is known. False where
-/// not all new elements are there: then the order of the lists is open.
+namespace {
+
+/// The root objects and base parts of a tree, itself included.
+void collect(const QDomElement& top, TypedElements::List& rootObjects, TypedElements::List& baseParts) {
+    for (QDomNode node = top; !node.isNull(); node = nextInDocument(node, top)) {
+        const QString tag = node.nodeName();
+        if (tag == Words::RootObject || tag == Words::BaseOfObject) {
+            const QDomElement e = node.toElement();
+            (tag == Words::RootObject ? rootObjects : baseParts).push_back({e, e.attribute(Words::type)});
+        }
+    }
+}
+
+} // namespace
+
+/// New root objects mostly stand behind all others, and all that is in them behind all that is known. False, and
+/// nothing is taken in, where not all new elements are there.
 bool Outline::takeInAppended(std::size_t createdRootObjects, std::size_t createdBaseParts) {
     TypedElements::List& rootObjects = own(m_lists->rootObjects);
     TypedElements::List& baseParts = own(m_lists->baseParts);
@@ -332,17 +355,40 @@ bool Outline::takeInAppended(std::size_t createdRootObjects, std::size_t created
     const std::size_t knownRootObjects = rootObjects.size();
     const std::size_t knownBaseParts = baseParts.size();
     for (QDomElement object = last->element.nextSiblingElement(Words::RootObject); !object.isNull();
-         object = object.nextSiblingElement(Words::RootObject)) {
-        for (QDomNode node = object; !node.isNull(); node = nextInDocument(node, object)) {
-            const QString tag = node.nodeName();
-            if (tag == Words::RootObject || tag == Words::BaseOfObject) {
-                const QDomElement e = node.toElement();
-                (tag == Words::RootObject ? rootObjects : baseParts).push_back({e, e.attribute(Words::type)});
-            }
-        }
+         object = object.nextSiblingElement(Words::RootObject))
+        collect(object, rootObjects, baseParts);
+    const bool areThere = rootObjects.size() - knownRootObjects == createdRootObjects &&
+                          baseParts.size() - knownBaseParts == createdBaseParts;
+    if (!areThere) {
+        rootObjects.resize(knownRootObjects);
+        baseParts.resize(knownBaseParts);
     }
-    return rootObjects.size() - knownRootObjects == createdRootObjects &&
-           baseParts.size() - knownBaseParts == createdBaseParts;
+    return areThere;
+}
+
+/// New children of the archive without base parts, wherever they stand. False where not all new root objects are
+/// such, or the known ones among them stand otherwise than they did: then the order of the lists is open.
+bool Outline::takeInInserted(std::size_t createdRootObjects) {
+    const TypedElements::List& known = *m_lists->rootObjects;
+    TypedElements::List rootObjects;
+    TypedElements::List baseParts;
+    auto next = known.begin();
+    const auto copyNext = [&] { rootObjects.push_back(*next++); };
+    for (QDomElement object = m_archive->firstChildElement(Words::RootObject); !object.isNull();
+         object = object.nextSiblingElement(Words::RootObject)) {
+        if (next == known.end() || next->element != object) {
+            collect(object, rootObjects, baseParts);
+            continue;
+        }
+        copyNext();
+        while (next != known.end() && next->element.parentNode() != *m_archive)
+            copyNext();
+    }
+    const bool areThere =
+        next == known.end() && baseParts.empty() && rootObjects.size() == known.size() + createdRootObjects;
+    if (areThere)
+        own(m_lists->rootObjects) = std::move(rootObjects);
+    return areThere;
 }
 
 const Outline::List* Outline::elements(const QDomNode& below, const QString& tag) {

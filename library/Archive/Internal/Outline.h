@@ -124,6 +124,7 @@ private:
     void retype(List& list, const Elements& retyped);
     bool takeInCreated();
     bool takeInAppended(std::size_t createdRootObjects, std::size_t createdBaseParts);
+    bool takeInInserted(std::size_t createdRootObjects);
     bool isInTree(const QDomNode& node);
 
     QDomDocument m_document;

@@ -114,6 +114,13 @@ QDomElement soleArchive(const QDomDocument& document) {
     return found.length() == 1 ? found.item(0).toElement() : QDomElement();
 }
 
+const void* identityOf(const QDomNode& node) {
+    struct Handle : QDomNode {
+        static const void* bodyOf(const QDomNode& node) { return node.*&Handle::impl; }
+    };
+    return Handle::bodyOf(node);
+}
+
 QDomNode nextInDocument(const QDomNode& node, const QDomNode& root) {
     const QDomNode child = node.firstChild();
     return child.isNull() ? nextBeyond(node, root) : child;

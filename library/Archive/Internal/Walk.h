@@ -83,6 +83,9 @@ constexpr std::size_t mostHops(std::size_t nodes) {
     return 1000 + 20 * nodes;
 }
 
+/// The same for all handles of one node, and for no other node as long as one of them lives.
+const void* identityOf(const QDomNode& node);
+
 /// The next node behind `node` in document order, its descendants first, that is still below `root`.
 QDomNode nextInDocument(const QDomNode& node, const QDomNode& root);
 /// The same behind `node` and all its descendants.
