@@ -54,6 +54,7 @@ private:
     QXmlStreamReader& m_reader;
     TreeFacts* m_facts;
     bool m_isPlain = true; ///< by now, within the document element
+    bool m_showsTypes = true;
     Archive::Internal::GreatestId m_greatest;
     QDomDocument m_document;
     QDomNode m_node; ///< what is open
@@ -91,8 +92,10 @@ QDomDocument Builder::run() {
             break;
         }
     }
-    if (m_facts && m_isPlain && Archive::Internal::hasPlainFrame(m_document))
+    if (m_facts && m_isPlain && Archive::Internal::hasPlainFrame(m_document)) {
         m_facts->greatest = m_greatest;
+        m_facts->showsTypes = m_showsTypes && !m_document.documentElement().isNull();
+    }
     return m_document;
 }
 
@@ -149,12 +152,14 @@ void Builder::note(const QDomElement& element, const QString& tag, const QString
 QString Builder::takeName(const QStringRef& name) {
     return m_names.take(name, [this](const QString& taken) {
         m_isPlain = m_isPlain && Archive::Internal::isPlainName(taken);
+        m_showsTypes = m_showsTypes && (taken == Words::type || !taken.endsWith(Words::type));
     });
 }
 
 QString Builder::takeValue(const QStringRef& value) {
     const auto look = [this](const QString& taken) {
         m_isPlain = m_isPlain && Archive::Internal::isPlainText(taken);
+        m_showsTypes = m_showsTypes && Archive::Internal::survivesRewriting(taken);
     };
     if (value.size() <= longestSharedValue)
         return m_values.take(value, look);
@@ -169,6 +174,7 @@ void Builder::takeCharacters() {
     if (text.trimmed().isEmpty())
         return;
     m_isPlain = m_isPlain && !m_reader.isCDATA() && Archive::Internal::isPlainText(text);
+    m_showsTypes = false; // there may be one in the text
     if (m_reader.isCDATA())
         m_node.appendChild(m_document.createCDATASection(text));
     else

@@ -36,26 +36,30 @@ TEST_P(StringPtrText, IsThatOfTheText) {
 
 INSTANTIATE_TEST_SUITE_P(
     Documents, StringPtrText,
-    testing::Values("<Archive><a type=\"StringPtr\" value=\"x\" isNull=\"0\"/></Archive>",
-                    "<?xml version=\"1.0\" encoding=\"UTF-8\"?><Archive><a type=\"StringPtr\"/></Archive>",
-                    "<?xml version='1.0'?><Archive><a type='StringPtr'/></Archive>",
-                    "<?xml version='1.0' standalone='yes'?><Archive><a type='StringPtr'/></Archive>",
-                    "<Archive><a mytype=\"StringPtr\" type=\"StringPtr \" typed=\"StringPtr\" "
-                    "Type=\"StringPtr\"/></Archive>",
-                    "<Archive><a value=\"type=&quot;StringPtr&quot;\" type=\"string\"/></Archive>",
-                    "<Archive><a type=\"StringPtr\" value=\"&lt;&amp;&gt;'&quot;\"/><b type=\"StringPtr\"><c "
-                    "type=\"StringPtr\"/></b></Archive>",
-                    "<Archive><a type=\"StringPtr\" value=\"\xC3\xA9\xE2\x82\xAC\xE4\xB8\xAD\"/></Archive>",
-                    "<?xml version='1.0' encoding='UTF-8'?><Archive><a type=\"StringPtr\" "
-                    "value=\"\xC3\xA9\xE2\x82\xAC\"/></Archive>",
-                    "<Archive><a type=\"StringPtr\" value=\"\xF0\x9F\x98\x80\"/></Archive>",
-                    "<Archive><a type=\"StringPtr\" value=\"a&#10;b&#9;c&#13;d\"/></Archive>",
-                    "<Archive><a type=\"StringPtr\" value=\"  two  blanks  \"/></Archive>",
-                    "<Archive><a>type=\"StringPtr\"</a><b type=\"StringPtr\"/></Archive>",
-                    "<Archive><!-- type=\"StringPtr\" --><b type=\"StringPtr\"/></Archive>",
-                    "<!-- first --><Archive><b type=\"StringPtr\"/></Archive>",
-                    "<Archive><x:b x:type=\"StringPtr\"/></Archive>",
-                    "<Archive xmlns=\"urn:a\"><b type=\"StringPtr\"/></Archive>"));
+    testing::Values(
+        "<Archive><a type=\"StringPtr\" value=\"x\" isNull=\"0\"/></Archive>",
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?><Archive><a type=\"StringPtr\"/></Archive>",
+        "<?xml version='1.0'?><Archive><a type='StringPtr'/></Archive>",
+        "<?xml version='1.0' standalone='yes'?><Archive><a type='StringPtr'/></Archive>",
+        "<Archive><a mytype=\"StringPtr\" type=\"StringPtr \" typed=\"StringPtr\" "
+        "Type=\"StringPtr\"/></Archive>",
+        "<Archive><a value=\"type=&quot;StringPtr&quot;\" type=\"string\"/></Archive>",
+        "<Archive><a type=\"StringPtr\" value=\"&lt;&amp;&gt;'&quot;\"/><b type=\"StringPtr\"><c "
+        "type=\"StringPtr\"/></b></Archive>",
+        "<Archive><a type=\"StringPtr\" value=\"\xC3\xA9\xE2\x82\xAC\xE4\xB8\xAD\"/></Archive>",
+        "<?xml version='1.0' encoding='UTF-8'?><Archive><a type=\"StringPtr\" "
+        "value=\"\xC3\xA9\xE2\x82\xAC\"/></Archive>",
+        "<Archive><a type=\"StringPtr\" value=\"\xF0\x9F\x98\x80\"/></Archive>",
+        "<Archive><a type=\"StringPtr\" value=\"a&#10;b&#9;c&#13;d\"/></Archive>",
+        "<Archive><a type=\"StringPtr\" value=\"&#13;&#10;&#13;&#13;&#10;&#10;&#9;&#9;\"/></Archive>",
+        "<Archive><a type=\"StringPtr\" value=\"&#9;\"/><b type=\"StringPtr\" "
+        "value=\"x&#10;\"/></Archive>",
+        "<Archive><a type=\"StringPtr\" value=\"  two  blanks  \"/></Archive>",
+        "<Archive><a>type=\"StringPtr\"</a><b type=\"StringPtr\"/></Archive>",
+        "<Archive><!-- type=\"StringPtr\" --><b type=\"StringPtr\"/></Archive>",
+        "<!-- first --><Archive><b type=\"StringPtr\"/></Archive>",
+        "<Archive><x:b x:type=\"StringPtr\"/></Archive>",
+        "<Archive xmlns=\"urn:a\"><b type=\"StringPtr\"/></Archive>"));
 
 TEST(StringPtrText, LosesWhatTheTextCantCarry) {
     const auto make = [] {

@@ -319,6 +319,43 @@ TEST_F(OutlineTest, LeavesTheGreatestIdOpenBehindTextsThatReadersStumbleOver) {
     });
 }
 
+TEST_F(OutlineTest, KnowsWhetherTypesAreShownAsLongAsTextsAreHarmless) {
+    const auto shows = [&](auto change) {
+        Archive::Internal::TreeFacts facts;
+        facts.archives = 1;
+        facts.showsTypes = true;
+        Outline outline(m_document, facts);
+        change();
+        return outline.showsTypes();
+    };
+    EXPECT_TRUE(shows([] {}));
+    EXPECT_TRUE(shows([&] { m_archive.appendChild(newObject(9)); }));
+    EXPECT_TRUE(shows([&] {
+        m_archive.appendChild(Archive::createString(m_document, QStringLiteral("s"), QStringLiteral("a b")));
+    }));
+    EXPECT_FALSE(shows([&] {
+        m_archive.appendChild(
+            Archive::createString(m_document, QStringLiteral("s"), QStringLiteral("a\x7F")));
+    }));
+    EXPECT_FALSE(shows([&] {
+        QDomDocument other;
+        other.setContent(QStringLiteral("<b mytype='StringPtr'/>"));
+        const QDomElement e = other.documentElement();
+        m_archive.appendChild(e);
+        Outline::adopted(e);
+    }));
+    EXPECT_TRUE(shows([&] {
+        QDomDocument other;
+        other.setContent(QStringLiteral("<b type='StringPtr'/>"));
+        const QDomElement e = other.documentElement();
+        m_archive.appendChild(e);
+        Outline::adopted(e);
+    }));
+    EXPECT_FALSE(shows([&] { Outline::forget(m_document); }));
+    Outline outline(m_document);
+    EXPECT_FALSE(outline.showsTypes());
+}
+
 TEST_F(OutlineTest, SearchesAnewInAnotherContent) {
     expectTruthAfter([&] {
         m_document.setContent(QStringLiteral("<Archive><RootObject objectId='3'/></Archive>"));

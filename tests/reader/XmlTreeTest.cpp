@@ -191,4 +191,26 @@ TEST(XmlTree, FactsLeaveTheGreatestIdOpenWhereOnlyTheTextCanTell) {
         EXPECT_FALSE(factsOf(text).greatest) << text.toStdString();
 }
 
+TEST(XmlTree, FactsTellWhetherTypesAreShownByTheirAttributes) {
+    for (const char* text : {
+             "<a type='StringPtr' value='x &lt;&amp;&gt;&quot;'/>",
+             "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a>\n <b type='StringPtr'/>\n</a>",
+             "<a value='\xC3\xA9\xE2\x82\xAC'/>",
+             "<a typed='StringPtr' Type='StringPtr'/>",
+             "<a value='a&#9;b&#10;c&#13;d'/>",
+         })
+        EXPECT_TRUE(factsOf(text).showsTypes) << text;
+    for (const char* text : {
+             "<a mytype='StringPtr'/>",
+             "<a>type=\"StringPtr\"</a>",
+             "<a value='\x7F'/>",
+             "<a value='\x7F and many more characters than are shared'/>",
+             "<a value='\xF0\x9F\x98\x80'/>",
+             "<a value='\xC2\x85'/>",
+             "<a><!-- type=\"StringPtr\" --></a>",
+             "<p:a type='StringPtr'/>",
+         })
+        EXPECT_FALSE(factsOf(text).showsTypes) << text;
+}
+
 } // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Archive/Internal/StringPtr.h"
 #include "Archive/Internal/TreeFacts.h"
 #include "Archive/Xml.h"
 
@@ -17,6 +18,11 @@ inline bool isSameList(const Archive::Internal::TypedElements::List& one,
     });
 }
 
+inline bool showsTypes(const QDomDocument& document) {
+    return Archive::Internal::stringPtrAttributes(document) &&
+           Archive::Internal::showsTypes(document.documentElement());
+}
+
 /// What the facts tell otherwise than a search of the document; empty where all is the same.
 inline std::string difference(const Archive::Internal::TreeFacts& facts, const QDomDocument& document) {
     namespace Words = Archive::Words;
@@ -30,6 +36,8 @@ inline std::string difference(const Archive::Internal::TreeFacts& facts, const Q
     if (facts.greatest.has_value() != greatest.has_value() ||
         (greatest && (facts.greatest->id != greatest->id || facts.greatest->holder != greatest->holder)))
         return "another greatest id";
+    if (facts.showsTypes && !showsTypes(document))
+        return "types that are not shown";
     QHash<QString, std::size_t> objects;
     const auto count = [&](const QDomElement& e) {
         if (e.hasAttribute(Words::objectId))

@@ -49,6 +49,8 @@ inline std::string difference(Archive::Internal::Outline& outline, const QDomDoc
         if (items.at(place).attribute(Archive::Words::index) != QString::number(place + 1))
             return "other numbers of records";
     }
+    if (outline.showsTypes() && !showsTypes(document))
+        return "types that are not shown";
     const auto greatest = Archive::Internal::searchGreatestId(document);
     const auto known = outline.greatestId();
     if (known.has_value() != greatest.has_value() || (known && *known != greatest->id))

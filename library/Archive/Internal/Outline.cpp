@@ -2,6 +2,7 @@
 
 #include "Archive/Internal/ObjectIds.h"
 #include "Archive/Internal/PlainText.h"
+#include "Archive/Internal/StringPtr.h"
 
 #include <algorithm>
 #include <iterator>
@@ -41,6 +42,7 @@ Outline::Outline(const QDomDocument& document, TreeFacts facts) : Outline(docume
     m_lists = Lists{std::move(facts.rootObjects), std::move(facts.baseParts)};
     m_greatest = facts.greatest;
     m_isPlain = m_greatest && isSole;
+    m_showsTypes = facts.showsTypes;
     markUpToDate();
 }
 
@@ -59,7 +61,10 @@ void Outline::created(const QDomElement& e) {
 }
 
 void Outline::wrote(const QString& text) {
-    if (standing && !isPlainText(text))
+    if (!standing || survivesRewriting(text))
+        return;
+    standing->m_showsTypes = false;
+    if (!isPlainText(text))
         standing->doubtTexts();
 }
 
@@ -67,6 +72,7 @@ void Outline::adopted(const QDomElement& e) {
     Outline* outline = of(e);
     if (!outline)
         return;
+    outline->m_showsTypes = outline->m_showsTypes && Internal::showsTypes(e);
     if (!searchGreatestId(e))
         outline->doubtTexts();
     for (QDomNode node = e; !node.isNull(); node = nextInDocument(node, e)) {
@@ -181,6 +187,7 @@ void Outline::clear() {
 }
 
 void Outline::doubtTexts() {
+    m_showsTypes = false;
     m_isPlain = false;
     m_greatest.reset();
 }
@@ -431,6 +438,11 @@ std::optional<long long> Outline::greatestId() {
         m_greatest = m_isPlain ? searchGreatestIdOfPlain(*m_archive) : searchGreatestId(m_document);
     m_isPlain = m_greatest && !m_archive->isNull();
     return m_greatest ? std::optional(m_greatest->id) : std::nullopt;
+}
+
+bool Outline::showsTypes() {
+    update();
+    return m_showsTypes;
 }
 
 void Outline::endStep() {

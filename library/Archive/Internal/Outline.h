@@ -84,6 +84,10 @@ public:
     /// What Internal::maxObjectId() gives, or nothing where only the document's text can tell.
     std::optional<long long> greatestId();
 
+    /// Whether it is certain that the tree is the same when it is written and read again, and that its text names types
+    /// only in attributes `type`.
+    bool showsTypes();
+
     /// A step is done: what it created and left outside the tree is nowhere any more.
     void endStep();
 
@@ -141,6 +145,7 @@ private:
     std::optional<KnownRecords> m_records;
     bool m_isPlain = false; ///< the tree says all that its text would
     std::optional<GreatestId> m_greatest;
+    bool m_showsTypes = false;
     std::size_t m_hopsLeft = 0; ///< of an update, from nodes towards the archive
     Elements m_created;         ///< since the last update, and those that were still outside the tree then
     Removed m_removed;          ///< since the last update

@@ -44,6 +44,13 @@ bool isPlainText(const QString& text) {
     return true;
 }
 
+bool survivesRewriting(const QString& value) {
+    return std::all_of(value.begin(), value.end(), [](QChar ch) {
+        const ushort c = ch.unicode();
+        return (c >= 0x20 && c < 0x7F) || (c >= 0xA0 && c < 0xD800) || c == '\t' || c == '\n' || c == '\r';
+    });
+}
+
 // Readers are strict about the declaration, where the DOM takes anything: they stop at version 1.1.
 bool isPlainDeclaration(const QDomNode& node) {
     static const QRegularExpression plain(

@@ -13,6 +13,9 @@ bool isPlainName(const QString& name);
 /// Nothing but characters that XML allows.
 bool isPlainText(const QString& text);
 
+/// Nothing but characters that stay as they are when an attribute is written and read again.
+bool survivesRewriting(const QString& value);
+
 /// An XML declaration in front of all else that names version 1.0 and no encoding but UTF-8.
 bool isPlainDeclaration(const QDomNode& node);
 

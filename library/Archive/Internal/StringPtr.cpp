@@ -1,13 +1,65 @@
 #include "Archive/Internal/StringPtr.h"
 
+#include "Archive/Internal/ObjectIds.h"
+#include "Archive/Internal/PlainText.h"
+#include "Archive/Internal/Walk.h"
 #include "Archive/Xml.h"
 
+#include <algorithm>
+
 namespace Archive::Internal {
+namespace {
+
+using Attributes = std::vector<QDomAttr>;
+
+/// Takes in the attributes of an element that match; false where its text is in doubt.
+bool readElement(const QDomElement& e, Attributes& matches) {
+    if (!isPlainName(e.tagName()) || !e.namespaceURI().isNull())
+        return false;
+    const QDomNamedNodeMap attributes = e.attributes();
+    const int length = attributes.length();
+    for (int number = 0; number < length; ++number) {
+        const QDomNode attribute = attributes.item(number);
+        const QString name = attribute.nodeName();
+        const QString value = attribute.nodeValue();
+        if (!isPlainName(name) || !attribute.namespaceURI().isNull() || !survivesRewriting(value))
+            return false;
+        if (value == Words::StringPtr && name.endsWith(Words::type))
+            matches.push_back(attribute.toAttr());
+    }
+    return true;
+}
+
+/// Takes in all that match in an element and below; false where the text is in doubt.
+bool readTree(const QDomElement& top, Attributes& matches) {
+    for (QDomNode node = top; !node.isNull(); node = nextInDocument(node, top)) {
+        if (!node.isElement() || !readElement(node.toElement(), matches))
+            return false;
+    }
+    return true;
+}
+
+} // namespace
 
 QDomElement createStringPtr(QDomDocument& doc, const QString& name, const QString& value) {
-    QDomElement e = createTypeValue(doc, name, QStringLiteral("StringPtr"), value);
+    QDomElement e = createTypeValue(doc, name, Words::StringPtr, value);
     e.setAttribute(QStringLiteral("isNull"), QStringLiteral("0"));
     return e;
+}
+
+std::optional<Attributes> stringPtrAttributes(const QDomDocument& document) {
+    Attributes matches;
+    const QDomElement top = document.documentElement();
+    const bool isPlain = hasPlainFrame(document) && !document.firstChild().nodeValue().contains('"') &&
+                         !top.isNull() && readTree(top, matches);
+    return isPlain ? std::optional(std::move(matches)) : std::nullopt;
+}
+
+bool showsTypes(const QDomElement& top) {
+    Attributes matches;
+    return readTree(top, matches) && std::all_of(matches.begin(), matches.end(), [](const QDomAttr& match) {
+               return match.name() == Words::type;
+           });
 }
 
 } // namespace Archive::Internal

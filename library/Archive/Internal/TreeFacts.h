@@ -20,6 +20,8 @@ struct TreeFacts {
     std::shared_ptr<TypedElements::List> baseParts = std::make_shared<TypedElements::List>();
     QHash<QString, std::size_t> objectsByType; ///< elements with an object id
     std::optional<GreatestId> greatest;        ///< what searchGreatestId() gives
+    /// The tree is the same when it is written and read again, and its text names types only in attributes `type`.
+    bool showsTypes = false;
 };
 
 } // namespace Archive::Internal

@@ -36,5 +36,6 @@ inline const QString refs = QStringLiteral("refs");
 
 inline const QString Array = QStringLiteral("Array");
 inline const QString ObjectRef = QStringLiteral("ObjectRef");
+inline const QString StringPtr = QStringLiteral("StringPtr");
 
 } // namespace Archive::Words
