@@ -2,6 +2,7 @@
 
 #include "Reader/Error.h"
 #include "Reader/Road.h"
+#include "support/Facts.h"
 #include "support/Outlines.h"
 
 #include <QHashFunctions>
@@ -61,6 +62,12 @@ void check(bool holds, const char* what) {
 
 QByteArray bytesOf(const std::uint8_t* data, std::size_t size) {
     return {reinterpret_cast<const char*>(data), static_cast<int>(size)};
+}
+
+void checkFacts(const Document& archive) {
+    check(archive.facts.has_value(), "nothing was taken down");
+    const std::string difference = Tests::difference(*archive.facts, archive.xml());
+    check(difference.empty(), difference.c_str());
 }
 
 void travel(const QByteArray& bytes) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Reader/Document.h"
+
 #include <QByteArray>
 
 #include <cstddef>
@@ -22,5 +24,8 @@ void travel(const QByteArray& bytes);
 
 /// The same bytes come out of a saved document that is read and saved once more.
 void checkReadsAgain(const QByteArray& saved);
+
+/// What the reader took down of an archive is what a search of it finds.
+void checkFacts(const Reader::Document& archive);
 
 } // namespace Fuzz
