@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 using Reader::Problem;
 
 namespace {
@@ -156,6 +158,25 @@ TEST(Parse, SchemaVersions) {
                   "--from");
     expectFailure(R"({"version": "1.0", "schemaVersion": 18446744073709551615, "data": {"@meta": {}}})",
                   Problem::NoVersion, "--from");
+}
+
+TEST(Document, WhatWasTakenDownOfAnArchiveIsForgottenWhenItIsHandedOutToBeChanged) {
+    Reader::Document document = Reader::parse("<Archive><RootRef value='1'/><RootObject type='A' "
+                                              "objectId='1'><b type='B' objectId='2'/></RootObject>"
+                                              "</Archive>",
+                                              name);
+    const Reader::ObjectCounts before = {{"A", 1}, {"B", 1}};
+    ASSERT_TRUE(document.facts);
+    EXPECT_EQ(Reader::countObjects(document), before);
+    QDomElement inner =
+        std::as_const(document).xml().documentElement().lastChildElement().firstChildElement();
+    EXPECT_TRUE(document.facts);
+
+    inner = document.xml().documentElement().lastChildElement().firstChildElement();
+    inner.setAttribute(QStringLiteral("type"), QStringLiteral("C"));
+    EXPECT_FALSE(document.facts);
+    const Reader::ObjectCounts after = {{"A", 1}, {"C", 1}};
+    EXPECT_EQ(Reader::countObjects(document), after);
 }
 
 TEST(Serialize, ArchivesKeepAllThatTheyHold) {
