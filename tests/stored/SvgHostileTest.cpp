@@ -280,9 +280,15 @@ TEST(SvgHostile, ManyPoints) {
     ASSERT_TRUE(inner);
     EXPECT_THAT(inner->values, ElementsAre(7, 2));
     EXPECT_THAT(log.lines(), IsEmpty());
+}
 
-    // The name of none of them is searched for in all of the text for ever.
-    const SvgImage unknown(text + "<line><animate attributeName='x1' values='b.posX;2'/></line></svg>");
+TEST(SvgHostile, ManyPointsThatEachNameTheNext) {
+    // Each brings in what the next one has to be searched for in all of the text.
+    QString text = "<svg>";
+    for (int number = 0; number < 20000; ++number)
+        text += QString("<adjustablePoint id='a%1' posX='a%2.posX' posY='1'/>").arg(number).arg(number + 1);
+    const Tests::Log log;
+    const SvgImage image(text + "<line><animate attributeName='x1' values='a0.posX;2'/></line></svg>");
     EXPECT_THAT(log.lines(), ElementsAre("ERROR adjustable points name one another too often"));
 }
 

@@ -1,0 +1,159 @@
+// What no bound may bite on: drawings that are unusual and harmless. SvgHostileTest.cpp holds their counterparts.
+
+#include "Stored/V21/Internal/PointReferences.h"
+#include "Stored/V21/SvgImage.h"
+#include "support/Log.h"
+#include "support/Svg.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <random>
+
+using namespace Stored::V21;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+using Tests::leaf;
+
+namespace {
+
+// Adjustable points.
+
+QString pointed(int points) {
+    QString text = "<svg>";
+    for (int number = 0; number < points; ++number)
+        text += QString("<adjustablePoint id='p%1q' posX='%1' posY='7'/><line><animate attributeName='x' "
+                        "values='p%1q.posX;p%1q.posY'/></line>")
+                    .arg(number);
+    return text;
+}
+
+void expectFilledIn(const SvgDocument& document, int points) {
+    ASSERT_THAT(document.animations(), SizeIs(points));
+    for (int number = 0; number < points; ++number) {
+        const auto* point =
+            leaf<AnimatableAttributeAdjustablePoint>(document.animations()[static_cast<std::size_t>(number)]);
+        ASSERT_TRUE(point);
+        const auto* inner = leaf<AnimatableAttributeFloat>(point->inner);
+        ASSERT_TRUE(inner) << number;
+        EXPECT_THAT(inner->values, ElementsAre(number, 7));
+    }
+}
+
+TEST(SvgBounds, ThousandsOfPointsInAMegabyte) {
+    for (const int points : {150, 300, 5000}) {
+        const Tests::Log log;
+        const SvgDocument document(pointed(points) + "<desc>" + QString(500'000, 'x') + "</desc></svg>");
+        expectFilledIn(document, points);
+        EXPECT_THAT(log.lines(), IsEmpty()) << points;
+    }
+}
+
+TEST(SvgBounds, SomePointsMayNameOthers) {
+    // One stands where the next one is, and so do 100 more.
+    QString text = pointed(1000);
+    for (int number = 0; number < 100; ++number)
+        text.replace(QString("posX='%1'").arg(number), QString("posX='p%1q.posX'").arg(number + 100));
+    const Tests::Log log;
+    const SvgDocument document(text + "<desc>" + QString(500'000, 'x') + "</desc></svg>");
+    EXPECT_THAT(log.lines(), IsEmpty());
+    ASSERT_THAT(document.animations(), SizeIs(1000));
+    const auto* point = leaf<AnimatableAttributeAdjustablePoint>(document.animations()[3]);
+    EXPECT_THAT(leaf<AnimatableAttributeFloat>(point->inner)->values, ElementsAre(103, 7));
+}
+
+TEST(SvgBounds, PointsWithoutValuesInTheCopyAreNoHindrance) {
+    // None of 20000 points is the one that is named.
+    QString text = "<svg>";
+    for (int number = 0; number < 20000; ++number)
+        text += QString("<adjustablePoint id='a%1' posX='%1' posY='1'/>").arg(number);
+    const Tests::Log log;
+    const SvgDocument document(text + "<line><animate attributeName='x1' values='b.posX;2'/></line></svg>");
+    const auto* point = leaf<AnimatableAttributeAdjustablePoint>(document.animations().at(0));
+    ASSERT_TRUE(point);
+    EXPECT_THAT(leaf<AnimatableAttributeFloatList>(point->inner)->valueCount, 0);
+    EXPECT_THAT(log.lines(), IsEmpty());
+}
+
+/// Point after point, X before Y, every occurrence in what the ones before have left.
+QByteArray replacedOneByOne(QByteArray text, const std::vector<Internal::Point>& points) {
+    for (const Internal::Point& point : points) {
+        text.replace(point.id + ".posX", point.x);
+        text.replace(point.id + ".posY", point.y);
+    }
+    return text;
+}
+
+TEST(SvgPointReferences, AreReplacedAsIfOneByOne) {
+    const std::vector<QByteArray> many = {"a",  "b",  "X",      "Y",      ".",     "p",    "po",
+                                          "os", "sX", ".pos",   ".posX",  ".posY", "posX", " ",
+                                          "1",  "ba", "a.posX", "b.posY", ""};
+    const std::vector<QByteArray> few = {"a", "b", ".posX", ".posY"};
+    std::mt19937 random(1); // the same numbers on every run
+    const auto make = [&](const std::vector<QByteArray>& pieces, int least, int most) {
+        QByteArray made;
+        const int count = least + static_cast<int>(random() % static_cast<unsigned>(most - least + 1));
+        for (int number = 0; number < count; ++number)
+            made += pieces[random() % pieces.size()];
+        return made;
+    };
+    int changed = 0;
+    int nested = 0;
+    for (int round = 0; round < 200'000; ++round) {
+        const std::vector<QByteArray>& pieces = round % 2 == 0 ? many : few;
+        std::vector<Internal::Point> points;
+        for (unsigned number = 0; number < 1 + random() % 4; ++number) {
+            const QByteArray id = make(pieces, 1, 3);
+            points.push_back({id.isEmpty() ? "a" : id, make(pieces, 0, 2), make(pieces, 0, 2)});
+        }
+        const QByteArray text = make(pieces, 0, 12);
+        const QByteArray expected = replacedOneByOne(text, points);
+        const std::optional<QByteArray> filledIn = Internal::withPointsFilledIn(text, points);
+        ASSERT_TRUE(filledIn);
+        ASSERT_EQ(*filledIn, expected) << "round " << round << ": " << text.constData();
+        changed += expected != text;
+        // Where the order of the points matters, one has brought in what another one found.
+        nested += replacedOneByOne(text, {points.rbegin(), points.rend()}) != expected;
+    }
+    EXPECT_GT(changed, 10'000);
+    EXPECT_GT(nested, 1'000);
+}
+
+TEST(SvgPointReferences, MayComeIntoBeingWhereAValueIsPut) {
+    const auto filledIn = [](const QByteArray& text, const QByteArray& valueOfA) {
+        return Internal::withPointsFilledIn(text, {{"a", valueOfA, "1"}, {"b", "7", "8"}})
+            .value_or("nothing");
+    };
+    EXPECT_EQ(filledIn("b.poa.posXsX", ""), "7");
+    EXPECT_EQ(filledIn("b.pa.posXsX", "o"), "7");
+    EXPECT_EQ(filledIn("b.poa.posX", "sX"), "7");
+    EXPECT_EQ(filledIn("a.posXsY", "b.po"), "8");
+    EXPECT_EQ(filledIn("a.posXposX", "b."), "7");
+    EXPECT_EQ(filledIn("a.posX.posY", "b"), "8");
+    EXPECT_EQ(filledIn("a.posX", "b.posX b.posY a.posX"), "7 8 a.posX"); // the turn of "a" is over
+}
+
+TEST(SvgPointReferences, MayMakeATextLargerWithinBounds) {
+    const auto doubledPerPoint = [](int count) {
+        std::vector<Internal::Point> points;
+        for (int number = 0; number < count; ++number) {
+            const QByteArray next = "a" + QByteArray::number(number + 1) + ".posX";
+            points.push_back({"a" + QByteArray::number(number), next + next, "1"});
+        }
+        return Internal::withPointsFilledIn("a0.posX", points);
+    };
+    const std::optional<QByteArray> filledIn = doubledPerPoint(16);
+    ASSERT_TRUE(filledIn);
+    EXPECT_EQ(*filledIn, QByteArray("a16.posX").repeated(65536));
+    EXPECT_FALSE(doubledPerPoint(20)); // a million names
+}
+
+TEST(SvgPointReferences, AreNotComparedForEver) {
+    const QByteArray endings = QByteArray(".posX").repeated(100'000);
+    EXPECT_FALSE(Internal::withPointsFilledIn(endings, {{"b" + endings, "1", "1"}}));
+    EXPECT_EQ(Internal::withPointsFilledIn("a.posX" + endings, {{"a", "1", "1"}, {"c", "1", "1"}}),
+              "1" + endings);
+}
+
+} // namespace
