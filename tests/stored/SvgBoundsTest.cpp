@@ -8,6 +8,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QThread>
+
 #include <random>
 
 using namespace Stored::V21;
@@ -17,6 +19,60 @@ using testing::SizeIs;
 using Tests::leaf;
 
 namespace {
+
+/// The result text of a drawing that nothing is said of.
+QString taken(const QString& text) {
+    const Tests::Log log;
+    QString result = SvgImage(text).toString();
+    EXPECT_THAT(log.lines(), IsEmpty());
+    return result;
+}
+
+// Depth.
+
+TEST(SvgBounds, AThousandLevels) {
+    // In a thread with less stack than threads have anywhere.
+    class Thread : public QThread {
+    public:
+        void run() override {
+            const int depth = 1000;
+            QString expected;
+            for (int level = 0; level < depth; ++level)
+                expected += QString(level, ' ') + (level == 0          ? "<svg>\n"
+                                                   : level + 1 < depth ? "<g>\n"
+                                                                       : "<g/>\n");
+            for (int level = depth - 2; level >= 0; --level)
+                expected += QString(level, ' ') + (level == 0 ? "</svg>\n" : "</g>\n");
+            EXPECT_EQ(taken("<svg>" + QString("<g>").repeated(depth - 1) +
+                            QString("</g>").repeated(depth - 1) + "</svg>"),
+                      expected);
+            EXPECT_EQ(taken("<!DOCTYPE svg [<!ELEMENT svg " + QString("(").repeated(depth) + "b" +
+                            QString(")").repeated(depth) + ">]><svg/>"),
+                      "<!DOCTYPE svg>\n<svg/>\n");
+        }
+    } thread;
+    thread.setStackSize(512 * 1024);
+    thread.start();
+    thread.wait();
+}
+
+TEST(SvgBounds, PlacesInTheDepth) {
+    // The path goes over first children alone, but for one at every hundredth level.
+    QString text = "<svg>";
+    QList<int> path;
+    QString key;
+    for (int level = 1; level < 900; ++level) {
+        text += level % 100 == 0 ? QString("<b/>").repeated(12) + "<g>" : "<g>";
+        path.append(level % 100 == 0 ? 12 : 0);
+        key += QString::number(path.back());
+    }
+    const SvgImage image(text + "<rect fill='red'/>" + QString("</g>").repeated(899) + "</svg>");
+    const auto& fills = image.document()->adjustable().at("fill");
+    ASSERT_THAT(fills, SizeIs(1));
+    path.append(0);
+    EXPECT_EQ(fills[0]->element.path, path);
+    EXPECT_EQ(fills[0]->element.pathKey, key + "0");
+}
 
 // Adjustable points.
 
