@@ -28,6 +28,108 @@ QString taken(const QString& text) {
     return result;
 }
 
+// Entities.
+
+TEST(SvgBounds, AnEntityWithEscapesMayBeUsedOften) {
+    EXPECT_EQ(taken("<!DOCTYPE svg [<!ENTITY e \"A &amp; B\">]><svg>" +
+                    QString("<text>&e;</text>").repeated(66) + "</svg>"),
+              "<!DOCTYPE svg>\n<svg>\n" + QString(" <text>A &amp; B</text>\n").repeated(66) + "</svg>\n");
+}
+
+TEST(SvgBounds, AnEntityThatNamesAnotherMayBeUsedOften) {
+    EXPECT_EQ(taken("<!DOCTYPE svg [<!ENTITY a \"#ff0000\"><!ENTITY st0 \"fill:&a;\">]><svg>" +
+                    QString("<g style=\"&st0;\"/>").repeated(66) + "</svg>"),
+              "<!DOCTYPE svg>\n<svg>\n" + QString(" <g style=\"fill:#ff0000\"/>\n").repeated(66) +
+                  "</svg>\n");
+}
+
+TEST(SvgBounds, AnEntityMayNameOneThatIsDeclaredLater) {
+    EXPECT_EQ(taken("<!DOCTYPE svg [<!ENTITY st0 \"fill:&a;\"><!ENTITY a \"red\">]><svg>" +
+                    QString("<g style=\"&st0;\"/>").repeated(1000) + "</svg>"),
+              "<!DOCTYPE svg>\n<svg>\n" + QString(" <g style=\"fill:red\"/>\n").repeated(1000) + "</svg>\n");
+}
+
+TEST(SvgBounds, AnEntityMayNameOthersByCharactersThatAreEscaped) {
+    // "&#38;" is a "&" as soon as the entity is declared.
+    EXPECT_EQ(taken("<!DOCTYPE svg [<!ENTITY a \"red\"><!ENTITY b \"&#38;a;\">]><svg>" +
+                    QString("<g id=\"&b;\"/>").repeated(100) + "</svg>"),
+              "<!DOCTYPE svg>\n<svg>\n" + QString(" <g id=\"red\"/>\n").repeated(100) + "</svg>\n");
+}
+
+TEST(SvgBounds, EntitiesMayStandInOneAnother) {
+    // Each of 900 entities names the one before, so that the last one expands to the first one's text alone.
+    QString text = "<!DOCTYPE svg [<!ENTITY e0 'x'>";
+    for (int number = 1; number < 900; ++number)
+        text += QString("<!ENTITY e%1 '&e%2;'>").arg(number).arg(number - 1);
+    EXPECT_EQ(taken(text + "]><svg>" + QString("<g id='&e899;'/>").repeated(50) + "</svg>"),
+              "<!DOCTYPE svg>\n<svg>\n" + QString(" <g id=\"x\"/>\n").repeated(50) + "</svg>\n");
+}
+
+TEST(SvgBounds, ALongEntityMayBeUsedMoreThanOnce) {
+    // An image in a drawing, as a megabyte of text.
+    const QString image = "data:image/png;base64," + QString(1'000'000, 'A');
+    EXPECT_EQ(taken("<!DOCTYPE svg [<!ENTITY i '" + image +
+                    "'>]><svg><image xlink:href='&i;'/><image "
+                    "xlink:href='&i;'/></svg>"),
+              "<!DOCTYPE svg>\n<svg>\n" + (" <image xlink:href=\"" + image + "\"/>\n").repeated(2) +
+                  "</svg>\n");
+}
+
+TEST(SvgBounds, ParameterEntitiesMayStandUnused) {
+    EXPECT_EQ(taken("<!DOCTYPE svg [<!ENTITY % p \"ignored\"><!ENTITY e \"v\">]><svg a=\"&e;\"/>"),
+              "<!DOCTYPE svg>\n<svg a=\"v\"/>\n");
+    // Qt keeps the declaration of one that stands elsewhere.
+    EXPECT_TRUE(taken("<!DOCTYPE svg [<!ENTITY % p SYSTEM \"p.ent\"><!ENTITY e \"v\">]><svg a=\"&e;\"/>")
+                    .endsWith("]>\n<svg a=\"v\"/>\n"));
+}
+
+TEST(SvgBounds, ParameterEntitiesAreFilledIntoEntities) {
+    EXPECT_EQ(taken("<!DOCTYPE svg [<!ENTITY % p 'x'><!ENTITY a '%p;%p;'>]><svg>&a;</svg>"),
+              "<!DOCTYPE svg>\n<svg>xx</svg>\n");
+    EXPECT_EQ(
+        taken("<!DOCTYPE svg [<!ENTITY % p 'x'><!ENTITY % q '(%p;)'><!ENTITY a '%q;%q;'>]><svg>&a;</svg>"),
+        "<!DOCTYPE svg>\n<svg>(x)(x)</svg>\n");
+}
+
+TEST(SvgBounds, ParameterEntitiesMayBringInDeclarations) {
+    EXPECT_EQ(taken("<!DOCTYPE svg [<!ENTITY % d \"<!ENTITY e 'v'>\"> %d; ]><svg a=\"&e;\"/>"),
+              "<!DOCTYPE svg>\n<svg a=\"v\"/>\n");
+    EXPECT_EQ(taken("<!DOCTYPE svg [<!ENTITY % d \"&#60;!ENTITY e 'v'><!ELEMENT svg (a|(b,c)*)>\"> %d; "
+                    "]><svg a=\"&e;\"/>"),
+              "<!DOCTYPE svg>\n<svg a=\"v\"/>\n");
+    // One that brings in another, which brings in an entity: "&#37;" is a "%" as soon as it is declared.
+    EXPECT_EQ(taken("<!DOCTYPE svg [<!ENTITY % p \"<!ENTITY e 'v'>\"><!ENTITY % q '&#37;p;'> %q; ]><svg "
+                    "a=\"&e;\"/>"),
+              "<!DOCTYPE svg>\n<svg a=\"v\"/>\n");
+}
+
+TEST(SvgBounds, PercentSignsAreNoReferences) {
+    EXPECT_EQ(taken("<!DOCTYPE svg [<!ENTITY % p \"ignored\">]><svg width=\"50%\"><text>% p;</text></svg>"),
+              "<!DOCTYPE svg>\n<svg width=\"50%\">\n <text>% p;</text>\n</svg>\n");
+}
+
+int durationOf(const QString& documentType, const QString& attributes = "dur='1s'") {
+    return SvgDocument("<!DOCTYPE svg [" + documentType +
+                       "]><svg><animateColor attributeName='fill' from='red' to='blue' begin='0s' " +
+                       attributes + "/></svg>")
+        .durationMs();
+}
+
+TEST(SvgBounds, EntitiesMayHoldTheTiming) {
+    EXPECT_EQ(durationOf("<!ENTITY d '2s'>", "dur='&d;'"), 2000);
+    EXPECT_EQ(durationOf("<!ENTITY d '&two;s'><!ENTITY two '2'>", "dur='&d;'"), 2000);
+}
+
+TEST(SvgBounds, ADocumentTypeWithoutDangerLeavesTheTimingAlone) {
+    EXPECT_EQ(durationOf("<!ENTITY % p 'ignored'>"), 1000);
+    EXPECT_EQ(durationOf("<!ENTITY a '&b;'><!ENTITY b '&a;'>"), 1000); // a circle that nobody enters
+    EXPECT_EQ(durationOf("<!ATTLIST svg a CDATA 'a &amp; b &#38; c'><!ENTITY e 'v'>"), 1000);
+    QString chain = "<!ENTITY e0 'x'>";
+    for (int number = 1; number < 900; ++number)
+        chain += QString("<!ENTITY e%1 '&e%2;'>").arg(number).arg(number - 1);
+    EXPECT_EQ(durationOf(chain), 1000);
+}
+
 // Depth.
 
 TEST(SvgBounds, AThousandLevels) {
