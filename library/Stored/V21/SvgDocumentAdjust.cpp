@@ -3,15 +3,16 @@
 #include "Stored/V21/SvgDocument.h"
 
 #include "Stored/V21/Internal/KeyValues.h"
-#include "Stored/V21/Internal/Markup.h"
 #include "Stored/V21/Internal/Names.h"
 #include "Stored/V21/Internal/NodeTable.h"
+#include "Stored/V21/Internal/PointReferences.h"
 
 #include <QDomElement>
 
 #include <glog/logging.h>
 
 #include <algorithm>
+#include <optional>
 
 namespace Stored::V21 {
 namespace {
@@ -21,12 +22,6 @@ using Internal::NodeTable;
 
 const QString stopColorName = QStringLiteral("stop-color");
 const QString retain = QStringLiteral("retain");
-
-// Points are filled in one after the other, and one may bring in the names of others: the text could double with each
-// point, and all of it is searched for each.
-constexpr qint64 maxGrowth = 4;
-constexpr qint64 maxGrowthOfSmallText = qint64(1024) * 1024;
-constexpr qint64 maxSearchedBytes = qint64(1) << 28;
 
 // A stop counts once for each gradient around it, though a gradient in another one is no SVG.
 constexpr std::size_t maxGradientsAround = 8;
@@ -171,45 +166,16 @@ void SvgDocument::refreshAdjustablePoints() {
 }
 
 QByteArray SvgDocument::contentWithPointsFilledIn() const {
-    const qint64 maxSize = maxGrowthOfSmallText + maxGrowth * m_content.size();
-    qint64 searched = 0;
-    QByteArray filledIn = m_content;
-    const auto occurs = [&](const QByteArray& text) {
-        searched += filledIn.size();
-        return filledIn.contains(text);
-    };
-
-    struct Coordinate {
-        QString name;
-        QByteArray ending; ///< of each reference
-        bool isNamed;      ///< by anything that is not filled in yet
-    };
-    Coordinate coordinates[] = {{posXName, '.' + posXName.toUtf8(), false},
-                                {posYName, '.' + posYName.toUtf8(), false}};
-    const auto seeWhatIsNamed = [&] {
-        for (Coordinate& coordinate : coordinates)
-            coordinate.isNamed = occurs(coordinate.ending);
-    };
-
-    seeWhatIsNamed();
-    for (const auto& point : m_adjustablePoints) {
-        const QDomElement element = m_nodes->resolve(*point).toElement();
-        for (const Coordinate& coordinate : coordinates) {
-            const QByteArray reference = point->id.toUtf8() + coordinate.ending;
-            if (!coordinate.isNamed || (searched <= maxSearchedBytes && !occurs(reference)))
-                continue;
-            const QByteArray value = element.attribute(coordinate.name).toUtf8();
-            const qint64 size =
-                filledIn.size() + qint64(filledIn.count(reference)) * (value.size() - reference.size());
-            if (size > maxSize || searched > maxSearchedBytes) {
-                LOG(ERROR) << "adjustable points name one another too often";
-                return m_content;
-            }
-            filledIn.replace(reference, value);
-            seeWhatIsNamed();
-        }
+    std::vector<Internal::Point> points;
+    points.reserve(m_adjustablePoints.size());
+    for (const auto& place : m_adjustablePoints) {
+        const QDomElement point = m_nodes->resolve(*place).toElement();
+        points.push_back(
+            {place->id.toUtf8(), point.attribute(posXName).toUtf8(), point.attribute(posYName).toUtf8()});
     }
-    return filledIn;
+    const std::optional<QByteArray> filledIn = Internal::withPointsFilledIn(m_content, points);
+    LOG_IF(ERROR, !filledIn) << "adjustable points name one another too often";
+    return filledIn.value_or(m_content);
 }
 
 } // namespace Stored::V21

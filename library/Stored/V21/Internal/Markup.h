@@ -4,7 +4,6 @@
 
 #include <QByteArray>
 #include <QDomDocument>
-#include <QHash>
 #include <QString>
 
 namespace Stored::V21::Internal {
@@ -26,21 +25,10 @@ QString toText(const QDomDocument& dom);
 /// The same as a UTF-8 stream gets it.
 QByteArray toUtf8(const QDomDocument& dom);
 
-/// Keeps an eye on how far the entities of a text expand, so that a few short references don't grow into gigabytes.
-class EntityBudget {
-public:
-    explicit EntityBudget(const QString& text) : m_text(text) {}
-
-    /// Counts in what all references to a declared entity expand to; false once it is too much.
-    bool admit(const QString& name, const QString& value);
-
-private:
-    void countReferences();
-
-    QString m_text;
-    QHash<QString, int> m_references; ///< how often the text refers to each name; filled at the first entity
-    int m_admitted = 0;
-    double m_expanded = 0;
-};
+/// How many characters may stand in the place of entities in a text of that size, those in entities counted as well:
+/// so that a few short references don't grow into gigabytes.
+constexpr double maxExpansion(int size) {
+    return 256 * 1024 + 4.0 * size;
+}
 
 } // namespace Stored::V21::Internal

@@ -4,6 +4,7 @@
 
 #include <QDomElement>
 
+#include <algorithm>
 #include <numeric>
 
 namespace Stored::V21::Internal {
@@ -74,10 +75,11 @@ SvgElement NodeTable::place(int number) const {
     result.id = node(number).toElement().attribute(QStringLiteral("id"));
     result.underVisibility = entry(number).underVisibility;
     result.underDefs = entry(number).underDefs;
-    for (int current = number; current > 0; current = parent(current)) {
-        result.path.prepend(entry(current).position);
-        result.pathKey.prepend(QString::number(entry(current).position));
-    }
+    for (int current = number; current > 0; current = parent(current))
+        result.path.append(entry(current).position);
+    std::reverse(result.path.begin(), result.path.end());
+    for (const int position : result.path)
+        result.pathKey += QString::number(position);
     return result;
 }
 
