@@ -163,7 +163,7 @@ QString Builder::takeValue(const QStringRef& value) {
     };
     if (value.size() <= longestSharedValue)
         return m_values.take(value, look);
-    const QString taken = value.toString();
+    QString taken = value.toString();
     look(taken);
     return taken;
 }
