@@ -4,8 +4,8 @@
 
 #include <QXmlStreamReader>
 
-#include <algorithm>
 #include <array>
+#include <optional>
 
 namespace Words = Archive::Words;
 using Archive::Internal::TreeFacts;

@@ -1,5 +1,6 @@
 #include "Adaptors/Project/V32_ColorFiltersAdaptor.h"
 
+#include "Archive/Internal/ArrayItems.h"
 #include "Archive/Internal/EffectObject.h"
 #include "Archive/Internal/ObjectIds.h"
 #include "Archive/Internal/Predeclarations.h"
@@ -212,7 +213,7 @@ void Impl::insertRefs(QDomElement effects, const std::vector<NewRef>& refs) {
             effects.appendChild(item);
         else if (order[place] >= oldCount)
             effects.insertBefore(item, next);
-        item.setAttribute(Words::index, QString::number(place + 1));
+        Archive::Internal::setIndex(item, static_cast<long long>(place) + 1);
         next = item;
     }
     const auto size = static_cast<unsigned long long>(effects.attribute(Words::size).toLongLong());

@@ -394,7 +394,7 @@ bool Outline::takeInInserted(std::size_t createdRootObjects) {
     const bool areThere =
         next == known.end() && baseParts.empty() && rootObjects.size() == known.size() + createdRootObjects;
     if (areThere)
-        own(m_lists->rootObjects) = std::move(rootObjects);
+        m_lists->rootObjects = std::make_shared<TypedElements::List>(std::move(rootObjects));
     return areThere;
 }
 

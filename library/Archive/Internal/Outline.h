@@ -14,16 +14,17 @@
 
 namespace Archive::Internal {
 
-/// What is known of a document from one step to the next, so that not every step searches all of it: its `Archive`,
-/// the elements of the tags that steps look for everywhere, and the greatest object id. While an outline stands,
-/// elements(), rootObjects(), soleArchive() and maxObjectId() answer from it on this thread; without one they
-/// search, with the same results.
+/// What is known of a document from one step to the next, so that not every step searches all of it: its `Archive`, the
+/// elements of the tags that steps look for everywhere, the records of the predeclarations, and the greatest object id.
+/// While an outline stands, elements(), rootObjects(), soleArchive() and maxObjectId() answer from it on this thread;
+/// without one they search, with the same results.
 ///
 /// That the document changed is noticed; what changed is told. The outline then brings itself up to date from what it
 /// was told, without a search. The functions of Archive and Walk.h tell it all by themselves. A step that brings root
 /// objects, base parts or object ids into the document otherwise than by createObject() calls adopted() or forget();
 /// one that gives such elements another place, tag or type calls removed() or retyped(); one that writes texts otherwise
-/// than by the functions of Archive, and not from texts of the document, calls wrote().
+/// than by the functions of Archive, and not from texts of the document, calls wrote(); one that gives entries of any
+/// array another `index` does so by setIndex(), since they may be records.
 class Outline {
 public:
     explicit Outline(const QDomDocument& document);

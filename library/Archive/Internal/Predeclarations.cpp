@@ -48,7 +48,7 @@ bool removeRecords(QDomElement& predeclarations, const std::function<bool(const 
         if (!hasPlace)
             setIndex(item, static_cast<long long>(left)); // also where nothing goes in the end
         else if (!victims.empty())
-            item.setAttribute(Words::index, QString::number(left));
+            item.setAttribute(Words::index, QString::number(left)); // it is known to differ
     }
     records.reset(); // else what is kept of them would be copied to be changed
     const bool isChanged = removeItems(predeclarations, victims);
