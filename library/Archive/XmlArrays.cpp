@@ -60,6 +60,20 @@ void setIndex(QDomElement& item, long long index) {
     Outline::numbered(item.parentNode().toElement(), 0);
 }
 
+Elements numberItems(QDomElement& array, const std::function<bool(QDomElement&)>& predicate) {
+    Elements found;
+    long long index = 0;
+    for (QDomElement item = array.firstChildElement(Words::Item); !item.isNull();
+         item = item.nextSiblingElement(Words::Item)) {
+        QDomElement data = item.firstChildElement(Words::Data);
+        if (predicate(data))
+            found.push_back(item);
+        else
+            setIndex(item, ++index); // also where none is found
+    }
+    return found;
+}
+
 bool removeItems(QDomElement& array, const Elements& victims) {
     if (victims.empty())
         return false;
@@ -114,17 +128,7 @@ QDomElement prependArrayElement(QDomDocument& doc, QDomElement& parent, const QS
 }
 
 bool removeItemsFromList(QDomElement& array, const std::function<bool(QDomElement&)>& pred) {
-    Internal::Elements victims;
-    long long index = 0;
-    for (QDomElement item = array.firstChildElement(Words::Item); !item.isNull();
-         item = item.nextSiblingElement(Words::Item)) {
-        QDomElement data = item.firstChildElement(Words::Data);
-        if (pred(data))
-            victims.push_back(item);
-        else
-            Internal::setIndex(item, ++index); // also where nothing goes in the end
-    }
-    return Internal::removeItems(array, victims);
+    return Internal::removeItems(array, Internal::numberItems(array, pred));
 }
 
 long long addPredeclaration(QDomElement& predeclarations, QDomDocument& doc, const QString& typeName,

@@ -1,18 +1,12 @@
 #include "Adaptors/Project/V11_PopArtPresetAdaptor.h"
 
-#include "Archive/Internal/Walk.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/ArchiveEditor.h"
+#include "Archive/Internal/Reading.h"
 
-#include <glog/logging.h>
-
-#include <algorithm>
-#include <iterator>
+using namespace Archive::Internal;
 
 namespace Project {
 namespace {
-
-namespace Words = Archive::Words;
-using Archive::Internal::firstDescendant;
 
 struct Preset {
     const char* tag;
@@ -26,36 +20,16 @@ constexpr Preset presets[] = {
     {"PopArt25Tiles", 3},
 };
 
-/// The row of the effect's tag, which the effect keeps; null for any other tag.
-const Preset* presetOf(const QDomElement& effect) {
-    const QDomElement base = firstDescendant(effect, Words::BaseOfObject);
-    const QString tag = firstDescendant(base, QStringLiteral("tag")).attribute(Words::value);
-    const auto* found = std::find_if(std::begin(presets), std::end(presets),
-                                     [&](const Preset& row) { return tag == QLatin1String(row.tag); });
-    return found == std::end(presets) ? nullptr : found;
-}
-
-void setPreset(QDomDocument& document, QDomElement& effect, int value) {
-    const QString name = QStringLiteral("preset");
-    const QDomElement preset = Archive::createInt32(document, name, value);
-    const QDomNode old = effect.namedItem(name);
-    if (old.isNull())
-        effect.appendChild(preset);
-    else
-        Archive::Internal::replaceChild(effect, preset, old);
+QString tagOf(const QDomElement& effect) {
+    return textOf(firstDescendant(firstDescendant(effect, Words::BaseOfObject), "tag"));
 }
 
 } // namespace
 
-void V11_PopArtPresetAdaptor::adapt(QDomDocument& document) {
-    const QDomElement archive = Archive::Internal::soleArchive(document);
-    if (archive.isNull()) {
-        LOG(ERROR) << "<Archive> element not found";
-        return;
-    }
-    for (QDomElement& effect : Archive::Internal::rootObjects(archive, QStringLiteral("Effect::PopArt"))) {
-        if (const Preset* preset = presetOf(effect))
-            setPreset(document, effect, preset->value);
+void V11_PopArtPresetAdaptor::convert(ArchiveEditor& archive) {
+    for (const QDomElement& effect : archive.rootObjects("Effect::PopArt")) {
+        if (const Preset* preset = findRow(presets, &Preset::tag, tagOf(effect))) // the effect keeps its tag
+            archive.settingFields(effect).int32("preset", preset->value);
     }
 }
 

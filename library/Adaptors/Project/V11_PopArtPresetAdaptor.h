@@ -1,13 +1,13 @@
 #pragma once
 
-#include "Adaptors/AbstractAdaptorXml.h"
+#include "Adaptors/XmlStep.h"
 
 namespace Project {
 
 /// Version 11: the number of tiles of an `Effect::PopArt` is its `preset`, no longer its `tag` alone.
-class V11_PopArtPresetAdaptor : public Bundle::AbstractAdaptorXml {
-public:
-    void adapt(QDomDocument& document) override;
+class V11_PopArtPresetAdaptor : public Bundle::ArchiveStep {
+protected:
+    void convert(Archive::Internal::ArchiveEditor& archive) override;
 };
 
 } // namespace Project

@@ -1,56 +1,35 @@
 #include "Adaptors/Project/V12_ClipPreviewAdaptor.h"
 
-#include "Archive/Internal/ObjectIds.h"
-#include "Archive/Internal/RootObjects.h"
-#include "Archive/Xml.h"
-
-#include <glog/logging.h>
+#include "Archive/Internal/ArchiveEditor.h"
 
 using namespace Archive::Internal;
-namespace Words = Archive::Words;
 
 namespace Project {
 namespace {
 
 /// Adds the object of an image to the archive and gives its id.
-long long addImageObject(QDomDocument& document, QDomElement& archive, QDomElement& predeclarations,
-                         const QString& imageRef, long long& maxId) {
-    NewRootObject image =
-        declareRootObject(document, predeclarations, QStringLiteral("StaticPreview::ImageObject"), maxId);
-    QDomElement base = Archive::createObject(document, Words::BaseOfObject,
-                                             QStringLiteral("StaticPreview::Object"), image.id);
-    base.appendChild(Archive::createInt32(document, Words::type, 1));
-    image.element.appendChild(base);
-    image.element.appendChild(Archive::createImageRef(document, QStringLiteral("image"), imageRef));
-    archive.appendChild(image.element);
-    return image.id;
+long long addImageObject(ArchiveEditor& archive, const QString& imageRef) {
+    const long long id = archive.declare("StaticPreview::ImageObject");
+    const QDomElement image = archive.appendRootObject("StaticPreview::ImageObject", id);
+    archive.fields(archive.appendObject(image, Words::BaseOfObject, "StaticPreview::Object", id))
+        .int32("type", 1);
+    archive.fields(image).imageRef("image", imageRef);
+    return id;
 }
 
 } // namespace
 
-void V12_ClipPreviewAdaptor::adapt(QDomDocument& document) {
-    QDomElement archive = soleArchive(document);
-    if (archive.isNull()) {
-        LOG(ERROR) << "<Archive> element not found";
-        return;
-    }
-    const auto objects = typedElements(archive, Words::RootObject);
-    Elements clips = ofType(objects, QStringLiteral("Timeline::Clip"));
-    if (clips.empty())
-        return;
-    QDomElement predeclarations = predeclarationsAmong(objects);
-    long long maxId = maxObjectId(document); // before a `preview` goes that may have an id of its own
-
-    const QString preview = QStringLiteral("preview");
-    for (QDomElement& clip : clips) {
-        const QDomElement old = firstDescendant(clip, preview);
+void V12_ClipPreviewAdaptor::convert(ArchiveEditor& archive) {
+    const Elements clips = archive.rootObjects("Timeline::Clip");
+    if (!clips.empty())
+        archive.startIds(); // before a `preview` is removed that may have an id of its own
+    for (const QDomElement& clip : clips) {
+        const QDomElement old = firstDescendant(clip, "preview");
         const QString imageRef = old.attribute(Words::ref);
-        removeFromParent(old);
-        // A clip without a preview is not one with the preview "empty": it gets an image object of no image.
-        const long long id = imageRef == QLatin1String("empty")
-                                 ? 0
-                                 : addImageObject(document, archive, predeclarations, imageRef, maxId);
-        clip.appendChild(Archive::createObjectRef(document, preview, id));
+        archive.remove(old);
+        // Quirk: a clip without a preview is not one with the preview "empty". It gets an object of no image.
+        const bool isEmpty = imageRef == QLatin1String("empty");
+        archive.fields(clip).reference("preview", isEmpty ? 0 : addImageObject(archive, imageRef));
     }
 }
 

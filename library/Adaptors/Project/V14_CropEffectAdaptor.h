@@ -1,13 +1,13 @@
 #pragma once
 
-#include "Adaptors/AbstractAdaptorXml.h"
+#include "Adaptors/XmlStep.h"
 
 namespace Project {
 
 /// Version 14: `Effect::Crop` holds what it cuts out as a `transform` in place of a `rect`.
-class V14_CropEffectAdaptor : public Bundle::AbstractAdaptorXml {
-public:
-    void adapt(QDomDocument& document) override;
+class V14_CropEffectAdaptor : public Bundle::ArchiveStep {
+protected:
+    void convert(Archive::Internal::ArchiveEditor& archive) override;
 };
 
 } // namespace Project

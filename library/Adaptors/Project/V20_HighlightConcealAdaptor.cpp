@@ -1,24 +1,16 @@
 #include "Adaptors/Project/V20_HighlightConcealAdaptor.h"
 
+#include "Archive/Internal/ArchiveEditor.h"
 #include "Archive/Internal/EffectObject.h"
-#include "Archive/Internal/ObjectIds.h"
-#include "Archive/Internal/Outline.h"
-#include "Archive/Internal/PredeclarationEdits.h"
-#include "Archive/Internal/StoredDouble.h"
+#include "Archive/Internal/Reading.h"
+#include "Archive/Internal/TransformedEffects.h"
 #include "Archive/Internal/Transforms.h"
-#include "Archive/Internal/Walk.h"
-#include "Archive/Xml.h"
 
 #include <QTransform>
 
-#include <glog/logging.h>
-
 #include <map>
 
-namespace Words = Archive::Words;
-
-using Archive::Internal::doubleIn;
-using Archive::Internal::PredeclarationEdits;
+using namespace Archive::Internal;
 
 namespace Project {
 namespace {
@@ -41,197 +33,106 @@ constexpr const char* oldFields[] = {
 
 constexpr double pixelSize = 0.5;
 
+/// What an "Effect::Mask" says.
 struct Mask {
-    int maskType = 0;
-    int frameType = 0;
-    int outline = 0;
-    int invertType = 0;
-    double width = 0.0;
-    double opacity = 0.0;
-    double left = 0.0;
-    double top = 0.0;
-    double right = 0.0;
-    double bottom = 0.0;
+    explicit Mask(const QDomElement& effect);
+
+    const Kind& kind() const { return isInverted ? highlight : conceal; }
+
+    int maskType;
+    int frameType;
+    bool hasOutline;
+    bool isInverted;
+    double width;
+    double opacity;
+    Stored::V14::Transform transform; ///< the place of its rectangle in the frame
 };
 
-struct MaskEffect {
-    QDomElement element;
-    Mask mask;
-};
-
-int intIn(const QDomElement& parent, const QString& name) {
-    return Archive::valueOf(parent, name).toInt();
+/// Not inverted, and width and height scale apart.
+QTransform placement(const QDomElement& rect) {
+    const double left = doubleIn(rect, "left");
+    const double top = doubleIn(rect, "top");
+    const double right = doubleIn(rect, "right");
+    const double bottom = doubleIn(rect, "bottom");
+    return QTransform::fromScale(right - left, bottom - top) *
+           QTransform::fromTranslate((right + left) * 0.5 - 0.5, (bottom + top) * 0.5 - 0.5);
 }
 
-Mask readMask(const QDomElement& effect) {
-    const QDomElement rect = effect.firstChildElement(QStringLiteral("rect"));
-    Mask mask;
-    mask.maskType = intIn(effect, QStringLiteral("maskType"));
-    mask.frameType = intIn(effect, QStringLiteral("frameType"));
-    mask.outline = intIn(effect, QStringLiteral("borderType")) == 0 ? 1 : 0;
-    mask.invertType = intIn(effect, QStringLiteral("invertType"));
-    mask.width = doubleIn(effect, QStringLiteral("width"));
-    mask.opacity = doubleIn(effect, QStringLiteral("opacity"));
-    mask.left = doubleIn(rect, QStringLiteral("left"));
-    mask.top = doubleIn(rect, QStringLiteral("top"));
-    mask.right = doubleIn(rect, QStringLiteral("right"));
-    mask.bottom = doubleIn(rect, QStringLiteral("bottom"));
-    return mask;
+Mask::Mask(const QDomElement& effect)
+    : maskType(int32In(effect, "maskType")), frameType(int32In(effect, "frameType")),
+      hasOutline(int32In(effect, "borderType") == 0), isInverted(int32In(effect, "invertType") != 0),
+      width(doubleIn(effect, "width")), opacity(doubleIn(effect, "opacity")),
+      transform(toStored(placement(effect.firstChildElement("rect")))) {}
+
+void renameEffect(ArchiveEditor& archive, const QDomElement& effect, const Kind& kind) {
+    const QDomElement object = innerBase(effect);
+    archive.setField(object, "id", kind.number);
+    archive.setField(object, "uniqueId", kind.number);
+    archive.setField(object, "tag", kind.tag);
+    archive.setType(effect, kind.effectClass);
 }
 
-/// The rectangle's place in the frame: not inverted, and width and height scale apart.
-Stored::V14::Transform placement(const Mask& mask) {
-    return Archive::Internal::toStored(QTransform::fromScale(mask.right - mask.left, mask.bottom - mask.top) *
-                                       QTransform::fromTranslate((mask.right + mask.left) * 0.5 - 0.5,
-                                                                 (mask.bottom + mask.top) * 0.5 - 0.5));
+void addOpacityAndSmoothness(Fields fields, const Mask& mask) {
+    fields.number("opacity", mask.opacity).number("smoothness", mask.hasOutline ? 0.0 : mask.width);
 }
 
-void rename(QDomElement& effect, const Kind& kind) {
-    const QDomElement object = Archive::Internal::innerBase(effect);
-    Archive::setValueOf(object, QStringLiteral("id"), QString::fromLatin1(kind.number));
-    Archive::setValueOf(object, QStringLiteral("uniqueId"), QString::fromLatin1(kind.number));
-    Archive::setValueOf(object, QStringLiteral("tag"), QString::fromLatin1(kind.tag));
-    Archive::Internal::setType(effect, QString::fromLatin1(kind.effectClass));
+/// Adds the list of frames with its only frame.
+QDomElement appendFrame(ArchiveEditor& archive, const QDomElement& effect, const Kind& kind, long long frameId) {
+    const QDomElement frames = archive.fields(effect).array("frames").last();
+    return archive.appendObject(archive.appendItem(frames), Words::Data, kind.frameClass, frameId);
 }
 
-void removeOldFields(QDomElement& effect) {
+/// A highlight has method, opacity and smoothness in the effect, a conceal in the frame.
+void addFields(ArchiveEditor& archive, const QDomElement& effect, const Mask& mask, long long frameId,
+               long long transformId) {
+    if (mask.isInverted) {
+        addOpacityAndSmoothness(archive.fields(effect), mask);
+        archive.fields(effect).int32("method", mask.maskType);
+    }
+    const QDomElement frame = appendFrame(archive, effect, mask.kind(), frameId);
+    if (!mask.isInverted)
+        archive.fields(frame).int32("method", mask.maskType);
+    archive.fields(frame).int32("shape", mask.frameType).transform("transform", mask.transform, transformId);
+    if (!mask.isInverted)
+        addOpacityAndSmoothness(archive.fields(frame), mask);
+    archive.fields(frame).boolean("outline", mask.hasOutline);
+    if (!mask.isInverted)
+        archive.fields(frame).number("pixelSize", pixelSize);
+}
+
+void convertMask(ArchiveEditor& archive, const QDomElement& effect, long long effectId) {
+    const Mask mask(effect);
+    archive.undeclare(effectId);
+    archive.undeclare(wrappedIdOf(effect.firstChildElement("rect")));
+    renameEffect(archive, effect, mask.kind());
     for (const char* field : oldFields)
-        Archive::removeFirstChild(effect, QString::fromLatin1(field));
-}
+        archive.removeField(effect, field);
 
-class Impl {
-public:
-    explicit Impl(QDomDocument& document) : m_document(document), m_ids(document) {}
+    const long long frameId = archive.nextId();
+    const long long transformId = archive.nextId();
+    addFields(archive, effect, mask, frameId, transformId);
 
-    bool parse();
-    void adapt();
+    archive.declareAs(effectId, mask.kind().effectClass, 0, {frameId});
+    // Quirk: a conceal frame, too, is declared as a highlight frame, against what its object says.
+    archive.declareAs(frameId, highlight.frameClass, effectId, {transformId});
+    archive.declareAs(transformId, transformClass, frameId);
 
-private:
-    void convert(unsigned long long unsignedId, MaskEffect& effect, PredeclarationEdits& predeclares);
-    void appendHighlight(QDomElement& effect, const Mask& mask, long long frameId, long long transformId);
-    void appendConceal(QDomElement& effect, const Mask& mask, long long frameId, long long transformId);
-    QDomElement appendFrame(QDomElement& effect, const Kind& kind, long long frameId);
-    void appendDouble(QDomElement& parent, const QString& name, double value);
-    void appendInt32(QDomElement& parent, const QString& name, int value);
-    void appendOpacityAndSmoothness(QDomElement& parent, const Mask& mask);
-    void appendShapeAndTransform(QDomElement& frame, const Mask& mask, long long transformId);
-    void appendOutline(QDomElement& frame, const Mask& mask);
-
-    QDomDocument& m_document;
-    QDomElement m_archive;
-    QDomElement m_predeclarations;
-    std::map<unsigned long long, MaskEffect> m_effects;
-    Archive::Internal::ObjectIds m_ids;
-};
-
-bool Impl::parse() {
-    m_archive = Archive::Internal::soleArchive(m_document);
-    if (m_archive.isNull()) {
-        LOG(ERROR) << "<Archive> element not found";
-        return false;
-    }
-    for (const auto& [object, type] : Archive::Internal::typedElements(m_archive, Words::RootObject)) {
-        if (type == Words::Predeclarator)
-            m_predeclarations = Archive::Internal::firstDescendant(object, Words::predeclarations);
-        else if (type == QLatin1String("Effect::Mask"))
-            m_effects[Archive::objectIdOf(object)] = {object, readMask(object)};
-    }
-    return true;
-}
-
-void Impl::adapt() {
-    if (m_effects.empty())
-        return;
-    m_ids.greatest(); // the ids of the objects that are about to go count as well
-    PredeclarationEdits predeclares(m_document, m_predeclarations);
-    for (auto& [id, effect] : m_effects)
-        convert(id, effect, predeclares);
-    predeclares.finish();
-}
-
-void Impl::convert(unsigned long long unsignedId, MaskEffect& effect, PredeclarationEdits& predeclares) {
-    const auto effectId = static_cast<long long>(unsignedId);
-    const Kind& kind = effect.mask.invertType != 0 ? highlight : conceal;
-    QDomElement& element = effect.element;
-
-    predeclares.remove(effectId);
-    predeclares.remove(
-        static_cast<long long>(Archive::objectIdOf(element.firstChildElement(QStringLiteral("rect")))));
-    rename(element, kind);
-    removeOldFields(element);
-
-    const long long frameId = m_ids.next();
-    const long long transformId = m_ids.next();
-    if (&kind == &highlight)
-        appendHighlight(element, effect.mask, frameId, transformId);
-    else
-        appendConceal(element, effect.mask, frameId, transformId);
-
-    long long& maxId = m_ids.greatest();
-    predeclares.add(QString::fromLatin1(kind.effectClass), 0, maxId, effectId, {frameId});
-    // A conceal frame, too, is declared as a highlight frame, against what its object says.
-    predeclares.add(QString::fromLatin1(highlight.frameClass), effectId, maxId, frameId, {transformId});
-    predeclares.add(QStringLiteral("Types::Transform"), frameId, maxId, transformId, {});
-
-    Archive::Internal::Outline::removed(element);
-    m_archive.appendChild(element); // from its old place to the end
-}
-
-void Impl::appendHighlight(QDomElement& effect, const Mask& mask, long long frameId, long long transformId) {
-    appendOpacityAndSmoothness(effect, mask);
-    appendInt32(effect, QStringLiteral("method"), mask.maskType);
-    QDomElement frame = appendFrame(effect, highlight, frameId);
-    appendShapeAndTransform(frame, mask, transformId);
-    appendOutline(frame, mask);
-}
-
-void Impl::appendConceal(QDomElement& effect, const Mask& mask, long long frameId, long long transformId) {
-    QDomElement frame = appendFrame(effect, conceal, frameId);
-    appendInt32(frame, QStringLiteral("method"), mask.maskType);
-    appendShapeAndTransform(frame, mask, transformId);
-    appendOpacityAndSmoothness(frame, mask);
-    appendOutline(frame, mask);
-    appendDouble(frame, QStringLiteral("pixelSize"), pixelSize);
-}
-
-QDomElement Impl::appendFrame(QDomElement& effect, const Kind& kind, long long frameId) {
-    QDomElement frame =
-        Archive::createObject(m_document, Words::Data, QString::fromLatin1(kind.frameClass), frameId);
-    QDomElement frames = Archive::createArray(m_document, QStringLiteral("frames"), 0);
-    Archive::appendArrayElement(m_document, frames).appendChild(frame);
-    effect.appendChild(frames);
-    return frame;
-}
-
-void Impl::appendDouble(QDomElement& parent, const QString& name, double value) {
-    parent.appendChild(Archive::createDouble(m_document, name, value));
-}
-
-void Impl::appendInt32(QDomElement& parent, const QString& name, int value) {
-    parent.appendChild(Archive::createInt32(m_document, name, value));
-}
-
-void Impl::appendOpacityAndSmoothness(QDomElement& parent, const Mask& mask) {
-    appendDouble(parent, QStringLiteral("opacity"), mask.opacity);
-    appendDouble(parent, QStringLiteral("smoothness"), mask.outline != 0 ? 0.0 : mask.width);
-}
-
-void Impl::appendShapeAndTransform(QDomElement& frame, const Mask& mask, long long transformId) {
-    appendInt32(frame, QStringLiteral("shape"), mask.frameType);
-    frame.appendChild(
-        Archive::value2element(m_document, QStringLiteral("transform"), placement(mask), transformId));
-}
-
-void Impl::appendOutline(QDomElement& frame, const Mask& mask) {
-    frame.appendChild(Archive::createBool(m_document, QStringLiteral("outline"), mask.outline != 0));
+    archive.append(archive.root(), effect); // from its old place to the end
 }
 
 } // namespace
 
-void V20_HighlightConcealAdaptor::adapt(QDomDocument& document) {
-    Impl impl(document);
-    if (impl.parse())
-        impl.adapt();
+void V20_HighlightConcealAdaptor::convert(ArchiveEditor& archive) {
+    QDomElement predeclarator = archive.lastRootObject(Words::Predeclarator);
+    // Quirk: the records are the first descendant of that name.
+    archive.setPredeclarations(firstDescendant(predeclarator, Words::predeclarations));
+    std::map<unsigned long long, QDomElement> effects; // by id, the order of conversion; of several the last
+    for (const QDomElement& effect : archive.rootObjects("Effect::Mask"))
+        effects[Archive::objectIdOf(effect)] = effect;
+    if (!effects.empty())
+        archive.startIds(); // ids of objects that are removed count as well
+    for (const auto& [id, effect] : effects)
+        convertMask(archive, effect, static_cast<long long>(id));
 }
 
 } // namespace Project

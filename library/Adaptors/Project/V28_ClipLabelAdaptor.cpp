@@ -1,14 +1,15 @@
 #include "Adaptors/Project/V28_ClipLabelAdaptor.h"
 
-#include "Archive/Internal/Walk.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/ArchiveEditor.h"
+
+using namespace Archive::Internal;
 
 namespace Project {
 
-void V28_ClipLabelAdaptor::adapt(QDomDocument& document) {
-    // A clip that has `labels` already gets a second one: the format never looked.
-    for (QDomElement& clip : Archive::Internal::rootObjects(document, QStringLiteral("Timeline::Clip")))
-        clip.appendChild(Archive::createArray(document, QStringLiteral("labels"), 0));
+void V28_ClipLabelAdaptor::convert(ArchiveEditor& archive) {
+    // Quirk: a clip that has `labels` already gets a second array.
+    for (const QDomElement& clip : archive.rootObjects("Timeline::Clip"))
+        archive.fields(clip).array("labels");
 }
 
 } // namespace Project

@@ -8,6 +8,8 @@
 
 #include <iterator>
 
+using namespace Archive::Internal;
+
 namespace Project {
 namespace {
 
@@ -32,7 +34,7 @@ constexpr int sbsLeft = 0;
 
 int modeOf(const QDomElement& effect) {
     bool isNumber = false;
-    const int mode = Archive::valueOf(effect, QStringLiteral("mode")).toInt(&isNumber);
+    const int mode = Archive::valueOf(effect, "mode").toInt(&isNumber);
     if (!isNumber) {
         LOG(ERROR) << "Can not parse mode of SideBySide effect. Assuming sbsLeft";
         return sbsLeft;
@@ -51,23 +53,17 @@ QTransform transformOf(const Half& half) {
 
 } // namespace
 
-void V42_SideBySideTransformAdaptor::adapt(QDomDocument& document) {
-    const QDomElement archive = Archive::Internal::soleArchive(document);
-    if (archive.isNull()) {
-        LOG(ERROR) << "<Archive> element not found";
-        return;
-    }
-    Archive::Internal::TransformedEffects pairs(document, archive, QStringLiteral("Effect::SideBySide"));
-    for (QDomElement effect : pairs.effects()) {
-        const auto transform = Archive::Internal::toStored(transformOf(halves[modeOf(effect)]));
-        const long long source = pairs.declareTransform(document, effect);
-        const long long destination = pairs.declareTransform(document, effect);
-        pairs.appendRefs(document, effect, {source, destination});
-        // Both matrices are the same, and `mode` stays beside them.
-        effect.appendChild(
-            Archive::value2element(document, QStringLiteral("transformSrc"), transform, source));
-        effect.appendChild(
-            Archive::value2element(document, QStringLiteral("transformDst"), transform, destination));
+void V42_SideBySideTransformAdaptor::convert(ArchiveEditor& archive) {
+    TransformedEffects pairs(archive, "Effect::SideBySide");
+    for (const QDomElement& effect : pairs.effects()) {
+        const auto transform = toStored(transformOf(halves[modeOf(effect)]));
+        const long long source = pairs.declareTransform(effect);
+        const long long destination = pairs.declareTransform(effect);
+        pairs.appendRefs(effect, {source, destination});
+        // Quirk: both matrices are the same, and `mode` stays beside them.
+        archive.fields(effect)
+            .transform("transformSrc", transform, source)
+            .transform("transformDst", transform, destination);
     }
 }
 

@@ -1,6 +1,6 @@
 #include "Adaptors/Project/V4_TransposeEffectAdaptor.h"
 
-#include "Archive/Internal/NumberedEffects.h"
+#include "Archive/Internal/EffectObject.h"
 #include "Archive/Internal/ObjectIds.h"
 #include "Archive/Internal/Walk.h"
 #include "Archive/Xml.h"

@@ -1,6 +1,6 @@
 #include "Adaptors/Project/V8_ChromaKeyPiPAdaptor.h"
 
-#include "Archive/Internal/NumberedEffects.h"
+#include "Archive/Internal/EffectObject.h"
 #include "Archive/Internal/ObjectIds.h"
 #include "Archive/Internal/Walk.h"
 #include "Archive/Xml.h"

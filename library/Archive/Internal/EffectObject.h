@@ -1,14 +1,15 @@
 #pragma once
 
-// For this project's own use.
-
 #include <QDomDocument>
+#include <QDomElement>
 #include <QString>
 
 #include <initializer_list>
 #include <utility>
 
 namespace Archive::Internal {
+
+class ArchiveEditor;
 
 /// An effect's three nested levels, which share one id.
 struct EffectObject {
@@ -20,12 +21,26 @@ struct EffectObject {
 /// The part that holds the fields of every effect: the first base of the first base; a null element for none.
 QDomElement innerBase(const QDomElement& effect);
 
-/// Makes the levels, not yet inserted. A step appends the fields that are its own to each.
+/// Makes the levels, not yet in the tree. A step adds fields to each.
+EffectObject newEffect(ArchiveEditor& archive, const QString& className, const QString& baseName, long long id);
+
+/// What an effect was called while its identifiers were numbers: before version 23.
+struct NumberedEffect {
+    const char* className;
+    unsigned int id;
+    const char* tag;
+    unsigned int uniqueId;
+};
+
+/// Declares a new video effect, appends it to the archive and lists it last in `effects`, the list of a clip.
+EffectObject appendNumberedEffect(ArchiveEditor& archive, const NumberedEffect& kind, const QDomElement& effects);
+
+// To be removed with their last users.
 EffectObject createEffectObject(QDomDocument& doc, const QString& className, const QString& baseName,
                                 long long id);
-
-/// Appends one "String" field after the other.
 void appendStrings(QDomDocument& doc, QDomElement& object,
                    std::initializer_list<std::pair<const char*, QString>> fields);
+EffectObject addNumberedEffect(QDomDocument& document, QDomElement& archive, QDomElement& predeclarations,
+                               long long& greatestId, const NumberedEffect& kind, QDomElement& effects);
 
 } // namespace Archive::Internal

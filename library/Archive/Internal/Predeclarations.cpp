@@ -24,13 +24,17 @@ Record recordIn(const QDomElement& item) {
     return {item, data, declaredId(data)};
 }
 
-std::shared_ptr<const Records> recordsOf(const QDomElement& predeclarations) {
-    if (Outline* outline = Outline::of(predeclarations))
-        return outline->records(predeclarations);
+std::shared_ptr<Records> readRecords(const QDomElement& predeclarations) {
     auto records = std::make_shared<Records>();
     for (const QDomElement& item : children(predeclarations, Words::Item))
         records->push_back(recordIn(item));
     return records;
+}
+
+std::shared_ptr<const Records> recordsOf(const QDomElement& predeclarations) {
+    if (Outline* outline = Outline::of(predeclarations))
+        return outline->records(predeclarations);
+    return readRecords(predeclarations);
 }
 
 bool removeRecords(QDomElement& predeclarations, const std::function<bool(const Record&)>& goes) {

@@ -32,6 +32,8 @@ using Records = std::vector<Record>;
 /// Reads an entry.
 Record recordIn(const QDomElement& item);
 
+std::shared_ptr<Records> readRecords(const QDomElement& predeclarations);
+
 /// The entries of an array of predeclarations, in order, as they are at this moment. An outline keeps them.
 std::shared_ptr<const Records> recordsOf(const QDomElement& predeclarations);
 

@@ -6,15 +6,6 @@
 
 namespace Archive::Internal {
 
-Elements ofType(const TypedElements& objects, const QString& type) {
-    Elements result;
-    for (const auto& object : objects) {
-        if (object.type == type)
-            result.push_back(object.element);
-    }
-    return result;
-}
-
 QDomElement lastOfType(const TypedElements& objects, const QString& type) {
     QDomElement last;
     for (const auto& object : objects) {

@@ -2,21 +2,15 @@
 
 // For this project's own use: picking from root objects that were collected in one walk, and adding to them.
 
+#include "Archive/Internal/ArchiveEditor.h"
 #include "Archive/Internal/Predeclarations.h"
+#include "Archive/Internal/Reading.h"
 #include "Archive/Internal/Walk.h"
 
 #include <QDomDocument>
 #include <QList>
 
 namespace Archive::Internal {
-
-/// The id of an object element as ids are compared, 64-bit and signed; 0 where it can't be read.
-inline long long idOf(const QDomElement& object) {
-    return object.attribute(Words::objectId).toLongLong();
-}
-
-/// Those of that type, in order.
-Elements ofType(const TypedElements& objects, const QString& type);
 
 /// The last of that type, or a null element.
 QDomElement lastOfType(const TypedElements& objects, const QString& type);

@@ -1,56 +1,32 @@
 #include "Archive/Internal/TransformedEffects.h"
 
-#include "Archive/Internal/ObjectIds.h"
-#include "Archive/Internal/Predeclarations.h"
-#include "Archive/Internal/RootObjects.h"
-#include "Archive/Xml.h"
-
-#include <QSet>
+#include "Archive/Internal/Reading.h"
+#include "Archive/Internal/References.h"
 
 namespace Archive::Internal {
 
-TransformedEffects::TransformedEffects(const QDomDocument& document, const QDomElement& archive,
-                                       const QString& className) {
-    const TypedElements objects = typedElements(archive, Words::RootObject);
-    m_effects = ofType(objects, className);
-    m_predeclarations = predeclarationsAmong(objects);
+TransformedEffects::TransformedEffects(ArchiveEditor& archive, const QString& className)
+    : m_archive(archive), m_effects(archive.rootObjects(className)) {
     if (m_effects.empty())
         return;
-    collectRecords();
-    m_greatestId = maxObjectId(document);
+    archive.startIds(); // ids of objects that the step removes count as well
+    QHash<long long, QDomElement> records;
+    for (const Record& record : *archive.records())
+        records.insert(record.id, record.data);
+    for (const QDomElement& effect : m_effects)
+        m_records.insert(idOf(effect), records.value(idOf(effect)));
 }
 
 QDomElement TransformedEffects::recordOf(const QDomElement& effect) const {
     return m_records.value(idOf(effect));
 }
 
-long long TransformedEffects::declareTransform(QDomDocument& document, const QDomElement& effect) {
-    return addPredeclaration(m_predeclarations, document, transformClass, idOf(effect), m_greatestId, -1, {});
+long long TransformedEffects::declareTransform(const QDomElement& effect) {
+    return m_archive.declare(transformClass, idOf(effect));
 }
 
-void TransformedEffects::appendRefs(QDomDocument& document, const QDomElement& effect,
-                                    std::initializer_list<long long> ids) {
-    QDomElement refs = recordOf(effect).firstChildElement(Words::refs);
-    if (refs.isNull())
-        return;
-    refs.setAttribute(Words::size, QString::number(ids.size()));
-    long long index = 0;
-    for (const long long id : ids) {
-        QDomElement item = createArrayItem(document, ++index);
-        item.appendChild(createObjectRef(document, Words::Data, id));
-        refs.appendChild(item);
-    }
-}
-
-void TransformedEffects::collectRecords() {
-    QSet<long long> ids;
-    for (const QDomElement& effect : m_effects)
-        ids.insert(idOf(effect));
-    const auto records = recordsOf(m_predeclarations);
-    for (const Record& record : *records) {
-        if (ids.contains(record.id))
-            m_records.insert(record.id, record.data);
-    }
+void TransformedEffects::appendRefs(const QDomElement& effect, const QList<long long>& ids) {
+    appendUncountedReferences(m_archive, recordOf(effect).firstChildElement(Words::refs), ids);
 }
 
 } // namespace Archive::Internal

@@ -39,3 +39,7 @@ inline const QString ObjectRef = QStringLiteral("ObjectRef");
 inline const QString StringPtr = QStringLiteral("StringPtr");
 
 } // namespace Archive::Words
+
+namespace Archive::Internal {
+namespace Words = Archive::Words;
+}

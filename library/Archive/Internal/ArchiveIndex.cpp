@@ -1,0 +1,339 @@
+#include "Archive/Internal/ArchiveIndex.h"
+
+#include "Archive/Internal/PlainText.h"
+#include "Archive/Internal/StringPtr.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Archive::Internal {
+namespace {
+
+bool isIndexedTag(const QString& tag) {
+    return tag == Words::RootObject || tag == Words::BaseOfObject;
+}
+
+/// The list, which others may share, to be changed.
+TypedElements::List& own(std::shared_ptr<TypedElements::List>& list) {
+    if (list.use_count() > 1)
+        list = std::make_shared<TypedElements::List>(*list);
+    return *list;
+}
+
+/// Calls `visit` on a node and all below it, in document order.
+template <class Visit>
+void forEachNode(const QDomNode& top, Visit visit) {
+    for (QDomNode node = top; !node.isNull(); node = nextInDocument(node, top))
+        visit(node);
+}
+
+} // namespace
+
+ArchiveIndex::ArchiveIndex(const QDomDocument& document, TreeFacts facts) : m_document(document) {
+    m_greatest = facts.greatest;
+    m_showsTypes = facts.showsTypes;
+    const QDomElement top = document.documentElement();
+    if (facts.archives != 1 || top.tagName() != Words::Archive)
+        return;
+    m_archive = top;
+    m_rootObjects = std::move(facts.rootObjects);
+    m_baseParts = std::move(facts.baseParts);
+    m_isPlain = m_greatest.has_value();
+}
+
+QDomElement ArchiveIndex::archive() {
+    if (!m_archive) {
+        const QDomNodeList found = m_document.elementsByTagName(Words::Archive);
+        m_archive = found.length() == 1 ? found.item(0).toElement() : QDomElement();
+    }
+    return *m_archive;
+}
+
+/// Lists are kept for archives that are the document element: below the document and below the archive are the same
+/// elements then.
+bool ArchiveIndex::isIndexed(const QDomNode& below) {
+    const QDomElement top = archive();
+    return !top.isNull() && (below == top || below.isDocument()) && m_document.documentElement() == top;
+}
+
+TypedElements ArchiveIndex::elements(const QDomNode& below, const QString& tag) {
+    if (!isIndexed(below))
+        return typedElements(below, tag);
+    update();
+    List& list = tag == Words::RootObject ? m_rootObjects : m_baseParts;
+    if (!list)
+        list = searchTyped(m_document, tag);
+    return TypedElements(list);
+}
+
+// Lists.
+
+void ArchiveIndex::inserted(const QDomElement& parent, const QDomNode& child, bool isLast) {
+    const QString tag = child.nodeName();
+    forgetRecordsAt(parent, tag);
+    if (!m_rootObjects && !m_baseParts)
+        return;
+    if (tag == Words::RootObject && isLast && m_archive && parent == *m_archive) {
+        m_lastAppended = child.toElement();
+        return;
+    }
+    bool hasRootObjects = false;
+    bool hasBaseParts = false;
+    forEachNode(child, [&](const QDomNode& node) {
+        const QString name = node.nodeName();
+        hasRootObjects = hasRootObjects || name == Words::RootObject;
+        hasBaseParts = hasBaseParts || name == Words::BaseOfObject;
+    });
+    if ((hasRootObjects || hasBaseParts) && !isInNewRootObject(parent)) {
+        if (hasRootObjects)
+            m_rootObjects.reset();
+        if (hasBaseParts)
+            m_baseParts.reset();
+    }
+}
+
+/// Whether the node is outside the tree, or in the root object that was appended last: what is inserted there is
+/// found with the root object. Gives false where finding out takes too long.
+bool ArchiveIndex::isInNewRootObject(const QDomNode& node) const {
+    constexpr int mostSteps = 64;
+    QDomNode ancestor = node;
+    for (int steps = 0; steps < mostSteps; ++steps) {
+        if (ancestor.isNull() || ancestor == m_lastAppended)
+            return true;
+        if (ancestor.isDocument())
+            return false;
+        ancestor = ancestor.parentNode();
+    }
+    return false;
+}
+
+void ArchiveIndex::removed(const QDomNode& parent, const QDomNode& child) {
+    forgetRecordsAt(parent, child.nodeName());
+    forEachNode(child, [this](const QDomNode& node) {
+        if (!node.isElement())
+            return;
+        if (node.attributes().contains(Words::objectId))
+            m_mayHolderBeGone = true;
+        if (isIndexedTag(node.nodeName()) && (m_rootObjects || m_baseParts))
+            m_removed.emplace(identityOf(node), node.toElement());
+    });
+}
+
+void ArchiveIndex::renamed(const QDomElement& e, const QString& newTag) {
+    forgetRecordsAt(e.parentNode(), e.tagName());
+    if (isIndexedTag(e.tagName()) && (m_rootObjects || m_baseParts))
+        m_removed.emplace(identityOf(e), e);
+    if (isIndexedTag(newTag))
+        invalidateLists();
+    if (newTag == Words::Archive || e.tagName() == Words::Archive)
+        invalidate();
+}
+
+void ArchiveIndex::imported(const QDomElement& e) {
+    if (e.tagName() == Words::Archive || !firstDescendant(e, Words::Archive).isNull())
+        return invalidate();
+    if (!searchGreatestId(e))
+        invalidateTexts();
+    m_showsTypes = m_showsTypes && Internal::showsTypes(e);
+    forEachNode(e, [this](const QDomNode& node) {
+        const QDomElement element = node.toElement();
+        if (element.hasAttribute(Words::objectId))
+            created(element, element.attribute(Words::objectId).toLongLong());
+    });
+}
+
+void ArchiveIndex::retyped(const QDomElement& e) {
+    m_areTypesStale = m_areTypesStale || isIndexedTag(e.tagName());
+}
+
+void ArchiveIndex::update() {
+    dropRemoved();
+    collectAppended();
+    readTypes();
+}
+
+void ArchiveIndex::dropRemoved() {
+    if (m_removed.empty())
+        return;
+    for (List* list : {&m_rootObjects, &m_baseParts}) {
+        if (*list)
+            std::erase_if(own(*list),
+                          [this](const TypedElement& e) { return m_removed.count(identityOf(e.element)) > 0; });
+    }
+    m_removed.clear();
+}
+
+/// Root objects that were appended to the archive are behind all that are known, with all base parts in them.
+void ArchiveIndex::collectAppended() {
+    if (m_lastAppended.isNull())
+        return;
+    m_lastAppended = QDomElement();
+    if (!m_rootObjects)
+        return invalidateLists();
+    TypedElements::List& rootObjects = own(m_rootObjects);
+    const auto last = std::find_if(rootObjects.rbegin(), rootObjects.rend(), [this](const TypedElement& e) {
+        return e.element.parentNode() == *m_archive;
+    });
+    if (last == rootObjects.rend())
+        return invalidateLists();
+    QDomElement object = last->element.nextSiblingElement(Words::RootObject);
+    for (; !object.isNull(); object = object.nextSiblingElement(Words::RootObject)) {
+        forEachNode(object, [&](const QDomNode& node) {
+            const QString tag = node.nodeName();
+            if (tag == Words::RootObject)
+                rootObjects.push_back({node.toElement(), node.toElement().attribute(Words::type)});
+            else if (tag == Words::BaseOfObject && m_baseParts)
+                own(m_baseParts).push_back({node.toElement(), node.toElement().attribute(Words::type)});
+        });
+    }
+}
+
+void ArchiveIndex::readTypes() {
+    if (!m_areTypesStale)
+        return;
+    m_areTypesStale = false;
+    for (List* list : {&m_rootObjects, &m_baseParts}) {
+        if (!*list)
+            continue;
+        for (TypedElement& e : own(*list))
+            e.type = e.element.attribute(Words::type);
+    }
+}
+
+void ArchiveIndex::invalidateLists() {
+    m_rootObjects.reset();
+    m_baseParts.reset();
+}
+
+// Records.
+
+std::shared_ptr<const Records> ArchiveIndex::records(const QDomElement& array) {
+    if (!m_records || m_records->array != array)
+        m_records = KnownRecords{array, readRecords(array), 0};
+    return m_records->list;
+}
+
+std::size_t ArchiveIndex::numberedRecords(const QDomElement& array) const {
+    return m_records && m_records->array == array ? m_records->numbered : 0;
+}
+
+void ArchiveIndex::appendedRecord(const QDomElement& array) {
+    if (!m_records || m_records->array != array)
+        return;
+    if (m_records->list.use_count() > 1)
+        m_records->list = std::make_shared<Records>(*m_records->list);
+    const QDomElement item = array.lastChildElement();
+    Records& list = *m_records->list;
+    list.push_back(recordIn(item));
+    if (m_records->numbered + 1 == list.size() &&
+        item.attribute(Words::index).toULongLong() == list.size())
+        ++m_records->numbered;
+}
+
+void ArchiveIndex::numberedAnew(const QDomNode& array) {
+    if (m_records && m_records->array == array)
+        m_records->numbered = 0;
+}
+
+void ArchiveIndex::setRecords(const QDomElement& array, std::shared_ptr<Records> records,
+                              std::size_t numbered) {
+    m_records = KnownRecords{array, std::move(records), numbered};
+}
+
+/// The list of records depends on the entries of the array, on their `Data` and on the `oid` in that.
+void ArchiveIndex::forgetRecordsAt(const QDomNode& parent, const QString& childTag) {
+    if (!m_records)
+        return;
+    const QDomElement& array = m_records->array;
+    const bool isPart = (childTag == Words::Item && parent == array) ||
+                        (childTag == Words::Data && parent.parentNode() == array) ||
+                        (childTag == Words::oid && parent.parentNode().parentNode() == array);
+    if (isPart)
+        m_records.reset();
+}
+
+// Ids and texts.
+
+void ArchiveIndex::wrote(const QString& text) {
+    if (survivesRewriting(text))
+        return;
+    m_showsTypes = false;
+    if (!isPlainText(text))
+        invalidateTexts();
+}
+
+std::optional<long long> ArchiveIndex::greatestId() {
+    std::size_t steps = mostHops(m_created.size());
+    if (m_greatest && m_mayHolderBeGone) {
+        const bool isGone =
+            m_isGreatestFromText || (!m_greatest->holder.isNull() && !isInTree(m_greatest->holder, steps));
+        if (isGone)
+            m_greatest.reset();
+    }
+    m_mayHolderBeGone = false;
+    countCreated();
+    if (!m_greatest) {
+        m_isGreatestFromText = false;
+        m_greatest = m_isPlain ? searchGreatestIdOfPlain(archive()) : searchGreatestId(m_document);
+    }
+    m_isPlain = m_greatest && !m_isGreatestFromText && isIndexed(m_document);
+    return m_greatest ? std::optional(m_greatest->id) : std::nullopt;
+}
+
+void ArchiveIndex::setScannedIds(const ScannedIds& ids) {
+    // Behind an error nothing counts, and only a new scan tells whether an addition is behind it.
+    if (!ids.isComplete)
+        return;
+    m_greatest = GreatestId{ids.greatest, {}};
+    m_isGreatestFromText = true;
+}
+
+/// Compares the ids of new elements that are in the tree by now with the greatest.
+void ArchiveIndex::countCreated() {
+    std::size_t steps = mostHops(m_created.size());
+    std::vector<Created> outside;
+    for (Created& created : m_created) {
+        if (!isInTree(created.element, steps))
+            outside.push_back(std::move(created));
+        else if (m_greatest && created.id > m_greatest->id)
+            m_greatest = GreatestId{created.id, created.element};
+    }
+    m_created = std::move(outside);
+    if (steps == 0)
+        m_greatest.reset();
+}
+
+/// Counts the steps upwards down from `steps`; at 0 the answer is not reliable.
+bool ArchiveIndex::isInTree(const QDomNode& node, std::size_t& steps) {
+    QDomNode ancestor = node;
+    while (steps > 0 && !ancestor.isNull() && !ancestor.isDocument()) {
+        ancestor = ancestor.parentNode();
+        --steps;
+    }
+    return ancestor.isDocument();
+}
+
+void ArchiveIndex::invalidateTexts() {
+    m_showsTypes = false;
+    m_isPlain = false;
+    m_greatest.reset();
+}
+
+void ArchiveIndex::invalidate() {
+    m_archive.reset();
+    invalidateLists();
+    m_removed.clear();
+    m_lastAppended = QDomElement();
+    m_areTypesStale = false;
+    m_records.reset();
+    invalidateTexts();
+    m_created.clear();
+}
+
+void ArchiveIndex::endStep() {
+    if (m_greatest)
+        countCreated();
+    m_created.clear();
+}
+
+} // namespace Archive::Internal

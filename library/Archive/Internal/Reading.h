@@ -1,0 +1,62 @@
+#pragma once
+
+#include "Archive/Internal/Words.h"
+#include "Archive/Xml.h"
+
+#include <QDomElement>
+#include <QString>
+
+#include <algorithm>
+#include <iterator>
+
+namespace Archive::Internal {
+
+// Numbers and texts of an element's `value`, and of the `value` of its first child of that name. What is missing or no
+// number of that width reads as 0, a missing text as an empty one.
+
+inline QString textOf(const QDomElement& e) {
+    return e.attribute(Words::value);
+}
+inline int int32Of(const QDomElement& e) {
+    return textOf(e).toInt();
+}
+inline long long int64Of(const QDomElement& e) {
+    return textOf(e).toLongLong();
+}
+
+inline int int32In(const QDomElement& parent, const QString& name) {
+    return valueOf(parent, name).toInt();
+}
+inline long long int64In(const QDomElement& parent, const QString& name) {
+    return valueOf(parent, name).toLongLong();
+}
+/// An id that is compared unsigned.
+inline unsigned long long uint64In(const QDomElement& parent, const QString& name) {
+    return valueOf(parent, name).toULongLong();
+}
+
+/// The double in the `binaryData` of the first child `name`, whatever the child's type is; 0.0 where there is none, and
+/// for an infinity.
+inline double doubleIn(const QDomElement& parent, const QString& name) {
+    return extractValue(parent.firstChildElement(name).attribute(Words::binaryData), 0.0);
+}
+
+/// The object id of an element, 64-bit and signed.
+inline long long idOf(const QDomElement& object) {
+    return object.attribute(Words::objectId).toLongLong();
+}
+
+/// The same read unsigned: ids from 2^63 on wrap.
+inline long long wrappedIdOf(const QDomElement& object) {
+    return static_cast<long long>(objectIdOf(object));
+}
+
+/// The first row of a table whose text is equal to `key`; null where there is none.
+template <class Row, std::size_t size>
+const Row* findRow(const Row (&table)[size], const char* Row::*text, const QString& key) {
+    const Row* row = std::find_if(std::begin(table), std::end(table),
+                                  [&](const Row& candidate) { return key == QLatin1String(candidate.*text); });
+    return row == std::end(table) ? nullptr : row;
+}
+
+} // namespace Archive::Internal
