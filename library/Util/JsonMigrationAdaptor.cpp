@@ -1,5 +1,6 @@
 #include "Util/JsonMigrationAdaptor.h"
 
+#include "Archive/Internal/ArchiveEditor.h"
 #include "Util/XmlToJsonAdaptor.h"
 
 using Bundle::Backend;
@@ -20,9 +21,9 @@ std::pair<int, nlohmann::json> JsonMigrationAdaptor::convert(const QDomDocument&
     return {m_version, std::move(result)};
 }
 
-std::pair<int, nlohmann::json> JsonMigrationAdaptor::consume(const QDomDocument& document,
-                                                             std::set<unsigned long long>& idsTaken) {
-    nlohmann::json result = XmlToJsonAdaptor().consume(document, idsTaken);
+std::pair<int, nlohmann::json> JsonMigrationAdaptor::consume(Archive::Internal::ArchiveEditor archive,
+                                                             std::set<unsigned long long>& sharedIds) {
+    nlohmann::json result = XmlToJsonAdaptor().consume(std::move(archive), sharedIds);
     m_converted = true;
     return {m_version, std::move(result)};
 }

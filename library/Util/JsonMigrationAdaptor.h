@@ -7,6 +7,10 @@
 #include <set>
 #include <utility>
 
+namespace Archive::Internal {
+class ArchiveEditor;
+}
+
 namespace Util {
 
 /// The step from the XML archive to JSON. A document reader derives from it and gives it a name.
@@ -19,9 +23,9 @@ public:
     bool canConvert(Bundle::Backend from, Bundle::Backend to) const override;
     std::pair<int, nlohmann::json> convert(const QDomDocument& document) override;
 
-    /// As convert(), for a document that nobody needs any more; see XmlToJsonAdaptor::consume().
-    std::pair<int, nlohmann::json> consume(const QDomDocument& document,
-                                           std::set<unsigned long long>& idsTaken);
+    /// As convert(), for a document that is not needed any more; see XmlToJsonAdaptor::consume().
+    std::pair<int, nlohmann::json> consume(Archive::Internal::ArchiveEditor archive,
+                                           std::set<unsigned long long>& sharedIds);
 
     /// Whether convert() or consume() has been called.
     bool converted() const { return m_converted; }

@@ -1,12 +1,8 @@
 #include "Util/XmlToJsonAdaptor.h"
 
+#include "Archive/Internal/ArchiveEditor.h"
 #include "Archive/Internal/Count.h"
-#include "Archive/Internal/Outline.h"
-#include "Archive/Internal/Predeclarations.h"
-#include "Archive/Internal/RootObjects.h"
-#include "Archive/Internal/Walk.h"
-#include "Archive/Internal/Words.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/Reading.h"
 #include "Serialize/Json/FlatObject.h"
 
 #include <QDomDocument>
@@ -23,10 +19,9 @@
 #include <variant>
 #include <vector>
 
-using Archive::Internal::idOf;
+using namespace Archive::Internal;
 using nlohmann::json;
 using Serialize::Json::MetaDetails;
-namespace Words = Archive::Words;
 
 namespace Util {
 namespace {
@@ -89,8 +84,8 @@ const QHash<QString, Scalar>& scalars() {
 
 // Containers: each is a frame on the converter's own stack, so that depth costs memory and never call stack.
 
-/// An object element; `next` is the child whose turn it is, `key` the place of the value under way. `spent` is the
-/// element where it is to be freed.
+/// An object element; `next` is the child to convert next, `key` the member that gets the value that is being converted.
+/// `spent` is the element where it is to be freed.
 struct ObjectFrame {
     json object;
     QDomElement next;
@@ -98,7 +93,7 @@ struct ObjectFrame {
     QDomElement spent;
 };
 
-/// An array element; `item` is the entry under way.
+/// An array element; `item` is the entry that is being converted.
 struct ArrayFrame {
     std::vector<json> values;
     QDomElement item;
@@ -144,10 +139,13 @@ constexpr NamedMap namedMaps[] = {
     {"Timeline::Clip", "Timeline::TrackingLinkInfo", "clip", "tracking"},
 };
 
-class Impl {
+class Conversion {
 public:
-    json adapt(const QDomDocument& document);
-    json consume(const QDomDocument& document, std::set<unsigned long long>& idsTaken);
+    /// With `sharedIds` objects are freed when they are converted, and embedded objects lose ids of root objects.
+    Conversion(ArchiveEditor& archive, std::set<unsigned long long>* sharedIds)
+        : m_editor(archive), m_freesObjects(sharedIds != nullptr), m_sharedIds(sharedIds) {}
+
+    json run();
 
 private:
     void collect();
@@ -172,12 +170,12 @@ private:
 
     QString referencedTypeName(const QDomElement& element) const;
     bool isClipPairValue(const QDomElement& value) const;
-    bool takesIdOfRootObject(const QDomElement& element);
+    bool losesId(const QDomElement& element);
 
+    ArchiveEditor& m_editor;
     QDomElement m_archive;
-    bool m_freesObjects = false;
-    std::set<unsigned long long>* m_idsTaken =
-        nullptr; ///< from embedded objects; null where they keep theirs
+    bool m_freesObjects;
+    std::set<unsigned long long>* m_sharedIds; ///< null where embedded objects keep their ids
     QSet<unsigned long long> m_rootIds;
     QMap<qint64, QString> m_predeclaredTypes;
     QHash<qint64, QDomElement> m_rootObjects;
@@ -186,17 +184,11 @@ private:
     std::deque<Frame> m_frames; // a deque: a frame stays where it is while others are pushed
 };
 
-json Impl::consume(const QDomDocument& document, std::set<unsigned long long>& idsTaken) {
-    m_freesObjects = true;
-    m_idsTaken = &idsTaken;
-    return adapt(document);
-}
-
-json Impl::adapt(const QDomDocument& document) {
+json Conversion::run() {
     json result = json::object();
     result["data"] = nullptr;
     result["version"] = "1.0";
-    m_archive = document.firstChildElement(Words::Archive);
+    m_archive = m_editor.document().firstChildElement(Words::Archive);
     if (m_archive.isNull())
         return result;
     collect();
@@ -204,12 +196,12 @@ json Impl::adapt(const QDomDocument& document) {
     return result;
 }
 
-void Impl::collect() {
-    Archive::Internal::Elements predeclarators;
-    for (const auto& [object, type] : Archive::Internal::typedElements(m_archive, Words::RootObject)) {
+void Conversion::collect() {
+    Elements predeclarators;
+    for (const auto& [object, type] : m_editor.rootObjectsBelow(m_archive)) {
         if (object.parentNode() != m_archive)
             m_freesObjects = false; // it may be converted once in its place and once by a reference
-        if (m_idsTaken)
+        if (m_sharedIds)
             m_rootIds.insert(Archive::objectIdOf(object));
         if (type == Words::Predeclarator)
             predeclarators.push_back(object);
@@ -219,31 +211,29 @@ void Impl::collect() {
     for (const QDomElement& predeclarator : predeclarators)
         collectPredeclarations(predeclarator);
     if (m_freesObjects) {
-        Archive::Internal::Outline::forget(m_archive.ownerDocument()); // it holds objects
+        m_editor.invalidate(); // its index holds objects
         for (const QDomElement& predeclarator : predeclarators)
             m_archive.removeChild(predeclarator);
     }
     // Base class parts are numbered behind the predeclared objects alone: an object that has no predeclaration
     // may share its id with a part.
     if (!m_predeclaredTypes.isEmpty())
-        m_nextObjectId = Archive::Internal::plusOne(m_predeclaredTypes.lastKey());
+        m_nextObjectId = plusOne(m_predeclaredTypes.lastKey());
 }
 
-void Impl::collectPredeclarations(const QDomElement& predeclarator) {
-    const auto records =
-        Archive::Internal::recordsOf(predeclarator.firstChildElement(Words::predeclarations));
-    for (const auto& record : *records)
+void Conversion::collectPredeclarations(const QDomElement& predeclarator) {
+    for (const Record& record : m_editor.recordsIn(predeclarator.firstChildElement(Words::predeclarations)))
         m_predeclaredTypes[record.id] = Archive::valueOf(record.data, Words::typeName);
 }
 
-json Impl::convertElement(const QDomElement& element) {
+json Conversion::convertElement(const QDomElement& element) {
     std::optional<json> value = begin(element);
     while (!m_frames.empty())
         value = std::visit([&](auto& frame) { return resume(frame, std::move(value)); }, m_frames.back());
     return std::move(*value);
 }
 
-std::optional<json> Impl::begin(const QDomElement& element) {
+std::optional<json> Conversion::begin(const QDomElement& element) {
     QDomElement current = element;
     for (;;) {
         const QString type = Archive::typeOf(current);
@@ -260,7 +250,7 @@ std::optional<json> Impl::begin(const QDomElement& element) {
     }
 }
 
-std::optional<json> Impl::beginObjectRef(const QDomElement& element, QDomElement& target) {
+std::optional<json> Conversion::beginObjectRef(const QDomElement& element, QDomElement& target) {
     const qint64 id = element.attribute(Words::value).toLongLong();
     if (id == 0)
         return json(nullptr);
@@ -274,14 +264,14 @@ std::optional<json> Impl::beginObjectRef(const QDomElement& element, QDomElement
     return std::nullopt;
 }
 
-std::optional<json> Impl::beginObject(const QDomElement& element) {
+std::optional<json> Conversion::beginObject(const QDomElement& element) {
     json meta = json::object();
     meta[MetaDetails::s_class_name] = Archive::typeOf(element).toStdString();
     if (element.tagName() == Words::BaseOfObject) {
         meta[MetaDetails::s_object_id] = m_nextObjectId;
-        m_nextObjectId = Archive::Internal::plusOne(m_nextObjectId);
+        m_nextObjectId = plusOne(m_nextObjectId);
     } else {
-        meta[MetaDetails::s_object_id] = takesIdOfRootObject(element) ? 0 : idOf(element);
+        meta[MetaDetails::s_object_id] = losesId(element) ? 0 : idOf(element);
     }
     json object = json::object();
     object[MetaDetails::s_meta] = std::move(meta);
@@ -291,23 +281,23 @@ std::optional<json> Impl::beginObject(const QDomElement& element) {
     return std::nullopt;
 }
 
-/// Whether an embedded object has an id that a root object has, where such ids are taken away.
-bool Impl::takesIdOfRootObject(const QDomElement& element) {
-    if (!m_idsTaken || element.tagName() == Words::RootObject)
+/// Whether an embedded object has the id of a root object, where it is to lose it.
+bool Conversion::losesId(const QDomElement& element) {
+    if (!m_sharedIds || element.tagName() == Words::RootObject)
         return false;
     const unsigned long long id = Archive::objectIdOf(element);
     if (id == 0 || !m_rootIds.contains(id))
         return false;
-    m_idsTaken->insert(id);
+    m_sharedIds->insert(id);
     return true;
 }
 
-std::optional<json> Impl::beginArray(const QDomElement& element) {
+std::optional<json> Conversion::beginArray(const QDomElement& element) {
     m_frames.push_back(ArrayFrame{{}, element.firstChildElement(Words::Item)});
     return std::nullopt;
 }
 
-std::optional<json> Impl::beginKeyValueOrPair(const QDomElement& item) {
+std::optional<json> Conversion::beginKeyValueOrPair(const QDomElement& item) {
     if (auto entry = beginMapEntry(item); !entry)
         return entry;
     const QDomElement first = item.firstChildElement(Words::First);
@@ -318,7 +308,7 @@ std::optional<json> Impl::beginKeyValueOrPair(const QDomElement& item) {
     return std::nullopt;
 }
 
-std::optional<json> Impl::beginMapEntry(const QDomElement& item) {
+std::optional<json> Conversion::beginMapEntry(const QDomElement& item) {
     const QDomElement key = item.firstChildElement(Words::Key);
     const QDomElement value = item.firstChildElement(Words::Value);
     if (key.isNull() || value.isNull())
@@ -326,7 +316,7 @@ std::optional<json> Impl::beginMapEntry(const QDomElement& item) {
     const QString keyType = referencedTypeName(key);
     if (keyType.startsWith(QLatin1String("Transition::")) && isClipPairValue(value)) {
         const QDomElement pair = value.firstChildElement(Words::Item);
-        // The clips come before the transition: an object stands in full where it is met first.
+        // The clips come before the transition: an object is written in full at its first reference.
         m_frames.push_back(EntryFrame{{{"clipFrom", pair.firstChildElement(Words::First)},
                                        {"clipTo", pair.firstChildElement(Words::Second)},
                                        {"transition", key}}});
@@ -343,7 +333,7 @@ std::optional<json> Impl::beginMapEntry(const QDomElement& item) {
     return std::nullopt;
 }
 
-std::optional<json> Impl::resume(ObjectFrame& frame, std::optional<json> value) {
+std::optional<json> Conversion::resume(ObjectFrame& frame, std::optional<json> value) {
     for (;;) {
         if (value)
             frame.object[frame.key] = std::move(*value);
@@ -362,7 +352,7 @@ std::optional<json> Impl::resume(ObjectFrame& frame, std::optional<json> value) 
     }
 }
 
-std::optional<json> Impl::resume(ArrayFrame& frame, std::optional<json> value) {
+std::optional<json> Conversion::resume(ArrayFrame& frame, std::optional<json> value) {
     for (;;) {
         if (value && value->is_null() && !frame.dataGaveNothing) {
             frame.dataGaveNothing = true;
@@ -385,7 +375,7 @@ std::optional<json> Impl::resume(ArrayFrame& frame, std::optional<json> value) {
     }
 }
 
-std::optional<json> Impl::resume(EntryFrame& frame, std::optional<json> value) {
+std::optional<json> Conversion::resume(EntryFrame& frame, std::optional<json> value) {
     for (;;) {
         if (value)
             frame.object[frame.parts[frame.next++].name] = std::move(*value);
@@ -397,12 +387,12 @@ std::optional<json> Impl::resume(EntryFrame& frame, std::optional<json> value) {
     }
 }
 
-json Impl::complete(json value) {
+json Conversion::complete(json value) {
     m_frames.pop_back();
     return value;
 }
 
-QString Impl::referencedTypeName(const QDomElement& element) const {
+QString Conversion::referencedTypeName(const QDomElement& element) const {
     QString type = Archive::typeOf(element);
     if (type != Words::ObjectRef)
         return type;
@@ -410,7 +400,7 @@ QString Impl::referencedTypeName(const QDomElement& element) const {
     return id == 0 ? QStringLiteral("Null") : m_predeclaredTypes.value(id, type);
 }
 
-bool Impl::isClipPairValue(const QDomElement& value) const {
+bool Conversion::isClipPairValue(const QDomElement& value) const {
     if (Archive::typeOf(value) != Words::Array || value.attribute(Words::size).toLongLong() != 1)
         return false;
     const QDomElement pair = value.firstChildElement(Words::Item);
@@ -424,11 +414,12 @@ bool Impl::isClipPairValue(const QDomElement& value) const {
 } // namespace
 
 json XmlToJsonAdaptor::adapt(const QDomDocument& document) {
-    return Impl().adapt(document);
+    ArchiveEditor archive(document);
+    return Conversion(archive, nullptr).run();
 }
 
-json XmlToJsonAdaptor::consume(const QDomDocument& document, std::set<unsigned long long>& idsTaken) {
-    return Impl().consume(document, idsTaken);
+json XmlToJsonAdaptor::consume(ArchiveEditor archive, std::set<unsigned long long>& sharedIds) {
+    return Conversion(archive, &sharedIds).run();
 }
 
 } // namespace Util

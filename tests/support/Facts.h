@@ -11,8 +11,8 @@
 
 namespace Tests {
 
-inline bool isSameList(const Archive::Internal::TypedElements::List& one,
-                       const Archive::Internal::TypedElements::List& other) {
+template <class List, class OtherList>
+bool isSameList(const List& one, const OtherList& other) {
     return std::equal(one.begin(), one.end(), other.begin(), other.end(), [](const auto& a, const auto& b) {
         return a.element == b.element && a.type == b.type;
     });
@@ -23,7 +23,7 @@ inline bool showsTypes(const QDomDocument& document) {
            Archive::Internal::showsTypes(document.documentElement());
 }
 
-/// What the facts tell otherwise than a search of the document; empty where all is the same.
+/// What the facts hold otherwise than a search of the document gives; empty where all is the same.
 inline std::string difference(const Archive::Internal::TreeFacts& facts, const QDomDocument& document) {
     namespace Words = Archive::Words;
     if (facts.archives != Archive::Internal::search(document, Words::Archive).size())
@@ -37,7 +37,7 @@ inline std::string difference(const Archive::Internal::TreeFacts& facts, const Q
         (greatest && (facts.greatest->id != greatest->id || facts.greatest->holder != greatest->holder)))
         return "another greatest id";
     if (facts.showsTypes && !showsTypes(document))
-        return "types that are not shown";
+        return "types that the text does not show";
     QHash<QString, std::size_t> objects;
     const auto count = [&](const QDomElement& e) {
         if (e.hasAttribute(Words::objectId))

@@ -1,5 +1,6 @@
 #include "Adaptors/Project/V69_RemoveQuizzesAdaptor.h"
 
+#include "Archive/Internal/EntryFilter.h"
 #include "Archive/Internal/FlatObjects.h"
 #include "MTime/MTime.h"
 
@@ -13,8 +14,7 @@
 #include <unordered_set>
 #include <utility>
 
-using Archive::Internal::memberOf;
-using Archive::Internal::objectAt;
+using namespace Archive::Internal;
 using nlohmann::json;
 using Serialize::Json::FlatObject;
 using Serialize::Json::getAnyObjectId;
@@ -51,61 +51,6 @@ std::int64_t timeOf(const json& timing, const char* key) {
     return isBeyondTime ? 0 : value.get<std::int64_t>();
 }
 
-/// Goes through the entries of an array or an object and drops some. Each costs the same, however many there are,
-/// and what was dropped is gone also where the walk ends in an exception.
-class Sieve {
-public:
-    Sieve(json& object, const char* key) {
-        const auto found = object.find(key);
-        if (found == object.end() || !found->is_structured())
-            return;
-        m_container = &*found;
-        m_kept = m_next = m_container->begin();
-    }
-    ~Sieve() { close(); }
-    Sieve(const Sieve&) = delete;
-    Sieve& operator=(const Sieve&) = delete;
-
-    bool atEnd() const { return !m_container || m_next == m_container->end(); }
-    const json& entry() const { return *m_next; }
-
-    void keep() {
-        if (m_kept != m_next)
-            *m_kept = std::move(*m_next);
-        ++m_kept;
-        ++m_next;
-    }
-
-    void drop() {
-        if (m_container->is_object())
-            m_kept = m_next = m_container->erase(m_next);
-        else
-            ++m_next;
-    }
-
-    /// Closes the gap that dropped entries left. The walk is over then.
-    void close() {
-        if (m_container && m_kept != m_next)
-            m_container->erase(m_kept, m_next);
-        m_container = nullptr;
-    }
-
-private:
-    json* m_container = nullptr;
-    json::iterator m_kept; ///< behind the entries that stay
-    json::iterator m_next;
-};
-
-template <class Predicate>
-void dropWhere(json& object, const char* key, Predicate isVictim) {
-    for (Sieve entries(object, key); !entries.atEnd();) {
-        if (isVictim(entries.entry()))
-            entries.drop();
-        else
-            entries.keep();
-    }
-}
-
 /// A timeline under way.
 struct Level {
     Level(unsigned long long timelineId, json& timelineObject)
@@ -113,23 +58,24 @@ struct Level {
 
     unsigned long long id;
     json& timeline;
-    Sieve clips;
+    EntryFilter clips;
     MTime normalEnd;
     MTime quizEnd;
     std::unordered_set<unsigned long long> removedClips;
 };
 
-class Impl {
+/// Removes the quizzes of a timeline and of those nested in it.
+class QuizRemoval {
 public:
-    explicit Impl(FlatObject& document) : m_document(document) {}
+    explicit QuizRemoval(FlatObject& document) : m_document(document) {}
 
-    void removeQuizzes(unsigned long long timelineId);
+    void removeFrom(unsigned long long timelineId);
 
 private:
     bool enter(unsigned long long timelineId);
     void handleEntry(Level& level);
     MTime endOf(const json& entry);
-    void finish(Level& level);
+    void leave(Level& level);
     bool isOfType(const json& reference, int type);
 
     void fill(Level& level);
@@ -142,12 +88,12 @@ private:
     std::deque<Level> m_levels; // not the stack: timelines may nest deeply
 };
 
-void Impl::removeQuizzes(unsigned long long timelineId) {
+void QuizRemoval::removeFrom(unsigned long long timelineId) {
     enter(timelineId);
     while (!m_levels.empty()) {
         Level& level = m_levels.back();
         if (level.clips.atEnd()) {
-            finish(level);
+            leave(level);
             m_levels.pop_back();
         } else {
             handleEntry(level);
@@ -156,7 +102,7 @@ void Impl::removeQuizzes(unsigned long long timelineId) {
 }
 
 /// False for a timeline that has been entered before: once is enough, also where it is nested in itself.
-bool Impl::enter(unsigned long long timelineId) {
+bool QuizRemoval::enter(unsigned long long timelineId) {
     json& timeline = objectAt(m_document, timelineId);
     if (!m_entered.insert(timelineId).second)
         return false;
@@ -167,7 +113,7 @@ bool Impl::enter(unsigned long long timelineId) {
     return true;
 }
 
-void Impl::handleEntry(Level& level) {
+void QuizRemoval::handleEntry(Level& level) {
     const json& entry = level.clips.entry();
     const unsigned long long clipId = targetOf(memberOf(entry, "clip"));
     const json& clip = objectAt(m_document, clipId);
@@ -185,7 +131,7 @@ void Impl::handleEntry(Level& level) {
     }
 }
 
-MTime Impl::endOf(const json& entry) {
+MTime QuizRemoval::endOf(const json& entry) {
     const json& reference = memberOf(entry, "timing");
     const json& timing = reference.is_object() ? objectAt(m_document, targetOf(reference)) : reference;
     if (!timing.is_object())
@@ -193,23 +139,23 @@ MTime Impl::endOf(const json& entry) {
     return MTime::fromMs(timeOf(timing, "timestamp")) + MTime::fromMs(timeOf(timing, "duration"));
 }
 
-void Impl::finish(Level& level) {
+void QuizRemoval::leave(Level& level) {
     level.clips.close();
     if (level.quizEnd > level.normalEnd)
         fill(level);
-    dropWhere(level.timeline, "links", [&](const json& link) {
+    dropEntries(level.timeline, "links", [&](const json& link) {
         const auto slave = getAnyObjectId(memberOf(link, "slave"));
         return slave && level.removedClips.count(*slave) > 0;
     });
-    dropWhere(level.timeline, "tracks", [&](const json& track) { return isOfType(track, quizTrackType); });
+    dropEntries(level.timeline, "tracks", [&](const json& track) { return isOfType(track, quizTrackType); });
 }
 
-bool Impl::isOfType(const json& reference, int type) {
+bool QuizRemoval::isOfType(const json& reference, int type) {
     return memberOf(objectAt(m_document, targetOf(reference)), "type") == type;
 }
 
 /// The removed clips had stretched the timeline: a title clip keeps its length.
-void Impl::fill(Level& level) {
+void QuizRemoval::fill(Level& level) {
     const MTime gap = level.quizEnd - level.normalEnd;
     const json* clip = createClip(level.id, gap);
     const json* timing = createTiming(level.timeline, level.normalEnd, gap);
@@ -220,7 +166,7 @@ void Impl::fill(Level& level) {
 }
 
 /// The parts stand in the document and, as copies, in what they are part of.
-json* Impl::createClip(unsigned long long timelineId, MTime gap) {
+json* QuizRemoval::createClip(unsigned long long timelineId, MTime gap) {
     json* clip = m_document.createObject("Timeline::Clip");
     json* info = m_document.createObject("Timeline::CollectionItemInfo");
     json* preset = m_document.createObject("Overlay::Preset");
@@ -312,9 +258,9 @@ json* Impl::createClip(unsigned long long timelineId, MTime gap) {
     return clip;
 }
 
-json* Impl::createTiming(const json& timeline, MTime start, MTime gap) {
+json* QuizRemoval::createTiming(const json& timeline, MTime start, MTime gap) {
     json* timing = m_document.createObject("Timeline::ClipTiming");
-    // The raw counts, where the clip and its preset have milliseconds. "Duraion" is how the format spells it.
+    // Quirk: raw counts, where the clip and its preset have milliseconds. "Duraion" is the spelling of the format.
     timing->update({
         {"duration", gap.count()},
         {"fadeInDuraion", 0},
@@ -336,7 +282,7 @@ json* Impl::createTiming(const json& timeline, MTime start, MTime gap) {
 }
 
 /// Null where the timeline has no track for titles.
-json Impl::trackForFiller(const json& timeline) {
+json QuizRemoval::trackForFiller(const json& timeline) {
     const json& tracks = memberOf(timeline, "tracks");
     if (!tracks.is_structured())
         return nullptr;
@@ -350,9 +296,9 @@ json Impl::trackForFiller(const json& timeline) {
 } // namespace
 
 void V69_RemoveQuizzesAdaptor::adapt(FlatObject& document) {
-    const auto timelines = Archive::Internal::selectObjects(document, "Timeline::Object");
+    const auto timelines = selectObjects(document, "Timeline::Object");
     if (!timelines.empty())
-        Impl(document).removeQuizzes(timelines.front().id);
+        QuizRemoval(document).removeFrom(timelines.front().id);
 }
 
 } // namespace Project

@@ -10,17 +10,13 @@
 #include <unordered_set>
 #include <vector>
 
+using namespace Archive::Internal;
 using nlohmann::json;
 using Serialize::Json::FlatObject;
 using Serialize::Json::getAnyObjectId;
 
 namespace Project {
 namespace {
-
-using Archive::Internal::entriesOf;
-using Archive::Internal::listOf;
-using Archive::Internal::memberOf;
-using Archive::Internal::SelectedObject;
 
 constexpr long long primaryTrack = 1;
 constexpr long long titlesTrack = 16;
@@ -37,17 +33,17 @@ unsigned long long idOf(const json& value, const char* complaint) {
     return *id;
 }
 
-/// What one timeline needs.
-class Impl {
+/// Moves the titles of one timeline from its primary track to a titles track.
+class TitlesMove {
 public:
-    Impl(FlatObject& document, const SelectedObject& timeline) : m_document(document), m_timeline(timeline) {}
+    TitlesMove(FlatObject& document, const SelectedObject& timeline) : m_document(document), m_timeline(timeline) {}
 
-    void adapt() {
+    void run() {
         m_titles = trackAt(placeOf(titlesTrack));
-        collect();
+        collectTitles();
         if (m_timings.empty())
             return;
-        const SelectedObject primary = openGaps();
+        const SelectedObject primary = allowGaps();
         if (!m_titles)
             m_titles = makeTitlesTrack();
         (*m_titles->object)["hidden"] = memberOf(*primary.object, "hidden").get<bool>();
@@ -56,11 +52,11 @@ public:
     }
 
 private:
-    /// An id that the document lacks gets an empty entry, in which no field is found.
+    /// Quirk: an id that the document lacks gets an empty entry, in which no field is found.
     json& entry(unsigned long long id) { return m_document.objects[id]; }
 
     long long typeOf(unsigned long long id) {
-        return Archive::Internal::toInteger(memberOf(entry(id), "type"));
+        return toInteger(memberOf(entry(id), "type"));
     }
 
     static unsigned long long trackOf(const json& value) {
@@ -84,20 +80,20 @@ private:
         return SelectedObject{id, &entry(id)};
     }
 
-    void collect() {
+    void collectTitles() {
         for (const json& clip : entriesOf(*m_timeline.object, "clips"))
-            collectClip(clip);
+            collectTitle(clip);
     }
 
-    void collectClip(const json& clip) {
+    void collectTitle(const json& clip) {
         const auto clipId =
             idOf(memberOf(clip, "clip"), "clip present in clips, but clip id missed in flat map");
         if (typeOf(clipId) != titleClip)
             return;
         json& timing = entry(idOf(memberOf(clip, "timing"), "timing id missed in flat map"));
         const auto track = trackOf(memberOf(timing, "track"));
-        // A titles track that holds a title already can't take the others.
-        if (m_titles && Archive::Internal::areEqual(*m_titles->object, entry(track)))
+        // Quirk: a titles track that holds a title already is not used for the others.
+        if (m_titles && areEqual(*m_titles->object, entry(track)))
             m_titles.reset();
         if (typeOf(track) == primaryTrack) {
             m_timings.push_back(&timing);
@@ -105,8 +101,8 @@ private:
         }
     }
 
-    /// What leaves the primary track leaves a gap behind.
-    SelectedObject openGaps() {
+    /// The primary track gets gaps where titles were.
+    SelectedObject allowGaps() {
         const auto primary = trackAt(placeOf(primaryTrack));
         if (!primary)
             fail("primary track missed in tracks");
@@ -114,7 +110,7 @@ private:
         return *primary;
     }
 
-    /// Without `used`, and without `hidden`, which follows the primary track.
+    /// Quirk: without `used`. `hidden` is set by the caller.
     SelectedObject makeTitlesTrack() {
         json& track = *m_document.createObject("Timeline::Track");
         track["gapless"] = false;
@@ -136,7 +132,7 @@ private:
         }
     }
 
-    // The entries stay, and so does the half of the transition that the clip at the other end holds.
+    // Quirk: the entries stay, and so does the half of the transition that the clip at the other end holds.
     void endTransitions() {
         auto* transitions = listOf(*m_timeline.object, "transitions");
         if (!transitions)
@@ -163,8 +159,8 @@ private:
 } // namespace
 
 void V77_TitlesTrackAdaptor::adapt(FlatObject& document) {
-    for (const auto& timeline : Archive::Internal::selectObjects(document, "Timeline::Object"))
-        Impl(document, timeline).adapt();
+    for (const auto& timeline : selectObjects(document, "Timeline::Object"))
+        TitlesMove(document, timeline).run();
 }
 
 } // namespace Project

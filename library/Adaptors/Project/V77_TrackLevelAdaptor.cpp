@@ -11,6 +11,7 @@
 #include <unordered_set>
 #include <utility>
 
+using namespace Archive::Internal;
 using nlohmann::json;
 using Serialize::Json::FlatObject;
 using Serialize::Json::getAnyObjectId;
@@ -18,15 +19,14 @@ using Serialize::Json::getAnyObjectId;
 namespace Project {
 namespace {
 
-using Archive::Internal::memberOf;
-using Archive::Internal::selectObjects;
 using Id = unsigned long long;
 
-constexpr long long levelledTrack = 4; // its clips stay on it, their levels are simply gone
+constexpr long long levelledTrack = 4; // Quirk: its clips stay on it, and their levels are lost
 
-class Impl {
+/// Gives each level of a track a track of its own, a clone.
+class LevelTracks {
 public:
-    explicit Impl(FlatObject& document) : m_document(document) {}
+    explicit LevelTracks(FlatObject& document) : m_document(document) {}
 
     /// Moves each timing that lies on a level to the clone for that level.
     void moveTimings() {
@@ -52,14 +52,14 @@ private:
         const auto key = timing.find("trackLevel");
         if (key == timing.end())
             return;
-        const int level = Archive::Internal::toInt32(*key);
+        const int level = toInt32(*key);
         timing.erase(key);
         if (level == 0)
             return;
         const auto track = getAnyObjectId(memberOf(timing, "track"));
-        // An id that the document lacks gets an empty entry, which has no number as its type.
+        // Quirk: an id that the document lacks gets an empty entry, which has no number as its type.
         if (!track ||
-            Archive::Internal::toInteger(memberOf(m_document.objects[*track], "type")) == levelledTrack)
+            toInteger(memberOf(m_document.objects[*track], "type")) == levelledTrack)
             return;
         timing["track"] = m_document.createRef(cloneFor(*track, level));
     }
@@ -85,7 +85,7 @@ private:
     }
 
     void listClones(json& timeline) {
-        auto* tracks = Archive::Internal::listOf(timeline, "tracks");
+        auto* tracks = listOf(timeline, "tracks");
         if (!tracks)
             return;
         for (json& track : std::exchange(*tracks, {})) {
@@ -96,7 +96,7 @@ private:
         }
     }
 
-    // By ascending level, so that negative levels stand first. A clone is listed in full, not as a reference.
+    // By ascending level: negative levels come first. Quirk: a clone is listed in full, not as a reference.
     void appendClones(json::array_t& tracks, Id track) {
         const auto clones = m_clones.find(track);
         if (clones == m_clones.end())
@@ -109,7 +109,7 @@ private:
             if (m_rewritten.count(id) > 0)
                 throw std::logic_error(
                     "incorrect json flat map object: timeline with clones of tracks is a track itself");
-            tracks.push_back(Archive::Internal::copied(clone->second));
+            tracks.push_back(copied(clone->second));
         }
     }
 
@@ -122,9 +122,9 @@ private:
 } // namespace
 
 void V77_TrackLevelAdaptor::adapt(FlatObject& document) {
-    Impl impl(document);
-    impl.moveTimings();
-    impl.listClones();
+    LevelTracks levels(document);
+    levels.moveTimings();
+    levels.listClones();
 }
 
 } // namespace Project

@@ -42,6 +42,10 @@ Elements ArchiveEditor::rootObjects(const QString& type) {
     return ofType(rootObjects(), type);
 }
 
+TypedElements ArchiveEditor::rootObjectsBelow(const QDomElement& e) {
+    return m_index.elements(e, Words::RootObject);
+}
+
 QDomElement ArchiveEditor::lastRootObject(const QString& type) {
     QDomElement last;
     for (const auto& [object, objectType] : rootObjects()) {
@@ -74,7 +78,7 @@ void ArchiveEditor::setPredeclarations(const QDomElement& array) {
     m_predeclarations = array;
 }
 
-std::shared_ptr<const Records> ArchiveEditor::records() {
+RecordList ArchiveEditor::records() {
     applyUndeclared();
     return m_index.records(predeclarations());
 }
@@ -210,11 +214,11 @@ void ArchiveEditor::applyUndeclared() {
 
 void ArchiveEditor::removeRecords(const std::function<bool(const Record&)>& goes) {
     QDomElement array = predeclarations();
-    const auto records = m_index.records(array);
+    const RecordList records = m_index.records(array);
     const std::size_t numbered = m_index.numberedRecords(array);
     const auto left = std::make_shared<Records>();
     Elements removals;
-    for (const Record& record : *records) {
+    for (const Record& record : records) {
         if (goes(record)) {
             removals.push_back(record.item);
             m_index.removed(array, record.item);

@@ -63,6 +63,7 @@ public:
     Elements rootObjects(const QString& type);
     TypedElements rootObjects();
     TypedElements rootObjects(Scope scope);
+    TypedElements rootObjectsBelow(const QDomElement& e);
     /// The last of that type.
     QDomElement lastRootObject(const QString& type);
 
@@ -77,7 +78,11 @@ public:
     /// Makes another array that one, until the step ends. To be called before anything is removed.
     void setPredeclarations(const QDomElement& array);
     /// Its entries, at this moment.
-    std::shared_ptr<const Records> records();
+    RecordList records();
+    /// How many of them, counted from the first, are known to have their position as `index`.
+    std::size_t numberedRecords() { return m_index.numberedRecords(predeclarations()); }
+    /// The entries of an array of records.
+    RecordList recordsIn(const QDomElement& array) { return m_index.records(array); }
 
     // Make.
 

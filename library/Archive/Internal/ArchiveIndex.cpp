@@ -207,10 +207,10 @@ void ArchiveIndex::invalidateLists() {
 
 // Records.
 
-std::shared_ptr<const Records> ArchiveIndex::records(const QDomElement& array) {
+RecordList ArchiveIndex::records(const QDomElement& array) {
     if (!m_records || m_records->array != array)
         m_records = KnownRecords{array, readRecords(array), 0};
-    return m_records->list;
+    return RecordList(m_records->list);
 }
 
 std::size_t ArchiveIndex::numberedRecords(const QDomElement& array) const {

@@ -32,7 +32,7 @@ public:
     TypedElements elements(const QDomNode& below, const QString& tag);
 
     /// The entries of an array of predeclarations.
-    std::shared_ptr<const Records> records(const QDomElement& array);
+    RecordList records(const QDomElement& array);
 
     /// How many entries of the array, counted from the first, are known to have their position as `index`.
     std::size_t numberedRecords(const QDomElement& array) const;

@@ -28,6 +28,7 @@ struct Record {
 };
 
 using Records = std::vector<Record>;
+using RecordList = SharedList<Record>;
 
 /// Reads an entry.
 Record recordIn(const QDomElement& item);

@@ -11,7 +11,7 @@ TransformedEffects::TransformedEffects(ArchiveEditor& archive, const QString& cl
         return;
     archive.startIds(); // ids of objects that the step removes count as well
     QHash<long long, QDomElement> records;
-    for (const Record& record : *archive.records())
+    for (const Record& record : archive.records())
         records.insert(record.id, record.data);
     for (const QDomElement& effect : m_effects)
         m_records.insert(idOf(effect), records.value(idOf(effect)));

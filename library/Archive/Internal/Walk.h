@@ -26,22 +26,23 @@ struct TypedElement {
     QString type;
 };
 
-/// What the first form of elements() gives, with the types of that moment. Copies share their memory.
-class TypedElements {
+/// A list that does not change while it is used. Copies share their memory.
+template <class T>
+class SharedList {
 public:
-    using List = std::vector<TypedElement>;
+    using List = std::vector<T>;
 
-    explicit TypedElements(std::shared_ptr<const List> list) : m_list(std::move(list)) {}
+    explicit SharedList(std::shared_ptr<const List> list) : m_list(std::move(list)) {}
 
-    List::const_iterator begin() const { return m_list->begin(); }
-    List::const_iterator end() const { return m_list->end(); }
-
-    /// A null element where there is none.
-    QDomElement last() const { return m_list->empty() ? QDomElement() : m_list->back().element; }
+    typename List::const_iterator begin() const { return m_list->begin(); }
+    typename List::const_iterator end() const { return m_list->end(); }
 
 private:
     std::shared_ptr<const List> m_list;
 };
+
+/// Elements with the types that they had when the list was made.
+using TypedElements = SharedList<TypedElement>;
 
 TypedElements typedElements(const QDomNode& below, const QString& tag);
 

@@ -1,0 +1,416 @@
+// The index of an editor holds what a search of the document gives, after every kind of change.
+
+#include "Archive/Internal/ArchiveEditor.h"
+#include "Archive/Internal/Reading.h"
+#include "Archive/Internal/References.h"
+#include "Archive/Xml.h"
+#include "support/Index.h"
+
+#include <gtest/gtest.h>
+
+using namespace Archive::Internal;
+
+namespace {
+
+class ArchiveEditorTest : public testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(m_document.setContent(QStringLiteral(
+            "<Archive><RootRef value='1'/>"
+            "<RootObject type='A' objectId='1'><BaseOfObject type='B' objectId='1'/></RootObject>"
+            "<RootObject type='Predeclarator' objectId='3'><predeclarations type='Array' size='2'>"
+            "<Item type='Item' index='1'><Data type='Predeclare' objectId='4'><oid value='1'/></Data></Item>"
+            "<Item type='Item' index='2'><Data type='Predeclare' objectId='5'><oid value='7'/></Data></Item>"
+            "</predeclarations></RootObject>"
+            "<RootObject type='C' objectId='7'><BaseOfObject type='D' objectId='7'/></RootObject>"
+            "</Archive>")));
+        m_root = m_document.documentElement();
+        m_first = m_root.firstChildElement(Words::RootObject);
+        m_last = m_root.lastChildElement(Words::RootObject);
+        m_array = firstDescendant(m_root, Words::predeclarations);
+    }
+
+    /// Makes a change while the index knows everything.
+    template <class Change>
+    void expectSameAfter(Change change) {
+        ArchiveEditor archive(m_document);
+        EXPECT_EQ(Tests::indexDifference(archive), "");
+        archive.beginStep(Scope::Document);
+        change(archive);
+        archive.endStep();
+        EXPECT_EQ(Tests::indexDifference(archive), "");
+    }
+
+    static QDomElement newObject(ArchiveEditor& archive, long long id) {
+        const QDomElement object = archive.newObject(Words::RootObject, "E", id);
+        archive.appendObject(object, Words::BaseOfObject, "F", id);
+        return object;
+    }
+
+    QString indexesOfRecords() const {
+        QString indexes;
+        for (const QDomElement& item : children(m_array, Words::Item))
+            indexes += item.attribute(Words::index) + ' ';
+        return indexes.trimmed();
+    }
+
+    QDomDocument m_document;
+    QDomElement m_root;
+    QDomElement m_first;
+    QDomElement m_last;
+    QDomElement m_array;
+};
+
+TEST_F(ArchiveEditorTest, AppendsRootObjects) {
+    expectSameAfter([&](ArchiveEditor& archive) { archive.append(m_root, newObject(archive, 9)); });
+    expectSameAfter([&](ArchiveEditor& archive) {
+        // Parts that are added to a root object that is in the archive already.
+        const QDomElement one = archive.appendRootObject("E", 10);
+        const QDomElement other = archive.appendRootObject("E", 11);
+        archive.appendObject(other, Words::BaseOfObject, "F", 11);
+        archive.appendObject(one, Words::BaseOfObject, "F", 10);
+        archive.appendObject(one, Words::RootObject, "G", 12);
+    });
+}
+
+TEST_F(ArchiveEditorTest, InsertsRootObjectsAmongOthers) {
+    expectSameAfter([&](ArchiveEditor& archive) { archive.insertBefore(m_root, newObject(archive, 9), m_first); });
+    expectSameAfter([&](ArchiveEditor& archive) { archive.insertAfter(m_root, newObject(archive, 10), m_first); });
+    expectSameAfter([&](ArchiveEditor& archive) { archive.insertAfter(m_root, newObject(archive, 11), m_last); });
+    expectSameAfter([&](ArchiveEditor& archive) { archive.insertAfter(m_root, newObject(archive, 12), {}); });
+}
+
+TEST_F(ArchiveEditorTest, AppendsObjectsInsideOthers) {
+    expectSameAfter([&](ArchiveEditor& archive) { archive.append(m_first, newObject(archive, 9)); });
+    expectSameAfter([&](ArchiveEditor& archive) {
+        archive.append(m_root, newObject(archive, 10));
+        archive.append(m_first, newObject(archive, 11));
+    });
+    expectSameAfter([&](ArchiveEditor& archive) { archive.appendObject(m_first, "rect", "R", 20); });
+}
+
+TEST_F(ArchiveEditorTest, AppendsObjectsThatWereMadeBefore) {
+    ArchiveEditor archive(m_document);
+    const QDomElement object = newObject(archive, 9);
+    EXPECT_EQ(Tests::indexDifference(archive), "");
+    archive.append(m_root, object);
+    EXPECT_EQ(Tests::indexDifference(archive), "");
+}
+
+TEST_F(ArchiveEditorTest, RemovesObjects) {
+    expectSameAfter([&](ArchiveEditor& archive) { archive.remove(m_last); });
+    expectSameAfter([&](ArchiveEditor& archive) { archive.removeField(m_first, Words::BaseOfObject); });
+    expectSameAfter([&](ArchiveEditor& archive) {
+        archive.append(m_first, newObject(archive, 12));
+        archive.remove(m_first);
+    });
+    expectSameAfter([&](ArchiveEditor& archive) {
+        archive.append(m_root, newObject(archive, 12));
+        archive.remove(m_root.lastChildElement());
+    });
+}
+
+TEST_F(ArchiveEditorTest, RemovesObjectsFromTheLastToTheFirst) {
+    expectSameAfter([&](ArchiveEditor& archive) {
+        for (long long id = 20; id < 30; ++id)
+            archive.append(m_root, newObject(archive, id));
+    });
+    expectSameAfter([&](ArchiveEditor& archive) {
+        while (idOf(m_root.lastChildElement()) >= 20)
+            archive.remove(m_root.lastChildElement());
+    });
+}
+
+TEST_F(ArchiveEditorTest, MovesObjects) {
+    expectSameAfter([&](ArchiveEditor& archive) { archive.append(m_root, m_first); });
+    expectSameAfter([&](ArchiveEditor& archive) { archive.insertBefore(m_root, m_last, m_first); });
+    expectSameAfter([&](ArchiveEditor& archive) { archive.append(m_first, m_last); });
+    expectSameAfter([&](ArchiveEditor& archive) {
+        for (long long id = 20; id < 40; ++id)
+            archive.append(m_root, newObject(archive, id));
+    });
+    expectSameAfter([&](ArchiveEditor& archive) {
+        const Elements objects = children(m_root, Words::RootObject);
+        for (std::size_t place = objects.size(); place > 2; place -= 2)
+            archive.append(m_root, objects[place - 1]);
+    });
+}
+
+TEST_F(ArchiveEditorTest, RemovesAndAppendsTheSameObject) {
+    ArchiveEditor archive(m_document);
+    EXPECT_EQ(Tests::indexDifference(archive), "");
+    archive.remove(m_first);
+    archive.append(m_root, m_first);
+    EXPECT_EQ(Tests::indexDifference(archive), "");
+    archive.remove(m_last);
+    EXPECT_EQ(Tests::indexDifference(archive), "");
+    archive.append(m_root, m_last);
+    EXPECT_EQ(Tests::indexDifference(archive), "");
+}
+
+TEST_F(ArchiveEditorTest, ReplacesObjects) {
+    expectSameAfter([&](ArchiveEditor& archive) { archive.replace(m_first, newObject(archive, 2)); });
+    expectSameAfter([&](ArchiveEditor& archive) { archive.replace(m_last, newObject(archive, 8)); });
+    expectSameAfter([&](ArchiveEditor& archive) { archive.replace(m_root.lastChildElement(), m_array); });
+}
+
+TEST_F(ArchiveEditorTest, ChangesNothingForElementsWithAnotherParent) {
+    const QString before = m_document.toString();
+    expectSameAfter([&](ArchiveEditor& archive) {
+        archive.removeChild(m_first, m_last);
+        archive.replaceChild(m_first, newObject(archive, 5), m_last);
+        archive.remove(newObject(archive, 6));
+    });
+    EXPECT_EQ(m_document.toString(), before);
+}
+
+TEST_F(ArchiveEditorTest, AcceptsNullElements) {
+    const QString before = m_document.toString();
+    expectSameAfter([&](ArchiveEditor& archive) {
+        const QDomElement none;
+        archive.append(none, newObject(archive, 5));
+        archive.append(m_root, none);
+        archive.remove(none);
+        archive.removeField(none, "a");
+        archive.removeItems(none, [](QDomElement&) { return true; });
+        archive.replace(none, newObject(archive, 5));
+        archive.rename(none, "a");
+        archive.setType(none, "a");
+        archive.setText(none, "a");
+        archive.setField(none, "a", 1);
+        archive.setField(m_first, "missing", 1);
+        archive.appendReference(none, 1);
+        appendUncountedReferences(archive, none, {1});
+        archive.fields(none).int32("a", 1).array("b").string("c", "d").transform("e", {}, 6).stringPtr("f", "g");
+        archive.fieldsInsteadOf(none).int32("a", 1);
+        EXPECT_TRUE(archive.appendItem(none).parentNode().isNull());
+    });
+    EXPECT_EQ(m_document.toString(), before);
+}
+
+TEST_F(ArchiveEditorTest, ChangesTypes) {
+    expectSameAfter([&](ArchiveEditor& archive) { archive.setType(m_first, "Z"); });
+    expectSameAfter([&](ArchiveEditor& archive) {
+        const QDomElement object = newObject(archive, 13);
+        archive.setType(object, "W");
+        archive.append(m_root, object);
+        archive.setType(m_last, "V");
+    });
+}
+
+TEST_F(ArchiveEditorTest, LeavesListsThatWereHandedOutAsTheyWere) {
+    ArchiveEditor archive(m_document);
+    const TypedElements before = archive.rootObjects();
+    archive.setType(m_first, "Z");
+    archive.remove(m_last);
+    EXPECT_EQ(Tests::indexDifference(archive), "");
+    EXPECT_EQ(before.begin()->type, QLatin1String("A"));
+    EXPECT_EQ(std::distance(before.begin(), before.end()), 3);
+}
+
+TEST_F(ArchiveEditorTest, RenamesObjects) {
+    expectSameAfter([&](ArchiveEditor& archive) {
+        archive.rename(m_last, "content");
+        const QDomElement object = newObject(archive, 8);
+        archive.append(object, m_last);
+        archive.append(m_root, object);
+    });
+    expectSameAfter([&](ArchiveEditor& archive) { archive.rename(m_last, Words::RootObject); });
+    expectSameAfter([&](ArchiveEditor& archive) { archive.rename(m_array, Words::Archive); });
+    EXPECT_TRUE(ArchiveEditor(m_document).root().isNull());
+}
+
+TEST_F(ArchiveEditorTest, TakesElementsOfOtherDocuments) {
+    const auto import = [&](const char* text) {
+        expectSameAfter([&](ArchiveEditor& archive) {
+            QDomDocument other;
+            ASSERT_TRUE(other.setContent(QString::fromLatin1(text)));
+            archive.append(m_first, other.documentElement());
+        });
+    };
+    import("<x objectId='30'><RootObject objectId='31'/></x>");
+    import("<x><BaseOfObject objectId='20'/></x>");
+    import("<x><!-- a comment: ids behind it are not found in the tree --></x>");
+    import("<x><Archive/></x>");
+}
+
+TEST_F(ArchiveEditorTest, KeepsTheRecords) {
+    expectSameAfter([&](ArchiveEditor& archive) {
+        EXPECT_EQ(archive.declare("T"), 8);
+        EXPECT_EQ(archive.declareAs(7, "T", 2, {1, 3}), 7);
+        EXPECT_EQ(archive.nextId(), 11);
+    });
+    EXPECT_EQ(indexesOfRecords(), "1 2 3 4");
+    expectSameAfter([&](ArchiveEditor& archive) { archive.undeclare(7); });
+    EXPECT_EQ(indexesOfRecords(), "1 2");
+    EXPECT_EQ(m_array.attribute(Words::size), "2");
+    expectSameAfter([&](ArchiveEditor& archive) { archive.remove(m_array.firstChildElement()); });
+    expectSameAfter([&](ArchiveEditor& archive) {
+        const QDomElement record = m_array.firstChildElement().firstChildElement();
+        archive.remove(record.firstChildElement(Words::oid));
+    });
+    expectSameAfter([&](ArchiveEditor& archive) { archive.remove(m_array); });
+}
+
+TEST_F(ArchiveEditorTest, UndeclaresAsIfAtOnce) {
+    // Each way in a document of its own, the second by the plain functions, one call after the other.
+    QDomDocument plain = m_document.cloneNode().toDocument();
+    m_array.setAttribute(Words::size, QStringLiteral("70"));
+    QDomElement array = firstDescendant(plain, Words::predeclarations);
+    array.setAttribute(Words::size, QStringLiteral("70"));
+    long long maxId = 7;
+    Archive::addPredeclaration(array, plain, "T", 0, maxId, -1, {});
+    Archive::removePredeclare(array, 1);
+    Archive::addPredeclaration(array, plain, "T", 0, maxId, 1, {});
+    Archive::addPredeclaration(array, plain, "T", 0, maxId, 1, {});
+    Archive::removePredeclare(array, 8);
+    Archive::addPredeclaration(array, plain, "T", 0, maxId, 8, {});
+
+    expectSameAfter([&](ArchiveEditor& archive) {
+        archive.declare("T");
+        archive.undeclare(1);
+        archive.declareAs(1, "T");
+        archive.declareAs(1, "T");
+        archive.undeclare(8);
+        archive.declareAs(8, "T");
+    });
+    EXPECT_EQ(m_document.toString(), plain.toString());
+}
+
+TEST_F(ArchiveEditorTest, RemembersWhichRecordsAreNumbered) {
+    ArchiveEditor archive(m_document);
+    archive.beginStep(Scope::Document);
+    archive.records();
+    EXPECT_EQ(archive.numberedRecords(), 0u);
+    archive.undeclare(1'000'000);
+    archive.records();
+    EXPECT_EQ(archive.numberedRecords(), 2u);
+    archive.declare("T");
+    EXPECT_EQ(archive.numberedRecords(), 3u);
+    archive.setIndex(m_array.firstChildElement(), 9);
+    EXPECT_EQ(archive.numberedRecords(), 0u);
+    archive.undeclare(1'000'000);
+    archive.endStep();
+    EXPECT_EQ(indexesOfRecords(), "1 2 3");
+    EXPECT_EQ(Tests::indexDifference(archive), "");
+}
+
+TEST_F(ArchiveEditorTest, TakesThePredeclarationsThatWereThereBeforeRemovals) {
+    expectSameAfter([&](ArchiveEditor& archive) {
+        archive.remove(m_array.parentNode().toElement());
+        archive.declare("T"); // goes with the array
+        EXPECT_EQ(archive.predeclarations(), m_array);
+    });
+    expectSameAfter([&](ArchiveEditor& archive) { EXPECT_TRUE(archive.predeclarations().isNull()); });
+}
+
+TEST_F(ArchiveEditorTest, GivesIdsBehindThoseThatWereThereWhenTheyWereStarted) {
+    expectSameAfter([&](ArchiveEditor& archive) {
+        archive.startIds();
+        archive.remove(m_last);
+        EXPECT_EQ(archive.nextId(), 8);
+        archive.startIds();
+        EXPECT_EQ(archive.nextId(), 6);
+        archive.beginStep(Scope::Document);
+        EXPECT_EQ(archive.nextId(), 6);
+    });
+}
+
+TEST_F(ArchiveEditorTest, ScansTheTextWhereTheTreeMayHoldOtherIds) {
+    expectSameAfter([&](ArchiveEditor& archive) { archive.fields(m_first).string("name", QString(QChar(1))); });
+    // The reader of the text stops at the control character: ids behind it do not count.
+    expectSameAfter([&](ArchiveEditor& archive) {
+        archive.append(m_root, newObject(archive, 50));
+        archive.startIds();
+        EXPECT_EQ(archive.nextId(), 2);
+    });
+}
+
+TEST_F(ArchiveEditorTest, KeepsScannedIdsUpToDate) {
+    m_first.appendChild(m_document.createComment(QStringLiteral("the tree is not searched")));
+    expectSameAfter([&](ArchiveEditor& archive) {
+        archive.startIds();
+        EXPECT_EQ(archive.nextId(), 8);
+        archive.append(m_root, newObject(archive, 50));
+        archive.startIds();
+        EXPECT_EQ(archive.nextId(), 51);
+        archive.remove(m_root.lastChildElement());
+        archive.startIds();
+        EXPECT_EQ(archive.nextId(), 8);
+    });
+}
+
+TEST_F(ArchiveEditorTest, KnowsWhetherTheTextShowsTypes) {
+    const auto shows = [&](auto change) {
+        TreeFacts facts;
+        facts.archives = 1;
+        facts.showsTypes = true;
+        ArchiveEditor archive(m_document, facts);
+        change(archive);
+        return archive.showsTypes();
+    };
+    const auto import = [&](const char* text) {
+        return shows([&](ArchiveEditor& archive) {
+            QDomDocument other;
+            ASSERT_TRUE(other.setContent(QString::fromLatin1(text)));
+            archive.append(m_root, other.documentElement());
+        });
+    };
+    EXPECT_TRUE(shows([](ArchiveEditor&) {}));
+    EXPECT_TRUE(shows([&](ArchiveEditor& archive) { archive.fields(m_first).string("s", "a b"); }));
+    EXPECT_FALSE(shows([&](ArchiveEditor& archive) { archive.fields(m_first).string("s", "a\x7F"); }));
+    EXPECT_FALSE(shows([&](ArchiveEditor& archive) { archive.setText(m_first, "a\x7F"); }));
+    EXPECT_FALSE(import("<b mytype='StringPtr'/>"));
+    EXPECT_TRUE(import("<b type='StringPtr'/>"));
+    EXPECT_FALSE(shows([](ArchiveEditor& archive) { archive.invalidate(); }));
+    EXPECT_FALSE(ArchiveEditor(m_document).showsTypes());
+}
+
+TEST_F(ArchiveEditorTest, ReplacesTheContent) {
+    expectSameAfter([&](ArchiveEditor& archive) {
+        archive.setContent("<Archive><RootObject objectId='3'/></Archive>");
+    });
+    expectSameAfter([&](ArchiveEditor& archive) { archive.setContent("<Archive/>"); });
+}
+
+TEST_F(ArchiveEditorTest, SearchesDocumentsWithoutExactlyOneArchiveAtTheTop) {
+    for (const char* text : {"<x><Archive><RootObject/></Archive><RootObject/></x>",
+                             "<Archive><Archive/><RootObject/></Archive>", "<x><RootObject/></x>"}) {
+        ASSERT_TRUE(m_document.setContent(QString::fromLatin1(text)));
+        const QDomElement top = m_document.documentElement();
+        expectSameAfter([&](ArchiveEditor& archive) { archive.append(top, newObject(archive, 5)); });
+        expectSameAfter([&](ArchiveEditor& archive) { archive.append(top.firstChildElement(), newObject(archive, 6)); });
+    }
+    ASSERT_TRUE(m_document.setContent(QStringLiteral("<x><Archive><RootObject/></Archive><RootObject/></x>")));
+    ArchiveEditor archive(m_document);
+    const TypedElements inArchive = archive.rootObjects(Scope::Archive);
+    EXPECT_EQ(std::distance(inArchive.begin(), inArchive.end()), 1);
+}
+
+TEST_F(ArchiveEditorTest, WorksInDeepDocuments) {
+    QDomElement deepest = m_first;
+    for (int depth = 0; depth < 3000; ++depth) {
+        QDomElement object = m_document.createElement(Words::RootObject);
+        deepest.appendChild(object);
+        deepest = object;
+    }
+    expectSameAfter([&](ArchiveEditor& archive) { archive.append(deepest, newObject(archive, 50)); });
+}
+
+TEST_F(ArchiveEditorTest, BuildsFields) {
+    expectSameAfter([&](ArchiveEditor& archive) {
+        const QDomElement object = archive.appendRootObject("E", 9);
+        archive.fields(object).int32("a", 1).boolean("b", true).reference("c", 7).array("d");
+        archive.settingFields(object).int32("b", 2).int32("e", 3);
+        archive.fieldsInsteadOf(object.firstChildElement("c")).string("f", "x").string("g", "y");
+        archive.fieldsBehind(object, object.firstChildElement("a")).uint32("h", 4).uint32("i", 5);
+        archive.fieldsBehind(object, {}).uint32("j", 6);
+        QString names;
+        for (QDomElement e = object.firstChildElement(); !e.isNull(); e = e.nextSiblingElement())
+            names += e.tagName();
+        EXPECT_EQ(names, "ahibfdegj");
+        EXPECT_EQ(int32In(object, "b"), 2);
+    });
+}
+
+} // namespace
