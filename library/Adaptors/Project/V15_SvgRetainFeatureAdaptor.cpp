@@ -1,46 +1,29 @@
 #include "Adaptors/Project/V15_SvgRetainFeatureAdaptor.h"
 
-#include "Archive/Internal/Walk.h"
+#include "Archive/Internal/ArchiveEditor.h"
+#include "Archive/Internal/Reading.h"
 
-#include <glog/logging.h>
-
-namespace Words = Archive::Words;
-using Archive::Internal::Elements;
-using Archive::Internal::firstDescendant;
+using namespace Archive::Internal;
 
 namespace Project {
 namespace {
 
-Elements collectItems(const QDomElement& archive) {
-    Elements items;
-    for (const QDomElement& preset :
-         Archive::Internal::rootObjects(archive, QStringLiteral("Overlay::Preset"))) {
-        const QDomElement array = firstDescendant(preset, QStringLiteral("items"));
-        for (QDomElement item = array.firstChildElement(); !item.isNull(); item = item.nextSiblingElement())
-            items.push_back(item); // whatever its tag
-    }
-    return items;
-}
-
-void retainGradient(const QDomElement& item) {
-    const QString name = QStringLiteral("gradient_solid_white");
-    QDomElement text = firstDescendant(item, QStringLiteral("text"));
-    QString svg = text.attribute(Words::value);
-    // The longer name holds the shorter one and grows once more: the format never looked.
-    if (svg.contains(name))
-        text.setAttribute(Words::value, svg.replace(name, QStringLiteral("gradient_solid_white_retain")));
+void retainGradient(ArchiveEditor& archive, const QDomElement& item) {
+    const QDomElement text = firstDescendant(item, "text");
+    QString svg = textOf(text);
+    // Quirk: the new name contains the old one, so a text that has it already gets the word once more.
+    if (svg.contains("gradient_solid_white"))
+        archive.setText(text, svg.replace("gradient_solid_white", "gradient_solid_white_retain"));
 }
 
 } // namespace
 
-void V15_SvgRetainFeatureAdaptor::adapt(QDomDocument& document) {
-    const QDomElement archive = Archive::Internal::soleArchive(document);
-    if (archive.isNull()) {
-        LOG(ERROR) << "<Archive> element not found";
-        return;
+void V15_SvgRetainFeatureAdaptor::convert(ArchiveEditor& archive) {
+    for (const QDomElement& preset : archive.rootObjects("Overlay::Preset")) {
+        // Quirk: every element in the array is an item, whatever its tag.
+        for (const QDomElement& item : children(firstDescendant(preset, "items"), QString()))
+            retainGradient(archive, item);
     }
-    for (const QDomElement& item : collectItems(archive))
-        retainGradient(item);
 }
 
 } // namespace Project

@@ -1,93 +1,59 @@
 #include "Adaptors/Project/V15_TwoPassStabilizationAdaptor.h"
 
-#include "Archive/Internal/ObjectIds.h"
-#include "Archive/Internal/StringPtr.h"
-#include "Archive/Internal/Walk.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/ArchiveEditor.h"
+#include "Archive/Internal/Reading.h"
 
-#include <glog/logging.h>
+using namespace Archive::Internal;
 
 namespace Project {
 namespace {
 
-namespace Words = Archive::Words;
-using Archive::Internal::createStringPtr;
-using Archive::Internal::firstDescendant;
-
-struct Setting {
-    const char* name;
-    int value;
-};
-
-// clang-format off
-constexpr Setting settings[] = {
-    {"shakiness", 5},
-    {"accuracy", 15},
-    {"stepsize", 6},
-    {"smoothing", 15},
-    {"optzoom", 1},
-};
-// clang-format on
-
-const QString className = QStringLiteral("Stabilization::Object");
-const QString pathOriginal = QStringLiteral("pathOriginal");
-const QString pathStabilized = QStringLiteral("pathStabilized");
-
-/// What a clip tells of its stabilization, at any depth; empty texts for what it lacks.
+/// What a clip says of its stabilization, at any depth; an empty text for what it lacks.
 struct Stabilization {
-    QString original;
-    QString stabilized;
-    QString duration;
-
     explicit Stabilization(const QDomElement& clip)
-        : original(valueBelow(clip, pathOriginal)), stabilized(valueBelow(clip, pathStabilized)),
-          duration(valueBelow(clip, QStringLiteral("sourceDuration"))) {}
+        : original(textOf(firstDescendant(clip, "pathOriginal"))),
+          stabilized(textOf(firstDescendant(clip, "pathStabilized"))),
+          duration(textOf(firstDescendant(clip, "sourceDuration"))) {}
 
     bool isComplete() const { return !original.isEmpty() && !stabilized.isEmpty() && !duration.isEmpty(); }
 
-private:
-    static QString valueBelow(const QDomElement& e, const QString& tag) {
-        return firstDescendant(e, tag).attribute(Words::value);
-    }
+    QString original;
+    QString stabilized;
+    QString duration; ///< in milliseconds
 };
 
-QDomElement createObject(QDomDocument& document, const Stabilization& stabilization, long long id) {
-    const MTime duration = Archive::extractValue(stabilization.duration, MTime());
-    QDomElement object = Archive::createObject(document, Words::RootObject, className, id);
-    for (const Setting& setting : settings)
-        object.appendChild(Archive::createInt32(document, QString::fromLatin1(setting.name), setting.value));
-    object.appendChild(Archive::createMTime(document, QStringLiteral("sourcePositionOriginal"), MTime()));
-    object.appendChild(Archive::createMTime(document, QStringLiteral("sourceDurationOriginal"), duration));
-    object.appendChild(createStringPtr(document, pathOriginal, stabilization.original));
-    object.appendChild(createStringPtr(document, pathStabilized, stabilization.stabilized));
-    return object;
+/// Adds the object to the archive and gives its id.
+long long addObject(ArchiveEditor& archive, const Stabilization& stabilization) {
+    const long long id = archive.declare("Stabilization::Object");
+    archive.fields(archive.appendRootObject("Stabilization::Object", id))
+        .int32("shakiness", 5)
+        .int32("accuracy", 15)
+        .int32("stepsize", 6)
+        .int32("smoothing", 15)
+        .int32("optzoom", 1)
+        .time("sourcePositionOriginal", MTime())
+        .time("sourceDurationOriginal", MTime(stabilization.duration.toLongLong()))
+        .stringPtr("pathOriginal", stabilization.original)
+        .stringPtr("pathStabilized", stabilization.stabilized);
+    return id;
 }
 
 } // namespace
 
-void V15_TwoPassStabilizationAdaptor::adapt(QDomDocument& document) {
-    QDomElement archive = Archive::Internal::soleArchive(document);
-    if (archive.isNull()) {
-        LOG(ERROR) << "<Archive> element not found";
-        return;
-    }
-    auto clips = Archive::Internal::rootObjects(archive, QStringLiteral("Timeline::Clip"));
-    QDomElement predeclarations = firstDescendant(archive, Words::predeclarations);
-    Archive::Internal::ObjectIds ids(document);
-    for (QDomElement& clip : clips) {
+void V15_TwoPassStabilizationAdaptor::convert(ArchiveEditor& archive) {
+    // Quirk: the records are the first descendant of that name.
+    archive.setPredeclarations(firstDescendant(archive.root(), Words::predeclarations));
+    const Elements clips = archive.rootObjects("Timeline::Clip");
+    for (const QDomElement& clip : clips) {
         const Stabilization stabilization(clip);
-        if (!stabilization.isComplete())
-            continue;
-        const long long id =
-            Archive::addPredeclaration(predeclarations, document, className, 0, ids.greatest(), -1, {});
-        archive.appendChild(createObject(document, stabilization, id));
-        clip.appendChild(Archive::createObjectRef(document, QStringLiteral("stabilization"), id));
+        if (stabilization.isComplete())
+            archive.fields(clip).reference("stabilization", addObject(archive, stabilization));
     }
-    // Only now, so that ids in what goes still count for the greatest id. Direct children go, even where the
-    // values stood deeper.
-    for (QDomElement& clip : clips) {
-        Archive::removeFirstChild(clip, pathStabilized);
-        Archive::removeFirstChild(clip, pathOriginal);
+    // Last, so that ids in what is removed count for the new ids. Quirk: direct children are removed, also where the
+    // values were deeper.
+    for (const QDomElement& clip : clips) {
+        archive.removeField(clip, "pathStabilized");
+        archive.removeField(clip, "pathOriginal");
     }
 }
 

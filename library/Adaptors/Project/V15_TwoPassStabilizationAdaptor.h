@@ -1,13 +1,13 @@
 #pragma once
 
-#include "Adaptors/AbstractAdaptorXml.h"
+#include "Adaptors/XmlStep.h"
 
 namespace Project {
 
 /// Version 15: stabilization has settings, so a clip's two paths move to a `Stabilization::Object`.
-class V15_TwoPassStabilizationAdaptor : public Bundle::AbstractAdaptorXml {
-public:
-    void adapt(QDomDocument& document) override;
+class V15_TwoPassStabilizationAdaptor : public Bundle::ArchiveStep {
+protected:
+    void convert(Archive::Internal::ArchiveEditor& archive) override;
 };
 
 } // namespace Project

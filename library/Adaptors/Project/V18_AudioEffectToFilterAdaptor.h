@@ -1,13 +1,13 @@
 #pragma once
 
-#include "Adaptors/AbstractAdaptorXml.h"
+#include "Adaptors/XmlStep.h"
 
 namespace Project {
 
-/// Version 18: equalizer and noise reduction became audio filters, which the base of their objects tells.
-class V18_AudioEffectToFilterAdaptor : public Bundle::AbstractAdaptorXml {
-public:
-    void adapt(QDomDocument& document) override;
+/// Version 18: equalizer and noise reduction became audio filters, so their base parts are "Effect::AudioFilter".
+class V18_AudioEffectToFilterAdaptor : public Bundle::ArchiveStep {
+protected:
+    void convert(Archive::Internal::ArchiveEditor& archive) override;
 };
 
 } // namespace Project

@@ -1,115 +1,76 @@
 #include "Adaptors/Project/V18_NoiseRemovalAdaptor.h"
 
+#include "Archive/Internal/ArchiveEditor.h"
 #include "Archive/Internal/EffectObject.h"
-#include "Archive/Internal/Predeclarations.h"
-#include "Archive/Internal/RootObjects.h"
-#include "Archive/Internal/Walk.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/Reading.h"
 
 #include <QSet>
 
-#include <glog/logging.h>
+using namespace Archive::Internal;
 
 namespace Project {
 namespace {
 
-namespace Words = Archive::Words;
-using Archive::Internal::Elements;
-using Archive::Internal::idOf;
-
-const QString className = QStringLiteral("Effect::AudioNoiseSuppress");
-
-bool isNoiseRemoval(const QString& type) {
-    return type == QLatin1String("Effect::AudioNoiseReduction") ||
-           type == QLatin1String("Effect::AudioNoiseGate");
+Elements collectEffects(ArchiveEditor& archive) {
+    Elements effects;
+    for (const auto& [object, type] : archive.rootObjects()) {
+        if (type == QLatin1String("Effect::AudioNoiseReduction") ||
+            type == QLatin1String("Effect::AudioNoiseGate"))
+            effects.push_back(object);
+    }
+    return effects;
 }
 
-class Impl {
-public:
-    Impl(QDomDocument& document, const QDomElement& archive) : m_document(document) { collect(archive); }
-
-    bool hasWork() const { return !m_effects.empty() && !m_records.empty(); }
-
-    void convert() {
-        const QSet<long long> owners = convertRecords();
-        removeRecordsBelow(owners);
-        for (const QDomElement& effect : m_effects)
-            replace(effect);
+/// Makes the effects' records those of noise suppressions, which refer to nothing. Gives the ids of the effects that
+/// have a record.
+QSet<long long> convertRecords(ArchiveEditor& archive, const Elements& effects) {
+    QSet<long long> ids;
+    for (const QDomElement& effect : effects)
+        ids.insert(idOf(effect));
+    QSet<long long> declared;
+    for (const Record& record : *archive.records()) {
+        if (!ids.contains(record.id))
+            continue;
+        archive.setField(record.data, Words::typeName, "Effect::AudioNoiseSuppress");
+        archive.removeField(record.data, Words::refs);
+        archive.fields(record.data).array(Words::refs);
+        declared.insert(record.id);
     }
+    return declared;
+}
 
-private:
-    void collect(const QDomElement& archive) {
-        const auto objects = Archive::Internal::typedElements(archive, Words::RootObject);
-        QSet<long long> ids;
-        for (const auto& [object, type] : objects) {
-            if (!isNoiseRemoval(type))
-                continue;
-            m_effects.push_back(object);
-            ids.insert(idOf(object));
-        }
-        m_predeclarations = Archive::Internal::predeclarationsAmong(objects);
-        const auto records = Archive::Internal::recordsOf(m_predeclarations);
-        for (const auto& record : *records) {
-            if (ids.contains(record.id))
-                m_records.push_back(record.data);
-        }
-    }
+/// Removes the records of all that belongs to the effects.
+void removeRecordsOfParts(ArchiveEditor& archive, const QSet<long long>& effectIds) {
+    archive.undeclareIf(
+        [&](const Record& record) { return effectIds.contains(int64In(record.data, Words::poid)); });
+}
 
-    QSet<long long> convertRecords() {
-        QSet<long long> ids;
-        for (QDomElement& record : m_records) {
-            Archive::setValueOf(record, Words::typeName, className);
-            Archive::removeFirstChild(record, Words::refs);
-            if (!record.isNull())
-                record.appendChild(Archive::createArray(m_document, Words::refs, 0));
-            ids.insert(Archive::Internal::declaredId(record));
-        }
-        return ids;
-    }
+/// Puts a noise suppression behind all that is beside the effect, and removes the effect.
+void convertEffect(ArchiveEditor& archive, const QDomElement& effect) {
+    const EffectObject created =
+        newEffect(archive, "Effect::AudioNoiseSuppress", "Effect::AudioFilter", idOf(effect));
+    archive.fields(created.object)
+        .uint32("id", 57)
+        .string("tag", "effect_noisesuppress")
+        .uint32("uniqueId", 32773)
+        .string("uniqueId", QString()); // Quirk: a second one, where other effects have `description`
+    archive.fields(created.root).int32("levelPercent", 50);
 
-    /// Removes the records of all that the effects owned.
-    void removeRecordsBelow(const QSet<long long>& owners) {
-        Archive::Internal::removeRecords(m_predeclarations, [&](const Archive::Internal::Record& record) {
-            return owners.contains(Archive::valueOf(record.data, Words::poid).toLongLong());
-        });
-    }
-
-    void replace(const QDomElement& effect) {
-        QDomNode parent = effect.parentNode();
-        Archive::Internal::removeChild(parent, effect);
-        parent.appendChild(createNoiseSuppress(idOf(effect)));
-    }
-
-    QDomElement createNoiseSuppress(long long id) {
-        auto effect = Archive::Internal::createEffectObject(m_document, className,
-                                                            QStringLiteral("Effect::AudioFilter"), id);
-        effect.object.appendChild(Archive::createUInt32(m_document, QStringLiteral("id"), 57));
-        Archive::Internal::appendStrings(m_document, effect.object,
-                                         {{"tag", QStringLiteral("effect_noisesuppress")}});
-        effect.object.appendChild(Archive::createUInt32(m_document, QStringLiteral("uniqueId"), 32773));
-        // A second `uniqueId`, where other effects have `description`: documents of this version have it so.
-        Archive::Internal::appendStrings(m_document, effect.object, {{"uniqueId", QString()}});
-        effect.root.appendChild(Archive::createInt32(m_document, QStringLiteral("levelPercent"), 50));
-        return effect.root;
-    }
-
-    QDomDocument& m_document;
-    QDomElement m_predeclarations;
-    Elements m_effects;
-    Elements m_records;
-};
+    const QDomElement parent = effect.parentNode().toElement();
+    archive.remove(effect);
+    archive.append(parent, created.root);
+}
 
 } // namespace
 
-void V18_NoiseRemovalAdaptor::adapt(QDomDocument& document) {
-    const QDomElement archive = Archive::Internal::soleArchive(document);
-    if (archive.isNull()) {
-        LOG(ERROR) << "<Archive> element not found";
-        return;
-    }
-    Impl removal(document, archive);
-    if (removal.hasWork())
-        removal.convert();
+void V18_NoiseRemovalAdaptor::convert(ArchiveEditor& archive) {
+    const Elements effects = collectEffects(archive);
+    const QSet<long long> declared = convertRecords(archive, effects);
+    if (declared.isEmpty())
+        return; // Quirk: where no effect has a record, all effects stay
+    removeRecordsOfParts(archive, declared);
+    for (const QDomElement& effect : effects)
+        convertEffect(archive, effect);
 }
 
 } // namespace Project

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "Adaptors/AbstractAdaptorXml.h"
+#include "Adaptors/XmlStep.h"
 
 namespace Project {
 
-/// Version 18: one noise suppression, of fixed strength, stands for the old noise reduction and noise gate.
-class V18_NoiseRemovalAdaptor : public Bundle::AbstractAdaptorXml {
-public:
-    void adapt(QDomDocument& document) override;
+/// Version 18: one noise suppression, of fixed strength, replaces the old noise reduction and noise gate.
+class V18_NoiseRemovalAdaptor : public Bundle::ArchiveStep {
+protected:
+    void convert(Archive::Internal::ArchiveEditor& archive) override;
 };
 
 } // namespace Project

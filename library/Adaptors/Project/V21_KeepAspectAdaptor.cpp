@@ -1,32 +1,26 @@
 #include "Adaptors/Project/V21_KeepAspectAdaptor.h"
 
-#include "Archive/Internal/Walk.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/ArchiveEditor.h"
 
-namespace Words = Archive::Words;
-using Archive::Internal::elements;
+using namespace Archive::Internal;
 
 namespace Project {
 namespace {
 
-void dropAspects(const QDomElement& envelope) {
-    const QString aspect = QStringLiteral("aspect");
-    QDomElement defaultValue = envelope.firstChildElement(QStringLiteral("defaultValue"));
-    Archive::removeFirstChild(defaultValue, aspect);
-    for (QDomElement& value :
-         elements(envelope, QStringLiteral("value"), QStringLiteral("Transformation::Object")))
-        Archive::removeFirstChild(value, aspect);
+void removeAspects(ArchiveEditor& archive, const QDomElement& envelope) {
+    archive.removeField(envelope.firstChildElement("defaultValue"), "aspect");
+    for (const QDomElement& value : elements(envelope, "value", "Transformation::Object"))
+        archive.removeField(value, "aspect");
 }
 
 } // namespace
 
-void V21_KeepAspectAdaptor::adapt(QDomDocument& document) {
-    const QDomElement archive = Archive::Internal::soleArchive(document);
-    for (auto [object, type] : Archive::Internal::typedElements(archive, Words::RootObject)) {
+void V21_KeepAspectAdaptor::convert(ArchiveEditor& archive) {
+    for (const auto& [object, type] : archive.rootObjects(Scope::Archive)) {
         if (type == QLatin1String("TransformationEnvelope"))
-            dropAspects(object);
+            removeAspects(archive, object);
         else if (type == QLatin1String("Effect::PictureInPicture") || type == QLatin1String("Effect::Crop"))
-            Archive::removeFirstChild(object, QStringLiteral("keepAspect"));
+            archive.removeField(object, "keepAspect");
     }
 }
 

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "Adaptors/AbstractAdaptorXml.h"
+#include "Adaptors/XmlStep.h"
 
 namespace Project {
 
-/// Version 21: transformations know no aspect flag any more; it is dropped, also from picture-in-picture and crop.
-class V21_KeepAspectAdaptor : public Bundle::AbstractAdaptorXml {
-public:
-    void adapt(QDomDocument& document) override;
+/// Version 21: transformations have no aspect flag any more; it is removed, also from picture-in-picture and crop.
+class V21_KeepAspectAdaptor : public Bundle::XmlStep {
+protected:
+    void convert(Archive::Internal::ArchiveEditor& archive) override;
 };
 
 } // namespace Project

@@ -1,17 +1,15 @@
 #include "Adaptors/Project/V21_PresetTypeAdaptor.h"
 
-#include "Archive/Internal/Outline.h"
-#include "Archive/Internal/Walk.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/ArchiveEditor.h"
+#include "Archive/Internal/Reading.h"
 #include "Stored/V21/SvgImage.h"
 
 #include <QColor>
 
+using namespace Archive::Internal;
+
 namespace Project {
 namespace {
-
-using namespace Archive::Internal;
-namespace Words = Archive::Words;
 
 constexpr int svgKind = 2;
 constexpr int specialKind = 3; ///< becomes the SVG kind with a feature
@@ -19,59 +17,51 @@ constexpr int specialKind = 3; ///< becomes the SVG kind with a feature
 constexpr int ordinaryPreset = 1;
 constexpr int specialPreset = 2; ///< has an item of the special kind
 
-constexpr int noFeatures = 0;
-constexpr int specialFeature = 1;
+/// Makes the outline's colour, an ARGB number, fill and stroke of the text's root element, and 0 in its old place.
+/// Quirk: a missing colour counts as 0, too.
+void moveOutlineColorIntoText(ArchiveEditor& archive, const QDomElement& item) {
+    const QDomElement color = childAt(item, {"outline", "color"});
+    const QColor paint = QColor::fromRgba(textOf(color).toUInt());
+    archive.setText(color, "0");
 
-/// The colour, an ARGB number, becomes fill and stroke of the text's root element, and 0 where it stood. It is 0
-/// where it is missing, and nothing is made then.
-void moveOutlineColorIntoText(const QDomElement& item) {
-    QDomElement color = childAt(item, {QStringLiteral("outline"), QStringLiteral("color")});
-    const QColor paint = QColor::fromRgba(color.attribute(Words::value).toUInt());
-    if (!color.isNull())
-        color.setAttribute(Words::value, QStringLiteral("0"));
-
-    // Unlike outline and type the text may stand deeper.
-    QDomElement text = firstDescendant(item, QStringLiteral("text"));
+    // Quirk: unlike outline and type the text may be deeper.
+    const QDomElement text = firstDescendant(item, "text");
     if (text.isNull())
         return;
-    Stored::V21::SvgImage image(text.attribute(Words::value));
+    Stored::V21::SvgImage image(textOf(text));
     image.setFillColor(paint);
     image.setStrokeColor(paint);
-    text.setAttribute(Words::value, image.toString());
-    Archive::Internal::Outline::wrote(text.attribute(Words::value));
+    archive.setText(text, image.toString());
 }
 
-/// Gives an item its features and tells them.
-int convertItem(QDomDocument& document, QDomElement& item) {
-    int features = noFeatures;
-    QDomElement type = item.firstChildElement(Words::type);
-    const int kind = type.attribute(Words::value).toInt();
-    if (kind == svgKind) {
-        moveOutlineColorIntoText(item);
-    } else if (kind == specialKind) {
-        features = specialFeature;
-        type.setAttribute(Words::value, QString::number(svgKind));
-    }
-    item.appendChild(Archive::createInt32(document, QStringLiteral("features"), features));
-    return features;
+/// Adds the features of an item; true for one of the special kind.
+bool convertItem(ArchiveEditor& archive, const QDomElement& item) {
+    const int kind = int32In(item, Words::type);
+    const bool isSpecial = kind == specialKind;
+    if (kind == svgKind)
+        moveOutlineColorIntoText(archive, item);
+    if (isSpecial)
+        archive.setField(item, Words::type, svgKind);
+    archive.fields(item).int32("features", isSpecial ? 1 : 0);
+    return isSpecial;
 }
 
-void convertPreset(QDomDocument& document, QDomElement& preset) {
+void convertPreset(ArchiveEditor& archive, const QDomElement& preset) {
     int presetType = ordinaryPreset;
-    // All entries below, those of inner arrays too.
-    for (const QDomElement& entry : elements(firstDescendant(preset, QStringLiteral("items")), Words::Item)) {
-        QDomElement item = entry.firstChildElement(Words::Data);
-        if (!item.isNull() && convertItem(document, item) == specialFeature)
+    // Quirk: the entries of inner arrays count as well.
+    for (const QDomElement& entry : elements(firstDescendant(preset, "items"), Words::Item)) {
+        const QDomElement item = entry.firstChildElement(Words::Data);
+        if (!item.isNull() && convertItem(archive, item))
             presetType = specialPreset;
     }
-    preset.appendChild(Archive::createInt32(document, Words::type, presetType));
+    archive.fields(preset).int32(Words::type, presetType);
 }
 
 } // namespace
 
-void V21_PresetTypeAdaptor::adapt(QDomDocument& document) {
-    for (QDomElement& preset : rootObjects(soleArchive(document), QStringLiteral("Overlay::Preset")))
-        convertPreset(document, preset);
+void V21_PresetTypeAdaptor::convert(ArchiveEditor& archive) {
+    for (const QDomElement& preset : ofType(archive.rootObjects(Scope::Archive), "Overlay::Preset"))
+        convertPreset(archive, preset);
 }
 
 } // namespace Project

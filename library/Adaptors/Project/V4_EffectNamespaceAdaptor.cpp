@@ -1,20 +1,12 @@
 #include "Adaptors/Project/V4_EffectNamespaceAdaptor.h"
 
-#include "Archive/Internal/Walk.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/ArchiveEditor.h"
+#include "Archive/Internal/Reading.h"
 
-#include <QHash>
-
-#include <glog/logging.h>
+using namespace Archive::Internal;
 
 namespace Project {
 namespace {
-
-namespace Words = Archive::Words;
-using Archive::Internal::Elements;
-using Archive::Internal::elements;
-using Archive::Internal::TypedElements;
-using Archive::Internal::typedElements;
 
 struct Renaming {
     const char* oldName;
@@ -22,7 +14,7 @@ struct Renaming {
 };
 
 // clang-format off
-// Every class but the first two is that of a transition. An effect of such a name, as "Blur", goes with them.
+// Quirk: all but the first two become transitions, also an effect of such a name, as "Blur".
 constexpr Renaming renamings[] = {
     {"VideoEffect", "Effect::VideoEffect"},
     {"AutoEnhance", "Effect::AutoEnhance"},
@@ -61,55 +53,29 @@ constexpr Renaming renamings[] = {
 };
 // clang-format on
 
-using Names = QHash<QString, QString>;
-
-Names newNames() {
-    Names names;
-    for (const Renaming& row : renamings)
-        names.insert(QString::fromLatin1(row.oldName), QString::fromLatin1(row.newName));
-    return names;
-}
-
-Elements declaredTypeNames(const TypedElements& rootObjects) {
-    Elements typeNames;
-    for (const auto& [object, type] : rootObjects) {
-        if (type != Words::Predeclarator)
-            continue;
-        const QDomElement records = Archive::Internal::firstDescendant(object, Words::predeclarations);
-        for (const QDomElement& typeName : elements(records, Words::typeName))
-            typeNames.push_back(typeName);
-    }
-    return typeNames;
-}
-
-void renameTypes(const TypedElements& list, const Names& names) {
-    for (auto [e, type] : list) {
-        const auto found = names.constFind(type);
-        if (found != names.constEnd())
-            Archive::Internal::setType(e, *found);
+void renameTypes(ArchiveEditor& archive, const TypedElements& list) {
+    for (const auto& [e, type] : list) {
+        if (const Renaming* renaming = findRow(renamings, &Renaming::oldName, type))
+            archive.setType(e, renaming->newName);
     }
 }
 
-void renameValues(const Elements& list, const Names& names) {
-    for (QDomElement e : list) {
-        const auto found = names.constFind(e.attribute(Words::value));
-        if (found != names.constEnd())
-            e.setAttribute(Words::value, *found);
+/// Renames the classes in the records of a predeclarator.
+void renameDeclaredTypes(ArchiveEditor& archive, const QDomElement& predeclarator) {
+    const QDomElement records = firstDescendant(predeclarator, Words::predeclarations);
+    for (const QDomElement& typeName : elements(records, Words::typeName)) {
+        if (const Renaming* renaming = findRow(renamings, &Renaming::oldName, textOf(typeName)))
+            archive.setText(typeName, renaming->newName);
     }
 }
 
 } // namespace
 
-void V4_EffectNamespaceAdaptor::adapt(QDomDocument& document) {
-    const QDomElement archive = Archive::Internal::soleArchive(document);
-    if (archive.isNull()) {
-        LOG(ERROR) << "<Archive> element not found";
-        return;
-    }
-    const Names names = newNames();
-    renameTypes(typedElements(archive, Words::RootObject), names);
-    renameTypes(typedElements(archive, Words::BaseOfObject), names);
-    renameValues(declaredTypeNames(typedElements(archive, Words::RootObject)), names);
+void V4_EffectNamespaceAdaptor::convert(ArchiveEditor& archive) {
+    renameTypes(archive, archive.rootObjects());
+    renameTypes(archive, archive.baseParts());
+    for (const QDomElement& predeclarator : archive.rootObjects(Words::Predeclarator))
+        renameDeclaredTypes(archive, predeclarator);
 }
 
 } // namespace Project

@@ -1,14 +1,14 @@
 #pragma once
 
-#include "Adaptors/AbstractAdaptorXml.h"
+#include "Adaptors/XmlStep.h"
 
 namespace Project {
 
-/// Version 4: the classes of effects and transitions moved into namespaces, and so did their names in the
-/// document.
-class V4_EffectNamespaceAdaptor : public Bundle::AbstractAdaptorXml {
-public:
-    void adapt(QDomDocument& document) override;
+/// Version 4: the classes of effects and transitions moved into namespaces, so objects, base parts and records have
+/// their new names.
+class V4_EffectNamespaceAdaptor : public Bundle::ArchiveStep {
+protected:
+    void convert(Archive::Internal::ArchiveEditor& archive) override;
 };
 
 } // namespace Project

@@ -1,13 +1,9 @@
 #include "Adaptors/Project/V4_TrackValueAdaptor.h"
 
-#include "Archive/Internal/Walk.h"
+#include "Archive/Internal/ArchiveEditor.h"
+#include "Archive/Internal/Reading.h"
 
-#include <glog/logging.h>
-
-#include <algorithm>
-
-using Archive::Internal::elements;
-using Archive::Internal::firstDescendant;
+using namespace Archive::Internal;
 
 namespace Project {
 namespace {
@@ -17,8 +13,8 @@ struct TrackNumber {
     int after;
 };
 
-// No track had the place of 32. Every other number stays as it is.
 // clang-format off
+// Quirk: no track becomes 32. Every other number stays as it is.
 constexpr TrackNumber trackNumbers[] = {
     {1, 16},
     {2, 48},
@@ -28,26 +24,20 @@ constexpr TrackNumber trackNumbers[] = {
 };
 // clang-format on
 
-void renumber(QDomElement& track) {
-    const int number = track.attribute(Archive::Words::value).toInt();
-    const auto* row = std::find_if(std::begin(trackNumbers), std::end(trackNumbers),
-                                   [number](const TrackNumber& r) { return r.before == number; });
-    if (row != std::end(trackNumbers))
-        track.setAttribute(Archive::Words::value, QString::number(row->after));
+void renumber(ArchiveEditor& archive, const QDomElement& track) {
+    const int number = int32Of(track);
+    for (const TrackNumber& row : trackNumbers) {
+        if (row.before == number)
+            archive.setText(track, QString::number(row.after));
+    }
 }
 
 } // namespace
 
-void V4_TrackValueAdaptor::adapt(QDomDocument& document) {
-    const QDomElement archive = Archive::Internal::soleArchive(document);
-    if (archive.isNull()) {
-        LOG(ERROR) << "<Archive> element not found";
-        return;
-    }
-    // Only the first `clips` counts: documents of that time had one timeline.
-    const QDomElement clips = firstDescendant(archive, QStringLiteral("clips"));
-    for (QDomElement& track : elements(clips, QStringLiteral("track")))
-        renumber(track);
+void V4_TrackValueAdaptor::convert(ArchiveEditor& archive) {
+    // Quirk: only the first `clips` counts, as documents of that time had one timeline.
+    for (const QDomElement& track : elements(firstDescendant(archive.root(), "clips"), "track"))
+        renumber(archive, track);
 }
 
 } // namespace Project

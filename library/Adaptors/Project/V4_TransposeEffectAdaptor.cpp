@@ -1,56 +1,40 @@
 #include "Adaptors/Project/V4_TransposeEffectAdaptor.h"
 
+#include "Archive/Internal/ArchiveEditor.h"
 #include "Archive/Internal/EffectObject.h"
-#include "Archive/Internal/ObjectIds.h"
-#include "Archive/Internal/Walk.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/Reading.h"
 
-#include <glog/logging.h>
+using namespace Archive::Internal;
 
 namespace Project {
 namespace {
 
-namespace Words = Archive::Words;
-using Archive::Internal::firstDescendant;
+constexpr NumberedEffect transpose = {"Effect::Transpose", 35, "effect_transpose", 35};
 
-constexpr Archive::Internal::NumberedEffect transpose{"Effect::Transpose", 35, "effect_transpose", 35};
-
-/// The clips that can be turned.
+/// The `type` of clips that can be turned.
 constexpr int turnedType = 1;
 
-int valueIn(const QDomElement& e) {
-    return e.attribute(Words::value).toInt();
-}
-
-/// The clip's angle, which leaves the clip, whether or not an effect takes its place.
-int takeAngle(const QDomElement& clip) {
-    const QDomElement angle = firstDescendant(clip, QStringLiteral("angle"));
-    Archive::Internal::removeFromParent(angle);
-    return valueIn(angle);
+/// Removes the clip's angle and gives its number, 0 where there is none.
+int takeAngle(ArchiveEditor& archive, const QDomElement& clip) {
+    const QDomElement angle = firstDescendant(clip, "angle");
+    archive.remove(angle);
+    return int32Of(angle);
 }
 
 } // namespace
 
-void V4_TransposeEffectAdaptor::adapt(QDomDocument& document) {
-    QDomElement archive = Archive::Internal::soleArchive(document);
-    if (archive.isNull()) {
-        LOG(ERROR) << "<Archive> element not found";
-        return;
-    }
-    const auto clips = Archive::Internal::rootObjects(archive, QStringLiteral("Timeline::Clip"));
-    if (clips.empty())
-        return;
-    QDomElement predeclarations = firstDescendant(archive, Words::predeclarations);
-    long long greatestId = Archive::Internal::maxObjectId(document);
-
+void V4_TransposeEffectAdaptor::convert(ArchiveEditor& archive) {
+    // Quirk: the records are the first descendant of that name.
+    archive.setPredeclarations(firstDescendant(archive.root(), Words::predeclarations));
+    const Elements clips = archive.rootObjects("Timeline::Clip");
+    if (!clips.empty())
+        archive.startIds(); // before an `angle` is removed that may have an id of its own
     for (const QDomElement& clip : clips) {
-        const int angle = takeAngle(clip);
-        if (angle % 360 == 0 || valueIn(firstDescendant(clip, Words::type)) != turnedType)
+        const int angle = takeAngle(archive, clip); // also where no effect replaces it
+        if (angle % 360 == 0 || int32Of(firstDescendant(clip, Words::type)) != turnedType)
             continue;
-        QDomElement effects = firstDescendant(clip, QStringLiteral("effects"));
-        auto effect = Archive::Internal::addNumberedEffect(document, archive, predeclarations, greatestId,
-                                                           transpose, effects);
-        effect.root.appendChild(Archive::createInt32(document, QStringLiteral("angle"), angle));
+        const QDomElement effects = firstDescendant(clip, "effects");
+        archive.fields(appendNumberedEffect(archive, transpose, effects).root).int32("angle", angle);
     }
 }
 

@@ -1,84 +1,74 @@
 #include "Adaptors/Project/V5_EnumcastAdaptor.h"
 
+#include "Archive/Internal/ArchiveEditor.h"
 #include "Archive/Internal/Truncate.h"
-#include "Archive/Internal/Walk.h"
 #include "Archive/Xml.h"
 
-#include <glog/logging.h>
-
-#include <string_view>
+using namespace Archive::Internal;
 
 namespace Project {
 namespace {
 
-namespace Words = Archive::Words;
-
 struct EnumField {
     const char* className;
     const char* field;
-    std::string_view oldType;
-    const char* newType;
+    bool isDouble = false; ///< the others are unsigned numbers
 };
 
 // clang-format off
 constexpr EnumField enumFields[] = {
-    {"Transition::BarnDoor",        "direction",  "uint32_t", "int32_t"},
-    {"Transition::Circle",          "direction",  "uint32_t", "int32_t"},
-    {"Transition::SlidingDoor",     "direction",  "uint32_t", "int32_t"},
-    {"Transition::Slide",           "direction",  "uint32_t", "int32_t"},
-    {"Transition::Radial",          "direction",  "uint32_t", "int32_t"},
-    {"Transition::DirectCrossFade", "direction",  "uint32_t", "int32_t"},
-    {"Transition::DirectCrossFade", "smoothPart", "double",   "int32_t"},
-    {"Transition::Wipe",            "direction",  "uint32_t", "int32_t"},
-    {"Transition::OrigamiPleats",   "direction",  "uint32_t", "int32_t"},
-    {"Transition::Smear",           "direction",  "uint32_t", "int32_t"},
-    {"Transition::KenBurns",        "direction",  "uint32_t", "int32_t"},
-    {"Transition::Zoom",            "mode",       "uint32_t", "int32_t"},
-    {"Transition::Scale",           "mode",       "uint32_t", "int32_t"},
-    {"Transition::Blinds",          "mode",       "uint32_t", "int32_t"},
-    {"Transition::Push",            "mode",       "uint32_t", "int32_t"},
-    {"Transition::Lens",            "mode",       "uint32_t", "int32_t"},
-    {"Transition::Spiral",          "mode",       "uint32_t", "int32_t"},
-    {"Transition::Shatter",         "dir",        "uint32_t", "int32_t"},
-    {"Effect::RetroColors",         "type",       "uint32_t", "int32_t"},
-    {"Effect::Mirror",              "vertical",   "uint32_t", "int32_t"},
-    {"Effect::Mirror",              "horizontal", "uint32_t", "int32_t"},
-    {"Effect::AddNoize",            "type",       "uint32_t", "int32_t"},
-    {"Effect::Mosaic",              "type",       "uint32_t", "int32_t"},
-    {"Effect::Erosion",             "type",       "uint32_t", "int32_t"},
+    {"Transition::BarnDoor",        "direction"},
+    {"Transition::Circle",          "direction"},
+    {"Transition::SlidingDoor",     "direction"},
+    {"Transition::Slide",           "direction"},
+    {"Transition::Radial",          "direction"},
+    {"Transition::DirectCrossFade", "direction"},
+    {"Transition::DirectCrossFade", "smoothPart", true},
+    {"Transition::Wipe",            "direction"},
+    {"Transition::OrigamiPleats",   "direction"},
+    {"Transition::Smear",           "direction"},
+    {"Transition::KenBurns",        "direction"},
+    {"Transition::Zoom",            "mode"},
+    {"Transition::Scale",           "mode"},
+    {"Transition::Blinds",          "mode"},
+    {"Transition::Push",            "mode"},
+    {"Transition::Lens",            "mode"},
+    {"Transition::Spiral",          "mode"},
+    {"Transition::Shatter",         "dir"},
+    {"Effect::RetroColors",         "type"},
+    {"Effect::Mirror",              "vertical"},
+    {"Effect::Mirror",              "horizontal"},
+    {"Effect::AddNoize",            "type"},
+    {"Effect::Mosaic",              "type"},
+    {"Effect::Erosion",             "type"},
 };
 // clang-format on
 
-void decode(QDomElement& e) {
+void convertDouble(ArchiveEditor& archive, const QDomElement& e) {
     const double number = Archive::extractValue(e.attribute(Words::binaryData), 0.0);
-    e.setAttribute(Words::value, QString::number(Archive::Internal::truncated<long long>(number)));
-    e.removeAttribute(Words::binaryData);
+    archive.setText(e, QString::number(truncated<long long>(number)));
+    archive.removeBinaryData(e);
 }
 
-void convert(const QDomElement& object, const EnumField& row) {
-    // At any depth: the field of an embedded object is taken where it stands first.
-    QDomElement e = Archive::Internal::firstDescendant(object, QLatin1String(row.field));
+void convertField(ArchiveEditor& archive, const QDomElement& object, const EnumField& row) {
+    // Quirk: at any depth, so the field of an embedded object is taken where it comes first.
+    const QDomElement e = firstDescendant(object, row.field);
     if (e.isNull())
         return;
-    // The row alone says what the value was. The element's own type is not asked, and an unsigned number keeps
-    // its text, even one that the new type can't hold.
-    if (row.oldType == "double")
-        decode(e);
-    e.setAttribute(Words::type, QLatin1String(row.newType));
+    // Quirk: the element's own type does not count. An unsigned number keeps its text, even one that the new type
+    // can't hold.
+    if (row.isDouble)
+        convertDouble(archive, e);
+    archive.setType(e, "int32_t");
 }
 
 } // namespace
 
-void V5_EnumcastAdaptor::adapt(QDomDocument& document) {
-    const QDomElement archive = Archive::Internal::soleArchive(document);
-    if (archive.isNull()) {
-        LOG(ERROR) << "<Archive> element not found";
-        return;
-    }
-    for (const auto& [object, type] : Archive::Internal::typedElements(archive, Words::RootObject)) {
+void V5_EnumcastAdaptor::convert(ArchiveEditor& archive) {
+    for (const auto& [object, type] : archive.rootObjects()) {
         for (const EnumField& row : enumFields) {
             if (type == QLatin1String(row.className))
-                convert(object, row);
+                convertField(archive, object, row);
         }
     }
 }

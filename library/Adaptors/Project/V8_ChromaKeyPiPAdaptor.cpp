@@ -1,105 +1,64 @@
 #include "Adaptors/Project/V8_ChromaKeyPiPAdaptor.h"
 
+#include "Archive/Internal/ArchiveEditor.h"
 #include "Archive/Internal/EffectObject.h"
-#include "Archive/Internal/ObjectIds.h"
-#include "Archive/Internal/Walk.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/Reading.h"
 
 #include <QSet>
 
-#include <glog/logging.h>
-
 #include <algorithm>
+
+using namespace Archive::Internal;
 
 namespace Project {
 namespace {
 
-namespace Words = Archive::Words;
-using Archive::Internal::Elements;
-using Archive::Internal::elements;
-using Archive::Internal::firstDescendant;
+// Quirk: the tag is spelled "effet".
+constexpr NumberedEffect cutaway = {"Effect::Cutaway", 14, "effet_cutaway", 32769};
 
-// "effet" is how the tag is spelled.
-constexpr Archive::Internal::NumberedEffect cutaway{"Effect::Cutaway", 14, "effet_cutaway", 32769};
+/// Quirk: ids have 32 bits here, and all greater ones read as 0.
+using Ids = QSet<int>;
 
-const QString chromaKeyId = QStringLiteral("15");
-
-class Impl {
-public:
-    explicit Impl(QDomDocument& document) : m_document(document) {}
-
-    bool collect();
-    void renumberChromaKeys();
-    void addCutaways();
-
-private:
-    bool isChromaKey(const QDomElement& item) const;
-
-    QDomDocument m_document;
-    QDomElement m_archive;
-    QDomElement m_predeclarations;
-    Elements m_clips;
-    Elements m_chromaKeys;
-    QSet<int> m_chromaKeyIds; // 32 bits: all ids beyond count as 0
-    long long m_greatestId = 0;
-};
-
-bool Impl::collect() {
-    m_archive = Archive::Internal::soleArchive(m_document);
-    if (m_archive.isNull()) {
-        LOG(ERROR) << "<Archive> element not found";
-        return false;
-    }
-    for (const auto& [object, type] : Archive::Internal::typedElements(m_archive, Words::RootObject)) {
-        if (type == Words::Predeclarator) {
-            m_predeclarations = firstDescendant(object, Words::predeclarations);
-        } else if (type == QLatin1String("Timeline::Clip")) {
-            m_clips.push_back(object);
-        } else if (type == QLatin1String("Effect::ChromaKey")) {
-            m_chromaKeys.push_back(object);
-            m_chromaKeyIds.insert(object.attribute(Words::objectId).toInt());
-        }
-    }
-    if (!m_chromaKeys.empty())
-        m_greatestId = Archive::Internal::maxObjectId(m_document);
-    return true;
+Ids collectIds(const Elements& objects) {
+    Ids ids;
+    for (const QDomElement& object : objects)
+        ids.insert(object.attribute(Words::objectId).toInt());
+    return ids;
 }
 
-void Impl::renumberChromaKeys() {
-    for (const QDomElement& chromaKey : m_chromaKeys) {
-        const QDomElement base = firstDescendant(chromaKey, Words::BaseOfObject);
-        const QDomElement object = firstDescendant(base, Words::BaseOfObject);
-        QDomElement uniqueId = firstDescendant(object, QStringLiteral("uniqueId"));
-        if (!uniqueId.isNull())
-            uniqueId.setAttribute(Words::value, chromaKeyId);
-    }
+void setUniqueId(ArchiveEditor& archive, const QDomElement& chromaKey) {
+    const QDomElement base = firstDescendant(chromaKey, Words::BaseOfObject);
+    const QDomElement object = firstDescendant(base, Words::BaseOfObject);
+    archive.setText(firstDescendant(object, "uniqueId"), "15");
 }
 
-bool Impl::isChromaKey(const QDomElement& item) const {
-    return m_chromaKeyIds.contains(Archive::valueOf(item, Words::Data).toInt());
-}
-
-void Impl::addCutaways() {
-    if (m_chromaKeys.empty())
-        return;
-    for (const QDomElement& clip : m_clips) {
-        QDomElement effects = firstDescendant(clip, QStringLiteral("effects"));
-        const Elements items = elements(effects, Words::Item);
-        // One is enough, however many chroma keys the clip has.
-        if (std::any_of(items.begin(), items.end(), [this](const QDomElement& e) { return isChromaKey(e); }))
-            Archive::Internal::addNumberedEffect(m_document, m_archive, m_predeclarations, m_greatestId,
-                                                 cutaway, effects);
-    }
+/// Whether an entry of the list, at any depth, refers to one of the objects.
+bool refersToAny(const QDomElement& list, const Ids& ids) {
+    const Elements items = elements(list, Words::Item);
+    return std::any_of(items.begin(), items.end(),
+                       [&](const QDomElement& item) { return ids.contains(int32In(item, Words::Data)); });
 }
 
 } // namespace
 
-void V8_ChromaKeyPiPAdaptor::adapt(QDomDocument& document) {
-    Impl impl(document);
-    if (!impl.collect())
+void V8_ChromaKeyPiPAdaptor::convert(ArchiveEditor& archive) {
+    // Quirk: the records are the first descendant of that name.
+    const QDomElement predeclarator = archive.lastRootObject(Words::Predeclarator);
+    archive.setPredeclarations(firstDescendant(predeclarator, Words::predeclarations));
+
+    const Elements chromaKeys = archive.rootObjects("Effect::ChromaKey");
+    if (chromaKeys.empty())
         return;
-    impl.renumberChromaKeys();
-    impl.addCutaways();
+    archive.startIds(); // before texts change: the search for ids ends at one that is not valid XML
+    for (const QDomElement& chromaKey : chromaKeys)
+        setUniqueId(archive, chromaKey);
+
+    const Ids ids = collectIds(chromaKeys);
+    for (const QDomElement& clip : archive.rootObjects("Timeline::Clip")) {
+        const QDomElement effects = firstDescendant(clip, "effects");
+        if (refersToAny(effects, ids)) // one cutaway is enough for any number of chroma keys
+            appendNumberedEffect(archive, cutaway, effects);
+    }
 }
 
 } // namespace Project

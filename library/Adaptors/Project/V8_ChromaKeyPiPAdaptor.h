@@ -1,14 +1,14 @@
 #pragma once
 
-#include "Adaptors/AbstractAdaptorXml.h"
+#include "Adaptors/XmlStep.h"
 
 namespace Project {
 
-/// Version 8: chroma key no longer cuts the picture out by itself, so a clip with one gets an
-/// `Effect::Cutaway` besides.
-class V8_ChromaKeyPiPAdaptor : public Bundle::AbstractAdaptorXml {
-public:
-    void adapt(QDomDocument& document) override;
+/// Version 8: chroma key no longer cuts the picture out by itself, so a clip with one gets an `Effect::Cutaway` as
+/// well.
+class V8_ChromaKeyPiPAdaptor : public Bundle::ArchiveStep {
+protected:
+    void convert(Archive::Internal::ArchiveEditor& archive) override;
 };
 
 } // namespace Project

@@ -245,7 +245,7 @@ void ArchiveEditor::takeFromItsPlace(const QDomElement& child) {
         notifyRemoval(parent, child);
 }
 
-void ArchiveEditor::notifyRemoval(const QDomNode& parent, const QDomElement& child) {
+void ArchiveEditor::notifyRemoval(const QDomNode& parent, const QDomNode& child) {
     predeclarations(); // a step takes those that were there before it removed anything
     m_index.removed(parent, child);
 }
@@ -296,12 +296,11 @@ bool ArchiveEditor::removeItems(QDomElement array, const std::function<bool(QDom
     return Internal::removeItems(array, removals);
 }
 
-void ArchiveEditor::replace(const QDomElement& old, const QDomElement& created) {
+void ArchiveEditor::replace(const QDomNode& old, const QDomElement& created) {
     replaceChild(old.parentNode().toElement(), created, old);
 }
 
-void ArchiveEditor::replaceChild(const QDomElement& parent, const QDomElement& created,
-                                 const QDomElement& old) {
+void ArchiveEditor::replaceChild(const QDomElement& parent, const QDomElement& created, const QDomNode& old) {
     if (parent.isNull() || created.isNull() || old.parentNode() != parent)
         return;
     takeFromItsPlace(created);

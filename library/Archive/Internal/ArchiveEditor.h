@@ -94,7 +94,7 @@ public:
 
     /// Appends fields to an object.
     Fields fields(const QDomElement& object) { return {*this, object, Fields::Place::End}; }
-    /// The same, but a field takes the place of the one that has its name.
+    /// The same, but a field takes the place of the first child that has its name.
     Fields settingFields(const QDomElement& object) { return {*this, object, Fields::Place::SameName}; }
     /// The same, but the first one takes the place of `old`, a child of the object.
     Fields fieldsInsteadOf(const QDomElement& old) {
@@ -150,10 +150,10 @@ public:
     /// Removes the entries whose `Data` fulfils the predicate, numbers the others from 1 and counts `size` down.
     bool removeItems(QDomElement array, const std::function<bool(QDomElement&)>& predicate);
 
-    /// Puts an element in the place of another.
-    void replace(const QDomElement& old, const QDomElement& created);
+    /// Puts an element in the place of another node.
+    void replace(const QDomNode& old, const QDomElement& created);
     /// The same for a child; nothing for an element with another parent.
-    void replaceChild(const QDomElement& parent, const QDomElement& created, const QDomElement& old);
+    void replaceChild(const QDomElement& parent, const QDomElement& created, const QDomNode& old);
 
     void rename(QDomElement e, const QString& tag);
     void setType(QDomElement e, const QString& type);
@@ -182,7 +182,7 @@ private:
     long long greatestId();
     /// Notifies the index that a child leaves its place or comes from another document.
     void takeFromItsPlace(const QDomElement& child);
-    void notifyRemoval(const QDomNode& parent, const QDomElement& child);
+    void notifyRemoval(const QDomNode& parent, const QDomNode& child);
     void applyUndeclared();
     void removeRecords(const std::function<bool(const Record&)>& goes);
 

@@ -40,7 +40,5 @@ EffectObject createEffectObject(QDomDocument& doc, const QString& className, con
                                 long long id);
 void appendStrings(QDomDocument& doc, QDomElement& object,
                    std::initializer_list<std::pair<const char*, QString>> fields);
-EffectObject addNumberedEffect(QDomDocument& document, QDomElement& archive, QDomElement& predeclarations,
-                               long long& greatestId, const NumberedEffect& kind, QDomElement& effects);
 
 } // namespace Archive::Internal

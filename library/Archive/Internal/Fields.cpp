@@ -9,7 +9,8 @@ namespace Archive::Internal {
 Fields& Fields::add(const QDomElement& field) {
     if (m_object.isNull() || field.isNull())
         return *this;
-    const QDomElement old = m_place == Place::SameName ? m_object.namedItem(field.tagName()).toElement() : m_old;
+    // Quirk: a processing instruction of that name is replaced as well.
+    const QDomNode old = m_place == Place::SameName ? m_object.namedItem(field.tagName()) : m_old;
     if (m_place == Place::Behind)
         m_archive.insertAfter(m_object, field, m_last);
     else if (old.isNull())

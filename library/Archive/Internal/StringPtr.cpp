@@ -3,7 +3,6 @@
 #include "Archive/Internal/ObjectIds.h"
 #include "Archive/Internal/PlainText.h"
 #include "Archive/Internal/Walk.h"
-#include "Archive/Xml.h"
 
 #include <algorithm>
 
@@ -40,12 +39,6 @@ bool readTree(const QDomElement& top, Attributes& matches) {
 }
 
 } // namespace
-
-QDomElement createStringPtr(QDomDocument& doc, const QString& name, const QString& value) {
-    QDomElement e = createTypeValue(doc, name, Words::StringPtr, value);
-    e.setAttribute(QStringLiteral("isNull"), QStringLiteral("0"));
-    return e;
-}
 
 std::optional<Attributes> stringPtrAttributes(const QDomDocument& document) {
     Attributes matches;

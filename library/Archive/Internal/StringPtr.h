@@ -11,9 +11,6 @@
 
 namespace Archive::Internal {
 
-/// A "StringPtr" that holds a value: the nullable text of documents before version 44.
-QDomElement createStringPtr(QDomDocument& doc, const QString& name, const QString& value);
-
 /// The attributes that name the type "StringPtr" in the document's text, where the end of a longer name counts as
 /// well. Nothing where only the text can tell, or where it would not give the same tree when it is read again.
 std::optional<std::vector<QDomAttr>> stringPtrAttributes(const QDomDocument& document);
