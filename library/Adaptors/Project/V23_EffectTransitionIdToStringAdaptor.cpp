@@ -1,15 +1,15 @@
 #include "Adaptors/Project/V23_EffectTransitionIdToStringAdaptor.h"
 
-#include "Archive/Internal/Walk.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/ArchiveEditor.h"
+#include "Archive/Internal/Reading.h"
 
 #include <algorithm>
 #include <span>
 
+using namespace Archive::Internal;
+
 namespace Project {
 namespace {
-
-namespace Words = Archive::Words;
 
 struct Identifier {
     int number;
@@ -130,35 +130,28 @@ constexpr Identifier transitionIdentifiers[] = {
 };
 // clang-format on
 
-static_assert(std::ranges::is_sorted(effectIdentifiers, {}, &Identifier::number));
-static_assert(std::ranges::is_sorted(transitionIdentifiers, {}, &Identifier::number));
-
 QString identifierOf(int number, std::span<const Identifier> identifiers) {
-    const auto row = std::ranges::lower_bound(identifiers, number, {}, &Identifier::number);
-    // An unknown number is lost: its text is empty, not null, as in every other "String".
-    return row != identifiers.end() && row->number == number ? QString::fromLatin1(row->text)
-                                                             : QStringLiteral("");
+    const auto row = std::ranges::find(identifiers, number, &Identifier::number);
+    // Quirk: an unknown number is lost. Its text is empty, not null, as in every other "String".
+    return row == identifiers.end() ? QString("") : QString(row->text);
 }
 
-void convert(const QDomElement& object, const QString& field, std::span<const Identifier> identifiers) {
-    QDomElement e = object.firstChildElement(field);
-    if (e.isNull())
-        return;
-    // A text that is no number, such as an identifier, reads as 0 and gets the row 0.
-    const int number = e.attribute(Words::value).toInt();
-    e.setAttribute(Words::type, QStringLiteral("String"));
-    e.setAttribute(Words::value, identifierOf(number, identifiers));
+void convertField(ArchiveEditor& archive, const QDomElement& field, std::span<const Identifier> identifiers) {
+    // Quirk: a text that is no number, such as an identifier, gets the identifier of the number 0.
+    const QString identifier = identifierOf(int32Of(field), identifiers);
+    archive.setType(field, "String");
+    archive.setText(field, identifier);
 }
 
 } // namespace
 
-void V23_EffectTransitionIdToStringAdaptor::adapt(QDomDocument& document) {
-    for (const auto& [object, type] : Archive::Internal::typedElements(document, Words::BaseOfObject)) {
+void V23_EffectTransitionIdToStringAdaptor::convert(ArchiveEditor& archive) {
+    for (const auto& [object, type] : archive.baseParts()) {
         if (type == QLatin1String("Effect::Object")) {
-            convert(object, QStringLiteral("id"), effectIdentifiers);
-            convert(object, QStringLiteral("uniqueId"), effectIdentifiers);
+            convertField(archive, object.firstChildElement("id"), effectIdentifiers);
+            convertField(archive, object.firstChildElement("uniqueId"), effectIdentifiers);
         } else if (type == QLatin1String("Transition::Object")) {
-            convert(object, QStringLiteral("id"), transitionIdentifiers);
+            convertField(archive, object.firstChildElement("id"), transitionIdentifiers);
         }
     }
 }

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "Adaptors/AbstractAdaptorXml.h"
+#include "Adaptors/XmlStep.h"
 
 namespace Project {
 
 /// Version 23: effects and transitions are resources, so their small numbers become resource identifiers.
-class V23_EffectTransitionIdToStringAdaptor : public Bundle::AbstractAdaptorXml {
-public:
-    void adapt(QDomDocument& document) override;
+class V23_EffectTransitionIdToStringAdaptor : public Bundle::XmlStep {
+protected:
+    void convert(Archive::Internal::ArchiveEditor& archive) override;
 };
 
 } // namespace Project

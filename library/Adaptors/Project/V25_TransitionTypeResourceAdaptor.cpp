@@ -1,18 +1,16 @@
 #include "Adaptors/Project/V25_TransitionTypeResourceAdaptor.h"
 
-#include "Archive/Internal/RootObjects.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/ArchiveEditor.h"
+#include "Archive/Internal/NestedParts.h"
+
+using namespace Archive::Internal;
 
 namespace Project {
 
-void V25_TransitionTypeResourceAdaptor::adapt(QDomDocument& document) {
-    // A transition outside of root objects is not found, and one inside two nested root objects is found twice
-    // and gets both fields twice.
-    for (QDomElement& transition :
-         Archive::Internal::partsOfRootObjects(document, QStringLiteral("Transition::Object"))) {
-        transition.appendChild(Archive::createInt32(document, QStringLiteral("type"), 0));
-        transition.appendChild(Archive::createArray(document, QStringLiteral("resources"), 0));
-    }
+void V25_TransitionTypeResourceAdaptor::convert(ArchiveEditor& archive) {
+    // Quirk: a transition inside two nested root objects gets both fields twice, one outside of root objects none.
+    for (const QDomElement& transition : partsOfRootObjects(archive, "Transition::Object"))
+        archive.fields(transition).int32("type", 0).array("resources");
 }
 
 } // namespace Project

@@ -1,18 +1,16 @@
 #include "Adaptors/Project/V26_VideoResizeMethodAdaptor.h"
 
-#include "Archive/Internal/Walk.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/ArchiveEditor.h"
+
+using namespace Archive::Internal;
 
 namespace Project {
 
-void V26_VideoResizeMethodAdaptor::adapt(QDomDocument& document) {
-    const QString video = QStringLiteral("Video");
-    auto objects = Archive::Internal::rootObjects(document, video);
-    auto baseParts = Archive::Internal::elements(document, Archive::Words::BaseOfObject, video);
-    for (auto* list : {&objects, &baseParts}) {
-        for (QDomElement& e : *list)
-            Archive::removeFirstChild(e, QStringLiteral("resizeMode"));
-    }
+void V26_VideoResizeMethodAdaptor::convert(ArchiveEditor& archive) {
+    for (const QDomElement& video : archive.rootObjects("Video"))
+        archive.removeField(video, "resizeMode");
+    for (const QDomElement& video : archive.baseParts("Video"))
+        archive.removeField(video, "resizeMode");
 }
 
 } // namespace Project

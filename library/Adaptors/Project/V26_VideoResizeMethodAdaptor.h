@@ -1,13 +1,13 @@
 #pragma once
 
-#include "Adaptors/AbstractAdaptorXml.h"
+#include "Adaptors/XmlStep.h"
 
 namespace Project {
 
-/// Version 26: how a `Video` is resized is no longer its own choice, so its `resizeMode` goes.
-class V26_VideoResizeMethodAdaptor : public Bundle::AbstractAdaptorXml {
-public:
-    void adapt(QDomDocument& document) override;
+/// Version 26: a `Video` no longer chooses how it is resized, so its `resizeMode` goes.
+class V26_VideoResizeMethodAdaptor : public Bundle::XmlStep {
+protected:
+    void convert(Archive::Internal::ArchiveEditor& archive) override;
 };
 
 } // namespace Project

@@ -1,14 +1,14 @@
 #pragma once
 
-#include "Adaptors/AbstractAdaptorXml.h"
+#include "Adaptors/XmlStep.h"
 
 namespace Project {
 
-/// Version 32: each automatic colour correction is an effect of its own, where one `Effect::AutoEnhance`
-/// held a flag for each; `Effect::ManualEnhance` gets its lasting `uniqueId`.
-class V32_ColorFiltersAdaptor : public Bundle::AbstractAdaptorXml {
-public:
-    void adapt(QDomDocument& document) override;
+/// Version 32: each automatic colour correction is an effect of its own, where one `Effect::AutoEnhance` held a flag for
+/// each; `Effect::ManualEnhance` gets its lasting `uniqueId`.
+class V32_ColorFiltersAdaptor : public Bundle::ArchiveStep {
+protected:
+    void convert(Archive::Internal::ArchiveEditor& archive) override;
 };
 
 } // namespace Project

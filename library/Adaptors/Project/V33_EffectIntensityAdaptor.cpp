@@ -1,19 +1,16 @@
 #include "Adaptors/Project/V33_EffectIntensityAdaptor.h"
 
-#include "Archive/Internal/Walk.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/ArchiveEditor.h"
+#include "Archive/Internal/Reading.h"
 
-#include <algorithm>
-#include <iterator>
+using namespace Archive::Internal;
 
 namespace Project {
 namespace {
 
-namespace Words = Archive::Words;
-
 struct Strength {
     const char* className;
-    const char* child;
+    const char* field;
     double factor;
 };
 
@@ -32,33 +29,25 @@ constexpr Strength strengths[] = {
 
 constexpr double full = 1.0;
 
-const Strength* strengthOf(const QString& className) {
-    const auto* found = std::find_if(std::begin(strengths), std::end(strengths), [&](const Strength& row) {
-        return className == QLatin1String(row.className);
-    });
-    return found == std::end(strengths) ? nullptr : found;
-}
-
-/// An absent strength counts as 1 before the factor: a blur without `scale` has the intensity 20.
-void fold(QDomElement& effect, const Strength& strength, QDomElement& intensity) {
-    const QString child = QString::fromLatin1(strength.child);
-    const double old = Archive::readValue(effect.firstChildElement(child), full);
-    Archive::writeValue(intensity, old * strength.factor);
-    Archive::removeFirstChild(effect, child);
+/// The intensity of an effect, whose own strength goes.
+double takeIntensity(ArchiveEditor& archive, const QDomElement& effect) {
+    if (effect.tagName() != Words::RootObject)
+        return full;
+    const Strength* strength = findRow(strengths, &Strength::className, Archive::typeOf(effect));
+    if (!strength)
+        return full;
+    // Quirk: a missing strength counts as 1 before the factor. A blur without `scale` gets the intensity 20.
+    const double old = Archive::readValue(effect.firstChildElement(strength->field), full);
+    archive.removeField(effect, strength->field);
+    return old * strength->factor;
 }
 
 } // namespace
 
-void V33_EffectIntensityAdaptor::adapt(QDomDocument& document) {
-    for (QDomElement& object :
-         Archive::Internal::elements(document, Words::BaseOfObject, QStringLiteral("Effect::Object"))) {
-        QDomElement intensity = Archive::createDouble(document, QStringLiteral("intensity"), full);
-        object.appendChild(intensity);
-        QDomElement effect = object.parentNode().parentNode().toElement();
-        if (effect.tagName() != Words::RootObject)
-            continue;
-        if (const Strength* strength = strengthOf(Archive::typeOf(effect)))
-            fold(effect, *strength, intensity);
+void V33_EffectIntensityAdaptor::convert(ArchiveEditor& archive) {
+    for (const QDomElement& object : archive.baseParts("Effect::Object")) {
+        const QDomElement effect = object.parentNode().parentNode().toElement();
+        archive.fields(object).number("intensity", takeIntensity(archive, effect));
     }
 }
 

@@ -1,39 +1,33 @@
 #include "Adaptors/Project/V34_NoPreviewAdaptor.h"
 
-#include "Archive/Internal/Predeclarations.h"
-#include "Archive/Internal/RootObjects.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/ArchiveEditor.h"
+#include "Archive/Internal/Reading.h"
 
 using namespace Archive::Internal;
-namespace Words = Archive::Words;
 
 namespace Project {
 namespace {
 
-void removePreviewObjects(QDomElement archive, const TypedElements& objects) {
-    QSet<long long> ids;
-    for (const QString& type :
-         {QStringLiteral("StaticPreview::ImageObject"), QStringLiteral("StaticPreview::WaveformObject")}) {
-        for (const QDomElement& object : ofType(objects, type)) {
-            ids.insert(static_cast<long long>(Archive::objectIdOf(object)));
-            removeChild(archive, object); // one that stands elsewhere stays, while its record goes
-        }
+void removePreviewObjects(ArchiveEditor& archive, const QDomElement& top) {
+    for (const auto& [object, type] : archive.rootObjects()) {
+        if (type != QLatin1String("StaticPreview::ImageObject") &&
+            type != QLatin1String("StaticPreview::WaveformObject"))
+            continue;
+        archive.undeclare(wrappedIdOf(object));
+        archive.removeChild(top, object); // Quirk: one that is no child of the archive stays
     }
-    QDomElement predeclarations = predeclarationsAmong(objects);
-    removePredeclares(predeclarations, ids);
 }
 
 } // namespace
 
-void V34_NoPreviewAdaptor::adapt(QDomDocument& document) {
-    // Not the sole `Archive` but the document's own, and none is no error.
-    const QDomElement archive = document.firstChildElement(Words::Archive);
-    if (archive.isNull())
+void V34_NoPreviewAdaptor::convert(ArchiveEditor& archive) {
+    // Quirk: the archive is the document element, also where there are others in it. That it is missing is not logged.
+    const QDomElement top = archive.document().firstChildElement(Words::Archive);
+    if (top.isNull())
         return;
-    const auto objects = typedElements(archive, Words::RootObject);
-    removePreviewObjects(archive, objects);
-    for (QDomElement& clip : ofType(objects, QStringLiteral("Timeline::Clip")))
-        Archive::removeFirstChild(clip, QStringLiteral("preview"));
+    removePreviewObjects(archive, top);
+    for (const QDomElement& clip : archive.rootObjects("Timeline::Clip"))
+        archive.removeField(clip, "preview");
 }
 
 } // namespace Project

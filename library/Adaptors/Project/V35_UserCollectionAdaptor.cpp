@@ -1,13 +1,11 @@
 #include "Adaptors/Project/V35_UserCollectionAdaptor.h"
 
-#include "Archive/Internal/ObjectIds.h"
-#include "Archive/Internal/RootObjects.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/ArchiveEditor.h"
+#include "Archive/Internal/Reading.h"
 
 #include <glog/logging.h>
 
 using namespace Archive::Internal;
-namespace Words = Archive::Words;
 
 namespace Project {
 namespace {
@@ -21,14 +19,14 @@ struct Found {
     bool isComplete() const { return !predeclarations.isNull() && timelineId != unknownId; }
 };
 
-/// Looks no further than it must: of several objects of a type, the last before both are known counts.
-Found find(const QDomElement& archive) {
+/// Quirk: the search ends as soon as both are known. Of several objects of a type, the last before that counts.
+Found find(ArchiveEditor& archive) {
     Found found;
-    for (const auto& [object, type] : Archive::Internal::typedElements(archive, Words::RootObject)) {
+    for (const auto& [object, type] : archive.rootObjects()) {
         if (type == Words::Predeclarator)
             found.predeclarations = object.firstChildElement(Words::predeclarations);
         else if (type == QLatin1String("Timeline::Object"))
-            found.timelineId = object.attribute(Words::objectId).toLongLong();
+            found.timelineId = idOf(object);
         if (found.isComplete())
             break;
     }
@@ -37,30 +35,20 @@ Found find(const QDomElement& archive) {
 
 } // namespace
 
-void V35_UserCollectionAdaptor::adapt(QDomDocument& document) {
-    QDomElement archive = soleArchive(document);
-    if (archive.isNull()) {
-        LOG(ERROR) << "<Archive> element not found";
-        return;
-    }
-    Found found = find(archive);
+void V35_UserCollectionAdaptor::convert(ArchiveEditor& archive) {
+    const Found found = find(archive);
     if (!found.isComplete()) {
         LOG(ERROR) << "Can't adapt user collection";
         return;
     }
-    long long maxId = maxObjectId(document);
-    NewRootObject content =
-        declareRootObject(document, found.predeclarations, QStringLiteral("Project::Content"), maxId);
-    NewRootObject collection = declareRootObject(document, found.predeclarations,
-                                                 QStringLiteral("EditorCollection::UserObject"), maxId);
-    content.element.appendChild(
-        Archive::createObjectRef(document, QStringLiteral("timeline"), found.timelineId));
-    content.element.appendChild(
-        Archive::createObjectRef(document, QStringLiteral("userCollection"), collection.id));
-    collection.element.appendChild(Archive::createArray(document, QStringLiteral("items"), 0));
-    archive.appendChild(content.element);
-    archive.appendChild(collection.element);
-    Archive::setValueOf(archive, Words::RootRef, QString::number(content.id));
+    archive.setPredeclarations(found.predeclarations);
+    const long long contentId = archive.declare("Project::Content");
+    const long long collectionId = archive.declare("EditorCollection::UserObject");
+    archive.fields(archive.appendRootObject("Project::Content", contentId))
+        .reference("timeline", found.timelineId)
+        .reference("userCollection", collectionId);
+    archive.fields(archive.appendRootObject("EditorCollection::UserObject", collectionId)).array("items");
+    archive.setField(archive.root(), Words::RootRef, contentId);
 }
 
 } // namespace Project

@@ -1,16 +1,17 @@
 #include "Adaptors/Project/V36_UnlimitedIntroAdaptor.h"
 
-#include "Archive/Internal/Walk.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/ArchiveEditor.h"
+#include "Archive/Internal/Reading.h"
+
+using namespace Archive::Internal;
 
 namespace Project {
 
-void V36_UnlimitedIntroAdaptor::adapt(QDomDocument& document) {
-    for (const QDomElement& clip :
-         Archive::Internal::rootObjects(document, QStringLiteral("Timeline::Clip"))) {
-        const int type = Archive::valueOf(clip, Archive::Words::type).toInt();
+void V36_UnlimitedIntroAdaptor::convert(ArchiveEditor& archive) {
+    for (const QDomElement& clip : archive.rootObjects("Timeline::Clip")) {
+        const int type = int32In(clip, Words::type);
         if (type == 8 || type == 16)
-            Archive::setValueOf(clip, QStringLiteral("unlimitedDuration"), QStringLiteral("0"));
+            archive.setField(clip, "unlimitedDuration", "0");
     }
 }
 

@@ -1,17 +1,16 @@
 #include "Adaptors/Project/V37_UnusedBlindsAndRippleParamsAdaptor.h"
 
-#include "Archive/Internal/Walk.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/ArchiveEditor.h"
+
+using namespace Archive::Internal;
 
 namespace Project {
 
-void V37_UnusedBlindsAndRippleParamsAdaptor::adapt(QDomDocument& document) {
-    for (auto [object, type] : Archive::Internal::typedElements(document, Archive::Words::RootObject)) {
-        if (type == QLatin1String("Transition::Ripple"))
-            Archive::removeFirstChild(object, QStringLiteral("ampMode"));
-        else if (type == QLatin1String("Transition::Blinds"))
-            Archive::removeFirstChild(object, QStringLiteral("mode"));
-    }
+void V37_UnusedBlindsAndRippleParamsAdaptor::convert(ArchiveEditor& archive) {
+    for (const QDomElement& ripple : archive.rootObjects("Transition::Ripple"))
+        archive.removeField(ripple, "ampMode");
+    for (const QDomElement& blinds : archive.rootObjects("Transition::Blinds"))
+        archive.removeField(blinds, "mode");
 }
 
 } // namespace Project

@@ -1,23 +1,16 @@
 #include "Adaptors/Project/V40_RemoveQuizFromOverlayAdaptor.h"
 
-#include "Archive/Internal/ObjectIds.h"
-#include "Archive/Internal/Outline.h"
-#include "Archive/Internal/Predeclarations.h"
-#include "Archive/Internal/Walk.h"
+#include "Archive/Internal/ArchiveEditor.h"
+#include "Archive/Internal/Reading.h"
 #include "Archive/Internal/XmlText.h"
-#include "Archive/Xml.h"
 
 #include <QMap>
 
-#include <algorithm>
-
 #include <glog/logging.h>
 
-namespace Words = Archive::Words;
-using Archive::valueOf;
-using Archive::Internal::children;
-using Archive::Internal::elements;
-using Archive::Internal::Elements;
+#include <algorithm>
+
+using namespace Archive::Internal;
 
 namespace Project {
 namespace {
@@ -25,169 +18,151 @@ namespace {
 constexpr int quizClipType = 32;
 constexpr int quizPresetType = 4;
 
-int typeFieldOf(const QDomElement& object) {
-    return valueOf(object, Words::type).toInt();
-}
-
 bool isQuizClip(const QDomElement& clip) {
-    return typeFieldOf(clip) == quizClipType;
+    return int32In(clip, Words::type) == quizClipType;
 }
 
-/// The texts of a preset's items, in order; an item without one counts with an empty text.
+bool isQuizPreset(const QDomElement& preset) {
+    return int32In(preset, Words::type) == quizPresetType;
+}
+
+/// The texts of a preset's items, in order. An item without a text counts with an empty one.
 QStringList itemTexts(const QDomElement& preset) {
     QStringList texts;
-    for (const QDomElement& item : elements(preset.firstChildElement(QStringLiteral("items")), Words::Item)) {
+    for (const QDomElement& item : elements(preset.firstChildElement("items"), Words::Item)) {
         const QDomElement data = item.firstChildElement(Words::Data);
         if (Archive::typeOf(data) == QLatin1String("Overlay::Item"))
-            texts.append(valueOf(data, QStringLiteral("text")));
+            texts.append(Archive::valueOf(data, "text"));
     }
     return texts;
 }
 
+/// A new quiz, not yet in the tree; null with the id 0 where there is none.
 struct Quiz {
     QDomElement preset;
     long long id = 0;
-    Elements questions;
     QList<long long> questionIds;
 };
 
-class Impl {
+/// Replaces the quiz presets that clips use by quizzes.
+class QuizConversion {
 public:
-    explicit Impl(QDomDocument& document) : m_document(document), m_ids(document) {}
+    explicit QuizConversion(ArchiveEditor& archive) : m_archive(archive), m_root(archive.root()) {}
 
-    bool collect();
-    void convert();
+    void collectPresets();
+    void collectRemovals();
+    void convertClips();
+    void removeRecords() { m_archive.undeclare(m_removals); }
 
 private:
-    void collectRemovals();
-    void convertQuizClip(QDomElement& clip);
-    Quiz createQuiz(const QDomElement& overlay);
-    void moveQuestion(const QString& text, QDomElement& item, Quiz& quiz);
+    void convertClip(const QDomElement& clip);
+    Quiz newQuiz(const QDomElement& overlay);
+    void moveQuestion(const QString& text, const QDomElement& item, Quiz& quiz);
     void declare(const Quiz& quiz);
 
-    QDomDocument m_document;
-    Archive::Internal::ObjectIds m_ids;
-    QDomElement m_archive;
-    QDomElement m_predeclarations;
-    Elements m_clips;
-    QMap<long long, QDomElement> m_overlays; ///< quiz presets by id
-    QSet<long long> m_removals;              ///< objects that lose their predeclaration
+    ArchiveEditor& m_archive;
+    const QDomElement m_root; ///< kept, as a question may bring another `Archive` into the document
+    QMap<long long, QDomElement> m_presets; ///< quiz presets by id
+    QSet<long long> m_removals;             ///< objects that lose their record
 };
 
-bool Impl::collect() {
-    m_archive = Archive::Internal::soleArchive(m_document);
-    if (m_archive.isNull()) {
-        LOG(ERROR) << "<Archive> element not found or is not unique";
-        return false;
+void QuizConversion::collectPresets() {
+    for (const QDomElement& preset : m_archive.rootObjects("Overlay::Preset")) {
+        if (isQuizPreset(preset))
+            m_presets.insert(idOf(preset), preset);
     }
-    for (const auto& [object, type] : Archive::Internal::typedElements(m_archive, Words::RootObject)) {
-        if (type == Words::Predeclarator)
-            m_predeclarations = object.firstChildElement(Words::predeclarations);
-        else if (type == QLatin1String("Timeline::Clip"))
-            m_clips.push_back(object);
-        else if (type == QLatin1String("Overlay::Preset") && typeFieldOf(object) == quizPresetType)
-            m_overlays.insert(object.attribute(Words::objectId).toLongLong(), object);
-    }
-    collectRemovals();
-    // Now and not at the first new object: what hides ids behind it may stand in a text that changes before.
-    if (std::any_of(m_clips.begin(), m_clips.end(), isQuizClip))
-        m_ids.greatest();
-    return true;
 }
 
-void Impl::collectRemovals() {
-    for (auto it = m_overlays.cbegin(); it != m_overlays.cend(); ++it)
-        m_removals.insert(it.key());
-    // One pass forward: what an entry before its referrer declares stays.
-    const auto records = Archive::Internal::recordsOf(m_predeclarations);
-    for (const auto& record : *records) {
+void QuizConversion::collectRemovals() {
+    for (const long long id : m_presets.keys())
+        m_removals.insert(id);
+    // Quirk: one pass forward. The `refs` of a record in front of the one that refers to its object are not followed.
+    const auto records = m_archive.records();
+    for (const Record& record : *records) {
         if (!m_removals.contains(record.id))
             continue;
         for (const QDomElement& ref : children(record.data.firstChildElement(Words::refs), Words::Item))
-            m_removals.insert(valueOf(ref, Words::Data).toLongLong());
+            m_removals.insert(int64In(ref, Words::Data));
     }
 }
 
-void Impl::convert() {
-    for (QDomElement& clip : m_clips) {
-        clip.appendChild(Archive::createObjectRef(m_document, QStringLiteral("quiz"), 0));
+void QuizConversion::convertClips() {
+    const Elements clips = m_archive.rootObjects("Timeline::Clip");
+    // Now and not at the first new object: the search for ids stops at invalid text, which may change before that.
+    if (std::any_of(clips.begin(), clips.end(), isQuizClip))
+        m_archive.startIds();
+    for (const QDomElement& clip : clips) {
+        m_archive.fields(clip).reference("quiz", 0LL);
         if (isQuizClip(clip))
-            convertQuizClip(clip);
+            convertClip(clip);
     }
-    // Quiz presets that no clip uses stay, without a predeclaration.
-    Archive::Internal::removePredeclares(m_predeclarations, m_removals);
 }
 
-void Impl::convertQuizClip(QDomElement& clip) {
-    const QString overlayName = QStringLiteral("overlay");
-    const QDomElement overlay = m_overlays.value(valueOf(clip, overlayName).toLongLong());
-    Archive::setValueOf(clip, overlayName, QStringLiteral("0"));
-    const Quiz quiz = createQuiz(overlay);
-    // Of several clips that share a preset only the first finds it in the archive: the quizzes of the others are
-    // referred to and declared, but stand nowhere.
-    Archive::Internal::replaceChild(m_archive, quiz.preset, overlay);
-    for (const QDomElement& question : quiz.questions)
-        Archive::Internal::Outline::adopted(question);
-    Archive::setValueOf(clip, QStringLiteral("quiz"), QString::number(quiz.id));
+void QuizConversion::convertClip(const QDomElement& clip) {
+    const QDomElement overlay = m_presets.value(int64In(clip, "overlay"));
+    m_archive.setField(clip, "overlay", "0");
+    const Quiz quiz = newQuiz(overlay);
+    // Quirk: of several clips that share a preset only the first finds it in the archive. The quizzes of the others are
+    // referred to and declared, but are not in the document.
+    m_archive.replaceChild(m_root, quiz.preset, overlay);
+    m_archive.setField(clip, "quiz", quiz.id);
     declare(quiz);
 }
 
-Quiz Impl::createQuiz(const QDomElement& overlay) {
-    if (typeFieldOf(overlay) != quizPresetType) {
+Quiz QuizConversion::newQuiz(const QDomElement& overlay) {
+    if (!isQuizPreset(overlay)) {
         LOG(ERROR) << "Need quiz overlay preset";
         return {};
     }
-    const QStringList texts = itemTexts(overlay);
     Quiz quiz;
-    quiz.id = m_ids.next();
-    quiz.preset =
-        Archive::createObject(m_document, Words::RootObject, QStringLiteral("Quiz::Preset"), quiz.id);
-    QDomElement questions = Archive::createArray(m_document, QStringLiteral("questions"), texts.size());
-    long long index = 0;
-    for (const QString& text : texts) {
-        QDomElement item = Archive::createArrayItem(m_document, ++index);
-        moveQuestion(text, item, quiz);
-        questions.appendChild(item);
-    }
-    quiz.preset.appendChild(questions);
-    for (const QString& name : {QStringLiteral("tag"), QStringLiteral("description")})
-        quiz.preset.appendChild(Archive::createString(m_document, name, valueOf(overlay, name)));
+    quiz.id = m_archive.nextId();
+    quiz.preset = m_archive.newObject(Words::RootObject, "Quiz::Preset", quiz.id);
+    const QDomElement questions = m_archive.fields(quiz.preset).array("questions").last();
+    for (const QString& text : itemTexts(overlay))
+        moveQuestion(text, m_archive.appendItem(questions), quiz);
+    m_archive.fields(quiz.preset)
+        .string("tag", Archive::valueOf(overlay, "tag"))
+        .string("description", Archive::valueOf(overlay, "description"));
     return quiz;
 }
 
-void Impl::moveQuestion(const QString& text, QDomElement& item, Quiz& quiz) {
+/// Moves the question that a text holds as a document of its own.
+void QuizConversion::moveQuestion(const QString& text, const QDomElement& item, Quiz& quiz) {
     QDomDocument inner; // has to live until the question has moved out of it
-    Archive::Internal::parseXml(inner, text);
-    Elements questions = Archive::Internal::rootObjects(inner, QStringLiteral("Quiz::Question"));
+    parseXml(inner, text);
+    const Elements questions = rootObjects(inner, "Quiz::Question");
     if (questions.empty()) {
         LOG(ERROR) << "Quiz question not found";
         return;
     }
-    QDomElement& question = questions.front();
-    const long long id = m_ids.next();
+    const QDomElement& question = questions.front();
+    const long long id = m_archive.nextId();
     quiz.questionIds.append(id);
-    question.setTagName(Words::Data);
-    question.setAttribute(Words::objectId, QString::number(id));
-    item.appendChild(question);
-    quiz.questions.push_back(question);
+    m_archive.rename(question, Words::Data);
+    m_archive.setObjectId(question, id);
+    m_archive.append(item, question);
 }
 
-void Impl::declare(const Quiz& quiz) {
-    long long& greatest = m_ids.greatest();
-    // Without a quiz, id 0, the record declares a fresh id that nothing has.
-    Archive::addPredeclaration(m_predeclarations, m_document, QStringLiteral("Quiz::Preset"), 0, greatest,
-                               quiz.id, quiz.questionIds);
+void QuizConversion::declare(const Quiz& quiz) {
+    // Quirk: without a quiz, the record declares a new id that no object has.
+    m_archive.declareAs(quiz.id, "Quiz::Preset", 0, quiz.questionIds);
     for (const long long questionId : quiz.questionIds)
-        Archive::addPredeclaration(m_predeclarations, m_document, QStringLiteral("Quiz::Question"), quiz.id,
-                                   greatest, questionId, {});
+        m_archive.declareAs(questionId, "Quiz::Question", quiz.id);
 }
 
 } // namespace
 
-void V40_RemoveQuizFromOverlayAdaptor::adapt(QDomDocument& document) {
-    Impl impl(document);
-    if (impl.collect())
-        impl.convert();
+void V40_RemoveQuizFromOverlayAdaptor::convert(ArchiveEditor& archive) {
+    if (archive.root().isNull()) {
+        LOG(ERROR) << "<Archive> element not found or is not unique";
+        return;
+    }
+    archive.beginStep(Scope::Archive);
+    QuizConversion conversion(archive);
+    conversion.collectPresets();
+    conversion.collectRemovals();
+    conversion.convertClips();
+    conversion.removeRecords(); // Quirk: also those of quiz presets that no clip uses, which stay
 }
 
 } // namespace Project

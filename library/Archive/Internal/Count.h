@@ -9,6 +9,16 @@ constexpr long long plusOne(long long number) {
     return static_cast<long long>(static_cast<unsigned long long>(number) + 1U);
 }
 
+// Times come from files as well: sums and differences out of range wrap.
+
+constexpr long long wrappingSum(long long a, long long b) {
+    return static_cast<long long>(static_cast<unsigned long long>(a) + static_cast<unsigned long long>(b));
+}
+
+constexpr long long wrappingDifference(long long a, long long b) {
+    return static_cast<long long>(static_cast<unsigned long long>(a) - static_cast<unsigned long long>(b));
+}
+
 /// Counts a running object id up and gives the new number.
 constexpr long long nextId(long long& greatest) {
     greatest = plusOne(greatest);

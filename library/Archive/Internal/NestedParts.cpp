@@ -1,0 +1,41 @@
+#include "Archive/Internal/NestedParts.h"
+
+#include "Archive/Internal/ArchiveEditor.h"
+
+#include <QHash>
+
+namespace Archive::Internal {
+namespace {
+
+/// Counts root objects around nodes of a tree that does not change. What was counted is kept, so that counting for all
+/// nodes takes no longer than one walk through the document, however deep it is.
+class RootObjectCounter {
+public:
+    std::size_t countAround(const QDomNode& child) {
+        std::vector<QDomNode> uncounted;
+        QDomNode node = child.parentNode();
+        for (; !node.isNull() && !m_counts.contains(identityOf(node)); node = node.parentNode())
+            uncounted.push_back(node);
+        std::size_t count = m_counts.value(identityOf(node), 0);
+        for (auto ancestor = uncounted.rbegin(); ancestor != uncounted.rend(); ++ancestor) {
+            count += ancestor->nodeName() == Words::RootObject ? 1 : 0;
+            m_counts.insert(identityOf(*ancestor), count);
+        }
+        return count;
+    }
+
+private:
+    QHash<const void*, std::size_t> m_counts; ///< of each node: root objects around it and itself
+};
+
+} // namespace
+
+Elements partsOfRootObjects(ArchiveEditor& archive, const QString& type) {
+    RootObjectCounter counter;
+    Elements parts;
+    for (const QDomElement& part : ofType(archive.baseParts(Scope::Document), type))
+        parts.insert(parts.end(), counter.countAround(part), part);
+    return parts;
+}
+
+} // namespace Archive::Internal
