@@ -26,6 +26,10 @@ void ArchiveEditor::endStep() {
 
 // Find.
 
+QDomElement ArchiveEditor::topArchive() const {
+    return m_document.firstChildElement(Words::Archive);
+}
+
 TypedElements ArchiveEditor::elements(const QString& tag, Scope scope) {
     return scope == Scope::Document ? m_index.elements(m_document, tag) : m_index.elements(root(), tag);
 }
@@ -142,6 +146,19 @@ void ArchiveEditor::appendReference(const QDomElement& array, long long id) {
         fields(appendItem(array)).reference(Words::Data, id);
 }
 
+QDomElement ArchiveEditor::prependItem(const QDomElement& array) {
+    QDomElement list = array;
+    const QDomElement item = prependArrayElement(m_document, list);
+    if (!array.isNull())
+        m_index.inserted(array, item, false);
+    return item;
+}
+
+void ArchiveEditor::prependReference(const QDomElement& array, long long id) {
+    if (!array.isNull())
+        fields(prependItem(array)).reference(Words::Data, id);
+}
+
 long long ArchiveEditor::declare(const QString& type, long long parent, const QList<long long>& refs) {
     return declareAs(0, type, parent, refs);
 }
@@ -224,7 +241,8 @@ void ArchiveEditor::removeRecords(const std::function<bool(const Record&)>& goes
         QDomElement item = record.item;
         const bool hasPosition = left->size() + removals.size() <= numbered;
         if (!hasPosition)
-            Internal::setIndex(item, static_cast<long long>(left->size())); // also where nothing goes in the end
+            Internal::setIndex(item,
+                               static_cast<long long>(left->size())); // also where nothing goes in the end
         else if (!removals.empty())
             item.setAttribute(Words::index, QString::number(left->size())); // it is known to differ
     }
@@ -319,6 +337,11 @@ void ArchiveEditor::setType(QDomElement e, const QString& type) {
     m_index.retyped(e);
 }
 
+void ArchiveEditor::setType(QDomAttr attribute, const QString& type) {
+    attribute.setValue(type);
+    m_index.retyped(attribute.ownerElement());
+}
+
 void ArchiveEditor::setObjectId(QDomElement e, long long id) {
     e.setAttribute(Words::objectId, QString::number(id));
     m_index.created(e, id);
@@ -335,6 +358,11 @@ void ArchiveEditor::setField(const QDomElement& object, const QString& name, con
 
 void ArchiveEditor::setField(const QDomElement& object, const QString& name, long long number) {
     setField(object, name, QString::number(number));
+}
+
+void ArchiveEditor::setNumber(QDomElement e, double number) {
+    writeValue(e, number);
+    m_index.retyped(e);
 }
 
 void ArchiveEditor::removeBinaryData(QDomElement e) {

@@ -54,9 +54,17 @@ inline long long wrappedIdOf(const QDomElement& object) {
 /// The first row of a table whose text is equal to `key`; null where there is none.
 template <class Row, std::size_t size>
 const Row* findRow(const Row (&table)[size], const char* Row::*text, const QString& key) {
-    const Row* row = std::find_if(std::begin(table), std::end(table),
-                                  [&](const Row& candidate) { return key == QLatin1String(candidate.*text); });
+    const Row* row = std::find_if(std::begin(table), std::end(table), [&](const Row& candidate) {
+        return key == QLatin1String(candidate.*text);
+    });
     return row == std::end(table) ? nullptr : row;
+}
+
+/// Whether a text is one of these.
+template <std::size_t size>
+bool isOneOf(const char* const (&texts)[size], const QString& text) {
+    return std::any_of(std::begin(texts), std::end(texts),
+                       [&](const char* candidate) { return text == QLatin1String(candidate); });
 }
 
 } // namespace Archive::Internal

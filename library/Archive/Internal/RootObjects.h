@@ -12,12 +12,11 @@
 
 namespace Archive::Internal {
 
-/// The last of that type, or a null element.
-QDomElement lastOfType(const TypedElements& objects, const QString& type);
-
 /// The `BaseOfObject` parts of that type below root objects, in document order, each as often as there are root
 /// objects around it.
-Elements partsOfRootObjects(const QDomDocument& document, const QString& type);
+Elements partsOfRootObjects(ArchiveEditor& archive, const QString& type);
+Elements partsOfRootObjects(const QDomDocument& document,
+                            const QString& type); // to be removed with its last user
 
 /// A new `RootObject`, not yet inserted, with its id.
 struct NewRootObject {
