@@ -5,7 +5,6 @@
 #include <optional>
 
 namespace Archive::Internal {
-
 namespace {
 
 /// The parts found one by one; nothing where the document is too deep for that.

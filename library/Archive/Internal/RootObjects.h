@@ -15,8 +15,8 @@ namespace Archive::Internal {
 /// The `BaseOfObject` parts of that type below root objects, in document order, each as often as there are root
 /// objects around it.
 Elements partsOfRootObjects(ArchiveEditor& archive, const QString& type);
-Elements partsOfRootObjects(const QDomDocument& document,
-                            const QString& type); // to be removed with its last user
+// To be removed with its last user.
+Elements partsOfRootObjects(const QDomDocument& document, const QString& type);
 
 /// A new `RootObject`, not yet inserted, with its id.
 struct NewRootObject {
