@@ -4,7 +4,7 @@
 
 namespace Project {
 
-/// Version 55: audio effects that had the `uniqueId` of their group are distinguished by it, so it becomes their `id`.
+/// Version 55: `uniqueId` identifies an audio effect, so those that shared one per group get their own `id` as `uniqueId`.
 class V55_AudioEffectsGroupIdAdaptor : public Bundle::TopArchiveStep {
 protected:
     void convert(Archive::Internal::ArchiveEditor& archive) override;
