@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Adaptors/AbstractAdaptorXml.h"
+#include "Adaptors/XmlStep.h"
 
-/// On every archive before the conversion: gives every "Import::Object" the `descriptionUrl` that older files may lack.
-class ImportDescriptionAdaptor : public Bundle::AbstractAdaptorXml {
-public:
-    void adapt(QDomDocument& document) override;
+/// Before the conversion of every archive: gives every "Import::Object" the `descriptionUrl` that older files may lack.
+class ImportDescriptionAdaptor : public Bundle::XmlStep {
+protected:
+    void convert(Archive::Internal::ArchiveEditor& archive) override;
 };

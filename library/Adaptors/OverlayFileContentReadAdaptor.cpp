@@ -1,13 +1,11 @@
 #include "Adaptors/OverlayFileContentReadAdaptor.h"
 
+#include "Archive/Internal/ArchiveEditor.h"
 #include "Archive/Internal/FlatObjects.h"
-#include "Archive/Internal/Outline.h"
-#include "Archive/Internal/Walk.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/Reading.h"
 #include "Serialize/Json/FlatObject.h"
 
-namespace Words = Archive::Words;
-using Archive::Internal::children;
+using namespace Archive::Internal;
 
 namespace {
 
@@ -15,14 +13,13 @@ QString toBase64(const QByteArray& content) {
     return QString::fromLatin1(content.toBase64());
 }
 
-void bringBack(QDomElement& text, const QByteArray& content) {
-    Archive::Internal::setType(text, QStringLiteral("String"));
-    // Under any other tag the name of the file stays as the text.
-    if (text.tagName() == QLatin1String("text"))
-        text.setAttribute(Words::value, QString::fromUtf8(content));
-    else if (text.tagName() == QLatin1String("encodedText"))
-        text.setAttribute(Words::value, toBase64(content));
-    Archive::Internal::Outline::wrote(text.attribute(Words::value));
+void insertContent(ArchiveEditor& archive, const QDomElement& text, const QByteArray& content) {
+    archive.setType(text, "String");
+    // Quirk: under any other tag the name of the file stays as the text.
+    if (text.tagName() == "text")
+        archive.setText(text, QString::fromUtf8(content.constData(), content.size())); // also behind a NUL
+    else if (text.tagName() == "encodedText")
+        archive.setText(text, toBase64(content));
 }
 
 } // namespace
@@ -31,16 +28,15 @@ OverlayFileContentReadAdaptor::OverlayFileContentReadAdaptor(
     const std::function<QByteArray(const QString&)>& readFile)
     : m_readFile(readFile) {}
 
-void OverlayFileContentReadAdaptor::adapt(QDomDocument& document) {
-    for (const QDomElement& preset :
-         children(document.firstChildElement(Words::Archive), Words::RootObject)) {
+void OverlayFileContentReadAdaptor::convert(ArchiveEditor& archive) {
+    for (const QDomElement& preset : children(archive.topArchive(), Words::RootObject)) {
         if (Archive::typeOf(preset) != QLatin1String("Overlay::Preset"))
             continue;
-        Archive::iterateArray(preset.firstChildElement(QStringLiteral("items")), [this](QDomElement& item) {
+        Archive::iterateArray(preset.firstChildElement("items"), [&](QDomElement& item) {
             for (QDomElement text = item.firstChildElement(); !text.isNull();
                  text = text.nextSiblingElement()) {
                 if (Archive::typeOf(text) == QLatin1String("FileContent"))
-                    bringBack(text, m_readFile(text.attribute(Words::value)));
+                    insertContent(archive, text, m_readFile(textOf(text)));
             }
         });
     }

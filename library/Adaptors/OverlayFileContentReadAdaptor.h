@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Adaptors/AbstractAdaptorJson.h"
-#include "Adaptors/AbstractAdaptorXml.h"
+#include "Adaptors/XmlStep.h"
 
 #include <QByteArray>
 #include <QString>
@@ -9,13 +9,16 @@
 #include <functional>
 
 /// After loading: brings the texts of overlay items back from the side files of a bundle.
-class OverlayFileContentReadAdaptor : public Bundle::AbstractAdaptorXml, public Bundle::AbstractAdaptorJson {
+class OverlayFileContentReadAdaptor : public Bundle::XmlStep, public Bundle::AbstractAdaptorJson {
 public:
     /// `readFile` gives the content of the side file of that name.
     explicit OverlayFileContentReadAdaptor(const std::function<QByteArray(const QString&)>& readFile);
 
-    void adapt(QDomDocument& document) override;
+    using XmlStep::adapt;
     void adapt(Serialize::Json::FlatObject& document) override;
+
+protected:
+    void convert(Archive::Internal::ArchiveEditor& archive) override;
 
 private:
     std::function<QByteArray(const QString&)> m_readFile;

@@ -1,43 +1,36 @@
 #include "Adaptors/ThemeTransitionsAndSceneAdaptor.h"
 
-#include "Archive/Internal/Walk.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/ArchiveEditor.h"
 
-namespace Words = Archive::Words;
-using Archive::Internal::firstDescendant;
-using Archive::Internal::rootObjects;
-using Archive::Internal::soleArchive;
+using namespace Archive::Internal;
 
 namespace {
 
-struct SceneBound {
+struct SceneLimit {
     const char* name;
     long long milliseconds;
 };
 
-constexpr SceneBound sceneBounds[] = {
+constexpr SceneLimit sceneLimits[] = {
     {"minSceneDuration", 1000},
     {"maxSceneDuration", 4000},
 };
 
-void turnIntoList(QDomElement transition) {
-    transition.setTagName(QStringLiteral("transitionsList"));
-    transition.setAttribute(Words::type, Words::Array);
-    // What stands inside stays and is not counted.
-    transition.setAttribute(Words::size, QStringLiteral("0"));
+void convertToList(ArchiveEditor& archive, const QDomElement& transition) {
+    archive.rename(transition, "transitionsList");
+    archive.setType(transition, Words::Array);
+    archive.setSize(transition, 0); // Quirk: what is inside stays and is not counted
 }
 
 } // namespace
 
-void ThemeTransitionsAndSceneAdaptor::adapt(QDomDocument& document) {
-    for (QDomElement& theme : rootObjects(soleArchive(document), QStringLiteral("Theme::Object"))) {
-        const QDomElement transition = firstDescendant(theme, QStringLiteral("transition"));
-        if (!transition.isNull())
-            turnIntoList(transition);
-        for (const SceneBound& bound : sceneBounds) {
-            const QString name = QString::fromLatin1(bound.name);
-            if (firstDescendant(theme, name).isNull())
-                theme.appendChild(Archive::createInt64(document, name, bound.milliseconds));
+void ThemeTransitionsAndSceneAdaptor::convert(ArchiveEditor& archive) {
+    // A missing `Archive` is not logged: this is a repair and no step of a schema version.
+    for (const QDomElement& theme : ofType(archive.rootObjects(Scope::Archive), "Theme::Object")) {
+        convertToList(archive, firstDescendant(theme, "transition"));
+        for (const SceneLimit& limit : sceneLimits) {
+            if (firstDescendant(theme, limit.name).isNull())
+                archive.fields(theme).int64(limit.name, limit.milliseconds);
         }
     }
 }

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "Adaptors/AbstractAdaptorXml.h"
+#include "Adaptors/XmlStep.h"
 
-/// Brings an older `Theme::Object` up to date: a list of transitions instead of one, and bounds for the length of
-/// a scene.
-class ThemeTransitionsAndSceneAdaptor : public Bundle::AbstractAdaptorXml {
-public:
-    void adapt(QDomDocument& document) override;
+/// Brings an older `Theme::Object` up to date: a list of transitions instead of one, and limits for the duration of a
+/// scene.
+class ThemeTransitionsAndSceneAdaptor : public Bundle::XmlStep {
+protected:
+    void convert(Archive::Internal::ArchiveEditor& archive) override;
 };

@@ -8,6 +8,16 @@ using Archive::Internal::ArchiveEditor;
 using Archive::Internal::Scope;
 
 namespace Bundle {
+namespace {
+
+/// Logs a missing `Archive`; false where it is missing.
+bool checkArchive(const QDomElement& archive) {
+    if (archive.isNull())
+        LOG(ERROR) << "<Archive> element not found";
+    return !archive.isNull();
+}
+
+} // namespace
 
 void XmlStep::adapt(QDomDocument& document) {
     ArchiveEditor archive(document);
@@ -27,10 +37,12 @@ bool XmlStep::begin(ArchiveEditor& archive) {
 
 bool ArchiveStep::begin(ArchiveEditor& archive) {
     archive.beginStep(Scope::Archive);
-    if (!archive.root().isNull())
-        return true;
-    LOG(ERROR) << "<Archive> element not found";
-    return false;
+    return checkArchive(archive.root());
+}
+
+bool TopArchiveStep::begin(ArchiveEditor& archive) {
+    archive.beginStep(Scope::Document);
+    return checkArchive(archive.topArchive());
 }
 
 } // namespace Bundle

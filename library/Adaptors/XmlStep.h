@@ -33,4 +33,11 @@ private:
     bool begin(Archive::Internal::ArchiveEditor& archive) override;
 };
 
+/// A step that needs an `Archive` as the document element, and logs an error where there is none. Further `Archive`
+/// elements do not matter, and objects are searched in the whole document.
+class TopArchiveStep : public XmlStep {
+private:
+    bool begin(Archive::Internal::ArchiveEditor& archive) override;
+};
+
 } // namespace Bundle

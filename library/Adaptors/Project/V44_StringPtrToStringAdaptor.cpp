@@ -1,55 +1,49 @@
 #include "Adaptors/Project/V44_StringPtrToStringAdaptor.h"
 
-#include "Archive/Internal/Outline.h"
+#include "Archive/Internal/ArchiveEditor.h"
 #include "Archive/Internal/StringPtr.h"
-#include "Archive/Internal/Walk.h"
 #include "Archive/Xml.h"
 
 #include <QRegularExpression>
 
-namespace Words = Archive::Words;
-using Archive::Internal::Outline;
+using namespace Archive::Internal;
 
 namespace Project {
 namespace {
 
-// The change is one of the text: a match counts wherever it stands, also at the end of a longer attribute name or
-// in running text, and what the text can't carry is lost. Most trees say beyond doubt what their text would become,
-// and writing and reading it again costs more than loading it did.
+// Quirk: the change is one of the text: a match counts anywhere, also at the end of a longer attribute name or in
+// running text, and what the text can't represent is lost. The attribute `isNull` stays.
+// Most trees show for certain what their text would become; writing and reading it costs more than loading it did.
 
-const QString newType = QStringLiteral("String");
-
-void convertText(QDomDocument& document) {
-    static const QRegularExpression stringPtr(QStringLiteral("type\\s*=\\s*\"StringPtr\""));
-    QString text = document.toString(1);
-    text.replace(stringPtr, QStringLiteral("type=\"%1\"").arg(newType));
-    document.setContent(text);
-    Outline::forget(document);
-}
+constexpr const char* newType = "String";
 
 /// For a document whose text has no matches but its types.
-void convertTypes(const QDomDocument& document) {
-    for (QDomNode node = document.firstChild(); !node.isNull();
-         node = Archive::Internal::nextInDocument(node, document)) {
-        QDomElement e = node.toElement();
+void convertTypes(ArchiveEditor& archive) {
+    const QDomDocument& document = archive.document();
+    for (QDomNode node = document.firstChild(); !node.isNull(); node = nextInDocument(node, document)) {
+        const QDomElement e = node.toElement();
         if (Archive::typeOf(e) == Words::StringPtr)
-            Archive::Internal::setType(e, newType);
+            archive.setType(e, newType);
     }
+}
+
+void convertText(ArchiveEditor& archive) {
+    static const QRegularExpression stringPtr("type\\s*=\\s*\"StringPtr\"");
+    QString text = archive.document().toString(1);
+    text.replace(stringPtr, QString("type=\"%1\"").arg(newType));
+    archive.setContent(text);
 }
 
 } // namespace
 
-void V44_StringPtrToStringAdaptor::adapt(QDomDocument& document) {
-    // `isNull` stays.
-    if (Outline* outline = Outline::of(document); outline && outline->showsTypes())
-        return convertTypes(document);
-    auto matches = Archive::Internal::stringPtrAttributes(document);
+void V44_StringPtrToStringAdaptor::convert(ArchiveEditor& archive) {
+    if (archive.showsTypes())
+        return convertTypes(archive);
+    const auto matches = stringPtrAttributes(archive.document());
     if (!matches)
-        return convertText(document);
-    for (QDomAttr& attribute : *matches) {
-        attribute.setValue(newType);
-        Outline::retyped(attribute.ownerElement());
-    }
+        return convertText(archive);
+    for (const QDomAttr& attribute : *matches)
+        archive.setType(attribute, newType);
 }
 
 } // namespace Project

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "Adaptors/AbstractAdaptorXml.h"
+#include "Adaptors/XmlStep.h"
 
 namespace Project {
 
-/// Version 44: strings are never null, so each "StringPtr" becomes a "String", which later readers know.
-class V44_StringPtrToStringAdaptor : public Bundle::AbstractAdaptorXml {
-public:
-    void adapt(QDomDocument& document) override;
+/// Version 44: strings are never null, so each "StringPtr" becomes a "String", the only form that later readers know.
+class V44_StringPtrToStringAdaptor : public Bundle::XmlStep {
+protected:
+    void convert(Archive::Internal::ArchiveEditor& archive) override;
 };
 
 } // namespace Project

@@ -1,7 +1,9 @@
 #include "Adaptors/Project/V46_GaplessTrackAdaptor.h"
 
-#include "Archive/Internal/Walk.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/ArchiveEditor.h"
+#include "Archive/Internal/Reading.h"
+
+using namespace Archive::Internal;
 
 namespace Project {
 namespace {
@@ -10,14 +12,10 @@ constexpr int primaryTrackType = 16;
 
 } // namespace
 
-void V46_GaplessTrackAdaptor::adapt(QDomDocument& document) {
-    const QDomElement archive = Archive::Internal::soleArchive(document);
-    if (archive.isNull())
-        return; // this step has never reported it
-    for (QDomElement& track : Archive::Internal::rootObjects(archive, QStringLiteral("Timeline::Track"))) {
-        const bool isPrimary = Archive::valueOf(track, QStringLiteral("type")).toInt() == primaryTrackType;
-        track.appendChild(Archive::createBool(document, QStringLiteral("gapless"), isPrimary));
-    }
+void V46_GaplessTrackAdaptor::convert(ArchiveEditor& archive) {
+    // Quirk: a missing `Archive` is not logged.
+    for (const QDomElement& track : ofType(archive.rootObjects(Scope::Archive), "Timeline::Track"))
+        archive.fields(track).boolean("gapless", int32In(track, "type") == primaryTrackType);
 }
 
 } // namespace Project

@@ -1,13 +1,14 @@
 #pragma once
 
-#include "Adaptors/AbstractAdaptorXml.h"
+#include "Adaptors/XmlStep.h"
 
 namespace Project {
 
-/// Version 48: a path has one form, so an old `portablePath` becomes the value and `portable` tells of it.
-class V48_OldPortablePathAdaptor : public Bundle::AbstractAdaptorXml {
-public:
-    void adapt(QDomDocument& document) override;
+/// Version 48: a path has one form, so an old `portablePath` becomes the value, and the project's `portable` says
+/// whether there was one.
+class V48_OldPortablePathAdaptor : public Bundle::XmlStep {
+protected:
+    void convert(Archive::Internal::ArchiveEditor& archive) override;
 };
 
 } // namespace Project

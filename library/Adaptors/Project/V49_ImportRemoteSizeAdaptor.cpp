@@ -1,14 +1,15 @@
 #include "Adaptors/Project/V49_ImportRemoteSizeAdaptor.h"
 
-#include "Archive/Internal/Walk.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/ArchiveEditor.h"
+
+using namespace Archive::Internal;
 
 namespace Project {
 
-void V49_ImportRemoteSizeAdaptor::adapt(QDomDocument& document) {
-    // An import that has `remoteSize` already gets a second one: the format never looked.
-    for (QDomElement& import : Archive::Internal::rootObjects(document, QStringLiteral("Import::Object")))
-        import.appendChild(Archive::createInt64(document, QStringLiteral("remoteSize"), -1));
+void V49_ImportRemoteSizeAdaptor::convert(ArchiveEditor& archive) {
+    // Quirk: an import that has `remoteSize` gets a second one.
+    for (const QDomElement& import : archive.rootObjects("Import::Object"))
+        archive.fields(import).int64("remoteSize", -1);
 }
 
 } // namespace Project

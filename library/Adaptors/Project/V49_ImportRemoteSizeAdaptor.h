@@ -1,13 +1,13 @@
 #pragma once
 
-#include "Adaptors/AbstractAdaptorXml.h"
+#include "Adaptors/XmlStep.h"
 
 namespace Project {
 
-/// Version 49: an import knows its remote size, so every "Import::Object" gets -1, the unknown one.
-class V49_ImportRemoteSizeAdaptor : public Bundle::AbstractAdaptorXml {
-public:
-    void adapt(QDomDocument& document) override;
+/// Version 49: an import has a remote size, so every "Import::Object" gets -1 for unknown.
+class V49_ImportRemoteSizeAdaptor : public Bundle::XmlStep {
+protected:
+    void convert(Archive::Internal::ArchiveEditor& archive) override;
 };
 
 } // namespace Project

@@ -1,14 +1,15 @@
 #include "Adaptors/Project/V51_ClipTrackingAdaptor.h"
 
-#include "Archive/Internal/Walk.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/ArchiveEditor.h"
+
+using namespace Archive::Internal;
 
 namespace Project {
 
-void V51_ClipTrackingAdaptor::adapt(QDomDocument& document) {
-    // A clip that has `motionTrackings` already gets a second one: the format never looked.
-    for (QDomElement& clip : Archive::Internal::rootObjects(document, QStringLiteral("Timeline::Clip")))
-        clip.appendChild(Archive::createArray(document, QStringLiteral("motionTrackings"), 0));
+void V51_ClipTrackingAdaptor::convert(ArchiveEditor& archive) {
+    // Quirk: a clip that has `motionTrackings` gets a second array.
+    for (const QDomElement& clip : archive.rootObjects("Timeline::Clip"))
+        archive.fields(clip).array("motionTrackings");
 }
 
 } // namespace Project

@@ -1,15 +1,15 @@
 #include "Adaptors/Project/V52_SpeedCompensationAdaptor.h"
 
-#include "Archive/Internal/Walk.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/ArchiveEditor.h"
+
+using namespace Archive::Internal;
 
 namespace Project {
 
-void V52_SpeedCompensationAdaptor::adapt(QDomDocument& document) {
-    // Only map values are seen, and one that has the flag already gets a second: the format never looked.
-    for (QDomElement& timing :
-         Archive::Internal::elements(document, Archive::Words::Value, QStringLiteral("Timeline::ClipTiming")))
-        timing.appendChild(Archive::createBool(document, QStringLiteral("speedCompensated"), false));
+void V52_SpeedCompensationAdaptor::convert(ArchiveEditor& archive) {
+    // Quirk: only timings that are values of a map are found, and one that has the flag gets a second one.
+    for (const QDomElement& timing : elements(archive.document(), Words::Value, "Timeline::ClipTiming"))
+        archive.fields(timing).boolean("speedCompensated", false);
 }
 
 } // namespace Project

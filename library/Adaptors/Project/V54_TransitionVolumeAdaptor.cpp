@@ -1,15 +1,15 @@
 #include "Adaptors/Project/V54_TransitionVolumeAdaptor.h"
 
-#include "Archive/Internal/Walk.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/ArchiveEditor.h"
+
+using namespace Archive::Internal;
 
 namespace Project {
 
-void V54_TransitionVolumeAdaptor::adapt(QDomDocument& document) {
-    // A transition that has a volume already gets a second one: the format never looked.
-    for (QDomElement& transition : Archive::Internal::elements(document, Archive::Words::BaseOfObject,
-                                                               QStringLiteral("Transition::Object")))
-        transition.appendChild(Archive::createInt32(document, QStringLiteral("volume"), 100));
+void V54_TransitionVolumeAdaptor::convert(ArchiveEditor& archive) {
+    // Quirk: a transition that has a volume gets a second one.
+    for (const QDomElement& transition : archive.baseParts("Transition::Object"))
+        archive.fields(transition).int32("volume", 100);
 }
 
 } // namespace Project

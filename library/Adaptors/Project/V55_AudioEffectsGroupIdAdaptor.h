@@ -1,13 +1,13 @@
 #pragma once
 
-#include "Adaptors/AbstractAdaptorXml.h"
+#include "Adaptors/XmlStep.h"
 
 namespace Project {
 
-/// Version 55: audio effects that shared the `uniqueId` of their group are told apart by their own `id`.
-class V55_AudioEffectsGroupIdAdaptor : public Bundle::AbstractAdaptorXml {
-public:
-    void adapt(QDomDocument& document) override;
+/// Version 55: `uniqueId` identifies an audio effect, so those that shared one per group get their own `id` as `uniqueId`.
+class V55_AudioEffectsGroupIdAdaptor : public Bundle::TopArchiveStep {
+protected:
+    void convert(Archive::Internal::ArchiveEditor& archive) override;
 };
 
 } // namespace Project

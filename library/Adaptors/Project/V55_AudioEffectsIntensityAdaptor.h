@@ -1,14 +1,14 @@
 #pragma once
 
-#include "Adaptors/AbstractAdaptorXml.h"
+#include "Adaptors/XmlStep.h"
 
 namespace Project {
 
-/// Version 55: phone and pitch effects have an intensity to set, so their presets are split into it and
-/// the rest.
-class V55_AudioEffectsIntensityAdaptor : public Bundle::AbstractAdaptorXml {
-public:
-    void adapt(QDomDocument& document) override;
+/// Version 55: phone and pitch effects have an adjustable intensity, which each of their presets sets beside its
+/// other values.
+class V55_AudioEffectsIntensityAdaptor : public Bundle::TopArchiveStep {
+protected:
+    void convert(Archive::Internal::ArchiveEditor& archive) override;
 };
 
 } // namespace Project

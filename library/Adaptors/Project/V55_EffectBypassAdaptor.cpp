@@ -1,15 +1,15 @@
 #include "Adaptors/Project/V55_EffectBypassAdaptor.h"
 
-#include "Archive/Internal/Walk.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/ArchiveEditor.h"
+
+using namespace Archive::Internal;
 
 namespace Project {
 
-void V55_EffectBypassAdaptor::adapt(QDomDocument& document) {
-    // Every base part of an effect, whatever its class; one that has `bypass` already gets a second.
-    for (QDomElement& object : Archive::Internal::elements(document, Archive::Words::BaseOfObject,
-                                                           QStringLiteral("Effect::Object")))
-        object.appendChild(Archive::createBool(document, QStringLiteral("bypass"), false));
+void V55_EffectBypassAdaptor::convert(ArchiveEditor& archive) {
+    // Quirk: an effect that has `bypass` gets a second one.
+    for (const QDomElement& effect : archive.baseParts("Effect::Object"))
+        archive.fields(effect).boolean("bypass", false);
 }
 
 } // namespace Project

@@ -1,50 +1,32 @@
 #include "Adaptors/Project/V56_ResourceTableAdaptor.h"
 
-#include "Archive/Internal/ObjectIds.h"
-#include "Archive/Internal/RootObjects.h"
-#include "Archive/Xml.h"
-
-#include <glog/logging.h>
+#include "Archive/Internal/ArchiveEditor.h"
 
 using namespace Archive::Internal;
-namespace Words = Archive::Words;
 
 namespace Project {
 namespace {
 
-void insertReference(QDomDocument& document, QDomElement& content, long long id) {
-    if (content.isNull())
-        return;
-    // Behind a null element is at the end.
-    content.insertAfter(Archive::createObjectRef(document, QStringLiteral("resourceTable"), id),
-                        content.firstChildElement(QStringLiteral("userCollection")));
-}
-
-void insertBehindLast(const TypedElements& objects, const QDomElement& table, QDomElement& archive) {
-    QDomNode place = objects.last();
-    while (!place.isNull() && place.parentNode() != archive)
-        place = place.parentNode();
-    archive.insertAfter(table, place);
+/// Inserts a table behind the child of the archive that is or contains the last root object.
+void insertBehindLast(ArchiveEditor& archive, const QDomElement& table) {
+    QDomNode previous = archive.rootObjects().last();
+    while (!previous.isNull() && previous.parentNode() != archive.root())
+        previous = previous.parentNode();
+    archive.insertAfter(archive.root(), table, previous);
 }
 
 } // namespace
 
-void V56_ResourceTableAdaptor::adapt(QDomDocument& document) {
-    QDomElement archive = soleArchive(document);
-    if (archive.isNull()) {
-        LOG(ERROR) << "<Archive> element not found";
-        return;
-    }
-    // A table that is there already is not looked for: the content gets another.
-    const auto objects = typedElements(archive, Words::RootObject);
-    QDomElement predeclarations = predeclarationsAmong(objects);
-    QDomElement content = lastOfType(objects, QStringLiteral("Project::Content"));
-    long long maxId = maxObjectId(document);
-    NewRootObject table =
-        declareRootObject(document, predeclarations, QStringLiteral("ResourceTable::Object"), maxId);
-    insertReference(document, content, table.id);
-    table.element.appendChild(Archive::createArray(document, QStringLiteral("resource2fileInfo"), 0));
-    insertBehindLast(objects, table.element, archive);
+void V56_ResourceTableAdaptor::convert(ArchiveEditor& archive) {
+    // Quirk: a table that is there already is not used, and the content gets a second reference.
+    const QString type = "ResourceTable::Object";
+    const long long id = archive.declare(type);
+    const QDomElement content = archive.lastRootObject("Project::Content");
+    archive.fieldsBehind(content, content.firstChildElement("userCollection")).reference("resourceTable", id);
+
+    const QDomElement table = archive.newObject(Words::RootObject, type, id);
+    archive.fields(table).array("resource2fileInfo");
+    insertBehindLast(archive, table);
 }
 
 } // namespace Project

@@ -1,17 +1,14 @@
 #include "Adaptors/Project/V58_EffectAuxResourceAdaptor.h"
 
-#include "Archive/Internal/Walk.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/ArchiveEditor.h"
 
 using namespace Archive::Internal;
 
 namespace Project {
 
-void V58_EffectAuxResourceAdaptor::adapt(QDomDocument& document) {
-    for (QDomElement& effect :
-         elements(document, Archive::Words::BaseOfObject, QStringLiteral("Effect::Object")))
-        effect.appendChild(Archive::createResourceId(document, QStringLiteral("auxResource"), QString(),
-                                                     Stored::V57::ResourceType::Unknown));
+void V58_EffectAuxResourceAdaptor::convert(ArchiveEditor& archive) {
+    for (const QDomElement& effect : archive.baseParts("Effect::Object"))
+        archive.fields(effect).resourceId("auxResource", QString(), Stored::V57::ResourceType::Unknown);
 }
 
 } // namespace Project

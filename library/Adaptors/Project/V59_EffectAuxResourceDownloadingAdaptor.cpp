@@ -1,19 +1,17 @@
 #include "Adaptors/Project/V59_EffectAuxResourceDownloadingAdaptor.h"
 
-#include "Archive/Internal/Walk.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/ArchiveEditor.h"
 
 using namespace Archive::Internal;
 
 namespace Project {
 
-void V59_EffectAuxResourceDownloadingAdaptor::adapt(QDomDocument& document) {
-    for (QDomElement& effect :
-         elements(document, Archive::Words::BaseOfObject, QStringLiteral("Effect::Object"))) {
-        effect.appendChild(Archive::createString(document, QStringLiteral("location"), QString()));
-        effect.appendChild(Archive::createString(document, QStringLiteral("remoteUrl"), QString()));
-        effect.appendChild(Archive::createInt64(document, QStringLiteral("remoteSize"), -1));
-    }
+void V59_EffectAuxResourceDownloadingAdaptor::convert(ArchiveEditor& archive) {
+    for (const QDomElement& effect : archive.baseParts("Effect::Object"))
+        archive.fields(effect)
+            .string("location", QString())
+            .string("remoteUrl", QString())
+            .int64("remoteSize", -1);
 }
 
 } // namespace Project

@@ -1,7 +1,7 @@
 #include "Adaptors/Project/V60_CollectionItemDescriptionAdaptor.h"
 
+#include "Archive/Internal/ArchiveEditor.h"
 #include "Archive/Internal/FlatObjects.h"
-#include "Archive/Internal/RootObjects.h"
 #include "Archive/Xml.h"
 
 #include <QSet>
@@ -11,43 +11,39 @@
 #include <string>
 
 using namespace Archive::Internal;
-using nlohmann::json;
 using Serialize::Json::FlatObject;
-namespace Words = Archive::Words;
 
 namespace Project {
 namespace {
 
-// The two forms differ in how they tell whether imports take part, and in that only the JSON form spares effects
-// and transitions of the themes. Documents of both kinds are about, so both stay.
+// Quirk: the two forms differ in how they find out whether imports take part, and in that only the JSON form excludes
+// effects and transitions of the themes.
 
-void describe(const QDomElement& object) {
-    Archive::setValueOf(object, QStringLiteral("description"),
-                        Archive::valueOf(object, QStringLiteral("tag")));
+void describe(ArchiveEditor& archive, const QDomElement& object) {
+    archive.setField(object, "description", Archive::valueOf(object, "tag"));
 }
 
 /// The ids that theme items refer to, as texts.
-QSet<QString> themeIds(const TypedElements& objects) {
+QSet<QString> themeIds(ArchiveEditor& archive) {
     QSet<QString> ids;
-    for (const QDomElement& item :
-         ofType(objects, QStringLiteral("Collection::PersistentItem::Import::Object"))) {
-        if (Archive::valueOf(item, QStringLiteral("collectionId")) == QLatin1String("Themes"))
-            ids.insert(Archive::valueOf(item, QStringLiteral("item")));
+    for (const QDomElement& item : archive.rootObjects("Collection::PersistentItem::Import::Object")) {
+        if (Archive::valueOf(item, "collectionId") == QLatin1String("Themes"))
+            ids.insert(Archive::valueOf(item, "item"));
     }
     return ids;
 }
 
-void describeBaseParts(const QDomDocument& document) {
-    for (const auto& [part, type] : typedElements(document, Words::BaseOfObject)) {
+void describeBaseParts(ArchiveEditor& archive) {
+    for (const auto& [part, type] : archive.baseParts()) {
         if (type == QLatin1String("Effect::Object") || type == QLatin1String("Transition::Object"))
-            describe(part);
+            describe(archive, part);
     }
 }
 
-void describeRootObjects(const TypedElements& objects, const QString& type, const QSet<QString>& excluded) {
-    for (const QDomElement& object : ofType(objects, type)) {
+void describeRootObjects(ArchiveEditor& archive, const QString& type, const QSet<QString>& excluded) {
+    for (const QDomElement& object : archive.rootObjects(type)) {
         if (!excluded.contains(object.attribute(Words::objectId)))
-            describe(object);
+            describe(archive, object);
     }
 }
 
@@ -74,14 +70,12 @@ void describeObjects(FlatObject& document, const std::set<std::string>& classes,
 
 } // namespace
 
-void V60_CollectionItemDescriptionAdaptor::adapt(QDomDocument& document) {
-    const auto objects = typedElements(document, Words::RootObject);
-    const QSet<QString> excluded = themeIds(objects);
-    const bool hasPersistentRoot = !lastOfType(objects, QStringLiteral("Project::PersistentObject")).isNull();
-    describeBaseParts(document);
-    describeRootObjects(objects, QStringLiteral("Overlay::Preset"), excluded);
-    if (!hasPersistentRoot)
-        describeRootObjects(objects, QStringLiteral("Import::Object"), excluded);
+void V60_CollectionItemDescriptionAdaptor::convert(ArchiveEditor& archive) {
+    const QSet<QString> excluded = themeIds(archive);
+    describeBaseParts(archive);
+    describeRootObjects(archive, "Overlay::Preset", excluded);
+    if (archive.lastRootObject("Project::PersistentObject").isNull())
+        describeRootObjects(archive, "Import::Object", excluded);
 }
 
 void V60_CollectionItemDescriptionAdaptor::adapt(FlatObject& document) {

@@ -1,16 +1,18 @@
 #pragma once
 
 #include "Adaptors/AbstractAdaptorJson.h"
-#include "Adaptors/AbstractAdaptorXml.h"
+#include "Adaptors/XmlStep.h"
 
 namespace Project {
 
 /// Version 60: what a collection holds is shown by its `description`, which is taken from the `tag`.
-class V60_CollectionItemDescriptionAdaptor : public Bundle::AbstractAdaptorXml,
-                                             public Bundle::AbstractAdaptorJson {
+class V60_CollectionItemDescriptionAdaptor : public Bundle::XmlStep, public Bundle::AbstractAdaptorJson {
 public:
-    void adapt(QDomDocument& document) override;
+    using XmlStep::adapt;
     void adapt(Serialize::Json::FlatObject& document) override;
+
+protected:
+    void convert(Archive::Internal::ArchiveEditor& archive) override;
 };
 
 } // namespace Project

@@ -1,87 +1,56 @@
 #include "Adaptors/Project/V61_EffectProcessedRangeAdaptor.h"
 
+#include "Archive/Internal/ArchiveEditor.h"
 #include "Archive/Internal/FlatObjects.h"
-#include "Archive/Internal/ObjectIds.h"
-#include "Archive/Internal/Predeclarations.h"
-#include "Archive/Internal/RootObjects.h"
-#include "Archive/Internal/Walk.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/Reading.h"
 #include "Serialize/Json/FlatObject.h"
 
 #include <QHash>
 
+using namespace Archive::Internal;
+
 namespace Project {
 namespace {
 
-namespace Words = Archive::Words;
-using Archive::Internal::idOf;
-
-const QString effectClass = QStringLiteral("Effect::Object");
-const QString rangeClass = QStringLiteral("Types::Range");
+constexpr const char* effectClass = "Effect::Object";
+constexpr const char* rangeClass = "Types::Range";
 
 // From the start to -1, the end: all of the clip.
 constexpr int rangeFrom = 0;
 constexpr int rangeTo = -1;
 
-/// An effect and the record that declares it.
-struct Declared {
-    QDomElement effect;
-    QDomElement record;
-};
-
-QHash<long long, QDomElement> collectEffects(const QDomDocument& document) {
+/// By id, of several the last.
+QHash<long long, QDomElement> collectEffects(ArchiveEditor& archive) {
     QHash<long long, QDomElement> effects;
-    for (const QDomElement& base : Archive::Internal::elements(document, Words::BaseOfObject, effectClass))
-        effects[idOf(base)] = base;
+    for (const QDomElement& effect : archive.baseParts(effectClass))
+        effects[idOf(effect)] = effect;
     return effects;
 }
 
-/// In the order of the records: an effect with two stands here twice, one without not at all.
-std::vector<Declared> collectDeclared(const QDomDocument& document, const QDomElement& predeclarations) {
-    const auto effects = collectEffects(document);
-    std::vector<Declared> declared;
-    const auto records = Archive::Internal::recordsOf(predeclarations);
-    for (const auto& record : *records) {
-        const auto effect = effects.find(record.id);
-        if (effect != effects.end())
-            declared.push_back({*effect, record.data});
-    }
-    return declared;
-}
-
-QDomElement createRange(QDomDocument& document, long long id) {
-    QDomElement range = Archive::createObject(document, QStringLiteral("processedRange"), rangeClass, id);
-    range.appendChild(Archive::createMTime(document, QStringLiteral("from"), MTime(rangeFrom)));
-    range.appendChild(Archive::createMTime(document, QStringLiteral("to"), MTime(rangeTo)));
-    return range;
-}
-
-/// The new reference stands first among those of the record.
-void prependReference(QDomDocument& document, const QDomElement& record, long long id) {
-    QDomElement refs = record.firstChildElement(Words::refs);
-    if (refs.isNull())
-        return;
-    Archive::prependArrayElement(document, refs)
-        .appendChild(Archive::createObjectRef(document, Words::Data, id));
+void appendRange(ArchiveEditor& archive, const QDomElement& effect, long long id) {
+    const QDomElement range = archive.appendObject(effect, "processedRange", rangeClass, id);
+    archive.fields(range).time("from", MTime(rangeFrom)).time("to", MTime(rangeTo));
 }
 
 } // namespace
 
-void V61_EffectProcessedRangeAdaptor::adapt(QDomDocument& document) {
-    QDomElement predeclarations = Archive::Internal::predeclarationsAmong(
-        Archive::Internal::typedElements(document, Words::RootObject));
-    Archive::Internal::ObjectIds ids(document);
-    for (Declared& declared : collectDeclared(document, predeclarations)) {
-        const long long id = Archive::addPredeclaration(predeclarations, document, rangeClass,
-                                                        idOf(declared.effect), ids.greatest(), -1, {});
-        declared.effect.appendChild(createRange(document, id));
-        prependReference(document, declared.record, id);
+void V61_EffectProcessedRangeAdaptor::convert(ArchiveEditor& archive) {
+    const auto effects = collectEffects(archive);
+    const auto records = archive.records(); // those of the ranges are added meanwhile
+    // Quirk: an effect with two records gets two ranges, one without a record gets none.
+    for (const Record& record : *records) {
+        const QDomElement effect = effects.value(record.id);
+        if (effect.isNull())
+            continue;
+        const long long id = archive.declare(rangeClass, record.id);
+        appendRange(archive, effect, id);
+        archive.prependReference(record.data.firstChildElement(Words::refs), id);
     }
 }
 
 void V61_EffectProcessedRangeAdaptor::adapt(Serialize::Json::FlatObject& document) {
-    for (const auto& selected : Archive::Internal::selectObjects(document, effectClass.toStdString())) {
-        nlohmann::json* range = document.createObject(rangeClass.toStdString());
+    for (const auto& selected : selectObjects(document, effectClass)) {
+        nlohmann::json* range = document.createObject(rangeClass);
         (*range)["from"] = rangeFrom;
         (*range)["to"] = rangeTo;
         (*selected.object)["processedRange"] = document.createRef(range);

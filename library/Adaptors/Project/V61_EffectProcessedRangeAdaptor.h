@@ -1,16 +1,18 @@
 #pragma once
 
 #include "Adaptors/AbstractAdaptorJson.h"
-#include "Adaptors/AbstractAdaptorXml.h"
+#include "Adaptors/XmlStep.h"
 
 namespace Project {
 
 /// Version 61: an effect can work on a part of its clip, so every effect gets a `processedRange`: the whole.
-class V61_EffectProcessedRangeAdaptor : public Bundle::AbstractAdaptorXml,
-                                        public Bundle::AbstractAdaptorJson {
+class V61_EffectProcessedRangeAdaptor : public Bundle::XmlStep, public Bundle::AbstractAdaptorJson {
 public:
-    void adapt(QDomDocument& document) override;
+    using XmlStep::adapt;
     void adapt(Serialize::Json::FlatObject& document) override;
+
+protected:
+    void convert(Archive::Internal::ArchiveEditor& archive) override;
 };
 
 } // namespace Project

@@ -1,13 +1,14 @@
 #pragma once
 
-#include "Adaptors/AbstractAdaptorXml.h"
+#include "Adaptors/XmlStep.h"
 
 namespace Project {
 
-/// Version 62: a collection item knows its download, so the remote url and size move to it.
-class V62_CollectionItemPayloadAdaptor : public Bundle::AbstractAdaptorXml {
-public:
-    void adapt(QDomDocument& document) override;
+/// Version 62: a collection item holds its download, so the URL and the size move to it from the object that it
+/// refers to.
+class V62_CollectionItemPayloadAdaptor : public Bundle::XmlStep {
+protected:
+    void convert(Archive::Internal::ArchiveEditor& archive) override;
 };
 
 } // namespace Project

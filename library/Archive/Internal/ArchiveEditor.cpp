@@ -26,6 +26,10 @@ void ArchiveEditor::endStep() {
 
 // Find.
 
+QDomElement ArchiveEditor::topArchive() const {
+    return m_document.firstChildElement(Words::Archive);
+}
+
 TypedElements ArchiveEditor::elements(const QString& tag, Scope scope) {
     return scope == Scope::Document ? m_index.elements(m_document, tag) : m_index.elements(root(), tag);
 }
@@ -144,6 +148,19 @@ QDomElement ArchiveEditor::appendItem(const QDomElement& parent, const QString& 
 void ArchiveEditor::appendReference(const QDomElement& array, long long id) {
     if (!array.isNull())
         fields(appendItem(array)).reference(Words::Data, id);
+}
+
+QDomElement ArchiveEditor::prependItem(const QDomElement& array) {
+    QDomElement list = array;
+    const QDomElement item = prependArrayElement(m_document, list);
+    if (!array.isNull())
+        m_index.inserted(array, item, false);
+    return item;
+}
+
+void ArchiveEditor::prependReference(const QDomElement& array, long long id) {
+    if (!array.isNull())
+        fields(prependItem(array)).reference(Words::Data, id);
 }
 
 long long ArchiveEditor::declare(const QString& type, long long parent, const QList<long long>& refs) {
@@ -322,6 +339,11 @@ void ArchiveEditor::setType(QDomElement e, const QString& type) {
     m_index.retyped(e);
 }
 
+void ArchiveEditor::setType(QDomAttr attribute, const QString& type) {
+    attribute.setValue(type);
+    m_index.retyped(attribute.ownerElement());
+}
+
 void ArchiveEditor::setObjectId(QDomElement e, long long id) {
     e.setAttribute(Words::objectId, QString::number(id));
     m_index.created(e, id);
@@ -338,6 +360,11 @@ void ArchiveEditor::setField(const QDomElement& object, const QString& name, con
 
 void ArchiveEditor::setField(const QDomElement& object, const QString& name, long long number) {
     setField(object, name, QString::number(number));
+}
+
+void ArchiveEditor::setNumber(QDomElement e, double number) {
+    writeValue(e, number);
+    m_index.retyped(e);
 }
 
 void ArchiveEditor::removeBinaryData(QDomElement e) {

@@ -58,6 +58,8 @@ public:
 
     /// The document's only `Archive`, at any depth; a null element where there is none or several.
     QDomElement root() { return m_index.archive(); }
+    /// The document element where it is an `Archive`, also if there are further ones in it; else a null element.
+    QDomElement topArchive() const;
 
     /// All `RootObject` elements, at any depth, in document order; those of one type, or all with their types.
     Elements rootObjects(const QString& type);
@@ -120,6 +122,9 @@ public:
     QDomElement appendItem(const QDomElement& parent, const QString& name);
     /// Adds an entry whose `Data` refers to an object.
     void appendReference(const QDomElement& array, long long id);
+    /// The same in front of all entries, whose `index` counts up by one.
+    QDomElement prependItem(const QDomElement& array);
+    void prependReference(const QDomElement& array, long long id);
 
     /// Adds a record for a new object and gives its id. The record itself takes the id behind that.
     long long declare(const QString& type, long long parent = 0, const QList<long long>& refs = {});
@@ -157,6 +162,8 @@ public:
 
     void rename(QDomElement e, const QString& tag);
     void setType(QDomElement e, const QString& type);
+    /// Sets an attribute that names a type, whatever it is called.
+    void setType(QDomAttr attribute, const QString& type);
     void setObjectId(QDomElement e, long long id);
 
     /// Sets the `value` of an element.
@@ -164,6 +171,8 @@ public:
     /// Sets the `value` of the first child of that name; nothing where there is none.
     void setField(const QDomElement& object, const QString& name, const QString& text);
     void setField(const QDomElement& object, const QString& name, long long number);
+    /// Makes an element a double of that value.
+    void setNumber(QDomElement e, double number);
     /// Removes the exact form of a number, which its `value` replaces.
     void removeBinaryData(QDomElement e);
 

@@ -59,4 +59,11 @@ const Row* findRow(const Row (&table)[size], const char* Row::*text, const QStri
     return row == std::end(table) ? nullptr : row;
 }
 
+/// Whether a text is one of these.
+template <std::size_t size>
+bool isOneOf(const char* const (&texts)[size], const QString& text) {
+    return std::any_of(std::begin(texts), std::end(texts),
+                       [&](const char* candidate) { return text == QLatin1String(candidate); });
+}
+
 } // namespace Archive::Internal

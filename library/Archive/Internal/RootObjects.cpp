@@ -5,16 +5,6 @@
 #include <optional>
 
 namespace Archive::Internal {
-
-QDomElement lastOfType(const TypedElements& objects, const QString& type) {
-    QDomElement last;
-    for (const auto& object : objects) {
-        if (object.type == type)
-            last = object.element;
-    }
-    return last;
-}
-
 namespace {
 
 /// The parts found one by one; nothing where the document is too deep for that.
@@ -51,6 +41,11 @@ Elements partsInOneWalk(const QDomDocument& document, const QString& type) {
 }
 
 } // namespace
+
+Elements partsOfRootObjects(ArchiveEditor& archive, const QString& type) {
+    const auto parts = partsByTheirAncestors(ofType(archive.baseParts(Scope::Document), type));
+    return parts ? *parts : partsInOneWalk(archive.document(), type);
+}
 
 Elements partsOfRootObjects(const QDomDocument& document, const QString& type) {
     const auto parts = partsByTheirAncestors(elements(document, Words::BaseOfObject, type));

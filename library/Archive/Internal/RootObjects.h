@@ -12,11 +12,10 @@
 
 namespace Archive::Internal {
 
-/// The last of that type, or a null element.
-QDomElement lastOfType(const TypedElements& objects, const QString& type);
-
 /// The `BaseOfObject` parts of that type below root objects, in document order, each as often as there are root
 /// objects around it.
+Elements partsOfRootObjects(ArchiveEditor& archive, const QString& type);
+// To be removed with its last user.
 Elements partsOfRootObjects(const QDomDocument& document, const QString& type);
 
 /// A new `RootObject`, not yet inserted, with its id.
