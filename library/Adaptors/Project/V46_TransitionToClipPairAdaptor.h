@@ -1,14 +1,14 @@
 #pragma once
 
-#include "Adaptors/AbstractAdaptorXml.h"
+#include "Adaptors/XmlStep.h"
 
 namespace Project {
 
 /// Version 46: a timeline lists its transitions, each with the clips before and after it, where a clip of the
 /// primary track had named the transition behind it.
-class V46_TransitionToClipPairAdaptor : public Bundle::AbstractAdaptorXml {
-public:
-    void adapt(QDomDocument& document) override;
+class V46_TransitionToClipPairAdaptor : public Bundle::XmlStep {
+protected:
+    void convert(Archive::Internal::ArchiveEditor& archive) override;
 };
 
 } // namespace Project

@@ -1,34 +1,22 @@
 #include "Adaptors/Project/V51_MaskEffectAdaptor.h"
 
+#include "Archive/Internal/ArchiveEditor.h"
 #include "Archive/Internal/EffectObject.h"
-#include "Archive/Internal/ObjectIds.h"
-#include "Archive/Internal/PredeclarationEdits.h"
-#include "Archive/Internal/Predeclarations.h"
+#include "Archive/Internal/Reading.h"
+#include "Archive/Internal/TransformedEffects.h"
 #include "Archive/Internal/Transforms.h"
-#include "Archive/Internal/Walk.h"
-#include "Archive/Xml.h"
-
-#include <QHash>
 
 #include <glog/logging.h>
 
-#include <vector>
-
-namespace Words = Archive::Words;
-
-using Archive::Internal::EffectObject;
-using Archive::Internal::Elements;
+using namespace Archive::Internal;
 
 namespace Project {
 namespace {
 
-const QString maskClass = QStringLiteral("Effect::Mask");
-const QString maskTag = QStringLiteral("effect_mask");
-const QString maskUniqueId = QStringLiteral("b1c2b46d-c898-4874-9619-a1c58992162c");
+constexpr const char* maskClass = "Effect::Mask";
+constexpr const char* maskUniqueId = "b1c2b46d-c898-4874-9619-a1c58992162c";
 
 constexpr const char* frameBaseFields[] = {"shape", "transform", "outline"};
-
-using EffectsById = QHash<unsigned long long, QDomElement>;
 
 /// A clip and its mask effects, one of which may be null.
 struct Group {
@@ -37,7 +25,7 @@ struct Group {
     QDomElement conceal;
 };
 
-/// The mask that takes the group's place, as it grows.
+/// The mask that replaces the effects of a group, while it is built.
 struct NewMask {
     long long id;
     EffectObject levels;
@@ -45,267 +33,221 @@ struct NewMask {
     QList<long long> replacedIds;
 };
 
-long long idOf(const QDomElement& object) {
-    return static_cast<long long>(Archive::objectIdOf(object));
-}
-
 bool hasEffects(const QDomElement& clip) {
-    return Archive::hasChild(clip, QStringLiteral("effects"), [](const QDomElement& effects) {
+    return Archive::hasChild(clip, "effects", [](const QDomElement& effects) {
         return effects.attribute(Words::size).toLongLong() > 0;
     });
 }
 
-Group groupOf(const QDomElement& clip, const EffectsById& highlights, const EffectsById& conceals) {
-    Group group{clip, {}, {}};
-    // Of several of one kind the last one counts; the others stay as they are.
-    Archive::iterateArray(clip.firstChildElement(QStringLiteral("effects")), [&](QDomElement& data) {
-        const unsigned long long id = data.attribute(Words::value).toULongLong();
-        if (const auto found = highlights.constFind(id); found != highlights.constEnd())
-            group.highlight = *found;
-        else if (const auto other = conceals.constFind(id); other != conceals.constEnd())
-            group.conceal = *other;
-    });
-    return group;
-}
-
-class Impl {
+class MaskMerge {
 public:
-    explicit Impl(QDomDocument& document) : m_document(document), m_ids(document) {}
+    explicit MaskMerge(ArchiveEditor& archive)
+        : m_archive(archive), m_top(archive.document().firstChildElement(Words::Archive)) {}
 
-    bool parse();
-    void adapt();
+    /// False where there is no archive or it has no predeclarations.
+    bool collect();
+    void convert();
 
 private:
-    using Edits = Archive::Internal::PredeclarationEdits;
-
     void collectFrameRecords();
+    void collectGroup(const QDomElement& clip);
 
-    void convert(Group& group, Edits& predeclares);
-    NewMask createMask();
-    void appendBackground(NewMask& mask, const QDomElement& highlight);
-    void moveHighlightFrames(NewMask& mask, const QDomElement& highlight, Edits& predeclares);
-    void moveConcealFrames(NewMask& mask, const QDomElement& conceal, Edits& predeclares);
-    void addTracking(QDomElement& frame, Edits& predeclares);
-    void appendFrameBase(QDomElement& frame, long long transformId);
-    QDomElement frameRecord(long long frameId) const;
-    void addReference(long long frameId, long long transformId);
-    void appendPixelSize(QDomElement& frame, const QDomElement& conceal);
+    void convertGroup(const Group& group);
+    NewMask newMask();
+    void appendBackground(const NewMask& mask, const QDomElement& highlight);
+    void moveHighlightFrames(NewMask& mask, const QDomElement& highlight);
+    void moveConcealFrames(NewMask& mask, const QDomElement& conceal);
+    void appendTracking(const QDomElement& frame);
     void moveFrame(NewMask& mask, const QString& arrayName, const QDomElement& frame);
+    QDomElement frameRecord(long long frameId) const;
     void setParent(long long frameId, long long parent);
-    void retire(NewMask& mask, const QDomElement& effect, Edits& predeclares);
-    void replaceEffects(const QDomElement& clip, const NewMask& mask);
+    void removeEffect(NewMask& mask, const QDomElement& effect);
+    void replaceReferences(const QDomElement& clip, const NewMask& mask);
 
-    QDomDocument& m_document;
-    QDomElement m_archive;
-    QDomElement m_predeclarations;
-    std::vector<Group> m_groups;
+    ArchiveEditor& m_archive;
+    QDomElement m_top;
+    QHash<unsigned long long, QDomElement> m_highlights; ///< by id, as the next two; of several the last
+    QHash<unsigned long long, QDomElement> m_conceals;
     QHash<long long, QDomElement> m_frameRecords;
-    Archive::Internal::ObjectIds m_ids;
+    std::vector<Group> m_groups;
 };
 
-bool Impl::parse() {
-    m_archive = m_document.firstChildElement(Words::Archive);
-    if (m_archive.isNull()) {
+bool MaskMerge::collect() {
+    if (m_top.isNull()) {
         LOG(WARNING) << "<Archive> element not found";
         return false;
     }
     Elements clips;
-    EffectsById highlights;
-    EffectsById conceals;
-    for (const QDomElement& object : Archive::Internal::children(m_archive, Words::RootObject)) {
+    m_archive.setPredeclarations({});
+    // Quirk: only objects directly in the archive count.
+    for (const QDomElement& object : children(m_top, Words::RootObject)) {
         const QString type = Archive::typeOf(object);
         if (type == Words::Predeclarator) {
-            m_predeclarations = object.firstChildElement(Words::predeclarations);
+            m_archive.setPredeclarations(object.firstChildElement(Words::predeclarations));
             collectFrameRecords();
         } else if (type == QLatin1String("Timeline::Clip")) {
             if (hasEffects(object))
                 clips.push_back(object);
         } else if (type == QLatin1String("Effect::MaskHighlight")) {
-            highlights[Archive::objectIdOf(object)] = object;
+            m_highlights[Archive::objectIdOf(object)] = object;
         } else if (type == QLatin1String("Effect::MaskConceal")) {
-            conceals[Archive::objectIdOf(object)] = object;
+            m_conceals[Archive::objectIdOf(object)] = object;
         }
     }
-    if (m_predeclarations.isNull()) {
+    if (m_archive.predeclarations().isNull()) {
         LOG(WARNING) << "Predeclarations list not found";
         return false;
     }
-    for (const QDomElement& clip : clips) {
-        Group group = groupOf(clip, highlights, conceals);
-        if (!group.highlight.isNull() || !group.conceal.isNull())
-            m_groups.push_back(std::move(group));
-    }
+    for (const QDomElement& clip : clips)
+        collectGroup(clip);
     return true;
 }
 
-void Impl::collectFrameRecords() {
-    const auto records = Archive::Internal::recordsOf(m_predeclarations);
-    for (const auto& record : *records) {
+void MaskMerge::collectFrameRecords() {
+    const auto records = m_archive.records();
+    for (const Record& record : *records) {
         const QString typeName = Archive::valueOf(record.data, Words::typeName);
-        // Both names: conceal frames are declared as highlight frames.
+        // Quirk: both names, as conceal frames are declared as highlight frames.
         if (typeName == QLatin1String("Effect::FrameHighlight") ||
             typeName == QLatin1String("Effect::FrameConceal"))
             m_frameRecords[record.id] = record.data;
     }
 }
 
-void Impl::adapt() {
-    Edits predeclares(m_document, m_predeclarations);
-    for (Group& group : m_groups)
-        convert(group, predeclares);
-    predeclares.finish();
+void MaskMerge::collectGroup(const QDomElement& clip) {
+    Group group{clip, {}, {}};
+    // Quirk: of several effects of one kind the last one counts; the others stay as they are.
+    Archive::iterateArray(clip.firstChildElement("effects"), [&](const QDomElement& data) {
+        const unsigned long long id = textOf(data).toULongLong();
+        if (m_highlights.contains(id))
+            group.highlight = m_highlights.value(id);
+        else if (m_conceals.contains(id))
+            group.conceal = m_conceals.value(id);
+    });
+    if (!group.highlight.isNull() || !group.conceal.isNull())
+        m_groups.push_back(group);
 }
 
-void Impl::convert(Group& group, Edits& predeclares) {
-    NewMask mask = createMask();
+void MaskMerge::convert() {
+    for (const Group& group : m_groups)
+        convertGroup(group);
+}
+
+void MaskMerge::convertGroup(const Group& group) {
+    NewMask mask = newMask();
     if (!group.highlight.isNull()) {
         appendBackground(mask, group.highlight);
-        moveHighlightFrames(mask, group.highlight, predeclares);
-        retire(mask, group.highlight, predeclares);
+        moveHighlightFrames(mask, group.highlight);
+        removeEffect(mask, group.highlight);
     }
     if (!group.conceal.isNull()) {
-        moveConcealFrames(mask, group.conceal, predeclares);
-        retire(mask, group.conceal, predeclares);
+        moveConcealFrames(mask, group.conceal);
+        removeEffect(mask, group.conceal);
     }
-    replaceEffects(group.clip, mask);
-    predeclares.add(maskClass, 0, m_ids.greatest(), mask.id, mask.frameIds);
-    m_archive.appendChild(mask.levels.root);
+    replaceReferences(group.clip, mask);
+    m_archive.declareAs(mask.id, maskClass, 0, mask.frameIds);
+    m_archive.append(m_top, mask.levels.root);
 }
 
-NewMask Impl::createMask() {
-    const long long id = m_ids.next();
-    NewMask mask{id,
-                 Archive::Internal::createEffectObject(m_document, maskClass,
-                                                       QStringLiteral("Effect::VideoEffect"), id),
-                 {},
-                 {}};
-    Archive::Internal::appendStrings(
-        m_document, mask.levels.object,
-        {{"id", maskUniqueId}, {"uniqueId", maskUniqueId}, {"tag", maskTag}, {"description", QString()}});
-    mask.levels.object.appendChild(Archive::createDouble(m_document, QStringLiteral("intensity"), 1.0));
-    return mask;
+NewMask MaskMerge::newMask() {
+    const long long id = m_archive.nextId();
+    const EffectObject levels = newEffect(m_archive, maskClass, "Effect::VideoEffect", id);
+    m_archive.fields(levels.object)
+        .string("id", maskUniqueId)
+        .string("uniqueId", maskUniqueId)
+        .string("tag", "effect_mask")
+        .string("description", "")
+        .number("intensity", 1.0);
+    return {id, levels, {}, {}};
 }
 
-void Impl::appendBackground(NewMask& mask, const QDomElement& highlight) {
-    // From the readable texts, not from `binaryData`: only six digits of a number come through.
-    const int method = Archive::valueOf(highlight, QStringLiteral("method")).toInt();
-    const double opacity = Archive::valueOf(highlight, QStringLiteral("opacity")).toDouble();
-    const double smoothness = Archive::valueOf(highlight, QStringLiteral("smoothness")).toDouble();
-    QDomElement& root = mask.levels.root;
-    root.appendChild(Archive::createInt32(m_document, QStringLiteral("backgroundFill"), method));
-    root.appendChild(Archive::createDouble(m_document, QStringLiteral("backgroundOpacity"), opacity));
-    root.appendChild(Archive::createDouble(m_document, QStringLiteral("backgroundSmoothness"), smoothness));
+/// Quirk: from the readable texts, not from `binaryData`, so that only six digits of a number are kept.
+void MaskMerge::appendBackground(const NewMask& mask, const QDomElement& highlight) {
+    m_archive.fields(mask.levels.root)
+        .int32("backgroundFill", int32In(highlight, "method"))
+        .number("backgroundOpacity", Archive::valueOf(highlight, "opacity").toDouble())
+        .number("backgroundSmoothness", Archive::valueOf(highlight, "smoothness").toDouble());
 }
 
-void Impl::moveHighlightFrames(NewMask& mask, const QDomElement& highlight, Edits& predeclares) {
-    Archive::iterateArray(highlight.firstChildElement(QStringLiteral("frames")), [&](QDomElement& frame) {
-        mask.frameIds.append(idOf(frame));
-        addTracking(frame, predeclares);
-        moveFrame(mask, QStringLiteral("highlightFrames"), frame);
+void MaskMerge::moveHighlightFrames(NewMask& mask, const QDomElement& highlight) {
+    Archive::iterateArray(highlight.firstChildElement("frames"), [&](const QDomElement& frame) {
+        appendTracking(frame);
+        moveFrame(mask, "highlightFrames", frame);
     });
 }
 
-void Impl::moveConcealFrames(NewMask& mask, const QDomElement& conceal, Edits& predeclares) {
-    Archive::iterateArray(conceal.firstChildElement(QStringLiteral("frames")), [&](QDomElement& frame) {
-        mask.frameIds.append(idOf(frame));
-        addTracking(frame, predeclares);
-        appendPixelSize(frame, conceal);
-        moveFrame(mask, QStringLiteral("concealFrames"), frame);
+void MaskMerge::moveConcealFrames(NewMask& mask, const QDomElement& conceal) {
+    Archive::iterateArray(conceal.firstChildElement("frames"), [&](const QDomElement& frame) {
+        appendTracking(frame);
+        // Quirk: that of the effect, which as a rule has none: a second `pixelSize` of 0 behind the frame's own.
+        m_archive.fields(frame).number("pixelSize", Archive::valueOf(conceal, "pixelSize").toDouble());
+        moveFrame(mask, "concealFrames", frame);
     });
 }
 
-void Impl::addTracking(QDomElement& frame, Edits& predeclares) {
-    const long long frameId = idOf(frame);
-    const long long transformId =
-        predeclares.add(QStringLiteral("Types::Transform"), frameId, m_ids.greatest(), -1, {});
-    if (!frame.isNull())
-        appendFrameBase(frame, transformId);
-    addReference(frameId, transformId);
-}
-
-void Impl::appendFrameBase(QDomElement& frame, long long transformId) {
-    QDomElement base =
-        Archive::createObject(m_document, Words::BaseOfObject, QStringLiteral("Effect::Frame"), idOf(frame));
-    for (const char* name : frameBaseFields) {
-        const QDomElement field = frame.firstChildElement(QString::fromLatin1(name));
-        if (!field.isNull())
-            base.appendChild(field);
+/// Appends the part that all frames share, with the old fields that belong there. An entry without a frame gets the
+/// records all the same.
+void MaskMerge::appendTracking(const QDomElement& frame) {
+    const long long frameId = wrappedIdOf(frame);
+    const long long transformId = m_archive.declare(transformClass, frameId);
+    if (!frame.isNull()) {
+        // Quirk: the last child, not the first one as other base parts.
+        const QDomElement base = m_archive.appendObject(frame, Words::BaseOfObject, "Effect::Frame", frameId);
+        for (const char* name : frameBaseFields)
+            m_archive.append(base, frame.firstChildElement(name));
+        m_archive.fields(base)
+            .string("trackingId", "")
+            .transform("trackingTransform", identityTransform, transformId);
     }
-    base.appendChild(Archive::createString(m_document, QStringLiteral("trackingId"), QString()));
-    base.appendChild(Archive::value2element(m_document, QStringLiteral("trackingTransform"),
-                                            Archive::Internal::identityTransform, transformId));
-    frame.appendChild(base); // last, not first as base class parts stand elsewhere
+    m_archive.appendReference(frameRecord(frameId).firstChildElement(Words::refs), transformId);
 }
 
-QDomElement Impl::frameRecord(long long frameId) const {
+void MaskMerge::moveFrame(NewMask& mask, const QString& arrayName, const QDomElement& frame) {
+    const long long frameId = wrappedIdOf(frame);
+    mask.frameIds.append(frameId);
+    m_archive.append(m_archive.appendItem(mask.levels.root, arrayName), frame);
+    setParent(frameId, mask.id);
+}
+
+/// Quirk: logs each time that a missing record is wanted: twice for a frame.
+QDomElement MaskMerge::frameRecord(long long frameId) const {
     const QDomElement record = m_frameRecords.value(frameId);
-    // One line each time it is wanted, so two for a frame.
     if (record.isNull())
         LOG(WARNING) << "Cannot find predeclaration for OID = " << frameId;
     return record;
 }
 
-void Impl::addReference(long long frameId, long long transformId) {
+void MaskMerge::setParent(long long frameId, long long parent) {
     const QDomElement record = frameRecord(frameId);
-    if (record.isNull())
-        return;
-    QDomElement refs = record.firstChildElement(Words::refs);
-    if (!refs.isNull())
-        Archive::appendArrayElement(m_document, refs)
-            .appendChild(Archive::createObjectRef(m_document, Words::Data, transformId));
-}
-
-void Impl::appendPixelSize(QDomElement& frame, const QDomElement& conceal) {
-    // The effect's, which as a rule has none: a second `pixelSize` of 0 behind the frame's own.
-    const double pixelSize = Archive::valueOf(conceal, QStringLiteral("pixelSize")).toDouble();
-    if (!frame.isNull())
-        frame.appendChild(Archive::createDouble(m_document, QStringLiteral("pixelSize"), pixelSize));
-}
-
-void Impl::moveFrame(NewMask& mask, const QString& arrayName, const QDomElement& frame) {
-    const long long frameId = idOf(frame);
-    QDomElement item = Archive::appendArrayElement(m_document, mask.levels.root, arrayName);
-    if (!frame.isNull())
-        item.appendChild(frame);
-    setParent(frameId, mask.id);
-}
-
-void Impl::setParent(long long frameId, long long parent) {
-    const QDomElement record = frameRecord(frameId);
-    if (record.isNull())
-        return;
-    if (record.firstChildElement(Words::poid).isNull()) {
+    if (!record.isNull() && record.firstChildElement(Words::poid).isNull())
         LOG(WARNING) << "Cannot find predeclaration poid element for OID = " << frameId;
-        return;
-    }
-    Archive::setValueOf(record, Words::poid, QString::number(parent));
+    m_archive.setField(record, Words::poid, parent);
 }
 
-void Impl::retire(NewMask& mask, const QDomElement& effect, Edits& predeclares) {
-    predeclares.remove(idOf(effect));
-    mask.replacedIds.append(idOf(effect));
-    Archive::Internal::removeChild(m_archive, effect);
+void MaskMerge::removeEffect(NewMask& mask, const QDomElement& effect) {
+    const long long id = wrappedIdOf(effect);
+    m_archive.undeclare(id);
+    mask.replacedIds.append(id);
+    m_archive.removeChild(m_top, effect);
 }
 
-void Impl::replaceEffects(const QDomElement& clip, const NewMask& mask) {
-    QDomElement effects = clip.firstChildElement(QStringLiteral("effects"));
-    // A text that is no number found the effect of id 0, but is not taken away with it.
-    Archive::removeItemsFromList(effects, [&mask](QDomElement& data) {
-        return mask.replacedIds.contains(Archive::extractValue(data.attribute(Words::value), -1LL));
+void MaskMerge::replaceReferences(const QDomElement& clip, const NewMask& mask) {
+    const QDomElement effects = clip.firstChildElement("effects");
+    // Quirk: a text that is no number refers to the effect of id 0, but is not removed with it.
+    m_archive.removeItems(effects, [&mask](QDomElement& data) {
+        return mask.replacedIds.contains(Archive::extractValue(textOf(data), -1LL));
     });
-    Archive::appendArrayElement(m_document, effects)
-        .appendChild(Archive::createObjectRef(m_document, Words::Data, mask.id));
+    m_archive.appendReference(effects, mask.id);
 }
 
 } // namespace
 
-void V51_MaskEffectAdaptor::adapt(QDomDocument& document) {
-    Impl impl(document);
-    if (!impl.parse()) {
+void V51_MaskEffectAdaptor::convert(ArchiveEditor& archive) {
+    MaskMerge merge(archive);
+    if (merge.collect())
+        merge.convert();
+    else
         LOG(WARNING) << "Cannot parse project";
-        return;
-    }
-    impl.adapt();
 }
 
 } // namespace Project

@@ -128,32 +128,4 @@ long long ObjectIds::next() {
     return nextId(greatest());
 }
 
-long long RenewedMaximum::take() {
-    if (m_known)
-        return *m_known;
-    if (!m_isTrusted)
-        return maxObjectId(m_document);
-    if (const auto greatest = maxInTree(m_document)) {
-        m_known = greatest;
-        return *greatest;
-    }
-    const ScannedIds ids = scanIds(m_document.toByteArray(1));
-    // Behind an error nothing counts, and only a new scan tells whether what is added stands there.
-    if (ids.isComplete)
-        m_known = ids.greatest;
-    else
-        m_isTrusted = false;
-    return ids.greatest;
-}
-
-void RenewedMaximum::added(long long id) {
-    if (m_known)
-        m_known = std::max(*m_known, id);
-}
-
-void RenewedMaximum::distrust() {
-    m_isTrusted = false;
-    m_known.reset();
-}
-
 } // namespace Archive::Internal

@@ -56,24 +56,4 @@ private:
     std::optional<long long> m_greatest;
 };
 
-/// The greatest id for a step that takes it anew for each of many objects: always what maxObjectId() gives at
-/// that time, but searched only once where the step tells of all that changes it.
-class RenewedMaximum {
-public:
-    explicit RenewedMaximum(const QDomDocument& document) : m_document(document) {}
-
-    long long take();
-
-    /// An object of that id was added, with plain names and with texts that are plain or stood there before.
-    void added(long long id);
-
-    /// Ids may have gone: from now on every take() searches.
-    void distrust();
-
-private:
-    QDomDocument m_document;
-    std::optional<long long> m_known;
-    bool m_isTrusted = true;
-};
-
 } // namespace Archive::Internal

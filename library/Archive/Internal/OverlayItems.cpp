@@ -1,44 +1,45 @@
 #include "Archive/Internal/OverlayItems.h"
 
+#include "Archive/Internal/ArchiveEditor.h"
 #include "Archive/Internal/Predeclarations.h"
-#include "Archive/Internal/Walk.h"
-#include "Archive/Xml.h"
+#include "Archive/Internal/Reading.h"
+
+#include <glog/logging.h>
 
 namespace Archive::Internal {
-namespace {
 
-void collectItems(const QDomElement& preset, std::vector<OverlayItem>& items) {
-    const int presetType = valueOf(preset, Words::type).toInt();
-    for (const QDomElement& item : elements(preset.firstChildElement(QStringLiteral("items")), Words::Item)) {
+OverlayItems::OverlayItems(ArchiveEditor& archive) {
+    if (archive.root().isNull()) {
+        LOG(ERROR) << "<Archive> element not found or is not unique";
+        return;
+    }
+    const TypedElements objects = archive.rootObjects(Scope::Archive);
+    for (const QDomElement& preset : ofType(objects, "Overlay::Preset"))
+        collectItems(preset);
+    QDomElement predeclarations;
+    // Quirk: the records are the first descendant of that name, not the first child.
+    for (const QDomElement& predeclarator : ofType(objects, Words::Predeclarator))
+        predeclarations = firstDescendant(predeclarator, Words::predeclarations);
+    archive.setPredeclarations(predeclarations);
+    collectRecords(predeclarations);
+}
+
+void OverlayItems::collectItems(const QDomElement& preset) {
+    const int presetType = int32In(preset, "type");
+    for (const QDomElement& item : elements(preset.firstChildElement("items"), Words::Item)) {
         const QDomElement data = item.firstChildElement(Words::Data);
-        items.push_back({data, extractValue(data.attribute(Words::objectId), 0), presetType});
+        m_items.push_back({data, idOf(data), presetType});
     }
 }
 
-QHash<long long, QDomElement> recordsById(const QDomElement& predeclarations) {
-    // Entries of `refs` count as well, under 0: an item without an id may find one of them.
-    QHash<long long, QDomElement> records;
+void OverlayItems::collectRecords(const QDomElement& predeclarations) {
+    // Quirk: entries of `refs` count as well, under 0. An item without an id may find one of them.
     for (const QDomElement& item : elements(predeclarations, Words::Item))
-        records.insert(declaredId(item.firstChildElement(Words::Data)), item);
-    return records;
+        m_records.insert(declaredId(item.firstChildElement(Words::Data)), item);
 }
-
-} // namespace
 
 QDomElement OverlayItems::refsOf(long long id) const {
-    return childAt(records.value(id), {Words::Data, Words::refs});
-}
-
-OverlayItems collectOverlayItems(const QDomElement& archive) {
-    OverlayItems collected;
-    for (const auto& [object, type] : typedElements(archive, Words::RootObject)) {
-        if (type == Words::Predeclarator)
-            collected.predeclarations = firstDescendant(object, Words::predeclarations);
-        else if (type == QLatin1String("Overlay::Preset"))
-            collectItems(object, collected.items);
-    }
-    collected.records = recordsById(collected.predeclarations);
-    return collected;
+    return childAt(m_records.value(id), {Words::Data, Words::refs});
 }
 
 } // namespace Archive::Internal

@@ -37,6 +37,18 @@ std::shared_ptr<const Records> recordsOf(const QDomElement& predeclarations) {
     return readRecords(predeclarations);
 }
 
+void collectReferenced(const Records& records, QSet<long long>& ids,
+                       const std::function<QList<long long>(const QDomElement& entry)>& targetsOf) {
+    for (const Record& record : records) {
+        if (!ids.contains(record.id))
+            continue;
+        for (const QDomElement& entry : children(record.data.firstChildElement(Words::refs), Words::Item)) {
+            for (const long long target : targetsOf(entry))
+                ids.insert(target);
+        }
+    }
+}
+
 bool removeRecords(QDomElement& predeclarations, const std::function<bool(const Record&)>& goes) {
     auto records = recordsOf(predeclarations);
     const std::size_t numbered = Outline::numberedEntries(predeclarations);

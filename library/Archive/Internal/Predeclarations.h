@@ -5,6 +5,7 @@
 #include "Archive/Internal/Walk.h"
 
 #include <QDomElement>
+#include <QList>
 #include <QSet>
 
 #include <functional>
@@ -37,6 +38,11 @@ std::shared_ptr<Records> readRecords(const QDomElement& predeclarations);
 
 /// The entries of an array of predeclarations, in order, as they are at this moment. An outline keeps them.
 std::shared_ptr<const Records> recordsOf(const QDomElement& predeclarations);
+
+/// Adds to `ids` what the records of these objects refer to. `targetsOf` gives the ids in an entry of `refs`.
+/// Quirk: one pass forward. Where the record of an added object precedes the reference to it, it is not read.
+void collectReferenced(const Records& records, QSet<long long>& ids,
+                       const std::function<QList<long long>(const QDomElement& entry)>& targetsOf);
 
 /// What removeItemsFromList() does, on records. Calls `goes` on all in order.
 bool removeRecords(QDomElement& predeclarations, const std::function<bool(const Record&)>& goes);

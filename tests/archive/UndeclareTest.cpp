@@ -1,7 +1,8 @@
-#include "Archive/Internal/PredeclarationEdits.h"
+#include "Archive/Internal/ArchiveEditor.h"
 
 #include "Archive/Xml.h"
 #include "support/Compare.h"
+#include "support/Documents.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +11,9 @@
 
 namespace {
 
-using Archive::Internal::PredeclarationEdits;
+using Archive::Internal::ArchiveEditor;
+
+constexpr long long greatestId = 2000;
 
 /// A list of records for the ids given, whose `size` may be wrong.
 QDomDocument listOf(const QList<long long>& ids, const QString& size) {
@@ -21,6 +24,7 @@ QDomDocument listOf(const QList<long long>& ids, const QString& size) {
     for (const long long id : ids)
         Archive::addPredeclaration(list, document, "Old", 0, maxId, id, {});
     list.setAttribute("size", size);
+    list.setAttribute("objectId", greatestId);
     return document;
 }
 
@@ -31,7 +35,7 @@ struct Edit {
 
 void applyOneByOne(QDomDocument& document, const std::vector<Edit>& edits) {
     QDomElement list = document.documentElement();
-    long long maxId = 2000;
+    long long maxId = greatestId;
     for (const Edit& edit : edits) {
         if (edit.isRemoval)
             Archive::removePredeclare(list, edit.id);
@@ -41,15 +45,15 @@ void applyOneByOne(QDomDocument& document, const std::vector<Edit>& edits) {
 }
 
 void applyTogether(QDomDocument& document, const std::vector<Edit>& edits) {
-    PredeclarationEdits together(document, document.documentElement());
-    long long maxId = 2000;
+    ArchiveEditor archive(document);
+    archive.setPredeclarations(document.documentElement());
     for (const Edit& edit : edits) {
         if (edit.isRemoval)
-            together.remove(edit.id);
+            archive.undeclare(edit.id);
         else
-            together.add("New", 1, maxId, edit.id, {edit.id});
+            archive.declareAs(edit.id, "New", 1, {edit.id});
     }
-    together.finish();
+    archive.endStep();
 }
 
 void expectSameResult(const QList<long long>& ids, const QString& size, const std::vector<Edit>& edits) {
@@ -60,7 +64,7 @@ void expectSameResult(const QList<long long>& ids, const QString& size, const st
     EXPECT_EQ(Tests::difference(expected, actual), "");
 }
 
-TEST(PredeclarationEditsTest, GivesWhatOneCallEachGives) {
+TEST(UndeclareTest, GivesWhatOneCallEachGives) {
     std::mt19937 random(1);
     const auto below = [&](int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); };
     const QString sizes[] = {"4", "0", "17", "-3", "none", "", "9223372036854775807"};
@@ -78,7 +82,7 @@ TEST(PredeclarationEditsTest, GivesWhatOneCallEachGives) {
     }
 }
 
-TEST(PredeclarationEditsTest, LeavesAListAloneWithoutEdits) {
+TEST(UndeclareTest, LeavesAListAloneWithoutEdits) {
     QDomDocument document = listOf({5}, "3");
     document.documentElement().firstChildElement().setAttribute("index", "7");
     applyTogether(document, {});
@@ -86,16 +90,16 @@ TEST(PredeclarationEditsTest, LeavesAListAloneWithoutEdits) {
     EXPECT_EQ(document.documentElement().attribute("size"), "3");
 }
 
-TEST(PredeclarationEditsTest, CountsIdsWithoutAList) {
-    QDomDocument document;
-    PredeclarationEdits edits(document, QDomElement());
-    long long maxId = 10;
-    edits.remove(3);
-    EXPECT_EQ(edits.add("New", 0, maxId, -1, {}), 11);
-    EXPECT_EQ(edits.add("New", 0, maxId, 7, {}), 7);
-    edits.finish();
-    EXPECT_EQ(maxId, 13);
-    EXPECT_TRUE(document.firstChild().isNull());
+TEST(UndeclareTest, CountsIdsWithoutAList) {
+    const QDomDocument document = Tests::xml("<a objectId='10'/>");
+    ArchiveEditor archive(document);
+    archive.setPredeclarations({});
+    archive.undeclare(3);
+    EXPECT_EQ(archive.declare("New"), 11);
+    EXPECT_EQ(archive.declareAs(7, "New"), 7);
+    EXPECT_EQ(archive.nextId(), 14);
+    archive.endStep();
+    EXPECT_TRUE(document.documentElement().firstChild().isNull());
 }
 
 } // namespace

@@ -1,3 +1,0 @@
-#pragma once
-
-#include "Archive/Internal/Reading.h"
