@@ -1,6 +1,5 @@
 #include "Archive/Internal/ArrayItems.h"
 #include "Archive/Internal/Count.h"
-#include "Archive/Internal/Outline.h"
 #include "Archive/Internal/Predeclarations.h"
 #include "Archive/Internal/Words.h"
 #include "Archive/Xml.h"
@@ -57,7 +56,6 @@ void setIndex(QDomElement& item, long long index) {
     if (item.attribute(Words::index) == text)
         return;
     item.setAttribute(Words::index, text);
-    Outline::numbered(item.parentNode().toElement(), 0);
 }
 
 Elements numberItems(QDomElement& array, const std::function<bool(QDomElement&)>& predicate) {
@@ -80,7 +78,6 @@ bool removeItems(QDomElement& array, const Elements& victims) {
     const long long size = sizeOf(array);
     for (const QDomElement& victim : victims)
         array.removeChild(victim);
-    Outline::removedItems(array, victims);
     // The old attribute less the removals, not a fresh count: a wrong size stays as wrong as it was.
     setSize(array, static_cast<long long>(static_cast<unsigned long long>(size) - victims.size()));
     return true;
@@ -93,7 +90,6 @@ QDomElement appendArrayElement(QDomDocument& doc, QDomElement& array) {
     QDomElement item = createArrayItem(doc, size);
     if (!array.isNull()) {
         array.appendChild(item);
-        Internal::Outline::appendedItem(array, item, size);
         setSize(array, size);
     }
     return item;
@@ -113,7 +109,6 @@ QDomElement prependArrayElement(QDomDocument& doc, QDomElement& array) {
         array.appendChild(item);
     else
         array.insertBefore(item, first);
-    Internal::Outline::prependedItem(array);
     setSize(array, plusOne(sizeOf(array)));
     // Each index counts up from what it was: gaps stay gaps.
     for (QDomElement e = array.firstChildElement(Words::Item); !e.isNull();

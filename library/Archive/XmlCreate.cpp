@@ -1,4 +1,3 @@
-#include "Archive/Internal/Outline.h"
 #include "Archive/Internal/Words.h"
 #include "Archive/Xml.h"
 
@@ -9,7 +8,6 @@ QDomElement createTypeValue(QDomDocument& doc, const QString& name, const QStrin
     QDomElement e = doc.createElement(name);
     e.setAttribute(Words::type, type);
     e.setAttribute(Words::value, value);
-    Internal::Outline::wrote(value);
     return e;
 }
 
@@ -77,7 +75,6 @@ QDomElement createObject(QDomDocument& doc, const QString& name, const QString& 
     QDomElement e = doc.createElement(name);
     e.setAttribute(Words::type, type);
     e.setAttribute(Words::objectId, QString::number(id));
-    Internal::Outline::created(e);
     return e;
 }
 

@@ -1,4 +1,3 @@
-#include "Archive/Internal/Outline.h"
 #include "Archive/Internal/Words.h"
 #include "Archive/Xml.h"
 
@@ -30,7 +29,6 @@ void setValueOf(const QDomElement& parent, const QString& name, const QString& v
     if (child.isNull())
         return;
     child.setAttribute(Words::value, value);
-    Internal::Outline::wrote(value);
 }
 
 long long extractValue(const QString& text, long long fallback) {

@@ -1,4 +1,4 @@
-#include "Archive/Internal/ObjectIds.h"
+#include "Archive/Internal/GreatestId.h"
 #include "Archive/Internal/Walk.h"
 #include "Archive/Internal/Words.h"
 #include "Archive/Xml.h"
@@ -133,7 +133,7 @@ void iterateArray(const QDomElement& array, const std::function<void(QDomElement
 void removeFirstChild(QDomElement& e, const QString& name) {
     const QDomElement child = e.firstChildElement(name);
     if (!child.isNull())
-        Internal::removeChild(e, child);
+        e.removeChild(child);
 }
 
 long long getMaxObjectId(const QByteArray& documentText) {

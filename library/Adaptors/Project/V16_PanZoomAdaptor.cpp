@@ -124,7 +124,7 @@ void EnvelopeConversion::collectEffects() {
         collectEffect(effect, zoomKeyValues(effect));
     for (const QDomElement& effect : m_archive.rootObjects("Effect::PanAndZoom"))
         collectEffect(effect, panAndZoomKeyValues(effect));
-    collectReferenced(*m_archive.records(), m_staleIds, targetsOf);
+    collectReferenced(m_archive.records(), m_staleIds, targetsOf);
     if (!m_effects.empty())
         m_archive.startIds(); // ids of objects that are removed count as well
 }

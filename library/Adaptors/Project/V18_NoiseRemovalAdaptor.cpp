@@ -28,7 +28,7 @@ QSet<long long> convertRecords(ArchiveEditor& archive, const Elements& effects) 
     for (const QDomElement& effect : effects)
         ids.insert(idOf(effect));
     QSet<long long> declared;
-    for (const Record& record : *archive.records()) {
+    for (const Record& record : archive.records()) {
         if (!ids.contains(record.id))
             continue;
         archive.setField(record.data, Words::typeName, "Effect::AudioNoiseSuppress");

@@ -76,14 +76,8 @@ void QuizConversion::collectPresets() {
 void QuizConversion::collectRemovals() {
     for (const long long id : m_presets.keys())
         m_removals.insert(id);
-    // Quirk: one pass forward. The `refs` of a record in front of the one that refers to its object are not followed.
-    const auto records = m_archive.records();
-    for (const Record& record : *records) {
-        if (!m_removals.contains(record.id))
-            continue;
-        for (const QDomElement& ref : children(record.data.firstChildElement(Words::refs), Words::Item))
-            m_removals.insert(int64In(ref, Words::Data));
-    }
+    collectReferenced(m_archive.records(), m_removals,
+                      [](const QDomElement& entry) { return QList<long long>{int64In(entry, Words::Data)}; });
 }
 
 void QuizConversion::convertClips() {

@@ -1,6 +1,7 @@
 #include "Adaptors/Project/V47_TransitionDurationAdaptor.h"
 
-#include "Archive/Internal/RootObjects.h"
+#include "Archive/Internal/ArchiveEditor.h"
+#include "Archive/Internal/NestedParts.h"
 
 using namespace Archive::Internal;
 

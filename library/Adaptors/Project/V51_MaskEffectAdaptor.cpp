@@ -105,7 +105,7 @@ bool MaskMerge::collect() {
 
 void MaskMerge::collectFrameRecords() {
     const auto records = m_archive.records();
-    for (const Record& record : *records) {
+    for (const Record& record : records) {
         const QString typeName = Archive::valueOf(record.data, Words::typeName);
         // Quirk: both names, as conceal frames are declared as highlight frames.
         if (typeName == QLatin1String("Effect::FrameHighlight") ||

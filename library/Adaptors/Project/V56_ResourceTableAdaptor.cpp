@@ -9,7 +9,8 @@ namespace {
 
 /// Inserts a table behind the child of the archive that is or contains the last root object.
 void insertBehindLast(ArchiveEditor& archive, const QDomElement& table) {
-    QDomNode previous = archive.rootObjects().last();
+    const TypedElements objects = archive.rootObjects();
+    QDomNode previous = objects.isEmpty() ? QDomNode() : objects.last().element;
     while (!previous.isNull() && previous.parentNode() != archive.root())
         previous = previous.parentNode();
     archive.insertAfter(archive.root(), table, previous);

@@ -38,7 +38,7 @@ void V61_EffectProcessedRangeAdaptor::convert(ArchiveEditor& archive) {
     const auto effects = collectEffects(archive);
     const auto records = archive.records(); // those of the ranges are added meanwhile
     // Quirk: an effect with two records gets two ranges, one without a record gets none.
-    for (const Record& record : *records) {
+    for (const Record& record : records) {
         const QDomElement effect = effects.value(record.id);
         if (effect.isNull())
             continue;

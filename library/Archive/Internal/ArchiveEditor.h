@@ -88,6 +88,8 @@ public:
 
     // Make.
 
+    /// The greatest object id that the document has now, at least 1.
+    long long greatestId();
     /// The next id. Ids are not given twice in a step, also where objects were removed.
     long long nextId();
     /// Reads the greatest id now instead of when the first new id is wanted: ids of objects that are removed from now
@@ -188,7 +190,6 @@ private:
     friend class Fields;
 
     TypedElements elements(const QString& tag, Scope scope);
-    long long greatestId();
     /// Notifies the index that a child leaves its place or comes from another document.
     void takeFromItsPlace(const QDomElement& child);
     void notifyRemoval(const QDomNode& parent, const QDomNode& child);

@@ -13,6 +13,12 @@ bool isIndexedTag(const QString& tag) {
     return tag == Words::RootObject || tag == Words::BaseOfObject;
 }
 
+/// How many steps towards the root to take for that many nodes before one walk through the document is cheaper: nodes
+/// can be thousands of levels deep.
+constexpr std::size_t mostSteps(std::size_t nodes) {
+    return 1000 + 20 * nodes;
+}
+
 /// The list, which others may share, to be changed.
 TypedElements::List& own(std::shared_ptr<TypedElements::List>& list) {
     if (list.use_count() > 1)
@@ -58,11 +64,11 @@ bool ArchiveIndex::isIndexed(const QDomNode& below) {
 
 TypedElements ArchiveIndex::elements(const QDomNode& below, const QString& tag) {
     if (!isIndexed(below))
-        return typedElements(below, tag);
+        return TypedElements(typedElements(below, tag));
     update();
     List& list = tag == Words::RootObject ? m_rootObjects : m_baseParts;
     if (!list)
-        list = searchTyped(m_document, tag);
+        list = typedElements(m_document, tag);
     return TypedElements(list);
 }
 
@@ -263,7 +269,7 @@ void ArchiveIndex::wrote(const QString& text) {
 }
 
 std::optional<long long> ArchiveIndex::greatestId() {
-    std::size_t steps = mostHops(m_created.size());
+    std::size_t steps = mostSteps(m_created.size());
     if (m_greatest && m_mayHolderBeGone) {
         const bool isGone =
             m_isGreatestFromText || (!m_greatest->holder.isNull() && !isInTree(m_greatest->holder, steps));
@@ -290,7 +296,7 @@ void ArchiveIndex::setScannedIds(const ScannedIds& ids) {
 
 /// Compares the ids of new elements that are in the tree by now with the greatest.
 void ArchiveIndex::countCreated() {
-    std::size_t steps = mostHops(m_created.size());
+    std::size_t steps = mostSteps(m_created.size());
     std::vector<Created> outside;
     for (Created& created : m_created) {
         if (!isInTree(created.element, steps))

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Archive/Internal/ObjectIds.h"
+#include "Archive/Internal/GreatestId.h"
 #include "Archive/Internal/Predeclarations.h"
 #include "Archive/Internal/TreeFacts.h"
 #include "Archive/Internal/Walk.h"

@@ -35,10 +35,4 @@ struct NumberedEffect {
 /// Declares a new video effect, appends it to the archive and lists it last in `effects`, the list of a clip.
 EffectObject appendNumberedEffect(ArchiveEditor& archive, const NumberedEffect& kind, const QDomElement& effects);
 
-// To be removed with their last users.
-EffectObject createEffectObject(QDomDocument& doc, const QString& className, const QString& baseName,
-                                long long id);
-void appendStrings(QDomDocument& doc, QDomElement& object,
-                   std::initializer_list<std::pair<const char*, QString>> fields);
-
 } // namespace Archive::Internal

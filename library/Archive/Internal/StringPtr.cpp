@@ -1,6 +1,6 @@
 #include "Archive/Internal/StringPtr.h"
 
-#include "Archive/Internal/ObjectIds.h"
+#include "Archive/Internal/GreatestId.h"
 #include "Archive/Internal/PlainText.h"
 #include "Archive/Internal/Walk.h"
 

@@ -2,7 +2,7 @@
 
 // For this project's own use.
 
-#include "Archive/Internal/ObjectIds.h"
+#include "Archive/Internal/GreatestId.h"
 #include "Archive/Internal/Walk.h"
 
 #include <QHash>

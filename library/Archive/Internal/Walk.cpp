@@ -1,7 +1,5 @@
 #include "Archive/Internal/Walk.h"
 
-#include "Archive/Internal/Outline.h"
-
 #include <QDomDocument>
 
 namespace Archive::Internal {
@@ -14,7 +12,7 @@ QDomNodeList listOf(const QDomNode& below, const QString& tag) {
 
 } // namespace
 
-Elements search(const QDomNode& below, const QString& tag) {
+Elements elements(const QDomNode& below, const QString& tag) {
     Elements result;
     const QDomNodeList list = listOf(below, tag);
     const int length = list.length();
@@ -24,41 +22,19 @@ Elements search(const QDomNode& below, const QString& tag) {
     return result;
 }
 
-Elements elements(const QDomNode& below, const QString& tag) {
-    const auto* known = Outline::known(below, tag);
-    if (!known)
-        return search(below, tag);
-    Elements result;
-    result.reserve((*known)->size());
-    for (const TypedElement& e : **known)
-        result.push_back(e.element);
-    return result;
-}
-
 Elements elements(const QDomNode& below, const QString& tag, const QString& type) {
-    Elements result;
-    if (const auto* known = Outline::known(below, tag)) {
-        for (const TypedElement& e : **known) {
-            if (e.type == type)
-                result.push_back(e.element);
-        }
-    } else {
-        for (const QDomElement& e : search(below, tag)) {
-            if (e.attribute(Words::type) == type)
-                result.push_back(e);
-        }
-    }
+    Elements result = elements(below, tag);
+    std::erase_if(result, [&](const QDomElement& e) { return e.attribute(Words::type) != type; });
     return result;
 }
 
-TypedElements typedElements(const QDomNode& below, const QString& tag) {
-    const auto* known = Outline::known(below, tag);
-    return TypedElements(known ? *known : searchTyped(below, tag));
+Elements rootObjects(const QDomNode& below, const QString& type) {
+    return elements(below, Words::RootObject, type);
 }
 
-std::shared_ptr<TypedElements::List> searchTyped(const QDomNode& below, const QString& tag) {
+std::shared_ptr<TypedElements::List> typedElements(const QDomNode& below, const QString& tag) {
     auto result = std::make_shared<TypedElements::List>();
-    for (const QDomElement& e : search(below, tag))
+    for (const QDomElement& e : elements(below, tag))
         result->push_back({e, e.attribute(Words::type)});
     return result;
 }
@@ -84,36 +60,6 @@ QDomElement childAt(QDomElement e, std::initializer_list<QString> path) {
     return e;
 }
 
-void removeFromParent(const QDomElement& e) {
-    QDomNode parent = e.parentNode();
-    if (!parent.isNull())
-        removeChild(parent, e);
-}
-
-void removeChild(QDomNode& parent, const QDomNode& child) {
-    if (!parent.removeChild(child).isNull())
-        Outline::removedChild(parent, child);
-}
-
-void replaceChild(QDomNode& parent, const QDomNode& created, const QDomNode& old) {
-    if (!parent.replaceChild(created, old).isNull())
-        Outline::removedChild(parent, old);
-}
-
-void setType(QDomElement& e, const QString& type) {
-    e.setAttribute(Words::type, type);
-    Outline::retyped(e);
-}
-
-QDomElement soleArchive(const QDomDocument& document) {
-    if (Outline* outline = Outline::of(document)) {
-        if (const auto archive = outline->soleArchive())
-            return *archive;
-    }
-    const QDomNodeList found = document.elementsByTagName(Words::Archive);
-    return found.length() == 1 ? found.item(0).toElement() : QDomElement();
-}
-
 const void* identityOf(const QDomNode& node) {
     struct Handle : QDomNode {
         static const void* bodyOf(const QDomNode& node) { return node.*&Handle::impl; }
@@ -123,10 +69,10 @@ const void* identityOf(const QDomNode& node) {
 
 QDomNode nextInDocument(const QDomNode& node, const QDomNode& root) {
     const QDomNode child = node.firstChild();
-    return child.isNull() ? nextBeyond(node, root) : child;
+    return child.isNull() ? nextSkippingChildren(node, root) : child;
 }
 
-QDomNode nextBeyond(QDomNode node, const QDomNode& root) {
+QDomNode nextSkippingChildren(QDomNode node, const QDomNode& root) {
     while (!node.isNull() && node != root) {
         const QDomNode sibling = node.nextSibling();
         if (!sibling.isNull())

@@ -1,7 +1,5 @@
-#include "Archive/Internal/ObjectIds.h"
+#include "Archive/Internal/GreatestId.h"
 
-#include "Archive/Internal/Count.h"
-#include "Archive/Internal/Outline.h"
 #include "Archive/Internal/PlainText.h"
 #include "Archive/Internal/Walk.h"
 #include "Archive/Internal/Words.h"
@@ -100,32 +98,6 @@ ScannedIds scanIds(const QByteArray& documentText) {
     }
     ids.isComplete = !reader.hasError();
     return ids;
-}
-
-namespace {
-
-std::optional<long long> maxInTree(const QDomDocument& document) {
-    if (Outline* outline = Outline::of(document))
-        return outline->greatestId();
-    const auto greatest = searchGreatestId(document);
-    return greatest ? std::optional(greatest->id) : std::nullopt;
-}
-
-} // namespace
-
-long long maxObjectId(const QDomDocument& document) {
-    const auto greatest = maxInTree(document);
-    return greatest ? *greatest : getMaxObjectId(document.toByteArray(1));
-}
-
-long long& ObjectIds::greatest() {
-    if (!m_greatest)
-        m_greatest = maxObjectId(m_document);
-    return *m_greatest;
-}
-
-long long ObjectIds::next() {
-    return nextId(greatest());
 }
 
 } // namespace Archive::Internal
