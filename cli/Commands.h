@@ -1,11 +1,11 @@
 #pragma once
 
-#include "Reader/Chain.h"
+#include "Reader/AdaptorTable.h"
 
 #include <optional>
 #include <string>
 
-/// What the command line said.
+/// What the command line says.
 struct Arguments {
     std::string file;
     std::string output;

@@ -20,9 +20,9 @@ std::pair<int, nlohmann::json> JsonMigrationAdaptor::convert(const QDomDocument&
     return {m_version, std::move(result)};
 }
 
-std::pair<int, nlohmann::json> JsonMigrationAdaptor::consume(const QDomDocument& document,
+std::pair<int, nlohmann::json> JsonMigrationAdaptor::consume(QDomDocument document,
                                                              std::set<unsigned long long>& idsTaken) {
-    nlohmann::json result = XmlToJsonAdaptor().consume(document, idsTaken);
+    nlohmann::json result = XmlToJsonAdaptor().consume(std::exchange(document, {}), idsTaken);
     m_converted = true;
     return {m_version, std::move(result)};
 }

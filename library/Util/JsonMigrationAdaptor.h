@@ -2,6 +2,8 @@
 
 #include "Adaptors/IReaderAdaptor.h"
 
+#include <QDomDocument>
+
 #include <nlohmann/json.hpp>
 
 #include <set>
@@ -10,6 +12,8 @@
 namespace Util {
 
 /// The step from the XML archive to JSON. A document reader derives from it and gives it a name.
+///
+/// Threads: one object belongs to one thread at a time; conversions of different documents do not disturb each other.
 class JsonMigrationAdaptor : public Bundle::IReaderAdaptor {
 public:
     /// `version` is the schema version under which the converted document goes on; it is handed back as it is.
@@ -20,8 +24,7 @@ public:
     std::pair<int, nlohmann::json> convert(const QDomDocument& document) override;
 
     /// As convert(), for a document that nobody needs any more; see XmlToJsonAdaptor::consume().
-    std::pair<int, nlohmann::json> consume(const QDomDocument& document,
-                                           std::set<unsigned long long>& idsTaken);
+    std::pair<int, nlohmann::json> consume(QDomDocument document, std::set<unsigned long long>& idsTaken);
 
     /// Whether convert() or consume() has been called.
     bool converted() const { return m_converted; }

@@ -427,8 +427,10 @@ json XmlToJsonAdaptor::adapt(const QDomDocument& document) {
     return Impl().adapt(document);
 }
 
-json XmlToJsonAdaptor::consume(const QDomDocument& document, std::set<unsigned long long>& idsTaken) {
-    return Impl().consume(document, idsTaken);
+json XmlToJsonAdaptor::consume(QDomDocument document, std::set<unsigned long long>& idsTaken) {
+    json result = Impl().consume(document, idsTaken);
+    document.clear(); // what is left of it
+    return result;
 }
 
 } // namespace Util

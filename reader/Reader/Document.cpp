@@ -1,10 +1,12 @@
 #include "Reader/Document.h"
 
+#include "Archive/Internal/TreeFacts.h"
 #include "Reader/Error.h"
 #include "Reader/JsonText.h"
 #include "Reader/XmlText.h"
 
 #include <stdexcept>
+#include <utility>
 
 using nlohmann::json;
 
@@ -57,9 +59,8 @@ std::optional<int> versionOf(const json& envelope, const QString& name) {
     return static_cast<int>(*version);
 }
 
-Document parseArchive(const QByteArray& bytes, const QString& name, std::optional<int> version) {
-    Archive::Internal::TreeFacts facts;
-    const QDomDocument xml = parseXml(bytes, name, &facts);
+QDomDocument parseArchive(const QByteArray& bytes, const QString& name, Archive::Internal::TreeFacts& facts) {
+    QDomDocument xml = parseXml(bytes, name, &facts);
     const QDomElement archive = xml.documentElement();
     if (archive.tagName() != archiveTag)
         fail(Problem::NoArchive, name,
@@ -67,7 +68,7 @@ Document parseArchive(const QByteArray& bytes, const QString& name, std::optiona
     if (facts.archives != 1)
         fail(Problem::NoArchive, name,
              "there are " + std::to_string(facts.archives) + " <Archive> elements, a project has one");
-    return {xml, version ? version : versionOf(archive, name), std::move(facts)};
+    return xml;
 }
 
 Document parseProjectJson(const QByteArray& bytes, const QString& name, std::optional<int> version) {
@@ -79,13 +80,13 @@ Document parseProjectJson(const QByteArray& bytes, const QString& name, std::opt
     if (!version)
         version = versionOf(envelope, name);
     envelope.erase(schemaVersionKey);
-    return {openEnvelope(std::move(envelope), name), version, std::nullopt};
+    return Document(openEnvelope(std::move(envelope), name), version);
 }
 
 Serialized serializeXml(Document document) {
     QDomElement archive = document.xml().documentElement();
-    if (document.version)
-        archive.setAttribute(versionAttribute, QString::number(*document.version));
+    if (document.version())
+        archive.setAttribute(versionAttribute, QString::number(*document.version()));
     return {writeXml(document.xml()), 0};
 }
 
@@ -94,21 +95,63 @@ Serialized serializeJson(Document document) {
     json envelope = std::move(project.envelope);
     Serialized result;
     envelope[dataKey] = nest(std::move(project), result.leftOut);
-    if (document.version)
-        envelope[schemaVersionKey] = *document.version;
+    if (document.version())
+        envelope[schemaVersionKey] = *document.version();
     result.bytes = writeJson(envelope) + '\n';
     return result;
 }
 
+/// The same JSON value. Its own copy constructor takes stack for each level of depth, its text does not.
+json copyOf(const json& value) {
+    return parseJson(writeJson(value), QString());
+}
+
+JsonDocument copyOf(const JsonDocument& project) {
+    JsonDocument copy;
+    copy.root = project.root;
+    copy.envelope = project.envelope;
+    copy.notes = project.notes;
+    for (const auto& [id, object] : project.flat.objects)
+        copy.flat.objects.emplace_hint(copy.flat.objects.end(), id, copyOf(object));
+    return copy;
+}
+
 } // namespace
+
+Document::Document(const QDomDocument& xml, std::optional<int> version)
+    : m_content(xml), m_version(version) {}
+Document::Document(JsonDocument json, std::optional<int> version)
+    : m_content(std::move(json)), m_version(version) {}
+Document::~Document() = default;
+Document::Document(Document&& other) noexcept = default;
+Document& Document::operator=(Document&& other) noexcept = default;
+
+Bundle::Backend Document::form() const {
+    return m_content.index() == 0 ? Bundle::Backend::Xml : Bundle::Backend::Json;
+}
+
+QDomDocument& Document::xml() {
+    m_facts.reset();
+    return std::get<QDomDocument>(m_content);
+}
+
+Document Document::clone() const {
+    return isXml() ? Document(xml().cloneNode().toDocument(), m_version)
+                   : Document(copyOf(json()), m_version);
+}
 
 Document parse(const QByteArray& bytes, const QString& name, std::optional<int> version) {
     const auto first = firstByte(bytes);
     if (!first)
         fail(Problem::Empty, name, "the file is empty");
     switch (*first) {
-    case '<':
-        return parseArchive(bytes, name, version);
+    case '<': {
+        auto facts = std::make_unique<Archive::Internal::TreeFacts>();
+        const QDomDocument xml = parseArchive(bytes, name, *facts);
+        Document document(xml, version ? version : versionOf(xml.documentElement(), name));
+        document.m_facts = std::move(facts);
+        return document;
+    }
     case '{':
     case '[':
         return parseProjectJson(bytes, name, version);

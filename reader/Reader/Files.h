@@ -7,6 +7,9 @@
 
 #include <array>
 
+// Threads: every function here may be called from any thread at any time. A file that two threads write at once has
+// the content of one of them.
+
 namespace Reader {
 
 /// What "-" stands for as a path: standard input or output.
@@ -27,6 +30,8 @@ void writeFile(const QString& path, const QByteArray& bytes, Existing existing =
 
 /// A file that is read, changed and written back. While one lives, a second of the same file is refused, and what
 /// others did to the file in the meantime is not written over.
+///
+/// Threads: one object belongs to one thread at a time.
 class FileInPlace {
 public:
     /// Throws Error where another run has the file.

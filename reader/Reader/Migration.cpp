@@ -1,0 +1,302 @@
+#include "Reader/Migration.h"
+
+#include "Archive/Internal/Outline.h"
+#include "Archive/Internal/RootObjects.h"
+#include "Archive/Internal/TreeFacts.h"
+#include "Archive/Internal/Walk.h"
+#include "Archive/Xml.h"
+#include "Reader/Conversion.h"
+#include "Reader/Error.h"
+#include "Reader/StepLog.h"
+
+#include <algorithm>
+#include <memory>
+#include <new>
+#include <set>
+#include <utility>
+
+namespace Words = Archive::Words;
+using Archive::Internal::idOf;
+using Bundle::Backend;
+
+namespace Reader {
+namespace {
+
+[[noreturn]] void fail(Problem problem, const QString& name, const std::string& reason) {
+    throw Error(problem, name.toStdString() + ": " + reason);
+}
+
+/// The index that steps on an archive look things up in.
+Archive::Internal::Outline indexOf(QDomDocument& xml, std::unique_ptr<Archive::Internal::TreeFacts> facts) {
+    if (facts)
+        return Archive::Internal::Outline(xml, std::move(*facts));
+    return Archive::Internal::Outline(xml);
+}
+
+void checkRootObject(const QDomDocument& xml, const QString& name) {
+    const QDomElement ref = xml.documentElement().firstChildElement(Words::RootRef);
+    const auto id = ref.attribute(Words::value).toLongLong();
+    const auto objects = Archive::Internal::typedElements(xml, Words::RootObject);
+    const bool isThere = std::any_of(objects.begin(), objects.end(), [&](const auto& object) {
+        return object.type != Words::Predeclarator && idOf(object.element) == id;
+    });
+    if (!isThere)
+        fail(Problem::NoArchive, name,
+             "<RootRef> names the object " + std::to_string(id) + ", and there is no such <RootObject>");
+}
+
+/// Puts the predeclarations first among the root objects and the project's root object behind them. Their order means
+/// nothing to the format, but some steps take the first timeline that they find, which must be the main one and not a
+/// nested one.
+void sortRootObjects(QDomDocument& xml) {
+    QDomElement archive = xml.documentElement();
+    const auto root = archive.firstChildElement(Words::RootRef).attribute(Words::value).toULongLong();
+    Archive::Internal::Elements first;
+    QDomElement main;
+    for (const auto& [e, type] : Archive::Internal::typedElements(xml, Words::RootObject)) {
+        if (e.parentNode() != archive)
+            continue;
+        if (type == Words::Predeclarator)
+            first.push_back(e);
+        else if (main.isNull() && Archive::objectIdOf(e) == root)
+            main = e;
+    }
+    if (!main.isNull())
+        first.push_back(main);
+    QDomElement place = archive.firstChildElement(Words::RootObject);
+    for (const QDomElement& e : first) {
+        if (e == place) {
+            place = place.nextSiblingElement(Words::RootObject);
+        } else {
+            Archive::Internal::Outline::removed(e);
+            archive.insertBefore(e, place);
+        }
+    }
+}
+
+/// A folder that is not known gets the name of its marker, and no real path is below that: markers in paths become
+/// paths there and markers again.
+Project::PortableFolders withStandIns(Project::PortableFolders folders) {
+    const auto fill = [](QString& folder, const char* standIn) {
+        if (folder.isEmpty())
+            folder = QString::fromLatin1(standIn);
+    };
+    fill(folders.packages, "/#PACKAGES_ROOT#");
+    fill(folders.aiModels, "/#AI_MODELS_ROOT#");
+    fill(folders.downloadables, "/#DOWNLOADABLE_ROOT#");
+    return folders;
+}
+
+/// The clips among `before` that the document no longer reaches. Ids of an archive are kept in JSON, but for objects
+/// that shared theirs with another.
+std::vector<Clip> lostAmong(const std::vector<Clip>& before, const Document& document, Backend formBefore) {
+    const auto reachable = findReachable(document);
+    const auto idNow = [&](unsigned long long id) {
+        if (document.isXml() || formBefore == Backend::Json)
+            return id;
+        const auto& redirected = document.json().notes.redirected;
+        const auto it = redirected.find(id);
+        return it == redirected.end() ? id : it->second;
+    };
+    std::vector<Clip> lost;
+    for (const Clip& clip : before) {
+        if (!reachable.count(idNow(clip.id)))
+            lost.push_back(clip);
+    }
+    return lost;
+}
+
+} // namespace
+
+Migration::Migration(Document document, MigrationOptions options)
+    : m_options(std::move(options)), m_document(std::move(document)) {
+    m_options.folders = withStandIns(std::move(m_options.folders));
+}
+
+void Migration::run() {
+    checkVersions();
+    noteInput();
+    if (m_document.isXml()) {
+        migrateArchive();
+        if (m_options.to > lastXmlVersion)
+            migrateJson();
+    } else {
+        m_clipsBefore = listClips(m_document);
+        finish(MigrationPart::Kind::Preparation, {});
+        migrateJson();
+        // Quirk: side files of a JSON document are read last, those of an archive first.
+        runStage(Stage::AfterLoading, m_options.location);
+    }
+    compareResult();
+}
+
+void Migration::checkVersions() const {
+    if (!m_document.version())
+        fail(Problem::NoVersion, m_options.name,
+             "the document names no schema version; give it with --from N");
+    const int from = *m_document.version();
+    const int to = m_options.to;
+    if (from > currentVersion)
+        fail(Problem::WrongVersion, m_options.name,
+             "schema version " + std::to_string(from) + " is too new, this program knows versions up to " +
+                 std::to_string(currentVersion));
+    if (to < from || to > currentVersion)
+        fail(Problem::WrongVersion, m_options.name,
+             "a document of schema version " + std::to_string(from) + " can go to a version from " +
+                 std::to_string(from) + " to " + std::to_string(currentVersion) + ", not to " +
+                 std::to_string(to));
+    if (!m_document.isXml() && to <= lastXmlVersion)
+        fail(Problem::WrongVersion, m_options.name,
+             "a JSON document can't become an archive again; ask for version " +
+                 std::to_string(lastXmlVersion + 1) + " or above");
+}
+
+void Migration::noteInput() {
+    m_report.formBefore = m_document.form();
+    m_report.from = *m_document.version();
+    m_report.objectsBefore = countObjects(m_document);
+}
+
+/// All that happens to an archive while it is one; the conversion is the last of it.
+void Migration::migrateArchive() {
+    auto facts = std::move(m_document.m_facts);
+    Archive::Internal::Outline index = indexOf(m_document.xml(), std::move(facts));
+    m_clipsBefore = listClips(m_document);
+    checkRootObject(m_document.xml(), m_options.name);
+    sortRootObjects(m_document.xml());
+    finish(MigrationPart::Kind::Preparation, {});
+
+    runStage(Stage::AfterLoading, m_options.location);
+    runStage(Stage::BeforeSteps, m_options.location);
+    const int last = std::min(m_options.to, lastXmlVersion);
+    for (const AdaptorRow* step : stepsFor(Backend::Xml, *m_document.version(), last)) {
+        runAdaptor(std::string(step->className), *step, {});
+        m_report.steps.emplace_back(step->className);
+        index.endStep();
+    }
+    if (m_options.to > lastXmlVersion) {
+        runStage(Stage::BeforeConversion, m_options.location);
+        convert();
+    }
+}
+
+void Migration::convert() {
+    checkRootObject(m_document.xml(), m_options.name);
+    Conversion conversion;
+    // Questions of quizzes come out of archives of their own and bring objects along that have ids of the project's.
+    std::set<unsigned long long> idsTaken;
+    runNamed(conversion.name().toStdString(), [&] {
+        auto [version, json] =
+            conversion.consume(std::exchange(m_document.xml(), QDomDocument()), idsTaken);
+        m_document = Document(openEnvelope(std::move(json), m_options.name),
+                              std::max(*m_document.version(), version));
+    });
+    auto& duplicateIds = m_document.json().notes.duplicateIds;
+    idsTaken.insert(duplicateIds.begin(), duplicateIds.end());
+    duplicateIds.assign(idsTaken.begin(), idsTaken.end());
+}
+
+/// What happens to every JSON document.
+void Migration::migrateJson() {
+    for (const AdaptorRow* step : stepsFor(Backend::Json, *m_document.version(), m_options.to)) {
+        if (!step->hasJson()) {
+            m_report.skipped.emplace_back(step->className);
+            continue;
+        }
+        runAdaptor(std::string(step->className), *step, {});
+        m_report.steps.emplace_back(step->className);
+    }
+    runStage(Stage::AfterSteps, m_options.location);
+}
+
+void Migration::compareResult() {
+    if (!m_document.isXml())
+        m_report.duplicateIds = m_document.json().notes.duplicateIds;
+    m_document.setVersion(m_options.to);
+    m_report.to = m_options.to;
+    m_report.formAfter = m_document.form();
+    m_report.objectsAfter = countObjects(m_document);
+    m_report.lostClips = lostAmong(m_clipsBefore, m_document, m_report.formBefore);
+    m_report.clipsBefore = m_clipsBefore.size();
+    m_report.clipsAfter = m_report.clipsBefore - m_report.lostClips.size();
+    finish(MigrationPart::Kind::Comparison, {});
+}
+
+void Migration::runOnly(const std::string& className) {
+    const AdaptorRow* row = findAdaptor(className);
+    if (!row)
+        throw Error(Problem::WrongUse,
+                    "there is no step " + className + "; \"adaptors steps\" lists them all");
+    if (!(m_document.isXml() ? row->hasXml() : row->hasJson()))
+        fail(Problem::WrongUse, m_options.name,
+             className + " has no form for a document that is " + formName(m_document.form()).toStdString());
+    m_report.formBefore = m_report.formAfter = m_document.form();
+    m_report.from = m_report.to = m_document.version().value_or(0);
+    m_report.objectsBefore = countObjects(m_document);
+    runAdaptor(className, *row, contextAt(m_options.location));
+    m_report.steps.push_back(className);
+    m_report.objectsAfter = countObjects(m_document);
+}
+
+QByteArray Migration::save(bool toBundle) {
+    if (!m_document.isXml()) {
+        runStage(Stage::BeforeSaving, m_options.target);
+        if (toBundle)
+            runStage(Stage::BeforeBundling, m_options.target);
+    }
+    return write();
+}
+
+QByteArray Migration::write() {
+    Serialized result = serialize(std::move(m_document));
+    m_report.leftOut = result.leftOut;
+    return std::move(result.bytes);
+}
+
+/// Runs the adaptors of a stage on the document in the form that it has.
+void Migration::runStage(Stage stage, const QString& location) {
+    const AdaptorContext context = contextAt(location);
+    for (const AdaptorRow* row : adaptorsOf(stage))
+        runAdaptor(std::string(row->className), *row, context);
+}
+
+void Migration::runAdaptor(const std::string& name, const AdaptorRow& row, const AdaptorContext& context) {
+    runNamed(name, [&] {
+        if (m_document.isXml())
+            row.makeXml(context)->adapt(m_document.xml());
+        else
+            row.makeJson(context)->adapt(m_document.json().flat);
+    });
+}
+
+/// Runs an adaptor: what it logs and throws gets its name.
+void Migration::runNamed(const std::string& name, const std::function<void()>& adapt) {
+    {
+        const StepLog log(name, m_report.log);
+        try {
+            adapt();
+        } catch (const Error&) {
+            throw;
+        } catch (const std::bad_alloc&) {
+            throw; // no fault of the adaptor's
+        } catch (const std::exception& error) {
+            fail(Problem::StepFailed, m_options.name, name + ": " + error.what());
+        }
+    }
+    finish(MigrationPart::Kind::Adaptor, name);
+}
+
+AdaptorContext Migration::contextAt(const QString& location) const {
+    return {location, m_options.folders,
+            [files = m_options.sourceFiles](const QString& name) { return files.read(name); },
+            [files = m_options.targetFiles](const QString& name, const QByteArray& content) {
+                return files.write(name, content);
+            }};
+}
+
+void Migration::finish(MigrationPart::Kind kind, const std::string& name) const {
+    if (m_options.watch)
+        m_options.watch({kind, name}, m_document);
+}
+
+} // namespace Reader
