@@ -112,7 +112,7 @@ std::unique_ptr<Adaptor> make(const AdaptorContext& context) {
         return std::make_unique<Adaptor>(context.readSideFile);
     else if constexpr (std::is_same_v<Adaptor, OverlayFileContentWriteAdaptor>)
         return std::make_unique<Adaptor>(context.writeSideFile);
-    else if constexpr (std::is_constructible_v<Adaptor, const QString&, const Project::PortableFolders&>)
+    else if constexpr (std::is_constructible_v<Adaptor, const QString&, const Bundle::PortableFolders&>)
         return std::make_unique<Adaptor>(context.location, context.folders);
     else
         return std::make_unique<Adaptor>();

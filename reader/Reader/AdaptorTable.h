@@ -3,7 +3,7 @@
 #include "Adaptors/AbstractAdaptorJson.h"
 #include "Adaptors/AbstractAdaptorXml.h"
 #include "Adaptors/Backend.h"
-#include "Adaptors/Project/PortableFolders.h"
+#include "Adaptors/PortableFolders.h"
 
 #include <QByteArray>
 #include <QString>
@@ -29,7 +29,7 @@ inline constexpr int lastXmlVersion = 62;
 /// Threads: the side file functions are called on the thread that runs the adaptor.
 struct AdaptorContext {
     QString location;                                            ///< path of the project file
-    Project::PortableFolders folders;                            ///< of the installed editor
+    Bundle::PortableFolders folders;                             ///< of the installed editor
     std::function<QByteArray(const QString& name)> readSideFile; ///< empty for none
     std::function<bool(const QString& name, const QByteArray& content)> writeSideFile; ///< false if it can't
 };

@@ -76,7 +76,7 @@ void sortRootObjects(QDomDocument& xml) {
 
 /// A folder that is not known gets the name of its marker, and no real path is below that: markers in paths become
 /// paths there and markers again.
-Project::PortableFolders withStandIns(Project::PortableFolders folders) {
+Bundle::PortableFolders withStandIns(Bundle::PortableFolders folders) {
     const auto fill = [](QString& folder, const char* standIn) {
         if (folder.isEmpty())
             folder = QString::fromLatin1(standIn);
@@ -186,10 +186,9 @@ void Migration::convert() {
     // Questions of quizzes come out of archives of their own and bring objects along that have ids of the project's.
     std::set<unsigned long long> idsTaken;
     runNamed(conversion.name().toStdString(), [&] {
-        auto [version, json] =
-            conversion.consume(std::exchange(m_document.xml(), QDomDocument()), idsTaken);
-        m_document = Document(openEnvelope(std::move(json), m_options.name),
-                              std::max(*m_document.version(), version));
+        auto [version, json] = conversion.consume(std::exchange(m_document.xml(), QDomDocument()), idsTaken);
+        m_document =
+            Document(openEnvelope(std::move(json), m_options.name), std::max(*m_document.version(), version));
     });
     auto& duplicateIds = m_document.json().notes.duplicateIds;
     idsTaken.insert(duplicateIds.begin(), duplicateIds.end());

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Adaptors/Project/PortableFolders.h"
+#include "Adaptors/PortableFolders.h"
 #include "Reader/AdaptorTable.h"
 #include "Reader/SideFiles.h"
 
@@ -35,7 +35,7 @@ struct MigrationOptions {
     SideFiles sourceFiles{QString()}; ///< side files that the project is read with
     SideFiles targetFiles{QString()}; ///< side files that it may be saved with
     /// The installed editor's folders. Where one is empty, its marker stays in paths as it is.
-    Project::PortableFolders folders = {};
+    Bundle::PortableFolders folders = {};
     /// Called behind each part, on the migration's thread, with the document as it is then.
     std::function<void(const MigrationPart& part, const Document& document)> watch = {};
 };

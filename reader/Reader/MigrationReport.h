@@ -26,8 +26,9 @@ struct MigrationReport {
     Bundle::Backend formAfter = Bundle::Backend::Xml;
     int from = 0;
     int to = 0;
-    std::vector<std::string> steps;   ///< class names of the steps that ran, in order
-    std::vector<std::string> skipped; ///< steps that exist for archives only and were left out of a JSON document
+    std::vector<std::string> steps; ///< class names of the steps that ran, in order
+    std::vector<std::string>
+        skipped; ///< steps that exist for archives only and were left out of a JSON document
     std::vector<LogLine> log;
     ObjectCounts objectsBefore;
     ObjectCounts objectsAfter;

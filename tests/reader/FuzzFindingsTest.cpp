@@ -1,7 +1,7 @@
 // What the fuzz targets once found stands in tests/fuzz/corpus and goes through the reader here too.
 
 #include "Reader/Error.h"
-#include "Reader/Road.h"
+#include "Reader/Migration.h"
 #include "Reader/Verify.h"
 #include "support/Files.h"
 #include "support/Outlines.h"
@@ -31,27 +31,27 @@ std::vector<fs::path> findings() {
 
 /// The bytes of a document that went as far as it can; empty for one that is refused.
 QByteArray saved(const QByteArray& bytes) {
-    Reader::Journey journey;
-    journey.name = journey.location = journey.target = QStringLiteral("film");
-    journey.watch = [](const std::string& step, const Document& document) {
+    Reader::MigrationOptions options;
+    options.name = options.location = options.target = QStringLiteral("film");
+    options.watch = [](const Reader::MigrationPart& part, const Document& document) {
         auto* outline = document.isXml() ? Archive::Internal::Outline::of(document.xml()) : nullptr;
         if (outline) {
-            EXPECT_EQ(Tests::difference(*outline, document.xml()), "") << "behind " << step;
+            EXPECT_EQ(Tests::difference(*outline, document.xml()), "") << "behind " << part.name;
         }
     };
     try {
-        Document document = Reader::parse(bytes, journey.name);
+        Document document = Reader::parse(bytes, options.name);
         Reader::verify(document);
-        document.version = document.version.value_or(0);
-        Reader::Report report = Reader::migrate(document, journey);
-        return Reader::save(std::move(document), journey, report).bytes;
+        document.setVersion(document.version().value_or(0));
+        Reader::Migration migration(std::move(document), options);
+        migration.run();
+        return migration.save();
     } catch (const Reader::Error&) {
         return {};
     }
 }
 
 TEST(FuzzFindings, AreRefusedOrMigratedToWhatCanBeRead) {
-    Reader::useStandInFolders();
     const auto files = findings();
     ASSERT_FALSE(files.empty());
     for (const fs::path& file : files) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Reader/Chain.h"
+#include "Reader/AdaptorTable.h"
 #include "support/Files.h"
 #include "support/Program.h"
 

@@ -25,7 +25,7 @@ QString toAbsolute(const QString& path, const QString& base, const PathRoots& ro
 
 PortableLoadAdaptor::PortableLoadAdaptor(const QString& location) : m_location(location) {}
 
-PortableLoadAdaptor::PortableLoadAdaptor(const QString& location, const PortableFolders& folders)
+PortableLoadAdaptor::PortableLoadAdaptor(const QString& location, const Bundle::PortableFolders& folders)
     : m_location(location), m_folders(folders) {}
 
 void PortableLoadAdaptor::adapt(Serialize::Json::FlatObject& document) {

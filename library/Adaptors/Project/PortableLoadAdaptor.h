@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Adaptors/AbstractAdaptorJson.h"
-#include "Adaptors/Project/PortableFolders.h"
+#include "Adaptors/PortableFolders.h"
 
 #include <QString>
 
@@ -19,7 +19,7 @@ public:
     /// the settings at each call of adapt().
     explicit PortableLoadAdaptor(const QString& location);
     /// The same with other folders than those of the settings.
-    PortableLoadAdaptor(const QString& location, const PortableFolders& folders);
+    PortableLoadAdaptor(const QString& location, const Bundle::PortableFolders& folders);
     PortableLoadAdaptor(const PortableLoadAdaptor&) = default;
     PortableLoadAdaptor& operator=(const PortableLoadAdaptor&) = default;
 
@@ -27,7 +27,7 @@ public:
 
 private:
     QString m_location;
-    std::optional<PortableFolders> m_folders; ///< none for those of the settings
+    std::optional<Bundle::PortableFolders> m_folders; ///< none for those of the settings
 };
 
 } // namespace Project

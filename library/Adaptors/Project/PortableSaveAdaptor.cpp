@@ -21,7 +21,7 @@ QString toPortable(const QString& path, const QString& base, const PathRoots& ro
 
 PortableSaveAdaptor::PortableSaveAdaptor(const QString& location) : m_location(location) {}
 
-PortableSaveAdaptor::PortableSaveAdaptor(const QString& location, const PortableFolders& folders)
+PortableSaveAdaptor::PortableSaveAdaptor(const QString& location, const Bundle::PortableFolders& folders)
     : m_location(location), m_folders(folders) {}
 
 void PortableSaveAdaptor::adapt(Serialize::Json::FlatObject& document) {

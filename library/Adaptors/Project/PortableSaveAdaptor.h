@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Adaptors/AbstractAdaptorJson.h"
-#include "Adaptors/Project/PortableFolders.h"
+#include "Adaptors/PortableFolders.h"
 
 #include <QString>
 
@@ -20,7 +20,7 @@ public:
     /// the settings at each call of adapt().
     explicit PortableSaveAdaptor(const QString& location);
     /// The same with other folders than those of the settings.
-    PortableSaveAdaptor(const QString& location, const PortableFolders& folders);
+    PortableSaveAdaptor(const QString& location, const Bundle::PortableFolders& folders);
     PortableSaveAdaptor(const PortableSaveAdaptor&) = default;
     PortableSaveAdaptor& operator=(const PortableSaveAdaptor&) = default;
 
@@ -28,7 +28,7 @@ public:
 
 private:
     QString m_location;
-    std::optional<PortableFolders> m_folders; ///< none for those of the settings
+    std::optional<Bundle::PortableFolders> m_folders; ///< none for those of the settings
 };
 
 } // namespace Project

@@ -41,11 +41,11 @@ void convertObject(json& object, const PathFields& row,
 
 } // namespace
 
-PathRoots pathRoots(const std::optional<Project::PortableFolders>& folders) {
-    const Project::PortableFolders used =
+PathRoots pathRoots(const std::optional<Bundle::PortableFolders>& folders) {
+    const Bundle::PortableFolders used =
         folders ? *folders
-                : Project::PortableFolders{Settings::legacyPackageDeploymentPath(), Settings::aiModelsPath(),
-                                           Settings::downloadableResourcesPath()};
+                : Bundle::PortableFolders{Settings::legacyPackageDeploymentPath(), Settings::aiModelsPath(),
+                                          Settings::downloadableResourcesPath()};
     return {{
         {QStringLiteral("#PACKAGES_ROOT#"), used.packages},
         {QStringLiteral("#AI_MODELS_ROOT#"), used.aiModels},

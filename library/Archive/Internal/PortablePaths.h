@@ -2,7 +2,7 @@
 
 // For this project's own use: what the two portable path adaptors share.
 
-#include "Adaptors/Project/PortableFolders.h"
+#include "Adaptors/PortableFolders.h"
 #include "Serialize/Json/FlatObject.h"
 
 #include <QString>
@@ -23,7 +23,7 @@ struct PathRoot {
 using PathRoots = std::array<PathRoot, 3>;
 
 /// The roots of these folders, or of those that the settings have now.
-PathRoots pathRoots(const std::optional<Project::PortableFolders>& folders);
+PathRoots pathRoots(const std::optional<Bundle::PortableFolders>& folders);
 
 /// Replaces every path field of the document by what `convert` makes of it; the `description` of an import
 /// follows its path. Throws the JSON type error for a field that is no string.

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-namespace Project {
+namespace Bundle {
 
 /// Folders of the installed editor. Saved paths below one of them begin with its marker; an empty one has no paths
 /// below it, and its marker is replaced by nothing.
@@ -14,4 +14,4 @@ struct PortableFolders {
     QString downloadables; ///< #DOWNLOADABLE_ROOT#
 };
 
-} // namespace Project
+} // namespace Bundle
