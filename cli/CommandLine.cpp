@@ -1,14 +1,13 @@
 #include "CommandLine.h"
 
 #include "Commands.h"
+#include "Messages.h"
 
 #include <CLI/CLI.hpp>
 
 #include <string>
 
 namespace {
-
-constexpr int usageError = 2;
 
 const std::string newest = std::to_string(Reader::currentVersion);
 
@@ -168,7 +167,7 @@ int runCommandLine(int argc, char** argv) {
     } catch (const CLI::RuntimeError& done) {
         return done.get_exit_code();
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : usageError;
+        return app.exit(error) == 0 ? 0 : Messages::WrongUse;
     }
     return 0;
 }

@@ -1,6 +1,7 @@
 #include "Commands.h"
 
 #include "Memory.h"
+#include "Messages.h"
 #include "Places.h"
 #include "Reader/Error.h"
 #include "Reader/Files.h"
@@ -14,9 +15,6 @@ namespace Commands {
 namespace {
 
 using namespace Places;
-using Reader::Problem;
-
-constexpr int hasFindings = 17;
 
 /// Prints the summary for people, or as JSON: that on standard output unless the document goes there.
 void print(const Arguments& arguments, const QString& output, const Summary& summary) {
@@ -62,7 +60,7 @@ int migrate(const Arguments& arguments) {
     const QString input = inputFor(arguments);
     const QString output = outputFor(arguments, input);
     if (arguments.inPlace && isStandardStream(input))
-        throw Reader::Error(Problem::WrongUse, "--in-place needs a file, not standard input");
+        throw Messages::Failure(Messages::inPlaceNeedsFile());
     refuseExisting(arguments, output);
 
     std::optional<Reader::FileInPlace> file;
@@ -87,9 +85,7 @@ int migrate(const Arguments& arguments) {
     Summary summary{report, name, {}, {}};
     if (isRefused()) {
         print(arguments, output, summary);
-        throw Reader::Error(Problem::StrictFailure,
-                            name.toStdString() +
-                                ": not written, since --strict lets no error and no loss pass");
+        throw Messages::Failure(Messages::refusedByStrict(name));
     }
     if (file)
         summary.backup = file->replace(result);
@@ -132,7 +128,7 @@ int verify(const Arguments& arguments) {
     const QString name = nameOf(input);
     const auto findings = Reader::verify(Reader::parse(readInput(input), name, arguments.from));
     std::cout << (arguments.json ? findingsAsJson(findings, name) : findingsAsText(findings, name));
-    return findings.empty() ? 0 : hasFindings;
+    return findings.empty() ? Messages::Done : Messages::HasFindings;
 }
 
 int trace(const Arguments& arguments) {

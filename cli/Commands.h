@@ -23,7 +23,8 @@ struct Arguments {
     bool json = false;
 };
 
-/// What the program does, a function for each command. Each gives the exit code; all but steps() throw Reader::Error.
+/// What the program does, a function for each command. Each gives the exit code; all but steps() throw Reader::Error
+/// and Messages::Failure.
 namespace Commands {
 
 int migrate(const Arguments& arguments);

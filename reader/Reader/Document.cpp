@@ -27,16 +27,11 @@ std::optional<char> firstByte(const QByteArray& bytes) {
     return position < bytes.size() ? std::optional(bytes.at(position)) : std::nullopt;
 }
 
-[[noreturn]] void fail(Problem problem, const QString& name, const std::string& reason) {
-    throw Error(problem, name.toStdString() + ": " + reason);
+[[noreturn]] void fail(ErrorKind kind, const QString& name, const std::string& reason = {}) {
+    throw Error(kind, {.file = name, .reason = reason});
 }
 
 constexpr long long greatestVersion = 1000000; // far beyond any that there will be
-
-[[noreturn]] void refuseVersion(const QString& name, const std::string& text) {
-    fail(Problem::NoVersion, name,
-         "the schema version " + text + " is no version number; give the right one with --from N");
-}
 
 std::optional<int> versionOf(const QDomElement& archive, const QString& name) {
     if (!archive.hasAttribute(versionAttribute))
@@ -45,7 +40,7 @@ std::optional<int> versionOf(const QDomElement& archive, const QString& name) {
     bool isNumber = false;
     const long long version = text.toLongLong(&isNumber);
     if (!isNumber || version < 0 || version > greatestVersion)
-        refuseVersion(name, '"' + text.toStdString() + '"');
+        fail(ErrorKind::BadVersion, name, '"' + text.toStdString() + '"');
     return static_cast<int>(version);
 }
 
@@ -55,7 +50,7 @@ std::optional<int> versionOf(const json& envelope, const QString& name) {
         return std::nullopt;
     const auto version = Serialize::Json::toId(*it);
     if (!version || *version > static_cast<unsigned long long>(greatestVersion))
-        refuseVersion(name, it->dump());
+        fail(ErrorKind::BadVersion, name, it->dump());
     return static_cast<int>(*version);
 }
 
@@ -63,20 +58,17 @@ QDomDocument parseArchive(const QByteArray& bytes, const QString& name, Archive:
     QDomDocument xml = parseXml(bytes, name, &facts);
     const QDomElement archive = xml.documentElement();
     if (archive.tagName() != archiveTag)
-        fail(Problem::NoArchive, name,
-             "the document element is <" + archive.tagName().toStdString() + ">, a project has <Archive>");
+        fail(ErrorKind::NoArchive, name, "the document element is <" + archive.tagName().toStdString() + '>');
     if (facts.archives != 1)
-        fail(Problem::NoArchive, name,
-             "there are " + std::to_string(facts.archives) + " <Archive> elements, a project has one");
+        fail(ErrorKind::NoArchive, name,
+             "there are " + std::to_string(facts.archives) + " <Archive> elements");
     return xml;
 }
 
 Document parseProjectJson(const QByteArray& bytes, const QString& name, std::optional<int> version) {
     json envelope = parseJson(bytes, name);
     if (!envelope.is_object())
-        fail(Problem::WrongEnvelope, name,
-             std::string("the document is a JSON ") + envelope.type_name() +
-                 ", a project is an object with \"data\" and \"version\"");
+        fail(ErrorKind::WrongEnvelope, name, std::string("the document is a JSON ") + envelope.type_name());
     if (!version)
         version = versionOf(envelope, name);
     envelope.erase(schemaVersionKey);
@@ -143,7 +135,7 @@ Document Document::clone() const {
 Document parse(const QByteArray& bytes, const QString& name, std::optional<int> version) {
     const auto first = firstByte(bytes);
     if (!first)
-        fail(Problem::Empty, name, "the file is empty");
+        fail(ErrorKind::Empty, name);
     switch (*first) {
     case '<': {
         auto facts = std::make_unique<Archive::Internal::TreeFacts>();
@@ -156,30 +148,28 @@ Document parse(const QByteArray& bytes, const QString& name, std::optional<int> 
     case '[':
         return parseProjectJson(bytes, name, version);
     default:
-        fail(Problem::UnknownForm, name, "neither XML nor JSON; a project begins with '<' or '{'");
+        fail(ErrorKind::UnknownForm, name);
     }
 }
 
 JsonDocument openEnvelope(json envelope, const QString& name) {
     const auto version = envelope.find(formVersionKey);
     if (version == envelope.end() || *version != "1.0")
-        fail(Problem::WrongEnvelope, name,
-             "\"version\" is " + (version == envelope.end() ? "missing" : version->dump()) +
-                 ", a project has \"1.0\"");
+        fail(ErrorKind::WrongEnvelope, name,
+             "\"version\" is " + (version == envelope.end() ? "missing" : version->dump()));
     const auto data = envelope.find(dataKey);
     if (data == envelope.end())
-        fail(Problem::WrongEnvelope, name, "\"data\" is missing");
+        fail(ErrorKind::WrongEnvelope, name, "\"data\" is missing");
     if (!isClassObject(*data))
-        fail(Problem::WrongEnvelope, name,
-             std::string("\"data\" is ") + (data->is_object() ? "no class object" : data->type_name()) +
-                 ", a project has its root object there");
+        fail(ErrorKind::WrongEnvelope, name,
+             std::string("\"data\" is ") + (data->is_object() ? "no class object" : data->type_name()));
     JsonDocument document;
     json root = std::move(*data);
     envelope.erase(data);
     try {
         static_cast<FlatDocument&>(document) = flatten(std::move(root), document.notes);
     } catch (const std::length_error& error) {
-        fail(Problem::WrongEnvelope, name, error.what());
+        fail(ErrorKind::WrongEnvelope, name, error.what());
     }
     document.envelope = std::move(envelope);
     return document;

@@ -22,10 +22,6 @@ using Bundle::Backend;
 namespace Reader {
 namespace {
 
-[[noreturn]] void fail(Problem problem, const QString& name, const std::string& reason) {
-    throw Error(problem, name.toStdString() + ": " + reason);
-}
-
 /// The index that steps on an archive look things up in.
 Archive::Internal::Outline indexOf(QDomDocument& xml, std::unique_ptr<Archive::Internal::TreeFacts> facts) {
     if (facts)
@@ -41,8 +37,8 @@ void checkRootObject(const QDomDocument& xml, const QString& name) {
         return object.type != Words::Predeclarator && idOf(object.element) == id;
     });
     if (!isThere)
-        fail(Problem::NoArchive, name,
-             "<RootRef> names the object " + std::to_string(id) + ", and there is no such <RootObject>");
+        throw Error(ErrorKind::MissingRoot,
+                    {.file = name, .reason = "<RootRef> names the object " + std::to_string(id)});
 }
 
 /// Puts the predeclarations first among the root objects and the project's root object behind them. Their order means
@@ -132,23 +128,18 @@ void Migration::run() {
 
 void Migration::checkVersions() const {
     if (!m_document.version())
-        fail(Problem::NoVersion, m_options.name,
-             "the document names no schema version; give it with --from N");
+        throw Error(ErrorKind::NoVersion, {.file = m_options.name});
     const int from = *m_document.version();
     const int to = m_options.to;
+    const auto fail = [&](ErrorKind kind) {
+        throw Error(kind, {.file = m_options.name, .version = from, .target = to});
+    };
     if (from > currentVersion)
-        fail(Problem::WrongVersion, m_options.name,
-             "schema version " + std::to_string(from) + " is too new, this program knows versions up to " +
-                 std::to_string(currentVersion));
+        fail(ErrorKind::TooNew);
     if (to < from || to > currentVersion)
-        fail(Problem::WrongVersion, m_options.name,
-             "a document of schema version " + std::to_string(from) + " can go to a version from " +
-                 std::to_string(from) + " to " + std::to_string(currentVersion) + ", not to " +
-                 std::to_string(to));
+        fail(ErrorKind::UnreachableVersion);
     if (!m_document.isXml() && to <= lastXmlVersion)
-        fail(Problem::WrongVersion, m_options.name,
-             "a JSON document can't become an archive again; ask for version " +
-                 std::to_string(lastXmlVersion + 1) + " or above");
+        fail(ErrorKind::NoWayBack);
 }
 
 void Migration::noteInput() {
@@ -224,11 +215,11 @@ void Migration::compareResult() {
 void Migration::runOnly(const std::string& className) {
     const AdaptorRow* row = findAdaptor(className);
     if (!row)
-        throw Error(Problem::WrongUse,
-                    "there is no step " + className + "; \"adaptors steps\" lists them all");
+        throw Error(ErrorKind::UnknownStep, {.file = m_options.name, .step = className});
     if (!(m_document.isXml() ? row->hasXml() : row->hasJson()))
-        fail(Problem::WrongUse, m_options.name,
-             className + " has no form for a document that is " + formName(m_document.form()).toStdString());
+        throw Error(
+            ErrorKind::NoSuchForm,
+            {.file = m_options.name, .step = className, .reason = formName(m_document.form()).toStdString()});
     m_report.formBefore = m_report.formAfter = m_document.form();
     m_report.from = m_report.to = m_document.version().value_or(0);
     m_report.objectsBefore = countObjects(m_document);
@@ -279,7 +270,8 @@ void Migration::runNamed(const std::string& name, const std::function<void()>& a
         } catch (const std::bad_alloc&) {
             throw; // no fault of the adaptor's
         } catch (const std::exception& error) {
-            fail(Problem::StepFailed, m_options.name, name + ": " + error.what());
+            throw Error(ErrorKind::StepFailed,
+                        {.file = m_options.name, .step = name, .reason = error.what()});
         }
     }
     finish(MigrationPart::Kind::Adaptor, name);

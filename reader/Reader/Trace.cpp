@@ -42,8 +42,7 @@ QString Trace::write(const Entry& entry, const Document& document) const {
                              .arg(entry.place, 2, 10, QLatin1Char('0'))
                              .arg(QString::fromStdString(entry.className), document.isXml() ? "xml" : "json");
     if (!QDir().mkpath(m_folder))
-        throw Error(Problem::Unwritable,
-                    m_folder.toStdString() + ": the folder can't be made; name another one");
+        throw Error(ErrorKind::Unwritable, {.file = m_folder, .reason = "the folder can't be made"});
     QString file = QDir(m_folder).filePath(name);
     writeFile(file, bytesOf(document, m_version), m_existing);
     return file;

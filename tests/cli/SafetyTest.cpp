@@ -23,8 +23,8 @@
 #include <thread>
 #include <vector>
 
+using Reader::ErrorKind;
 using Reader::FileInPlace;
-using Reader::Problem;
 using Tests::archive;
 using Tests::jsonProject;
 using Tests::migratedName;
@@ -345,13 +345,13 @@ TEST_F(SafetyTest, AnInputWithoutEndIsRefused) {
 class FilesTest : public SafetyTest {
 protected:
     template <class Call>
-    static Problem problemOf(Call call) {
+    static ErrorKind kindOf(Call call) {
         try {
             call();
         } catch (const Reader::Error& error) {
-            return error.problem();
+            return error.kind();
         }
-        return Problem(0);
+        return ErrorKind::Empty;
     }
 };
 
@@ -360,11 +360,11 @@ TEST_F(FilesTest, WhatOthersWroteMeanwhileStands) {
     FileInPlace file(path("film.xml"));
     EXPECT_EQ(file.bytes(), "old");
     write("film.xml", "saved by the editor");
-    EXPECT_EQ(problemOf([&] { file.replace("migrated"); }), Problem::Unwritable);
+    EXPECT_EQ(kindOf([&] { file.replace("migrated"); }), ErrorKind::ChangedMeanwhile);
     EXPECT_EQ(read("film.xml"), "saved by the editor");
     EXPECT_EQ(files(), QStringList{"film.xml"});
     QFile::remove(path("film.xml"));
-    EXPECT_EQ(problemOf([&] { file.replace("migrated"); }), Problem::Unwritable);
+    EXPECT_EQ(kindOf([&] { file.replace("migrated"); }), ErrorKind::ChangedMeanwhile);
     EXPECT_EQ(files(), QStringList());
 }
 
@@ -379,14 +379,14 @@ TEST_F(FilesTest, ReplacingKeepsABackup) {
 }
 
 TEST_F(FilesTest, OnlyRegularFilesAreReplaced) {
-    EXPECT_EQ(problemOf([] { FileInPlace(QStringLiteral("/dev/null")); }), Problem::Unreadable);
-    EXPECT_EQ(problemOf([&] { FileInPlace(m_folder.path()); }), Problem::Unreadable);
+    EXPECT_EQ(kindOf([] { FileInPlace(QStringLiteral("/dev/null")); }), ErrorKind::NoRegularFile);
+    EXPECT_EQ(kindOf([&] { FileInPlace(m_folder.path()); }), ErrorKind::NoRegularFile);
 }
 
 TEST_F(FilesTest, AFileThatAppearedMeanwhileStands) {
     write("film.json", "precious");
-    EXPECT_EQ(problemOf([&] { Reader::writeFile(path("film.json"), "new", Reader::Existing::Refuse); }),
-              Problem::OutputExists);
+    EXPECT_EQ(kindOf([&] { Reader::writeFile(path("film.json"), "new", Reader::Existing::Refuse); }),
+              ErrorKind::OutputExists);
     EXPECT_EQ(read("film.json"), "precious");
     EXPECT_EQ(files(), QStringList{"film.json"});
     Reader::writeFile(path("film.json"), "new");
@@ -396,8 +396,8 @@ TEST_F(FilesTest, AFileThatAppearedMeanwhileStands) {
     EXPECT_EQ(files(), (QStringList{"film.json", "other.json"}));
     // A link that leads nowhere is something that stands there too.
     ASSERT_EQ(symlink("nowhere", QFile::encodeName(path("link.json")).constData()), 0);
-    EXPECT_EQ(problemOf([&] { Reader::writeFile(path("link.json"), "new", Reader::Existing::Refuse); }),
-              Problem::OutputExists);
+    EXPECT_EQ(kindOf([&] { Reader::writeFile(path("link.json"), "new", Reader::Existing::Refuse); }),
+              ErrorKind::OutputExists);
 }
 
 TEST_F(FilesTest, ALinkLeadsToTheFileThatIsReplaced) {
@@ -445,7 +445,7 @@ TEST_F(FilesTest, WithoutABackupNothingIsReplaced) {
     const QString longest(NAME_MAX - ending, QLatin1Char('n'));
     write(longest, "old");
     FileInPlace file(path(longest));
-    EXPECT_EQ(problemOf([&] { file.replace("migrated"); }), Problem::Unwritable);
+    EXPECT_EQ(kindOf([&] { file.replace("migrated"); }), ErrorKind::Unwritable);
     EXPECT_EQ(read(longest), "old");
     EXPECT_EQ(files(), QStringList{longest});
     Reader::writeFile(path(longest), "new");
@@ -454,7 +454,7 @@ TEST_F(FilesTest, WithoutABackupNothingIsReplaced) {
 
 TEST_F(FilesTest, AFileThatOpensAndCannotBeReadIsAnError) {
     // The first page of a process is nobody's.
-    EXPECT_EQ(problemOf([] { Reader::readFile(QStringLiteral("/proc/self/mem")); }), Problem::Unreadable);
+    EXPECT_EQ(kindOf([] { Reader::readFile(QStringLiteral("/proc/self/mem")); }), ErrorKind::Unreadable);
 }
 
 } // namespace

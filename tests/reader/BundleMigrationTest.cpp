@@ -368,7 +368,7 @@ TEST_F(BundleMigrationTest, ATextWhoseFileCannotBeWrittenStaysInTheDocument) {
     EXPECT_THAT(logOf(saved.report),
                 ElementsAre(untypedQuiz,
                             "OverlayFileContentWriteAdaptor: side file \"content_2.svg\": exists already, so "
-                            "the text stays in the document; --force replaces the file"));
+                            "the text stays in the document"));
     EXPECT_EQ(files(), QStringList({"content_1.svg", "content_2.svg", "content_3.svg", "content_4.svg"}));
     EXPECT_EQ(readFile(folder(), "content_2.svg"), "of another project");
     EXPECT_EQ(saved.bytes.count("content_"), 3);
