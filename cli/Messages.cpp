@@ -60,13 +60,13 @@ std::string remedyFor(WriteObstacle obstacle) {
     case WriteObstacle::NoFolder:
         return "make its folder first, or give another output";
     case WriteObstacle::IsFolder:
-        return "a folder stands there; give another output";
+        return "a folder has this name; give another output";
     case WriteObstacle::NotPermitted:
         return "it is not yours to write; give another output, or have its permissions changed";
     case WriteObstacle::None:
         break;
     }
-    return "make room on its disk, or give another output";
+    return "free some space on its disk, or give another output";
 }
 
 std::string number(std::optional<int> value) {
@@ -175,7 +175,8 @@ Message notOneProject(const QString& folder, int projects) {
 
 Message folderNotMade(const QString& folder) {
     return {Unwritable, "unwritable",
-            folder.toStdString() + ": can't make this folder; is the one that it stands in there?"};
+            folder.toStdString() +
+                ": can't make this folder; make the one above it first, or give another one"};
 }
 
 Message refusedByStrict(const QString& name) {

@@ -25,7 +25,7 @@ QString folderOf(const QString& file);
 /// Where the result goes: as the options say, in the input's place, or beside it under the version's name.
 QString outputFor(const Arguments& arguments, const QString& input);
 
-/// Makes the folder of a bundle where it is missing, but not the one that it stands in. Throws Messages::Failure.
+/// Makes the folder of a bundle where it is missing, but not the one above it. Throws Messages::Failure.
 void makeBundle(const QString& folder);
 
 /// Throws Reader::Error where the output is there already and is not to be replaced.

@@ -61,8 +61,8 @@ struct ErrorFacts {
     WriteObstacle obstacle = WriteObstacle::None;
 };
 
-/// A document can't be read, migrated or written. what() is a sentence for logs; whoever talks to people makes words
-/// of the kind and the facts.
+/// A document can't be read, migrated or written. what() is a sentence for logs; programs make words for people of
+/// the kind and the facts.
 ///
 /// Threads: a plain value.
 class Error : public std::runtime_error {

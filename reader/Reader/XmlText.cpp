@@ -28,7 +28,7 @@ public:
 
 private:
     void skipPast(std::string_view end);
-    /// Stands on '<'; gives by how much the depth changes.
+    /// Expects the position at '<'; gives by how much the depth changes.
     int passTag();
     bool passStartTag();
 
@@ -111,7 +111,7 @@ std::pair<qint64, qint64> lineAndColumn(std::string_view text, std::size_t posit
             static_cast<qint64>(lineStart == std::string_view::npos ? position + 1 : position - lineStart)};
 }
 
-/// Tags are told from bytes, so the encoding must be one that writes them as ASCII does.
+/// Tags are found in the bytes, so the encoding must be one that writes them as ASCII does.
 void refuseForeignEncoding(const QByteArray& bytes, const QString& name) {
     QXmlStreamReader start(bytes.left(1024));
     start.readNext();

@@ -106,10 +106,10 @@ TEST(Messages, RemediesNameTheOption) {
     EXPECT_TRUE(has(textFor(ErrorKind::Unwritable, {.file = film, .obstacle = WriteObstacle::NoFolder}),
                     "make its folder"));
     EXPECT_TRUE(has(textFor(ErrorKind::Unwritable, {.file = film, .obstacle = WriteObstacle::IsFolder}),
-                    "a folder stands there"));
+                    "a folder has this name"));
     EXPECT_TRUE(has(textFor(ErrorKind::Unwritable, {.file = film, .obstacle = WriteObstacle::NotPermitted}),
                     "permissions"));
-    EXPECT_TRUE(has(textFor(ErrorKind::Unwritable, {.file = film}), "make room"));
+    EXPECT_TRUE(has(textFor(ErrorKind::Unwritable, {.file = film}), "free some space"));
 }
 
 TEST(Messages, TheLibraryNamesNeitherOptionsNorCommands) {

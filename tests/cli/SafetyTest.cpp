@@ -65,7 +65,7 @@ QByteArray growing() {
 
 using Milliseconds = std::chrono::duration<double, std::milli>;
 
-/// Starts an in-place migration in a folder, kills it after a while, and tells whether it was still running. With
+/// Starts an in-place migration in a folder, kills it after a while, and gives whether it was still running. With
 /// `onWrite` the while begins when the first new file appears.
 bool killMidway(const QString& folder, bool onWrite, Milliseconds wait) {
     QProcess process;
@@ -116,17 +116,19 @@ TEST_F(SafetyTest, AKillLeavesTheOldFileOrTheNewOne) {
     EXPECT_GE(kept, 5);
 }
 
-// No room
+// No space
 
 TEST_F(SafetyTest, AFullDiskIsAnErrorAndChangesNothing) {
     write("film.xml", sample("holiday-v27.xml"));
     const QString small = "ulimit -f 8; "; // 4096 bytes
-    expectWriteError(runAfter(small, {"migrate", "film.xml"}), migratedName("film").toUtf8(), "make room");
+    expectWriteError(runAfter(small, {"migrate", "film.xml"}), migratedName("film").toUtf8(),
+                     "free some space");
     expectWriteError(runAfter(small, {"migrate", "film.xml", "-o", "old.json", "--force"}), "old.json",
-                     "make room");
-    expectWriteError(runAfter(small, {"migrate", "film.xml", "--in-place"}), "film.xml.bak", "make room");
+                     "free some space");
+    expectWriteError(runAfter(small, {"migrate", "film.xml", "--in-place"}), "film.xml.bak",
+                     "free some space");
     expectWriteError(runAfter(small, {"run", "V28_ClipLabelAdaptor", "film.xml", "-o", "a.xml"}), "a.xml",
-                     "make room");
+                     "free some space");
     EXPECT_EQ(files(), QStringList{"film.xml"});
     EXPECT_EQ(read("film.xml"), sample("holiday-v27.xml"));
 }
@@ -136,7 +138,7 @@ TEST_F(SafetyTest, AResultThatDoesNotFitLeavesNoBackup) {
     const auto blocks = growing().size() / 512 + 2;
     expectWriteError(
         runAfter("ulimit -f " + QString::number(blocks) + "; ", {"migrate", "film.json", "--in-place"}),
-        "film.json", "make room");
+        "film.json", "free some space");
     EXPECT_EQ(files(), QStringList{"film.json"});
     EXPECT_EQ(read("film.json"), growing());
 }
@@ -182,7 +184,8 @@ TEST_F(SafetyTest, AMissingOutputFolderIsNamedAndNotMade) {
     expectWriteError(run({"migrate", "film.xml", "-o", "new/film.json", "--force"}), "new/film.json",
                      "make its folder");
     EXPECT_FALSE(exists("new"));
-    expectWriteError(run({"migrate", "film.xml", "--bundle", "new/bundle"}), "new/bundle", "stands in");
+    expectWriteError(run({"migrate", "film.xml", "--bundle", "new/bundle"}), "new/bundle",
+                     "the one above it");
     write("file", "");
     expectWriteError(run({"migrate", "film.xml", "--bundle", "file"}), "file", "can't make this folder");
 }
@@ -394,7 +397,7 @@ TEST_F(FilesTest, AFileThatAppearedMeanwhileStands) {
     Reader::writeFile(path("other.json"), "new", Reader::Existing::Refuse);
     EXPECT_EQ(read("other.json"), "new");
     EXPECT_EQ(files(), (QStringList{"film.json", "other.json"}));
-    // A link that leads nowhere is something that stands there too.
+    // A link that leads nowhere is there too.
     ASSERT_EQ(symlink("nowhere", QFile::encodeName(path("link.json")).constData()), 0);
     EXPECT_EQ(kindOf([&] { Reader::writeFile(path("link.json"), "new", Reader::Existing::Refuse); }),
               ErrorKind::OutputExists);

@@ -90,7 +90,7 @@ TEST(AdaptorTable, VersionSeventySevenGoesByNeed) {
 TEST(AdaptorTable, NamesAreUniqueAndCarryTheirNumber) {
     std::set<std::string_view> names;
     for (const Reader::AdaptorRow& step : steps()) {
-        EXPECT_TRUE(names.insert(step.className).second) << step.className << " stands twice";
+        EXPECT_TRUE(names.insert(step.className).second) << step.className << " is there twice";
         EXPECT_TRUE(step.className.starts_with("V" + std::to_string(step.number) + "_")) << step.className;
         EXPECT_EQ(step.className.find(':'), std::string_view::npos) << step.className;
     }
@@ -116,7 +116,7 @@ TEST(AdaptorTable, EachStepHasAFormThatIsMade) {
         if (step.hasJson()) {
             EXPECT_TRUE(step.makeJson()) << step.className;
         }
-        // The conversion stands between the two: what an archive needs is XML up to its last version, all later
+        // The conversion is between the two: what an archive needs is XML up to its last version, all later
         // steps are JSON. Two steps take both.
         const bool isForArchives = step.number <= Reader::lastXmlVersion;
         EXPECT_EQ(step.hasXml(), isForArchives) << step.className;

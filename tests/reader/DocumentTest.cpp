@@ -94,7 +94,7 @@ TEST(Parse, ForeignEncodingsAreRefused) {
     EXPECT_NO_THROW(Reader::parse("\xEF\xBB\xBF<Archive/>", name));
     EXPECT_NO_THROW(Reader::parse("<?xml version='1.0' encoding='Windows-1252'?><Archive a='\x80'/>", name));
     EXPECT_NO_THROW(Reader::parse("<?xml version='1.0' encoding='us-ascii'?><Archive/>", name));
-    // A mark of the byte order tells UTF-16 before any '<'.
+    // A mark of the byte order shows UTF-16 before any '<'.
     expectFailure(QByteArray("\xFF\xFE<\0A\0", 6), ErrorKind::UnknownForm, "neither");
     EXPECT_THROW(Reader::parseXml(QByteArray("\xFF\xFE<\0A\0/\0>\0", 10), name), Reader::Error);
     EXPECT_THROW(Reader::parseXml(QByteArray("\xFE\xFF\0<\0A\0/\0>", 10), name), Reader::Error);

@@ -1,4 +1,4 @@
-// What the samples are made of at the end of the road: classes and fields of the newest version, none of older ones.
+// What the samples are made of at the newest version: classes and fields of the newest version, none of older ones.
 
 #include "support/Holiday.h"
 
@@ -32,7 +32,7 @@ TEST_P(FieldsMigrationTest, NothingOfWhatVersionsDroppedIsLeft) {
             EXPECT_TRUE(clip->contains(key)) << clip->at("name") << ' ' << key;
         EXPECT_NE(clip->at("type"), 32);
     }
-    std::size_t empty = 0; // stand for what an entry referred to when the archive was converted
+    std::size_t empty = 0; // in place of what an entry referred to when the archive was converted
     for (const auto& [id, object] : film.objects()) {
         const std::string name = Project::classOf(object);
         empty += name.empty() ? 1 : 0;

@@ -1,4 +1,4 @@
-// What a user sees of the samples at the end of the road: clips, transitions, tracks, titles and effects.
+// What a user sees of the samples at the newest version: clips, transitions, tracks, titles and effects.
 
 #include "support/Holiday.h"
 
@@ -105,17 +105,17 @@ TEST_P(FilmMigrationTest, TracksSayWhatTheyAre) {
 
 TEST_P(FilmMigrationTest, TitlesKeepTheirTexts) {
     const Project film = project();
-    std::size_t met = 0;
+    std::size_t found = 0;
     for (const ExpectedTimeline& timeline : filmOf(GetParam())) {
         for (const Tests::ExpectedClip& clip : timeline.clips) {
             const auto text = titleTexts.find(clip.name);
             if (version() < timeline.since || !isThere(clip, version()) || text == titleTexts.end())
                 continue;
             EXPECT_THAT(textsOf(film, clipNamed(film, clip.name)), ElementsAre(text->second));
-            ++met;
+            ++found;
         }
     }
-    EXPECT_GE(met, 2u);
+    EXPECT_GE(found, 2u);
     if (!isLong())
         return;
     Strings midday = textsOf(film, clipNamed(film, "Midday"));

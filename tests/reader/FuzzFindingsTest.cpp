@@ -1,4 +1,4 @@
-// What the fuzz targets once found stands in tests/fuzz/corpus and goes through the reader here too.
+// What the fuzz targets once found is kept in tests/fuzz/corpus and goes through the reader here too.
 
 #include "Reader/Error.h"
 #include "Reader/Migration.h"

@@ -122,18 +122,18 @@ TEST(MigrationFindings, StepsLeaveWhatIsMeantAndNothingElse) {
     Left allowed;
     for (const MeantFault& entry : meantFaults)
         allowed.insert(entry.key());
-    Left met;
+    Left found;
     for (const auto& entry : std::filesystem::directory_iterator(Tests::samplesFolder())) {
         const std::string extension = entry.path().extension().string();
         if (extension != ".xml" && extension != ".json")
             continue;
         for (const auto& left : leftBehind(QByteArray::fromStdString(Tests::readFile(entry.path())))) {
             EXPECT_TRUE(allowed.count(left)) << entry.path().filename() << ": " << lineOf(left);
-            met.insert(left);
+            found.insert(left);
         }
     }
     for (const auto& entry : allowed)
-        EXPECT_TRUE(met.count(entry)) << "no sample shows " << lineOf(entry);
+        EXPECT_TRUE(found.count(entry)) << "no sample shows " << lineOf(entry);
 }
 
 /// An archive of a version with a timeline of one clip, which has those effects and overlay.

@@ -72,7 +72,7 @@ TEST_F(ReelMigrationTest, SharedEffectsStayShared) {
 
 TEST_F(ReelMigrationTest, StrengthsAreIntensities) {
     EXPECT_THAT(intensitiesOf("Dunes"), ElementsAre(5, 1, 0.5, 0.25, 0.75, 5));
-    // Edges and shift were saved without a strength: the factor stands alone.
+    // Edges and shift were saved without a strength: there is only the factor.
     EXPECT_THAT(intensitiesOf("Rain"), ElementsAre(50, 5, 1, 0.75, 0.5, 20, 0.5, 0.75));
     EXPECT_EQ(effectAt("Dunes", 2).at("sensibility"), 2);
     for (const char* clip : {"Dunes", "Rain"}) {

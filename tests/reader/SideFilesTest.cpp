@@ -151,7 +151,7 @@ TEST_F(SideFilesTest, WhatIsNoFileIsRefused) {
 TEST_F(SideFilesTest, AFileBeyondAllMeasureIsRefused) {
     QFile file(path("film/huge.svg"));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    ASSERT_TRUE(file.resize((qint64(256) << 20) + 1)); // takes no room on the disk
+    ASSERT_TRUE(file.resize((qint64(256) << 20) + 1)); // takes no space on the disk
     expectRefused(QStringLiteral("huge.svg"), noFile);
 }
 

@@ -23,7 +23,7 @@ inline bool showsTypes(const QDomDocument& document) {
            Archive::Internal::showsTypes(document.documentElement());
 }
 
-/// What the facts tell otherwise than a search of the document; empty where all is the same.
+/// Where the facts differ from a search of the document; empty where all is the same.
 inline std::string difference(const Archive::Internal::TreeFacts& facts, const QDomDocument& document) {
     namespace Words = Archive::Words;
     if (facts.archives != Archive::Internal::search(document, Words::Archive).size())
