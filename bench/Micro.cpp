@@ -2,19 +2,23 @@
 
 #include "Adaptors/Project/V28_ClipLabelAdaptor.h"
 #include "Adaptors/Project/V29_ClipTimingModeAdaptor.h"
-#include "Reader/Chain.h"
+#include "Reader/AdaptorTable.h"
 #include "Reader/Conversion.h"
 #include "Reader/Document.h"
 #include "Reader/Flatten.h"
 #include "Reader/JsonText.h"
-#include "Reader/Road.h"
+#include "Reader/Migration.h"
 #include "Reader/XmlText.h"
 #include "bench/Generator.h"
-#include "bench/RoadTimes.h"
+#include "bench/MigrationTimes.h"
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <optional>
+#include <string>
 #include <utility>
+#include <vector>
 
 using nlohmann::json;
 
@@ -23,7 +27,7 @@ namespace {
 
 const QString name = QStringLiteral("project");
 
-/// One text at a time: those of 50 MB are not to stand beside each other.
+/// One text at a time: those of 50 MB are not to be in memory at once.
 const QByteArray& archiveText(int version, std::size_t megabytes) {
     static std::pair<int, std::size_t> kept;
     static QByteArray text;
@@ -133,60 +137,56 @@ void writeJson(benchmark::State& state) {
     countBytes(state, text);
 }
 
-Reader::Journey journeyTo(int version) {
-    Reader::Journey journey;
-    journey.name = name;
-    journey.to = version;
-    return journey;
+Reader::MigrationOptions options() {
+    Reader::MigrationOptions result;
+    result.name = name;
+    return result;
 }
 
-/// The document that a step meets on the road.
-Reader::Document documentBefore(const Reader::Step& step, const QByteArray& text) {
-    Reader::Document document = Reader::parse(text, name);
-    Reader::migrate(document, journeyTo(step.hasXml() ? step.number - 1 : Reader::lastXmlVersion));
-    if (!step.hasXml())
-        document.content = Reader::openEnvelope(Reader::Conversion().convert(document.xml()).second, name);
-    for (const Reader::Step* other : Reader::stepsFor(document.form(), *document.version, step.number)) {
-        if (other == &step)
-            break;
-        if (document.isXml())
-            other->makeXml()->adapt(document.xml());
-        else if (other->hasJson())
-            other->makeJson()->adapt(document.json().flat);
-    }
-    return document;
+/// The document as it is in a migration when that step runs.
+Reader::Document documentBefore(const Reader::AdaptorRow& step, const QByteArray& text) {
+    std::vector<std::string> parts;
+    Reader::MigrationOptions naming = options();
+    naming.watch = [&](const Reader::MigrationPart& part, const Reader::Document&) {
+        parts.push_back(part.name);
+    };
+    Reader::Migration(Reader::parse(text, name), naming).run();
+    const auto place = std::find(parts.begin(), parts.end(), step.className) - parts.begin();
+
+    std::optional<Reader::Document> before;
+    Reader::MigrationOptions copying = options();
+    copying.watch = [&, count = 0](const Reader::MigrationPart&, const Reader::Document& document) mutable {
+        if (++count == place)
+            before = document.clone();
+    };
+    Reader::Migration(Reader::parse(text, name), copying).run();
+    return std::move(before).value();
 }
 
-void stepOnTheRoad(benchmark::State& state, const Reader::Step* step) {
+void stepInMigration(benchmark::State& state, const Reader::AdaptorRow* step) {
     const QByteArray text = generateProject(oldestVersion, {static_cast<std::size_t>(state.range(0)), 0});
-    Reader::Document before = documentBefore(*step, text);
+    const Reader::Document before = documentBefore(*step, text);
     for (auto _ : state) {
         state.PauseTiming();
-        if (before.isXml()) {
-            QDomDocument document = before.xml().cloneNode().toDocument();
+        {
+            Reader::Document document = before.clone();
             state.ResumeTiming();
-            step->makeXml()->adapt(document);
+            if (document.isXml())
+                step->makeXml()->adapt(document.xml());
+            else
+                step->makeJson()->adapt(document.json().flat);
             state.PauseTiming();
-            document.clear();
-            state.ResumeTiming();
-        } else {
-            Serialize::Json::FlatObject document = before.json().flat;
-            state.ResumeTiming();
-            step->makeJson()->adapt(document);
-            state.PauseTiming();
-            document = {};
-            state.ResumeTiming();
         }
+        state.ResumeTiming();
     }
 }
 
-void wholeRoad(benchmark::State& state) {
+void wholeMigration(benchmark::State& state) {
     const QByteArray text = generateProject(oldestVersion, {static_cast<std::size_t>(state.range(0)), 0});
     for (auto _ : state) {
-        Reader::Document document = Reader::parse(text, name);
-        Reader::Report report = Reader::migrate(document, journeyTo(Reader::currentVersion));
-        benchmark::DoNotOptimize(
-            Reader::save(std::move(document), journeyTo(Reader::currentVersion), report));
+        Reader::Migration migration(Reader::parse(text, name), options());
+        migration.run();
+        benchmark::DoNotOptimize(migration.save());
     }
     countBytes(state, text);
 }
@@ -211,12 +211,14 @@ void addBenchmarks() {
                 ->Unit(benchmark::kMillisecond);
     }
     for (const std::int64_t elements : {10000, 100000}) {
-        benchmark::RegisterBenchmark("road", wholeRoad)
+        benchmark::RegisterBenchmark("migration", wholeMigration)
             ->ArgName("elements")
             ->Arg(elements)
             ->Unit(benchmark::kMillisecond);
-        for (const Reader::Step& row : Reader::chain())
-            benchmark::RegisterBenchmark(("step/" + std::string(row.className)).c_str(), stepOnTheRoad, &row)
+        for (const Reader::AdaptorRow* row :
+             Reader::stepsToRun(Bundle::Backend::Xml, oldestVersion, Reader::currentVersion))
+            benchmark::RegisterBenchmark(("step/" + std::string(row->className)).c_str(), stepInMigration,
+                                         row)
                 ->ArgName("elements")
                 ->Arg(elements)
                 ->Unit(benchmark::kMillisecond);

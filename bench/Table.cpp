@@ -37,11 +37,12 @@ double sum(const std::vector<Part>& parts) {
                            [](double total, const Part& part) { return total + part.milliseconds; });
 }
 
-using Pick = std::function<double(const RoadTimes&)>;
+using Pick = std::function<double(const MigrationTimes&)>;
 
 class Table {
 public:
-    Table(std::ostream& out, const std::vector<RoadTimes>& projects) : m_out(out), m_projects(projects) {}
+    Table(std::ostream& out, const std::vector<MigrationTimes>& projects)
+        : m_out(out), m_projects(projects) {}
 
     void print();
 
@@ -49,7 +50,7 @@ private:
     void head();
     void time(const std::string& name, const Pick& pick);
     void number(const std::string& name, const Pick& pick, int digits, const std::string& unit);
-    void parts(std::vector<Part> RoadTimes::*list);
+    void parts(std::vector<Part> MigrationTimes::*list);
     void rule() { m_out << std::string(width(), '-') << '\n'; }
     std::string growth(const Pick& pick) const;
     std::size_t width() const {
@@ -58,7 +59,7 @@ private:
     }
 
     std::ostream& m_out;
-    const std::vector<RoadTimes>& m_projects;
+    const std::vector<MigrationTimes>& m_projects;
 };
 
 /// The k for which the time grew as the k-th power of the number of elements, from the first size to the last.
@@ -67,7 +68,7 @@ std::string Table::growth(const Pick& pick) const {
         return {};
     const double first = pick(m_projects.front());
     const double last = pick(m_projects.back());
-    if (first < 0.05) // too short to tell
+    if (first < 0.05) // too short to say
         return "-";
     const double ratio =
         static_cast<double>(m_projects.back().elements) / static_cast<double>(m_projects.front().elements);
@@ -76,7 +77,7 @@ std::string Table::growth(const Pick& pick) const {
 
 void Table::head() {
     m_out << std::left << std::setw(nameWidth) << "elements (ms of processor time)" << std::right;
-    for (const RoadTimes& project : m_projects)
+    for (const MigrationTimes& project : m_projects)
         m_out << std::setw(timeWidth + shareWidth) << grouped(project.elements);
     m_out << '\n' << std::left << std::setw(nameWidth) << "" << std::right;
     for (std::size_t column = 0; column < m_projects.size(); ++column)
@@ -89,7 +90,7 @@ void Table::head() {
 
 void Table::time(const std::string& name, const Pick& pick) {
     m_out << std::left << std::setw(nameWidth) << name << std::right;
-    for (const RoadTimes& project : m_projects)
+    for (const MigrationTimes& project : m_projects)
         m_out << std::setw(timeWidth) << fixed(pick(project), 2) << std::setw(shareWidth - 1)
               << fixed(100 * pick(project) / project.load, 1) << '%';
     if (m_projects.size() > 1)
@@ -99,54 +100,56 @@ void Table::time(const std::string& name, const Pick& pick) {
 
 void Table::number(const std::string& name, const Pick& pick, int digits, const std::string& unit) {
     m_out << std::left << std::setw(nameWidth) << name << std::right;
-    for (const RoadTimes& project : m_projects)
+    for (const MigrationTimes& project : m_projects)
         m_out << std::setw(timeWidth) << fixed(pick(project), digits) << std::setw(shareWidth) << unit;
     m_out << '\n';
 }
 
-void Table::parts(std::vector<Part> RoadTimes::*list) {
+void Table::parts(std::vector<Part> MigrationTimes::*list) {
     const std::vector<Part>& rows = m_projects.front().*list;
     for (std::size_t row = 0; row < rows.size(); ++row)
         time("  " + rows[row].name,
-             [=](const RoadTimes& project) { return (project.*list)[row].milliseconds; });
+             [=](const MigrationTimes& project) { return (project.*list)[row].milliseconds; });
 }
 
 void Table::print() {
     head();
     number(
-        "text read", [](const RoadTimes& p) { return megabytes(p.bytesRead); }, 1, "MB");
+        "text read", [](const MigrationTimes& p) { return megabytes(p.bytesRead); }, 1, "MB");
     number(
-        "text written", [](const RoadTimes& p) { return megabytes(p.bytesWritten); }, 1, "MB");
+        "text written", [](const MigrationTimes& p) { return megabytes(p.bytesWritten); }, 1, "MB");
     number(
-        "lines logged", [](const RoadTimes& p) { return static_cast<double>(p.logLines); }, 0, "");
+        "lines logged", [](const MigrationTimes& p) { return static_cast<double>(p.logLines); }, 0, "");
     rule();
-    time("floor: load into the DOM, write the result", [](const RoadTimes& p) { return p.floor(); });
-    time("  load", [](const RoadTimes& p) { return p.load; });
-    time("  write", [](const RoadTimes& p) { return p.write; });
-    time("whole road: parse, migrate, save", [](const RoadTimes& p) { return p.road; });
+    time("floor: load into the DOM, write the result", [](const MigrationTimes& p) { return p.floor(); });
+    time("  load", [](const MigrationTimes& p) { return p.load; });
+    time("  write", [](const MigrationTimes& p) { return p.write; });
+    time("whole migration: parse, run, save", [](const MigrationTimes& p) { return p.migration; });
     number(
-        "  road / floor", [](const RoadTimes& p) { return p.road / p.floor(); }, 2, "");
+        "  migration / floor", [](const MigrationTimes& p) { return p.migration / p.floor(); }, 2, "");
     number(
-        "peak memory of loading", [](const RoadTimes& p) { return megabytes(p.loadMemory); }, 1, "MB");
+        "peak memory of loading", [](const MigrationTimes& p) { return megabytes(p.loadMemory); }, 1, "MB");
     number(
-        "peak memory of the road", [](const RoadTimes& p) { return megabytes(p.roadMemory); }, 1, "MB");
+        "peak memory of the migration", [](const MigrationTimes& p) { return megabytes(p.migrationMemory); },
+        1, "MB");
     number(
-        "  road / loading",
-        [](const RoadTimes& p) {
-            return p.loadMemory ? static_cast<double>(p.roadMemory) / static_cast<double>(p.loadMemory) : 0.0;
+        "  migration / loading",
+        [](const MigrationTimes& p) {
+            return p.loadMemory ? static_cast<double>(p.migrationMemory) / static_cast<double>(p.loadMemory)
+                                : 0.0;
         },
         2, "");
     rule();
-    time("all steps", [](const RoadTimes& p) { return sum(p.steps); });
-    parts(&RoadTimes::steps);
+    time("all steps", [](const MigrationTimes& p) { return sum(p.steps); });
+    parts(&MigrationTimes::steps);
     rule();
-    time("all else between loading and writing", [](const RoadTimes& p) { return sum(p.others); });
-    parts(&RoadTimes::others);
+    time("all other parts", [](const MigrationTimes& p) { return sum(p.others); });
+    parts(&MigrationTimes::others);
 }
 
 } // namespace
 
-void printTable(std::ostream& out, const std::vector<RoadTimes>& projects) {
+void printTable(std::ostream& out, const std::vector<MigrationTimes>& projects) {
     Table(out, projects).print();
 }
 

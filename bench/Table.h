@@ -1,6 +1,6 @@
 #pragma once
 
-#include "bench/RoadTimes.h"
+#include "bench/MigrationTimes.h"
 
 #include <iosfwd>
 #include <vector>
@@ -8,6 +8,6 @@
 namespace Bench {
 
 /// Prints projects of several sizes side by side, smallest first, with how fast each time grows.
-void printTable(std::ostream& out, const std::vector<RoadTimes>& projects);
+void printTable(std::ostream& out, const std::vector<MigrationTimes>& projects);
 
 } // namespace Bench

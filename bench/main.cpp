@@ -1,7 +1,6 @@
-#include "Reader/Road.h"
 #include "bench/Generator.h"
 #include "bench/Micro.h"
-#include "bench/RoadTimes.h"
+#include "bench/MigrationTimes.h"
 #include "bench/Table.h"
 
 #include <glog/logging.h>
@@ -16,10 +15,10 @@
 namespace {
 
 constexpr const char* usage =
-    R"(adaptors-bench                       the road from version 3 to the newest at 10,000 and 100,000 elements
+    R"(adaptors-bench                       migrations from version 3 to the newest at 10,000 and 100,000 elements
 adaptors-bench --large               the same, and at 1,000,000 elements
 adaptors-bench --elements N...       the same at these sizes
-adaptors-bench --clips N EFFECTS     the same with a tenth of N clips and with N, each with so many effects
+adaptors-bench --clips N EFFECTS     the same with a tenth of N clips and with N, each with its effects so many times
 adaptors-bench --write N VERSION     writes such a project to standard output
 adaptors-bench --micro [ARGUMENTS]   single operations, with the arguments of Google Benchmark
 )";
@@ -41,11 +40,12 @@ int runsFor(std::size_t elements) {
 
 int printTable(const std::vector<Bench::Size>& sizes) {
     constexpr std::size_t elementsPerClip = 100;
-    std::vector<Bench::RoadTimes> projects;
+    std::vector<Bench::MigrationTimes> projects;
     for (const Bench::Size& size : sizes) {
         std::cerr << "measuring " << size.elements + size.clips
                   << (size.clips > 0 ? " clips\n" : " elements\n");
-        projects.push_back(Bench::measureRoad(size, runsFor(size.elements + size.clips * elementsPerClip)));
+        projects.push_back(
+            Bench::measureMigration(size, runsFor(size.elements + size.clips * elementsPerClip)));
     }
     Bench::printTable(std::cout, projects);
     return 0;
@@ -90,7 +90,6 @@ int main(int argc, char* argv[]) {
     FLAGS_stderrthreshold = google::GLOG_FATAL;
     for (int severity = google::GLOG_INFO; severity <= google::GLOG_FATAL; ++severity)
         google::SetLogDestination(severity, ""); // no files
-    Reader::useStandInFolders();
 
     std::vector<std::string> arguments(argv + 1, argv + argc);
     if (arguments.empty())

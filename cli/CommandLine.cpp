@@ -1,14 +1,13 @@
 #include "CommandLine.h"
 
 #include "Commands.h"
+#include "Messages.h"
 
 #include <CLI/CLI.hpp>
 
 #include <string>
 
 namespace {
-
-constexpr int usageError = 2;
 
 const std::string newest = std::to_string(Reader::currentVersion);
 
@@ -48,12 +47,13 @@ void addTo(CLI::App* command, Arguments& arguments, const std::string& help) {
 
 void addFolders(CLI::App* command, Arguments& arguments) {
     const char* group = "Folders of the installed editor (unset, markers in paths stay as they are)";
-    command->add_option("--packages-root", arguments.packagesRoot, "What #PACKAGES_ROOT# stands for")
+    command->add_option("--packages-root", arguments.packagesRoot, "The folder that #PACKAGES_ROOT# means")
         ->group(group);
-    command->add_option("--ai-models-root", arguments.aiModelsRoot, "What #AI_MODELS_ROOT# stands for")
+    command->add_option("--ai-models-root", arguments.aiModelsRoot, "The folder that #AI_MODELS_ROOT# means")
         ->group(group);
     command
-        ->add_option("--downloadable-root", arguments.downloadableRoot, "What #DOWNLOADABLE_ROOT# stands for")
+        ->add_option("--downloadable-root", arguments.downloadableRoot,
+                     "The folder that #DOWNLOADABLE_ROOT# means")
         ->group(group);
 }
 
@@ -92,7 +92,7 @@ void addMigrate(CLI::App& app, Arguments& arguments) {
 }
 
 void addSteps(CLI::App& app, Arguments& arguments) {
-    CLI::App* command = app.add_subcommand("steps", "List the steps of the chain and what each does");
+    CLI::App* command = app.add_subcommand("steps", "List the steps and what each does");
     command->add_option("--from", arguments.from, "Only steps above this schema version");
     command->add_option("--to", arguments.to, "Only steps up to this schema version")->capture_default_str();
     command->add_flag("--json", arguments.json, "Print JSON");
@@ -114,7 +114,7 @@ void addRun(CLI::App& app, Arguments& arguments) {
 
 void addInfo(CLI::App& app, Arguments& arguments) {
     CLI::App* command =
-        app.add_subcommand("info", "Tell what a project is and holds, and what it would need");
+        app.add_subcommand("info", "Show what a project is and holds, and what it would need");
     addFile(command, arguments);
     addFrom(command, arguments);
     command->add_flag("--json", arguments.json, "Print JSON");
@@ -168,7 +168,7 @@ int runCommandLine(int argc, char** argv) {
     } catch (const CLI::RuntimeError& done) {
         return done.get_exit_code();
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : usageError;
+        return app.exit(error) == 0 ? 0 : Messages::WrongUse;
     }
     return 0;
 }

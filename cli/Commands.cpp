@@ -1,11 +1,11 @@
 #include "Commands.h"
 
 #include "Memory.h"
+#include "Messages.h"
 #include "Places.h"
 #include "Reader/Error.h"
 #include "Reader/Files.h"
-#include "Reader/Road.h"
-#include "Settings/Settings.h"
+#include "Reader/Migration.h"
 #include "Summary.h"
 #include "Terminal.h"
 
@@ -15,12 +15,9 @@ namespace Commands {
 namespace {
 
 using namespace Places;
-using Reader::Problem;
 
-constexpr int hasFindings = 17;
-
-/// Tells things to people, and to programs that asked for JSON: on standard output unless the document is there.
-void tell(const Arguments& arguments, const QString& output, const Summary& summary) {
+/// Prints the summary for people, or as JSON: that on standard output unless the document goes there.
+void print(const Arguments& arguments, const QString& output, const Summary& summary) {
     if (!arguments.json)
         std::cerr << asText(summary);
     else
@@ -37,14 +34,21 @@ QByteArray readInput(const QString& input) {
     return bytes;
 }
 
-void useFolders(const Arguments& arguments) {
-    Settings::setLegacyPackageDeploymentPath(path(arguments.packagesRoot));
-    Settings::setAiModelsPath(path(arguments.aiModelsRoot));
-    Settings::setDownloadableResourcesPath(path(arguments.downloadableRoot));
-    Reader::useStandInFolders();
+/// What a migration that reads `input` and writes `output` needs.
+Reader::MigrationOptions optionsFor(const Arguments& arguments, const QString& input, const QString& output) {
+    Reader::MigrationOptions options;
+    options.name = nameOf(input);
+    options.location = projectLocation(input, output);
+    options.target = projectLocation(output, input);
+    options.to = arguments.to;
+    options.sourceFiles = Reader::SideFiles(folderOf(input));
+    options.targetFiles = Reader::SideFiles(folderOf(output), arguments.force);
+    options.folders = {path(arguments.packagesRoot), path(arguments.aiModelsRoot),
+                       path(arguments.downloadableRoot)};
+    return options;
 }
 
-void printLog(const Reader::Report& report) {
+void printLog(const Reader::MigrationReport& report) {
     for (const Reader::LogLine& line : report.log)
         std::cerr << (line.isError() ? Terminal::red("error") : Terminal::yellow("warning")) << ": "
                   << line.step << ": " << line.text << '\n';
@@ -56,46 +60,39 @@ int migrate(const Arguments& arguments) {
     const QString input = inputFor(arguments);
     const QString output = outputFor(arguments, input);
     if (arguments.inPlace && isStandardStream(input))
-        throw Reader::Error(Problem::WrongUse, "--in-place needs a file, not standard input");
+        throw Messages::Failure(Messages::inPlaceNeedsFile());
     refuseExisting(arguments, output);
-    useFolders(arguments);
 
-    Reader::Journey journey{nameOf(input),
-                            projectLocation(input, output),
-                            projectLocation(output, input),
-                            arguments.to,
-                            Reader::SideFiles(folderOf(input)),
-                            Reader::SideFiles(folderOf(output), arguments.force),
-                            !arguments.bundle.empty()};
     std::optional<Reader::FileInPlace> file;
     if (arguments.inPlace)
         file.emplace(input);
+    const QString name = nameOf(input);
     const QByteArray bytes = file ? file->bytes() : Reader::readFile(input);
-    Memory::limitFor(journey.name, bytes.size());
-    Reader::Document document = Reader::parse(bytes, journey.name, arguments.from);
-    Reader::Report report = Reader::migrate(document, journey);
+    Memory::limitFor(name, bytes.size());
+    Reader::Migration migration(Reader::parse(bytes, name, arguments.from),
+                                optionsFor(arguments, input, output));
+    migration.run();
+    const Reader::MigrationReport& report = migration.report();
     const auto isRefused = [&] {
         return arguments.strict && (report.hasErrors() || !report.lostClips.empty());
     };
     // A project that is not written leaves no side files either.
-    journey.toBundle = journey.toBundle && !isRefused();
-    if (journey.toBundle)
+    const bool toBundle = !arguments.bundle.empty() && !isRefused();
+    if (toBundle)
         makeBundle(path(arguments.bundle));
-    const Reader::Serialized result = Reader::save(std::move(document), journey, report);
+    const QByteArray result = migration.save(toBundle);
 
-    Summary summary{report, journey.name, {}, {}, result.leftOut};
+    Summary summary{report, name, {}, {}};
     if (isRefused()) {
-        tell(arguments, output, summary);
-        throw Reader::Error(Problem::StrictFailure,
-                            journey.name.toStdString() +
-                                ": not written, since --strict lets no error and no loss pass");
+        print(arguments, output, summary);
+        throw Messages::Failure(Messages::refusedByStrict(name));
     }
     if (file)
-        summary.backup = file->replace(result.bytes);
+        summary.backup = file->replace(result);
     else
-        Reader::writeFile(output, result.bytes, forExisting(arguments));
+        Reader::writeFile(output, result, forExisting(arguments));
     summary.output = isStandardStream(output) ? QStringLiteral("standard output") : output;
-    tell(arguments, output, summary);
+    print(arguments, output, summary);
     return 0;
 }
 
@@ -109,18 +106,12 @@ int run(const Arguments& arguments) {
     const QString input = inputFor(arguments);
     const QString output = arguments.output.empty() ? Reader::standardStream : path(arguments.output);
     refuseExisting(arguments, output);
-    useFolders(arguments);
 
-    const Reader::Journey journey{nameOf(input),
-                                  projectLocation(input, output),
-                                  projectLocation(output, input),
-                                  Reader::currentVersion,
-                                  Reader::SideFiles(folderOf(input)),
-                                  Reader::SideFiles(folderOf(output), arguments.force)};
-    Reader::Document document = Reader::parse(readInput(input), journey.name, arguments.from);
-    const Reader::Report report = Reader::runOne(document, arguments.step, journey);
-    printLog(report);
-    Reader::writeFile(output, Reader::serialize(std::move(document)).bytes, forExisting(arguments));
+    Reader::Migration migration(Reader::parse(readInput(input), nameOf(input), arguments.from),
+                                optionsFor(arguments, input, output));
+    migration.runOnly(arguments.step);
+    printLog(migration.report());
+    Reader::writeFile(output, migration.write(), forExisting(arguments));
     return 0;
 }
 
@@ -137,24 +128,23 @@ int verify(const Arguments& arguments) {
     const QString name = nameOf(input);
     const auto findings = Reader::verify(Reader::parse(readInput(input), name, arguments.from));
     std::cout << (arguments.json ? findingsAsJson(findings, name) : findingsAsText(findings, name));
-    return findings.empty() ? 0 : hasFindings;
+    return findings.empty() ? Messages::Done : Messages::HasFindings;
 }
 
 int trace(const Arguments& arguments) {
     const QString input = inputFor(arguments);
-    useFolders(arguments);
-    const QString location = projectLocation(input, Reader::standardStream);
     Reader::Trace trace(path(arguments.folder), forExisting(arguments));
-    Reader::Journey journey{nameOf(input), location, location, arguments.to,
-                            Reader::SideFiles(folderOf(input))};
-    journey.watch = [&](const std::string& name, const Reader::Document& document) {
-        trace.note(name, document);
+    Reader::MigrationOptions options = optionsFor(arguments, input, Reader::standardStream);
+    options.watch = [&](const Reader::MigrationPart& part, const Reader::Document& document) {
+        trace.note(part, document);
     };
-    Reader::Document document = Reader::parse(readInput(input), journey.name, arguments.from);
+    Reader::Migration migration(Reader::parse(readInput(input), nameOf(input), arguments.from),
+                                std::move(options));
     try {
-        printLog(Reader::migrate(document, journey));
+        migration.run();
+        printLog(migration.report());
     } catch (const Reader::Error&) {
-        std::cout << traceAsText(trace); // what led up to a step that fails is what people look for
+        std::cout << traceAsText(trace); // people look for what led up to the step that fails
         throw;
     }
     std::cout << traceAsText(trace);

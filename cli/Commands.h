@@ -1,11 +1,11 @@
 #pragma once
 
-#include "Reader/Chain.h"
+#include "Reader/AdaptorTable.h"
 
 #include <optional>
 #include <string>
 
-/// What the command line said.
+/// What the command line says.
 struct Arguments {
     std::string file;
     std::string output;
@@ -23,7 +23,8 @@ struct Arguments {
     bool json = false;
 };
 
-/// What the program does, a function for each command. Each gives the exit code; all but steps() throw Reader::Error.
+/// What the program does, a function for each command. Each gives the exit code; all but steps() throw Reader::Error
+/// and Messages::Failure.
 namespace Commands {
 
 int migrate(const Arguments& arguments);

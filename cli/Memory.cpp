@@ -1,5 +1,7 @@
 #include "Memory.h"
 
+#include "Messages.h"
+
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -10,8 +12,6 @@
 
 namespace Memory {
 namespace {
-
-constexpr int needsTooMuch = 18;
 
 /// A sanitizer's own memory would count as the program's.
 #if defined(__SANITIZE_ADDRESS__)
@@ -27,14 +27,13 @@ constexpr bool isSanitized = false;
 constexpr rlim_t baseMemory = rlim_t(1) << 30;
 constexpr rlim_t memoryPerByte = 200;
 
-/// What is said where memory runs out. It stands ready: nothing can be made then.
+/// What is said where memory runs out. It is made beforehand: nothing can be made then.
 std::string message;
 
 } // namespace
 
 void limitFor(const QString& name, qint64 size) {
-    message = "adaptors: error: " + name.toStdString() +
-              ": the document needs more memory than any project of its size takes; nothing was written\n";
+    message = Messages::asText(Messages::outOfMemory(name));
     std::set_new_handler(endProgram);
     rlimit limit = {};
     if (isSanitized || getrlimit(RLIMIT_DATA, &limit) != 0)
@@ -45,7 +44,7 @@ void limitFor(const QString& name, qint64 size) {
 
 void endProgram() {
     static_cast<void>(!::write(STDERR_FILENO, message.data(), message.size()));
-    std::_Exit(needsTooMuch);
+    std::_Exit(Messages::OutOfMemory);
 }
 
 } // namespace Memory

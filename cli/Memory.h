@@ -9,7 +9,7 @@ namespace Memory {
 /// as endProgram() does. `name` is the document's for the message.
 void limitFor(const QString& name, qint64 size);
 
-/// Tells that memory ran out and ends the program at once, with exit code 18. An exception would let go of what there
+/// Says that memory ran out and ends the program at once, with exit code 18. An exception would let go of what there
 /// is, and letting go takes memory too.
 [[noreturn]] void endProgram();
 

@@ -1,12 +1,11 @@
 #include "Places.h"
 
+#include "Messages.h"
 #include "Reader/Error.h"
 #include "Reader/Files.h"
 
 #include <QDir>
 #include <QFileInfo>
-
-using Reader::Problem;
 
 namespace Places {
 namespace {
@@ -16,10 +15,7 @@ QString projectIn(const QString& folder) {
     const QStringList names =
         QDir(folder).entryList({QStringLiteral("*.xml"), QStringLiteral("*.json")}, QDir::Files, QDir::Name);
     if (names.size() != 1)
-        throw Reader::Error(Problem::Unreadable,
-                            folder.toStdString() +
-                                ": a project's folder holds one .xml or .json file, this one " +
-                                std::to_string(names.size()) + "; name the file");
+        throw Messages::Failure(Messages::notOneProject(folder, names.size()));
     return QDir(folder).filePath(names.front());
 }
 
@@ -66,17 +62,13 @@ QString outputFor(const Arguments& arguments, const QString& input) {
 
 void makeBundle(const QString& folder) {
     if (!QFileInfo(folder).isDir() && !QDir().mkdir(folder))
-        throw Reader::Error(Problem::Unwritable,
-                            folder.toStdString() +
-                                ": can't make this folder; is the one that it stands in there?");
+        throw Messages::Failure(Messages::folderNotMade(folder));
 }
 
 void refuseExisting(const Arguments& arguments, const QString& output) {
     const bool exists = QFileInfo::exists(output) || QFileInfo(output).isSymLink();
     if (!isStandardStream(output) && !arguments.inPlace && !arguments.force && exists)
-        throw Reader::Error(Problem::OutputExists,
-                            output.toStdString() +
-                                ": exists already; give --force to replace it, or -o another name");
+        throw Reader::Error(Reader::ErrorKind::OutputExists, {.file = output});
 }
 
 QString projectLocation(const QString& file, const QString& otherwise) {

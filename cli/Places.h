@@ -16,16 +16,16 @@ bool isStandardStream(const QString& file);
 /// An input's name for messages.
 QString nameOf(const QString& file);
 
-/// The project's file, for a folder that holds one project too. Throws Reader::Error.
+/// The project's file, for a folder that holds one project too. Throws Messages::Failure.
 QString inputFor(const Arguments& arguments);
 
 /// The folder that side files are looked up in and written to; empty for a standard stream.
 QString folderOf(const QString& file);
 
-/// Where the result goes: as told, in the input's place, or beside it under the version's name.
+/// Where the result goes: as the options say, in the input's place, or beside it under the version's name.
 QString outputFor(const Arguments& arguments, const QString& input);
 
-/// Makes the folder of a bundle where it is missing, but not the one that it stands in. Throws Reader::Error.
+/// Makes the folder of a bundle where it is missing, but not the one above it. Throws Messages::Failure.
 void makeBundle(const QString& folder);
 
 /// Throws Reader::Error where the output is there already and is not to be replaced.

@@ -1,6 +1,5 @@
 #include "Summary.h"
 
-#include "Reader/Unnumbered.h"
 #include "Terminal.h"
 
 #include <nlohmann/json.hpp>
@@ -11,7 +10,7 @@
 #include <sstream>
 
 using Json = nlohmann::ordered_json;
-using Reader::Step;
+using Reader::AdaptorRow;
 
 namespace {
 
@@ -65,32 +64,29 @@ Json formAsJson(Bundle::Backend form) {
     return form == Bundle::Backend::Xml ? "xml" : "json";
 }
 
-std::vector<const Step*> stepsBetween(int from, int to) {
-    std::vector<const Step*> steps;
-    for (const Step& step : Reader::chain()) {
-        if (step.number > from && step.number <= to)
-            steps.push_back(&step);
+std::vector<const AdaptorRow*> stepsBetween(int from, int to) {
+    return Reader::stepsFor(Bundle::Backend::Json, from, to);
+}
+
+/// By class name.
+std::vector<const AdaptorRow*> unnumberedAdaptors() {
+    std::vector<const AdaptorRow*> rows;
+    for (const AdaptorRow& row : Reader::adaptorTable()) {
+        if (!row.isStep())
+            rows.push_back(&row);
     }
-    return steps;
+    std::sort(rows.begin(), rows.end(),
+              [](const AdaptorRow* a, const AdaptorRow* b) { return a->className < b->className; });
+    return rows;
 }
 
 std::vector<std::string> namesOfStepsToRun(const Reader::Document& document) {
     std::vector<std::string> names;
-    if (!document.version)
+    if (!document.version())
         return names;
-    const auto add = [&](Bundle::Backend form, int from, int to) {
-        for (const Step* step : Reader::stepsFor(form, from, to)) {
-            if (form == Bundle::Backend::Xml ? step->hasXml() : step->hasJson())
-                names.emplace_back(step->className);
-        }
-    };
-    if (document.isXml()) {
-        add(Bundle::Backend::Xml, *document.version, Reader::lastXmlVersion);
-        add(Bundle::Backend::Json, std::max(*document.version, Reader::lastXmlVersion),
-            Reader::currentVersion);
-    } else {
-        add(Bundle::Backend::Json, *document.version, Reader::currentVersion);
-    }
+    for (const AdaptorRow* step :
+         Reader::stepsToRun(document.form(), *document.version(), Reader::currentVersion))
+        names.emplace_back(step->className);
     return names;
 }
 
@@ -120,7 +116,7 @@ Json findingAsJson(const Reader::Finding& finding) {
 } // namespace
 
 std::string asText(const Summary& summary) {
-    const Reader::Report& report = summary.report;
+    const Reader::MigrationReport& report = summary.report;
     std::ostringstream out;
     out << summary.input.toStdString() << ": " << stateOf(report.formBefore, report.from) << " -> "
         << stateOf(report.formAfter, report.to) << '\n';
@@ -132,8 +128,8 @@ std::string asText(const Summary& summary) {
         out << "  " << (line.isError() ? Terminal::red("error") : Terminal::yellow("warning")) << ": "
             << line.step << ": " << line.text << '\n';
     out << "  objects: " << total(report.objectsBefore) << " in, " << total(report.objectsAfter) << " out\n";
-    if (summary.leftOut > 0)
-        out << "  " << plural(summary.leftOut, "object") << " left out that nothing refers to\n";
+    if (report.leftOut > 0)
+        out << "  " << plural(report.leftOut, "object") << " left out that nothing refers to\n";
     if (!report.duplicateIds.empty())
         out << "  " << Terminal::yellow("warning") << ": " << plural(report.duplicateIds.size(), "id")
             << " stood for several objects; the later ones have new ids\n";
@@ -148,7 +144,7 @@ std::string asText(const Summary& summary) {
 }
 
 std::string asJson(const Summary& summary) {
-    const Reader::Report& report = summary.report;
+    const Reader::MigrationReport& report = summary.report;
     Json result;
     result["input"] = summary.input.toStdString();
     result["output"] = summary.output.isEmpty() ? Json() : Json(summary.output.toStdString());
@@ -163,7 +159,7 @@ std::string asJson(const Summary& summary) {
             {{"step", line.step}, {"severity", line.severity}, {"text", line.text}, {"place", line.place}});
     result["objects"] = {{"in", countsAsJson(report.objectsBefore)},
                          {"out", countsAsJson(report.objectsAfter)},
-                         {"leftOut", summary.leftOut}};
+                         {"leftOut", report.leftOut}};
     result["duplicateIds"] = report.duplicateIds;
     Json lost = Json::array();
     for (const Reader::Clip& clip : report.lostClips)
@@ -177,7 +173,7 @@ std::string infoAsText(const Reader::Document& document, const QString& name) {
     out << name.toStdString() << '\n';
     out << "  form:    " << Reader::formName(document.form()).toStdString() << '\n';
     out << "  version: "
-        << (document.version ? std::to_string(*document.version) : "none; give it with --from N") << '\n';
+        << (document.version() ? std::to_string(*document.version()) : "none; give it with --from N") << '\n';
     const auto counts = Reader::countObjects(document);
     out << "  objects: " << total(counts) << '\n';
     for (const auto& [className, count] : counts)
@@ -203,7 +199,7 @@ std::string infoAsJson(const Reader::Document& document, const QString& name) {
     Json result;
     result["file"] = name.toStdString();
     result["form"] = formAsJson(document.form());
-    result["version"] = document.version ? Json(*document.version) : Json();
+    result["version"] = document.version() ? Json(*document.version()) : Json();
     result["objects"] = countsAsJson(Reader::countObjects(document));
     result["clips"] = Json::array();
     for (const Reader::Clip& clip : Reader::listClips(document))
@@ -250,29 +246,31 @@ std::string traceAsText(const Reader::Trace& trace) {
 
 std::string stepsAsText(int from, int to) {
     std::ostringstream out;
-    for (const Step* step : stepsBetween(from, to))
-        out << std::setw(3) << step->number << "  " << std::left << std::setw(42) << step->className
-            << std::setw(10) << formsOf(step->hasXml(), step->hasJson()) << std::right << "  "
-            << step->summary << '\n';
+    const auto addRow = [&](const AdaptorRow& row) {
+        out << std::left << std::setw(42) << row.className << std::setw(10)
+            << formsOf(row.hasXml(), row.hasJson()) << std::right << "  " << row.summary << '\n';
+    };
+    for (const AdaptorRow* step : stepsBetween(from, to)) {
+        out << std::setw(3) << step->number << "  ";
+        addRow(*step);
+    }
     out << "\nOutside the numbering:\n";
-    for (const Reader::Unnumbered& adaptor : Reader::unnumberedAdaptors())
-        out << "     " << std::left << std::setw(42) << adaptor.className << std::setw(10)
-            << formsOf(adaptor.makeXml != nullptr, adaptor.makeJson != nullptr) << std::right << "  "
-            << adaptor.summary << '\n';
+    for (const AdaptorRow* row : unnumberedAdaptors()) {
+        out << "     ";
+        addRow(*row);
+    }
     return out.str();
 }
 
 std::string stepsAsJson(int from, int to) {
     Json result = Json::array();
-    for (const Step* step : stepsBetween(from, to))
-        result.push_back({{"number", step->number},
-                          {"class", step->className},
-                          {"forms", formsAsJson(step->hasXml(), step->hasJson())},
-                          {"summary", step->summary}});
-    for (const Reader::Unnumbered& adaptor : Reader::unnumberedAdaptors())
-        result.push_back({{"number", nullptr},
-                          {"class", adaptor.className},
-                          {"forms", formsAsJson(adaptor.makeXml != nullptr, adaptor.makeJson != nullptr)},
-                          {"summary", adaptor.summary}});
+    std::vector<const AdaptorRow*> rows = stepsBetween(from, to);
+    const auto others = unnumberedAdaptors();
+    rows.insert(rows.end(), others.begin(), others.end());
+    for (const AdaptorRow* row : rows)
+        result.push_back({{"number", row->isStep() ? Json(row->number) : Json()},
+                          {"class", row->className},
+                          {"forms", formsAsJson(row->hasXml(), row->hasJson())},
+                          {"summary", row->summary}});
     return result.dump(2) + '\n';
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Reader/Road.h"
+#include "Reader/Migration.h"
 #include "Reader/Trace.h"
 #include "Reader/Verify.h"
 
@@ -10,11 +10,10 @@
 
 /// What the program says of its work.
 struct Summary {
-    const Reader::Report& report;
+    const Reader::MigrationReport& report;
     QString input;
     QString output; ///< empty where nothing was written
     QString backup; ///< empty for none
-    std::size_t leftOut = 0;
 };
 
 /// For people, some lines.

@@ -1,7 +1,7 @@
 #include "CommandLine.h"
 #include "Memory.h"
+#include "Messages.h"
 #include "Reader/Error.h"
-#include "Terminal.h"
 
 #include <QHashFunctions>
 
@@ -14,9 +14,9 @@
 
 namespace {
 
-int complain(const std::string& text, int code) {
-    std::cerr << "adaptors: " << Terminal::red("error") << ": " << text << '\n';
-    return code;
+int fail(const Messages::Message& message) {
+    std::cerr << Messages::asText(message);
+    return message.code;
 }
 
 } // namespace
@@ -33,10 +33,12 @@ int main(int argc, char** argv) {
     try {
         return runCommandLine(argc, argv);
     } catch (const Reader::Error& error) {
-        return complain(error.what(), static_cast<int>(error.problem()));
+        return fail(Messages::messageFor(error));
+    } catch (const Messages::Failure& failure) {
+        return fail(failure.message());
     } catch (const std::bad_alloc&) {
         Memory::endProgram();
     } catch (const std::exception& error) {
-        return complain(error.what(), 1);
+        return fail(Messages::unexpected(error.what()));
     }
 }

@@ -4,13 +4,14 @@
 // the editor's folders. side-files.json holds all side files that the adaptor writes, as {name: text}. JSON
 // documents are written flat, as {"id": object, ...}.
 
+#include "Adaptors/XmlStep.h"
 #include "Serialize/Json/FlatObject.h"
 #include "Settings/Settings.h"
 #include "support/Adaptors.h"
 #include "support/Compare.h"
 #include "support/Files.h"
 #include "support/Log.h"
-#include "support/Outlines.h"
+#include "support/Index.h"
 #include "support/Paths.h"
 
 #include <gtest/gtest.h>
@@ -163,15 +164,15 @@ TEST_P(CaseTest, GivesWhatIsExpected) {
 
 class ArchiveCaseTest : public CaseTest {};
 
-TEST_P(ArchiveCaseTest, DoesTheSameUnderAnOutline) {
+TEST_P(ArchiveCaseTest, DoesTheSameWithAnIndexThatIsFull) {
     const auto adaptor = Tests::makeXmlAdaptor(adaptorName(), m_setup);
-    ASSERT_TRUE(adaptor) << "no such XML adaptor";
+    auto* const step = dynamic_cast<Bundle::XmlStep*>(adaptor.get());
+    ASSERT_TRUE(step) << "no such step on archives";
     QDomDocument document = readXml(file("before.xml"));
-    Archive::Internal::Outline outline(document);
-    Tests::fill(outline, document);
-    run(*adaptor, document);
-    outline.endStep();
-    EXPECT_EQ(Tests::difference(outline, document), "");
+    Archive::Internal::ArchiveEditor archive(document);
+    Tests::indexDifference(archive); // fills the index
+    step->apply(archive);
+    EXPECT_EQ(Tests::indexDifference(archive), "");
     EXPECT_EQ(Tests::difference(readXml(file("after.xml")), document), "");
 }
 

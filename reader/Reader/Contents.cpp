@@ -1,6 +1,7 @@
 #include "Reader/Contents.h"
 
 #include "Archive/Internal/FlatObjects.h"
+#include "Archive/Internal/TreeFacts.h"
 #include "Archive/Internal/Walk.h"
 #include "Archive/Xml.h"
 
@@ -36,7 +37,7 @@ void walkElements(const QDomElement& top, Visit visit) {
 /// The archive's root objects that hold the project, by id; the later of two counts, as in the conversion.
 QHash<unsigned long long, QDomElement> rootObjectsById(const QDomDocument& xml) {
     QHash<unsigned long long, QDomElement> objects;
-    for (const auto& [e, type] : Archive::Internal::typedElements(xml, Words::RootObject)) {
+    for (const auto& [e, type] : *Archive::Internal::typedElements(xml, Words::RootObject)) {
         if (!isDeclaring(type))
             objects.insert(Archive::objectIdOf(e), e);
     }
@@ -72,8 +73,7 @@ QHash<QString, std::size_t> objectsByType(const QDomDocument& xml) {
     return objects;
 }
 
-ObjectCounts countXml(const Document& document) {
-    const auto objects = document.facts ? document.facts->objectsByType : objectsByType(document.xml());
+ObjectCounts countsOf(const QHash<QString, std::size_t>& objects) {
     ObjectCounts counts;
     for (auto type = objects.begin(); type != objects.end(); ++type) {
         if (!isDeclaring(type.key()))
@@ -180,7 +180,7 @@ bool isDeclaring(const QString& type) {
 
 ObjectCounts countObjects(const Document& document) {
     if (document.isXml())
-        return countXml(document);
+        return countsOf(document.m_facts ? document.m_facts->objectsByType : objectsByType(document.xml()));
     ObjectCounts counts;
     for (const auto& [id, object] : document.json().flat.objects)
         ++counts[classOf(object)];

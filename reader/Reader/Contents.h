@@ -2,14 +2,13 @@
 
 #include "Reader/Document.h"
 
-#include <map>
 #include <set>
 #include <string>
 #include <vector>
 
-namespace Reader {
+// Threads: each function reads the document that it is given, and no other; see Document.
 
-using ObjectCounts = std::map<std::string, std::size_t>;
+namespace Reader {
 
 /// Objects by class name, embedded objects and base class parts included; those that declare others are not.
 ObjectCounts countObjects(const Document& document);
@@ -23,7 +22,7 @@ struct Clip {
     std::string name; ///< empty for none
 };
 
-/// All clips that the document's timelines list, each once, in the order in which they are met.
+/// All clips that the document's timelines list, each once, in document order.
 std::vector<Clip> listClips(const Document& document);
 
 /// The ids of all objects that references lead to from the root object, itself included.

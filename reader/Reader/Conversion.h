@@ -1,11 +1,13 @@
 #pragma once
 
-#include "Reader/Chain.h"
+#include "Reader/AdaptorTable.h"
 #include "Util/JsonMigrationAdaptor.h"
 
 namespace Reader {
 
-/// The conversion as it stands in the chain: behind the last step on archives.
+/// The conversion that runs behind the last step on archives.
+///
+/// Threads: one object belongs to one thread at a time.
 class Conversion : public Util::JsonMigrationAdaptor {
 public:
     Conversion() : JsonMigrationAdaptor(lastXmlVersion) {}

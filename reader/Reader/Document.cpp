@@ -1,10 +1,12 @@
 #include "Reader/Document.h"
 
+#include "Archive/Internal/TreeFacts.h"
 #include "Reader/Error.h"
 #include "Reader/JsonText.h"
 #include "Reader/XmlText.h"
 
 #include <stdexcept>
+#include <utility>
 
 using nlohmann::json;
 
@@ -25,16 +27,11 @@ std::optional<char> firstByte(const QByteArray& bytes) {
     return position < bytes.size() ? std::optional(bytes.at(position)) : std::nullopt;
 }
 
-[[noreturn]] void fail(Problem problem, const QString& name, const std::string& reason) {
-    throw Error(problem, name.toStdString() + ": " + reason);
+[[noreturn]] void fail(ErrorKind kind, const QString& name, const std::string& reason = {}) {
+    throw Error(kind, {.file = name, .reason = reason});
 }
 
 constexpr long long greatestVersion = 1000000; // far beyond any that there will be
-
-[[noreturn]] void refuseVersion(const QString& name, const std::string& text) {
-    fail(Problem::NoVersion, name,
-         "the schema version " + text + " is no version number; give the right one with --from N");
-}
 
 std::optional<int> versionOf(const QDomElement& archive, const QString& name) {
     if (!archive.hasAttribute(versionAttribute))
@@ -43,7 +40,7 @@ std::optional<int> versionOf(const QDomElement& archive, const QString& name) {
     bool isNumber = false;
     const long long version = text.toLongLong(&isNumber);
     if (!isNumber || version < 0 || version > greatestVersion)
-        refuseVersion(name, '"' + text.toStdString() + '"');
+        fail(ErrorKind::BadVersion, name, '"' + text.toStdString() + '"');
     return static_cast<int>(version);
 }
 
@@ -53,39 +50,35 @@ std::optional<int> versionOf(const json& envelope, const QString& name) {
         return std::nullopt;
     const auto version = Serialize::Json::toId(*it);
     if (!version || *version > static_cast<unsigned long long>(greatestVersion))
-        refuseVersion(name, it->dump());
+        fail(ErrorKind::BadVersion, name, it->dump());
     return static_cast<int>(*version);
 }
 
-Document parseArchive(const QByteArray& bytes, const QString& name, std::optional<int> version) {
-    Archive::Internal::TreeFacts facts;
-    const QDomDocument xml = parseXml(bytes, name, &facts);
+QDomDocument parseArchive(const QByteArray& bytes, const QString& name, Archive::Internal::TreeFacts& facts) {
+    QDomDocument xml = parseXml(bytes, name, &facts);
     const QDomElement archive = xml.documentElement();
     if (archive.tagName() != archiveTag)
-        fail(Problem::NoArchive, name,
-             "the document element is <" + archive.tagName().toStdString() + ">, a project has <Archive>");
+        fail(ErrorKind::NoArchive, name, "the document element is <" + archive.tagName().toStdString() + '>');
     if (facts.archives != 1)
-        fail(Problem::NoArchive, name,
-             "there are " + std::to_string(facts.archives) + " <Archive> elements, a project has one");
-    return {xml, version ? version : versionOf(archive, name), std::move(facts)};
+        fail(ErrorKind::NoArchive, name,
+             "there are " + std::to_string(facts.archives) + " <Archive> elements");
+    return xml;
 }
 
 Document parseProjectJson(const QByteArray& bytes, const QString& name, std::optional<int> version) {
     json envelope = parseJson(bytes, name);
     if (!envelope.is_object())
-        fail(Problem::WrongEnvelope, name,
-             std::string("the document is a JSON ") + envelope.type_name() +
-                 ", a project is an object with \"data\" and \"version\"");
+        fail(ErrorKind::WrongEnvelope, name, std::string("the document is a JSON ") + envelope.type_name());
     if (!version)
         version = versionOf(envelope, name);
     envelope.erase(schemaVersionKey);
-    return {openEnvelope(std::move(envelope), name), version, std::nullopt};
+    return Document(openEnvelope(std::move(envelope), name), version);
 }
 
 Serialized serializeXml(Document document) {
     QDomElement archive = document.xml().documentElement();
-    if (document.version)
-        archive.setAttribute(versionAttribute, QString::number(*document.version));
+    if (document.version())
+        archive.setAttribute(versionAttribute, QString::number(*document.version()));
     return {writeXml(document.xml()), 0};
 }
 
@@ -94,49 +87,89 @@ Serialized serializeJson(Document document) {
     json envelope = std::move(project.envelope);
     Serialized result;
     envelope[dataKey] = nest(std::move(project), result.leftOut);
-    if (document.version)
-        envelope[schemaVersionKey] = *document.version;
+    if (document.version())
+        envelope[schemaVersionKey] = *document.version();
     result.bytes = writeJson(envelope) + '\n';
     return result;
 }
 
+/// The same JSON value. Its own copy constructor takes stack for each level of depth, its text does not.
+json copyOf(const json& value) {
+    return parseJson(writeJson(value), QString());
+}
+
+JsonDocument copyOf(const JsonDocument& project) {
+    JsonDocument copy;
+    copy.root = project.root;
+    copy.envelope = project.envelope;
+    copy.notes = project.notes;
+    for (const auto& [id, object] : project.flat.objects)
+        copy.flat.objects.emplace_hint(copy.flat.objects.end(), id, copyOf(object));
+    return copy;
+}
+
 } // namespace
+
+Document::Document(const QDomDocument& xml, std::optional<int> version)
+    : m_content(xml), m_version(version) {}
+Document::Document(JsonDocument json, std::optional<int> version)
+    : m_content(std::move(json)), m_version(version) {}
+Document::~Document() = default;
+Document::Document(Document&& other) noexcept = default;
+Document& Document::operator=(Document&& other) noexcept = default;
+
+Bundle::Backend Document::form() const {
+    return m_content.index() == 0 ? Bundle::Backend::Xml : Bundle::Backend::Json;
+}
+
+QDomDocument& Document::xml() {
+    m_facts.reset();
+    return std::get<QDomDocument>(m_content);
+}
+
+Document Document::clone() const {
+    return isXml() ? Document(xml().cloneNode().toDocument(), m_version)
+                   : Document(copyOf(json()), m_version);
+}
 
 Document parse(const QByteArray& bytes, const QString& name, std::optional<int> version) {
     const auto first = firstByte(bytes);
     if (!first)
-        fail(Problem::Empty, name, "the file is empty");
+        fail(ErrorKind::Empty, name);
     switch (*first) {
-    case '<':
-        return parseArchive(bytes, name, version);
+    case '<': {
+        auto facts = std::make_unique<Archive::Internal::TreeFacts>();
+        const QDomDocument xml = parseArchive(bytes, name, *facts);
+        Document document(xml, version ? version : versionOf(xml.documentElement(), name));
+        document.m_facts = std::move(facts);
+        return document;
+    }
     case '{':
     case '[':
         return parseProjectJson(bytes, name, version);
     default:
-        fail(Problem::UnknownForm, name, "neither XML nor JSON; a project begins with '<' or '{'");
+        fail(ErrorKind::UnknownForm, name);
     }
 }
 
 JsonDocument openEnvelope(json envelope, const QString& name) {
     const auto version = envelope.find(formVersionKey);
     if (version == envelope.end() || *version != "1.0")
-        fail(Problem::WrongEnvelope, name,
-             "\"version\" is " + (version == envelope.end() ? "missing" : version->dump()) +
-                 ", a project has \"1.0\"");
+        fail(ErrorKind::WrongEnvelope, name,
+             "\"version\" is " + (version == envelope.end() ? "missing" : version->dump()));
     const auto data = envelope.find(dataKey);
     if (data == envelope.end())
-        fail(Problem::WrongEnvelope, name, "\"data\" is missing");
+        fail(ErrorKind::WrongEnvelope, name, "\"data\" is missing");
     if (!isClassObject(*data))
-        fail(Problem::WrongEnvelope, name,
-             std::string("\"data\" is ") + (data->is_object() ? "no class object" : data->type_name()) +
-                 ", a project has its root object there");
+        fail(ErrorKind::WrongEnvelope, name,
+             std::string("\"data\" is ") + (data->is_object() ? "no class object" : data->type_name()));
     JsonDocument document;
     json root = std::move(*data);
     envelope.erase(data);
     try {
         static_cast<FlatDocument&>(document) = flatten(std::move(root), document.notes);
     } catch (const std::length_error& error) {
-        fail(Problem::WrongEnvelope, name, error.what());
+        fail(ErrorKind::WrongEnvelope, name, error.what());
     }
     document.envelope = std::move(envelope);
     return document;

@@ -1,49 +1,83 @@
 #pragma once
 
 #include "Adaptors/Backend.h"
-#include "Archive/Internal/TreeFacts.h"
 #include "Reader/Flatten.h"
 
 #include <QByteArray>
 #include <QDomDocument>
 #include <QString>
 
+#include <map>
+#include <memory>
 #include <optional>
+#include <string>
 #include <variant>
+
+namespace Archive::Internal {
+struct TreeFacts;
+}
 
 namespace Reader {
 
+/// Counts by class name.
+using ObjectCounts = std::map<std::string, std::size_t>;
+
 /// A project in JSON: the flat document, and what else its envelope held.
+///
+/// Threads: a plain value.
 struct JsonDocument : FlatDocument {
     nlohmann::json envelope; ///< without "data" and "schemaVersion"
     FlattenNotes notes;
 };
 
-/// A saved project in memory, in one of the two forms.
-struct Document {
-    std::variant<QDomDocument, JsonDocument> content;
-    std::optional<int> version; ///< schema version; none where the document names none
-    /// What the archive held when it was read; none once it was handed out to be changed.
-    std::optional<Archive::Internal::TreeFacts> facts = std::nullopt;
+/// A saved project in memory, in one of the two forms. It is moved, not copied: a copy of the XML form would be
+/// another handle of the same tree. clone() makes another document.
+///
+/// Threads: one document belongs to one thread at a time, also for reading; different ones do not disturb each other.
+class Document {
+public:
+    explicit Document(const QDomDocument& xml, std::optional<int> version = std::nullopt);
+    explicit Document(JsonDocument json, std::optional<int> version = std::nullopt);
+    ~Document();
+    Document(Document&& other) noexcept;
+    Document& operator=(Document&& other) noexcept;
 
-    Bundle::Backend form() const {
-        return content.index() == 0 ? Bundle::Backend::Xml : Bundle::Backend::Json;
-    }
+    Bundle::Backend form() const;
     bool isXml() const { return form() == Bundle::Backend::Xml; }
-    QDomDocument& xml() {
-        facts.reset();
-        return std::get<QDomDocument>(content);
-    }
-    const QDomDocument& xml() const { return std::get<QDomDocument>(content); }
-    JsonDocument& json() { return std::get<JsonDocument>(content); }
-    const JsonDocument& json() const { return std::get<JsonDocument>(content); }
+
+    /// The schema version; none where the document names none.
+    std::optional<int> version() const { return m_version; }
+    void setVersion(std::optional<int> version) { m_version = version; }
+
+    /// The content of that form, which the document must have. The non-const xml() hands the tree out to be changed.
+    QDomDocument& xml();
+    const QDomDocument& xml() const { return std::get<QDomDocument>(m_content); }
+    JsonDocument& json() { return std::get<JsonDocument>(m_content); }
+    const JsonDocument& json() const { return std::get<JsonDocument>(m_content); }
+
+    /// Another document of the same form, content and version. Depth costs memory, not stack.
+    Document clone() const;
+
+private:
+    friend Document parse(const QByteArray&, const QString&, std::optional<int>);
+    friend ObjectCounts countObjects(const Document&);
+    friend class Migration;
+
+    std::variant<QDomDocument, JsonDocument> m_content;
+    std::optional<int> m_version;
+    /// What the parser saw of the tree; null for JSON, and once the tree was handed out to be changed.
+    std::unique_ptr<Archive::Internal::TreeFacts> m_facts;
 };
 
-/// Reads a project of either form; `name` is the file's name for errors. `version` stands in for what the document
-/// says of its schema version, however wrong that is. Throws Error.
+/// Reads a project of either form; `name` is the file's name for errors. `version` replaces what the document says of
+/// its schema version, however wrong that is. Throws Error.
+///
+/// Threads: may be called from any thread at any time.
 Document parse(const QByteArray& bytes, const QString& name, std::optional<int> version = std::nullopt);
 
 /// Takes the nested value of a JSON project, envelope and all. Throws Error for a wrong envelope.
+///
+/// Threads: as parse().
 JsonDocument openEnvelope(nlohmann::json envelope, const QString& name);
 
 struct Serialized {
@@ -52,9 +86,11 @@ struct Serialized {
 };
 
 /// The project as it is saved, with its schema version. The same document gives the same bytes on every run.
+///
+/// Threads: as parse().
 Serialized serialize(Document document);
 
-/// What stands for a form in messages.
+/// What a form is called in messages.
 QString formName(Bundle::Backend form);
 
 } // namespace Reader

@@ -1,38 +1,80 @@
 #pragma once
 
+#include <QString>
+
+#include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace Reader {
 
-/// What went wrong, as the program's exit code tells it.
-enum class Problem {
-    WrongUse = 2,       ///< no such step, no form of it for the document, or options that exclude each other
-    Unreadable = 3,     ///< the input can't be opened or read
-    Empty = 4,          ///< the input has no content
-    UnknownForm = 5,    ///< neither XML nor JSON
-    BrokenXml = 6,      ///< not well-formed, or a character that XML forbids
-    BrokenJson = 7,     ///< not well-formed
-    NoArchive = 8,      ///< XML without exactly one `Archive`, or whose root object is missing
-    RefusedXml = 9,     ///< a document type declaration, a foreign encoding, too deep or too many attributes
-    WrongEnvelope = 10, ///< JSON that is no project document
-    NoVersion = 11,     ///< no schema version in the document, none given
-    WrongVersion = 12,  ///< newer than this program, or beyond the version asked for
-    StepFailed = 13,    ///< a step threw
-    StrictFailure = 14, ///< a step reported an error or clips were lost, and that was not to pass
-    Unwritable = 15,    ///< the output can't be written
-    OutputExists = 16,  ///< the output is there already and was not to be replaced
+/// What went wrong with a document or a file.
+enum class ErrorKind {
+    Unreadable,         ///< the input can't be opened or read
+    TooLarge,           ///< the input is larger than any project
+    NoRegularFile,      ///< a file to be changed in place is a device, a pipe or a folder
+    Empty,              ///< the input has no content
+    UnknownForm,        ///< neither XML nor JSON
+    BrokenXml,          ///< not well-formed, or a character that XML forbids
+    RefusedXml,         ///< a document type declaration, too deep, or too many attributes
+    ForeignEncoding,    ///< XML in an encoding that no project uses
+    NoArchive,          ///< XML without exactly one `Archive`
+    MissingRoot,        ///< an archive whose root object is missing
+    BrokenJson,         ///< not well-formed
+    WrongEnvelope,      ///< JSON that is no project document
+    NoVersion,          ///< the document names no schema version
+    BadVersion,         ///< what it names is no version number
+    TooNew,             ///< a schema version above the newest that is known
+    UnreachableVersion, ///< the version asked for is below the document's, or above the newest
+    NoWayBack,          ///< the version asked for is an archive's and the document is JSON
+    UnknownStep,        ///< there is no adaptor of that name
+    NoSuchForm,         ///< the adaptor has no form for the document
+    StepFailed,         ///< an adaptor threw
+    Unwritable,         ///< a file or folder can't be written
+    OutputExists,       ///< a file exists already and is not to be replaced
+    InUse,              ///< another run is at work on the file
+    ChangedMeanwhile,   ///< somebody changed or removed the file during the migration
 };
 
-/// A document can't be read, migrated or written. The text names file, place and reason.
+/// The kind as a word for programs, such as "broken-xml".
+std::string_view nameOf(ErrorKind kind);
+
+/// Why a file can't be written.
+enum class WriteObstacle {
+    None,         ///< not known
+    NoFolder,     ///< its folder is missing
+    IsFolder,     ///< a folder has its name
+    NotPermitted, ///< this user may not write it
+};
+
+/// What is known of an error; the rest is empty.
+struct ErrorFacts {
+    QString file = {};                 ///< name of the document, or path of the file
+    std::optional<qint64> line = {};   ///< in XML text, from 1
+    std::optional<qint64> column = {}; ///< in XML text, from 1
+    std::optional<qint64> byte = {};   ///< in JSON text, from 1
+    std::string step = {};             ///< class name of an adaptor
+    std::optional<int> version = {};   ///< schema version of the document
+    std::optional<int> target = {};    ///< schema version that was asked for
+    std::string reason = {};           ///< details, as a part of a sentence
+    WriteObstacle obstacle = WriteObstacle::None;
+};
+
+/// A document can't be read, migrated or written. what() is a sentence for logs; programs make words for people of
+/// the kind and the facts.
+///
+/// Threads: a plain value.
 class Error : public std::runtime_error {
 public:
-    Error(Problem problem, const std::string& text) : std::runtime_error(text), m_problem(problem) {}
+    Error(ErrorKind kind, ErrorFacts facts);
 
-    Problem problem() const { return m_problem; }
+    ErrorKind kind() const { return m_kind; }
+    const ErrorFacts& facts() const { return m_facts; }
 
 private:
-    Problem m_problem;
+    ErrorKind m_kind;
+    ErrorFacts m_facts;
 };
 
 } // namespace Reader

@@ -13,14 +13,13 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <utility>
 
 namespace Reader {
 namespace {
 
-[[noreturn]] void fail(Problem problem, const QString& path, const QString& reason) {
-    throw Error(problem, QStringLiteral("%1: %2").arg(path, reason).toStdString());
+[[noreturn]] void fail(ErrorKind kind, const QString& path, const QString& reason = {}) {
+    throw Error(kind, {.file = path, .reason = reason.toStdString()});
 }
 
 /// A rename is safe on disk only when its folder is.
@@ -36,24 +35,23 @@ void syncFolder(const QString& path) {
 void writeStandardOutput(const QByteArray& bytes) {
     QFile out;
     if (!out.open(stdout, QIODevice::WriteOnly) || out.write(bytes) != bytes.size() || !out.flush())
-        fail(Problem::Unwritable, QStringLiteral("standard output"), out.errorString());
+        fail(ErrorKind::Unwritable, QStringLiteral("standard output"), out.errorString());
 }
 
-/// What to do about a file that can't be written.
-QString remedyFor(const QString& path) {
+WriteObstacle obstacleTo(const QString& path) {
     const QFileInfo folder(QFileInfo(path).absolutePath());
     if (!folder.isDir())
-        return QStringLiteral("make its folder first, or give another output");
+        return WriteObstacle::NoFolder;
     if (QFileInfo(path).isDir())
-        return QStringLiteral("a folder stands there; give another output");
+        return WriteObstacle::IsFolder;
     if (!folder.isWritable() || (QFileInfo::exists(path) && !QFileInfo(path).isWritable()))
-        return QStringLiteral(
-            "it is not yours to write; give another output, or have its permissions changed");
-    return QStringLiteral("make room on its disk, or give another output");
+        return WriteObstacle::NotPermitted;
+    return WriteObstacle::None;
 }
 
 [[noreturn]] void failToWrite(const QString& path, const QString& reason) {
-    fail(Problem::Unwritable, path, reason + QStringLiteral("; ") + remedyFor(path));
+    throw Error(ErrorKind::Unwritable,
+                {.file = path, .reason = reason.toStdString(), .obstacle = obstacleTo(path)});
 }
 
 /// A device or a pipe takes the bytes itself: a rename would put a file in its place.
@@ -64,7 +62,7 @@ void writeInto(const QString& path, const QByteArray& bytes) {
 }
 
 QString systemError() {
-    return QString::fromLocal8Bit(std::strerror(errno));
+    return qt_error_string(errno);
 }
 
 /// A temporary file beside another one. It goes away again unless it takes the other's place.
@@ -152,8 +150,7 @@ void writeWhereNothingIs(const QString& path, const QByteArray& bytes) {
     if (temporary.write(bytes) && temporary.takeFreePlace())
         return;
     if (errno == EEXIST)
-        fail(Problem::OutputExists, path,
-             QStringLiteral("exists already; give --force to replace it, or another output"));
+        fail(ErrorKind::OutputExists, path);
     failToWrite(path, systemError());
 }
 
@@ -167,7 +164,7 @@ QString keepBackup(const QString& path, const QByteArray& bytes) {
             writeFile(backup, bytes, Existing::Refuse);
             return backup;
         } catch (const Error& error) {
-            if (error.problem() != Problem::OutputExists)
+            if (error.kind() != ErrorKind::OutputExists)
                 throw;
         }
     }
@@ -181,7 +178,7 @@ QByteArray readFile(const QString& path) {
         path == standardStream ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly);
     const QString name = path == standardStream ? QStringLiteral("standard input") : path;
     if (!isOpen)
-        fail(Problem::Unreadable, name, file.errorString());
+        fail(ErrorKind::Unreadable, name, file.errorString());
     constexpr qint64 piece = 1 << 20;
     QByteArray bytes;
     bytes.reserve(static_cast<int>(std::min(file.size(), greatestFile)));
@@ -189,9 +186,9 @@ QByteArray readFile(const QString& path) {
          next = file.read(piece))
         bytes += next;
     if (bytes.size() > greatestFile)
-        fail(Problem::Unreadable, name, QStringLiteral("larger than 1 GiB, which no project is"));
+        fail(ErrorKind::TooLarge, name);
     if (file.error() != QFileDevice::NoError)
-        fail(Problem::Unreadable, name, file.errorString());
+        fail(ErrorKind::Unreadable, name, file.errorString());
     return bytes;
 }
 
@@ -217,17 +214,15 @@ FileInPlace::FileInPlace(const QString& path)
       m_descriptor(open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)), m_state() {
     struct stat status = {};
     if (m_descriptor < 0 || fstat(m_descriptor, &status) != 0)
-        fail(Problem::Unreadable, path, systemError());
+        fail(ErrorKind::Unreadable, path, systemError());
     m_state = stateOf(status);
     try {
         if (!S_ISREG(status.st_mode))
-            fail(Problem::Unreadable, path,
-                 QStringLiteral("is no regular file, and only those are replaced"));
+            fail(ErrorKind::NoRegularFile, path);
         // Where the file system knows no locks, the check before writing is what there is.
         const bool isTaken = flock(m_descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
         if (isTaken || m_state != stateOfPath())
-            fail(Problem::Unwritable, path,
-                 QStringLiteral("another run is at work on it; wait until that is done and run this again"));
+            fail(ErrorKind::InUse, path);
         m_bytes = readFile(path);
     } catch (const Error&) {
         close(m_descriptor);
@@ -243,9 +238,7 @@ QString FileInPlace::replace(const QByteArray& bytes) {
     QString backup = keepBackup(m_path, m_bytes);
     try {
         if (m_state != stateOfPath())
-            fail(Problem::Unwritable, m_path,
-                 QStringLiteral(
-                     "it was changed or removed while it was migrated, and was left alone; run this again"));
+            fail(ErrorKind::ChangedMeanwhile, m_path);
         writeFile(m_path, bytes);
     } catch (const Error&) {
         QFile::remove(backup);

@@ -69,12 +69,12 @@ private:
     unsigned long long takeId(json& object, const std::string* key);
     unsigned long long freshId();
     void leave();
-    void meetLink(json& link, unsigned long long target);
+    void addLink(json& link, unsigned long long target);
 
     FlattenNotes& m_notes;
     unsigned long long m_greatest;
     std::vector<Level> m_levels;
-    std::unordered_map<unsigned long long, bool> m_isBasePart; ///< by id that was met
+    std::unordered_map<unsigned long long, bool> m_isBasePart; ///< by the ids found so far
     std::vector<json*>
         m_openLinks; ///< whose id has no object of its own yet; members stay in place when moved
     FlatDocument m_result;
@@ -107,7 +107,7 @@ FlatDocument Flattener::run(json root) {
             enter(*member, &member.key());
     }
     for (json* link : std::exchange(m_openLinks, {}))
-        meetLink(*link, linkTarget(*link));
+        addLink(*link, linkTarget(*link));
     std::sort(m_notes.duplicateIds.begin(), m_notes.duplicateIds.end());
     const auto last = std::unique(m_notes.duplicateIds.begin(), m_notes.duplicateIds.end());
     m_notes.duplicateIds.erase(last, m_notes.duplicateIds.end());
@@ -118,7 +118,7 @@ void Flattener::enter(json& value, const std::string* key) {
     if (!value.is_structured())
         return;
     if (const unsigned long long target = linkTarget(value)) {
-        meetLink(value, target);
+        addLink(value, target);
         return;
     }
     const unsigned long long id = isClassObject(value) ? takeId(value, key) : 0;
@@ -165,7 +165,7 @@ void Flattener::leave() {
     value = makeLink(level.id);
 }
 
-void Flattener::meetLink(json& link, unsigned long long target) {
+void Flattener::addLink(json& link, unsigned long long target) {
     if (const auto it = m_notes.redirected.find(target); it != m_notes.redirected.end()) {
         link = makeLink(it->second);
         return;
@@ -184,14 +184,14 @@ public:
 
 private:
     void visit(json& value);
-    void standInFull(json& place, json& entry, unsigned long long id);
+    void writeInFull(json& place, json& entry, unsigned long long id);
 
     FlatObject& m_flat;
     std::unordered_set<unsigned long long> m_written;
 };
 
 /// Whether an entry of the flat document can be written as a class object.
-bool canStand(const json& entry) {
+bool isWritable(const json& entry) {
     if (!entry.is_object())
         return false;
     const auto meta = entry.find(MetaDetails::s_meta);
@@ -212,15 +212,15 @@ void Nester::visit(json& value) {
     const unsigned long long id = isEmbedded ? Serialize::Json::getObjectId(value).value_or(0) : target;
     const auto it = m_flat.objects.find(id);
     if (it == m_flat.objects.end())
-        return; // a dangling link, or an object that stands here alone
+        return; // a dangling link, or an object that is nowhere else
     if (m_written.count(id))
         value = makeLink(id);
-    else if (canStand(it->second))
-        standInFull(value, it->second, id);
+    else if (isWritable(it->second))
+        writeInFull(value, it->second, id);
     // Otherwise the entry is no object: the link, or what is embedded here, is all that there is.
 }
 
-void Nester::standInFull(json& place, json& entry, unsigned long long id) {
+void Nester::writeInFull(json& place, json& entry, unsigned long long id) {
     m_written.insert(id);
     place = std::exchange(entry, json());
     setId(place, id); // the key in the flat document is what links mean

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <vector>
 
+// Threads: every function here may be called from any thread at any time, on values of its own.
+
 namespace Reader {
 
 /// A document as steps work on it.
@@ -32,7 +34,7 @@ unsigned long long linkTarget(const nlohmann::json& value);
 /// `root` must be a class object. Depth costs memory, not stack. Throws std::length_error where no id is left.
 FlatDocument flatten(nlohmann::json root, FlattenNotes& notes);
 
-/// The reverse: each object stands in full at its first reference, in walking order from the root, and as a link
+/// The reverse: each object is written in full at its first reference, in walking order from the root, and as a link
 /// at later ones. `leftOut` becomes the number of objects that nothing reaches. Uses `document` up.
 nlohmann::json nest(FlatDocument document, std::size_t& leftOut);
 

@@ -106,19 +106,18 @@ std::string reasonIn(const std::string& text, std::string_view end) {
     return reason == std::string::npos ? text : text.substr(reason + end.size());
 }
 
-[[noreturn]] void refuse(const QString& name, const std::string& place, const std::string& reason) {
-    throw Error(Problem::BrokenJson, name.toStdString() + ": broken JSON" + place + ": " + reason);
-}
-
 } // namespace
 
 json parseJson(const QByteArray& bytes, const QString& name) {
     try {
         return json::parse(bytes.begin(), bytes.end());
     } catch (const json::parse_error& error) {
-        refuse(name, " at byte " + std::to_string(error.byte), reasonIn(error.what(), ": "));
-    } catch (const json::out_of_range& error) { // a number that no double holds; its place is not told
-        refuse(name, "", reasonIn(error.what(), "] "));
+        throw Error(
+            ErrorKind::BrokenJson,
+            {.file = name, .byte = static_cast<qint64>(error.byte), .reason = reasonIn(error.what(), ": ")});
+    } catch (
+        const json::out_of_range& error) { // a number that no double holds; the library does not say where
+        throw Error(ErrorKind::BrokenJson, {.file = name, .reason = reasonIn(error.what(), "] ")});
     }
 }
 

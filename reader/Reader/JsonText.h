@@ -5,6 +5,8 @@
 #include <QByteArray>
 #include <QString>
 
+// Threads: every function here may be called from any thread at any time.
+
 namespace Reader {
 
 /// Reads JSON text; `name` is the file's name for errors. Throws Error with the byte of the first fault.

@@ -86,7 +86,7 @@ bool SideFiles::write(const QString& name, const QByteArray& content) const {
         return false;
     }
     if (!m_replace && present.exists()) {
-        refuse(name, "exists already, so the text stays in the document; --force replaces the file");
+        refuse(name, "exists already, so the text stays in the document");
         return false;
     }
     try {

@@ -8,9 +8,11 @@ namespace Reader {
 /// The side files of a project, in one folder. Names come from documents and are hostile until shown otherwise: one
 /// that leaves the folder, by "..", by an absolute path or by a link, or that is no regular file, is refused.
 /// What goes wrong is logged at ERROR.
+///
+/// Threads: a plain value; may be used from any thread.
 class SideFiles {
 public:
-    /// An empty folder stands for none: nothing is read or written then. Existing files are written over only with
+    /// Without a folder, an empty one, nothing is read or written. Existing files are written over only with
     /// `replace`.
     explicit SideFiles(const QString& folder, bool replace = false);
 

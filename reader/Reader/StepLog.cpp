@@ -2,7 +2,8 @@
 
 namespace Reader {
 
-StepLog::StepLog() {
+StepLog::StepLog(std::string step, std::vector<LogLine>& lines)
+    : m_thread(std::this_thread::get_id()), m_step(std::move(step)), m_lines(lines) {
     google::AddLogSink(this);
 }
 
@@ -10,9 +11,10 @@ StepLog::~StepLog() {
     google::RemoveLogSink(this);
 }
 
+// glog calls every sink of the process for every line, on the thread that logs the line.
 void StepLog::send(google::LogSeverity severity, const char* fullName, const char*, int line,
                    const google::LogMessageTime&, const char* message, std::size_t length) {
-    if (severity >= google::GLOG_WARNING)
+    if (severity >= google::GLOG_WARNING && std::this_thread::get_id() == m_thread)
         m_lines.push_back({m_step, google::GetLogSeverityName(severity), std::string(message, length),
                            std::string(fullName) + ':' + std::to_string(line)});
 }

@@ -1,39 +1,33 @@
 #pragma once
 
+#include "Reader/MigrationReport.h"
+
 #include <glog/logging.h>
 
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace Reader {
 
-/// A line that a step logged.
-struct LogLine {
-    std::string step;     ///< class name of the step, or of the unnumbered adaptor
-    std::string severity; ///< "WARNING" or "ERROR"
-    std::string text;
-    std::string place; ///< source file and line
-
-    bool isError() const { return severity == "ERROR"; }
-};
-
-/// Collects what is logged while it lives, under the name of the step that runs.
+/// Adds the warnings and errors that its thread logs while it lives to a list, under the name of a step.
+///
+/// Threads: belongs to the thread that made it. Lines that other threads log at the same time are left to their own
+/// logs.
 class StepLog : private google::LogSink {
 public:
-    StepLog();
+    StepLog(std::string step, std::vector<LogLine>& lines);
     ~StepLog() override;
     StepLog(const StepLog&) = delete;
     StepLog& operator=(const StepLog&) = delete;
-
-    void setStep(std::string name) { m_step = std::move(name); }
-    const std::vector<LogLine>& lines() const { return m_lines; }
 
 private:
     void send(google::LogSeverity severity, const char* fullName, const char* baseName, int line,
               const google::LogMessageTime& time, const char* message, std::size_t length) override;
 
-    std::string m_step;
-    std::vector<LogLine> m_lines;
+    const std::thread::id m_thread;
+    const std::string m_step;
+    std::vector<LogLine>& m_lines;
 };
 
 } // namespace Reader

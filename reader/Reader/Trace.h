@@ -2,6 +2,7 @@
 
 #include "Reader/Document.h"
 #include "Reader/Files.h"
+#include "Reader/MigrationOptions.h"
 
 #include <QByteArray>
 #include <QString>
@@ -11,11 +12,13 @@
 
 namespace Reader {
 
-/// Writes a document after each adaptor that changed it, for whoever hunts the one that broke it. Give note() to a
-/// journey as its `watch`.
+/// Writes a document after each adaptor that changed it, to find the one that broke it. MigrationOptions::watch calls
+/// note().
+///
+/// Threads: belongs to the thread of its migration.
 class Trace {
 public:
-    /// The adaptor's place on the road, from 1, and the file that holds what it made of the document.
+    /// The adaptor's place among those that ran, from 1, and the file with the document as it was after it.
     struct Entry {
         int place;
         std::string className;
@@ -27,7 +30,7 @@ public:
         : m_folder(folder), m_existing(existing) {}
 
     /// Files are called by place and class name, "07-V12_ClipPreviewAdaptor.xml". Throws Error.
-    void note(const std::string& className, const Document& document);
+    void note(const MigrationPart& part, const Document& document);
 
     const std::vector<Entry>& entries() const { return m_entries; }
 
@@ -37,7 +40,7 @@ private:
     QString m_folder;
     Existing m_existing;
     int m_version = 0; ///< that the document has reached
-    QByteArray m_last; ///< the document as it was last seen
+    QByteArray m_last; ///< the document after the last part
     std::vector<Entry> m_entries;
 };
 

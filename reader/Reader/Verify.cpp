@@ -93,7 +93,7 @@ public:
 private:
     struct Level {
         QString name;
-        std::size_t items = 0;    ///< met so far among the children
+        std::size_t items = 0;    ///< found so far among the children
         std::size_t position = 0; ///< among the items of the parent, from 1; 0 for all else
     };
     struct Owner {
@@ -114,7 +114,7 @@ private:
     const Document& m_document;
     const Inventory m_inventory;
     const std::set<unsigned long long> m_reachable;
-    Ids m_met;
+    Ids m_seen;
     std::vector<Level> m_levels;
     std::vector<Owner> m_owners;  ///< the objects around the place, innermost last
     std::size_t m_declarator = 0; ///< depth of the object of predeclarations around the place; 0 for none
@@ -156,7 +156,7 @@ void ArchiveCheck::leave(const QDomElement& e) {
 void ArchiveCheck::checkObject(const QDomElement& e) {
     const unsigned long long id = Archive::objectIdOf(e);
     m_owners.push_back({Archive::typeOf(e).toStdString(), id, m_levels.size()});
-    if (!m_met.insert(id).second)
+    if (!m_seen.insert(id).second)
         add(Fault::DuplicateId, "another object has its id");
     if (isDeclaring(Archive::typeOf(e)))
         return;

@@ -34,6 +34,8 @@ std::string_view nameOf(Fault fault);
 
 /// Looks for every fault, each kind together and in the document's order. The cost is that of a few walks.
 /// In JSON duplicate ids are those of the text as it was read.
+///
+/// Threads: reads the document that it is given, and no other; see Document.
 std::vector<Finding> verify(const Document& document);
 
 } // namespace Reader

@@ -15,12 +15,6 @@
 namespace Reader {
 namespace {
 
-[[noreturn]] void fail(Problem problem, const QString& name, qint64 line, qint64 column,
-                       const QString& reason) {
-    throw Error(problem,
-                QStringLiteral("%1:%2:%3: %4").arg(name).arg(line).arg(column).arg(reason).toStdString());
-}
-
 /// Goes over the text's tags without reading what is in them. That costs little beside loading, and the tree need
 /// not be built to know that it is too deep for its own operations. Text that is not well-formed is none of its
 /// business: up to the first error its count is right, and the parser stops there.
@@ -34,7 +28,7 @@ public:
 
 private:
     void skipPast(std::string_view end);
-    /// Stands on '<'; gives by how much the depth changes.
+    /// Expects the position at '<'; gives by how much the depth changes.
     int passTag();
     bool passStartTag();
 
@@ -51,8 +45,7 @@ QString TagScan::run() {
         m_position = tag;
         depth += passTag();
         if (depth > maxXmlDepth)
-            m_refusal =
-                QStringLiteral("elements are nested deeper than %1 levels; no project is").arg(maxXmlDepth);
+            m_refusal = QStringLiteral("elements are nested deeper than %1 levels").arg(maxXmlDepth);
     }
     return m_refusal;
 }
@@ -69,7 +62,7 @@ int TagScan::passTag() {
         return 0;
     }
     if (rest.starts_with("<!")) {
-        m_refusal = QStringLiteral("document type declarations and entities are refused; a project has none");
+        m_refusal = QStringLiteral("a document type declaration or an entity");
         return 0;
     }
     if (rest.starts_with("<?")) {
@@ -93,8 +86,7 @@ bool TagScan::passStartTag() {
         } else if (c == '"' || c == '\'') {
             quote = c;
             if (++attributes > maxXmlAttributes) {
-                m_refusal = QStringLiteral("an element has more than %1 attributes; none of a project has")
-                                .arg(maxXmlAttributes);
+                m_refusal = QStringLiteral("an element has more than %1 attributes").arg(maxXmlAttributes);
                 return false;
             }
         } else if (c == '>') {
@@ -119,7 +111,7 @@ std::pair<qint64, qint64> lineAndColumn(std::string_view text, std::size_t posit
             static_cast<qint64>(lineStart == std::string_view::npos ? position + 1 : position - lineStart)};
 }
 
-/// Tags are told from bytes, so the encoding must be one that writes them as ASCII does.
+/// Tags are found in the bytes, so the encoding must be one that writes them as ASCII does.
 void refuseForeignEncoding(const QByteArray& bytes, const QString& name) {
     QXmlStreamReader start(bytes.left(1024));
     start.readNext();
@@ -131,8 +123,7 @@ void refuseForeignEncoding(const QByteArray& bytes, const QString& name) {
                                           [&](const QString& prefix) { return encoding.startsWith(prefix); });
     if (!isKnown || bytes.left(4).contains('\0') || bytes.startsWith("\xFF\xFE") ||
         bytes.startsWith("\xFE\xFF"))
-        fail(Problem::RefusedXml, name, 1, 1,
-             QStringLiteral("the text is not in an encoding that projects use; convert it to UTF-8"));
+        throw Error(ErrorKind::ForeignEncoding, {.file = name, .line = 1, .column = 1});
 }
 
 void refuseHostileText(const QByteArray& bytes, const QString& name) {
@@ -142,7 +133,8 @@ void refuseHostileText(const QByteArray& bytes, const QString& name) {
     if (refusal.isEmpty())
         return;
     const auto [line, column] = lineAndColumn(text, scan.position());
-    fail(Problem::RefusedXml, name, line, column, refusal);
+    throw Error(ErrorKind::RefusedXml,
+                {.file = name, .line = line, .column = column, .reason = refusal.toStdString()});
 }
 
 class Writer {
@@ -223,7 +215,10 @@ QDomDocument parseXml(const QByteArray& bytes, const QString& name, Archive::Int
     reader.setNamespaceProcessing(false);
     QDomDocument document = buildXmlTree(reader, facts);
     if (reader.hasError())
-        fail(Problem::BrokenXml, name, reader.lineNumber(), reader.columnNumber(), reader.errorString());
+        throw Error(ErrorKind::BrokenXml, {.file = name,
+                                           .line = reader.lineNumber(),
+                                           .column = reader.columnNumber(),
+                                           .reason = reader.errorString().toStdString()});
     return document;
 }
 

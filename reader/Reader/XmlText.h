@@ -1,10 +1,12 @@
 #pragma once
 
-#include "Archive/Internal/TreeFacts.h"
-
 #include <QByteArray>
 #include <QDomDocument>
 #include <QString>
+
+namespace Archive::Internal {
+struct TreeFacts;
+}
 
 namespace Reader {
 
@@ -18,11 +20,15 @@ inline constexpr int maxXmlAttributes = 256;
 /// Reads XML text; `name` is the file's name for errors. Throws Error with line and column for text that is not
 /// well-formed, for document type declarations (the format has none), and for hostile depth or
 /// numbers of attributes. `facts`, where they are given, get what the tree holds.
+///
+/// Threads: may be called from any thread at any time.
 QDomDocument parseXml(const QByteArray& bytes, const QString& name,
                       Archive::Internal::TreeFacts* facts = nullptr);
 
 /// Writes a document with sorted attributes, so that the same tree is the same text on every run. Depth costs
 /// memory, not stack.
+///
+/// Threads: one tree belongs to one thread at a time.
 QByteArray writeXml(const QDomDocument& document);
 
 } // namespace Reader

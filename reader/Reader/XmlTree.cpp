@@ -1,6 +1,7 @@
 #include "Reader/XmlTree.h"
 
 #include "Archive/Internal/PlainText.h"
+#include "Archive/Internal/TreeFacts.h"
 
 #include <QXmlStreamReader>
 

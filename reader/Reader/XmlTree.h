@@ -1,10 +1,12 @@
 #pragma once
 
-#include "Archive/Internal/TreeFacts.h"
-
 #include <QDomDocument>
 
 class QXmlStreamReader;
+
+namespace Archive::Internal {
+struct TreeFacts;
+}
 
 namespace Reader {
 
@@ -12,6 +14,8 @@ namespace Reader {
 /// names and short values share theirs, so that the tree is smaller and every walk through it finds them in the
 /// processor's cache. After an error, which the reader keeps, the tree is what was read by then. `facts`, where they
 /// are given, get what the tree holds.
+///
+/// Threads: may be called from any thread at any time.
 QDomDocument buildXmlTree(QXmlStreamReader& reader, Archive::Internal::TreeFacts* facts = nullptr);
 
 } // namespace Reader

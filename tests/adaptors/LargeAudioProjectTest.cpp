@@ -3,7 +3,7 @@
 
 #include "Archive/Archive.h"
 #include "Archive/Internal/Walk.h"
-#include "Reader/Chain.h"
+#include "Reader/AdaptorTable.h"
 #include "support/Log.h"
 
 #include <gtest/gtest.h>
@@ -97,7 +97,7 @@ TEST(LargeAudioProject, PassesThroughAllSteps) {
           "V18_NoiseRemovalAdaptor", "V55_AudioEffectsGroupIdAdaptor", "V55_AudioEffectsIntensityAdaptor",
           "V55_AudioNormalizationEffectAdaptor", "V55_EffectBypassAdaptor", "V57_NoiseGateEffectRangeAdaptor",
           "V61_EffectProcessedRangeAdaptor"})
-        Reader::findStep(step)->makeXml()->adapt(document);
+        Reader::findAdaptor(step)->makeXml()->adapt(document);
 
     EXPECT_TRUE(log.lines().empty());
     EXPECT_EQ(countByType(document), (std::map<QString, int>{{"Predeclarator", 1},

@@ -1,7 +1,7 @@
 // The effect steps on documents of many clips.
 
 #include "Archive/Internal/Walk.h"
-#include "Reader/Chain.h"
+#include "Reader/AdaptorTable.h"
 
 #include <gtest/gtest.h>
 
@@ -73,7 +73,7 @@ double timeOfSteps(QDomDocument& document) {
     for (const char* step : {"V4_EffectNamespaceAdaptor", "V4_TransposeEffectAdaptor",
                              "V8_ChromaKeyPiPAdaptor", "V14_CropEffectAdaptor", "V32_ColorFiltersAdaptor",
                              "V33_EffectIntensityAdaptor", "V41_CutawayToPictureInPictureAdaptor"})
-        Reader::findStep(step)->makeXml()->adapt(document);
+        Reader::findAdaptor(step)->makeXml()->adapt(document);
     return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
 }
 
@@ -120,7 +120,7 @@ TEST(ManyEffectsTest, OneClipListsThemAll) {
     QDomDocument document;
     ASSERT_TRUE(document.setContent(text));
 
-    Reader::findStep("V32_ColorFiltersAdaptor")->makeXml()->adapt(document);
+    Reader::findAdaptor("V32_ColorFiltersAdaptor")->makeXml()->adapt(document);
     // The item of the last one alone goes.
     const QDomElement list = Archive::Internal::firstDescendant(document, "effects");
     EXPECT_EQ(list.attribute("size").toInt(), 2 * effects - 1);

@@ -1,6 +1,6 @@
 // What the steps of version 77 on tracks need of each other.
 
-#include "Reader/Chain.h"
+#include "Reader/AdaptorTable.h"
 #include "Serialize/Json/FlatObject.h"
 
 #include <gtest/gtest.h>
@@ -22,9 +22,9 @@ FlatObject flat(const char* text) {
     return document;
 }
 
-std::vector<const Reader::Step*> stepsOfVersion77() {
-    std::vector<const Reader::Step*> steps;
-    for (const Reader::Step& step : Reader::chain()) {
+std::vector<const Reader::AdaptorRow*> stepsOfVersion77() {
+    std::vector<const Reader::AdaptorRow*> steps;
+    for (const Reader::AdaptorRow& step : Reader::adaptorTable()) {
         if (step.number == 77)
             steps.push_back(&step);
     }
@@ -33,7 +33,7 @@ std::vector<const Reader::Step*> stepsOfVersion77() {
 
 TEST(TrackSteps, OrderWithinVersion77) {
     std::vector<std::string> names;
-    for (const Reader::Step* step : stepsOfVersion77())
+    for (const Reader::AdaptorRow* step : stepsOfVersion77())
         names.emplace_back(step->className);
     const std::vector<std::string> expected = {"V77_TrackUsedAdaptor", "V77_TitlesTrackAdaptor",
                                                "V77_TrackLevelAdaptor"};
@@ -61,7 +61,7 @@ TEST(TrackSteps, VersionAsAWhole) {
         "21": {"@meta": {"class_name": "Timeline::ClipTiming", "object_id": 21},
                "track": {"@meta_reference": 3}, "trackLevel": 1}
     })");
-    for (const Reader::Step* step : stepsOfVersion77())
+    for (const Reader::AdaptorRow* step : stepsOfVersion77())
         step->makeJson()->adapt(document);
 
     const json clone = {{"@meta", {{"class_name", "Timeline::Track"}, {"object_id", 23}}},
@@ -101,7 +101,7 @@ TEST(TrackSteps, DepthCostsNoStack) {
                "track": {"@meta_reference": 2}, "trackLevel": 1}
     })");
     document.objects.at(2)["deep"] = deepValue();
-    for (const Reader::Step* step : stepsOfVersion77())
+    for (const Reader::AdaptorRow* step : stepsOfVersion77())
         step->makeJson()->adapt(document);
 
     const json& tracks = document.objects.at(1)["tracks"];

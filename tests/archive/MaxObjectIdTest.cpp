@@ -1,7 +1,7 @@
 // The greatest object id: scanning a text for it, and searching the tree, which gives what scanning the written text
 // gives, whatever a tree holds.
 
-#include "Archive/Internal/ObjectIds.h"
+#include "Archive/Internal/ArchiveEditor.h"
 #include "Archive/Xml.h"
 #include "support/Documents.h"
 
@@ -54,7 +54,7 @@ TEST(MaxObjectId, StopsAtTheFirstError) {
 /// What the tree gives must be what the text gives.
 void expectSame(const QDomDocument& document, const std::string& what) {
     const QByteArray text = document.toByteArray(1);
-    EXPECT_EQ(Archive::Internal::maxObjectId(document), Archive::getMaxObjectId(text))
+    EXPECT_EQ(Archive::Internal::ArchiveEditor(document).greatestId(), Archive::getMaxObjectId(text))
         << what << '\n'
         << text.left(2000).toStdString();
 }
@@ -175,11 +175,12 @@ TEST(MaxObjectId, TreeAndTextAgreeOnDeclarations) {
 
 TEST(MaxObjectId, RunningIdsAreSearchedForOnce) {
     QDomDocument document = xml("<a objectId='5'/>");
-    Archive::Internal::ObjectIds ids(document);
-    EXPECT_EQ(ids.next(), 6);
-    document.documentElement().setAttribute("objectId", "50");
-    EXPECT_EQ(ids.next(), 7);
-    EXPECT_EQ(ids.greatest(), 7);
+    Archive::Internal::ArchiveEditor archive(document);
+    EXPECT_EQ(archive.nextId(), 6);
+    archive.setObjectId(document.documentElement(), 50);
+    EXPECT_EQ(archive.nextId(), 7);
+    archive.startIds();
+    EXPECT_EQ(archive.nextId(), 51);
 }
 
 TEST(MaxObjectIdOfTree, TextBesideTheDocumentElementEndsTheScan) {
@@ -247,7 +248,7 @@ TEST(MaxObjectIdOfTree, LongTextsAndMuchOfThemDoNot) {
         last.setAttribute("objectId", 10 + shift);
         document.documentElement().appendChild(last);
         expectSame(document, "shift " + std::to_string(shift));
-        EXPECT_EQ(Archive::Internal::maxObjectId(document), 10 + shift);
+        EXPECT_EQ(Archive::Internal::ArchiveEditor(document).greatestId(), 10 + shift);
     }
     for (int i = 0; i < 2000; ++i)
         document.documentElement().setAttribute("n" + QString::number(i), "1");

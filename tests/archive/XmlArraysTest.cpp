@@ -230,16 +230,4 @@ TEST(XmlPredeclarations, WhatIsNoNumberCountsAsZero) {
               "Item index=2 [Data [oid value=6]], Item index=3 [Data [oid value=05, oid value=6]]]");
 }
 
-TEST(XmlPredeclarations, RemovingAtOnceIsRemovingOneByOne) {
-    for (const QSet<long long>& ids : {QSet<long long>{5, 6}, {0, 99}, {99}, {}, {5, 6, 0}}) {
-        QDomElement atOnce = rootOf(records);
-        QDomElement oneByOne = rootOf(records);
-        bool removed = false;
-        for (const long long id : ids)
-            removed = Archive::removePredeclare(oneByOne, id) || removed;
-        EXPECT_EQ(Archive::Internal::removePredeclares(atOnce, ids), removed);
-        EXPECT_EQ(textOf(atOnce), textOf(oneByOne));
-    }
-}
-
 } // namespace

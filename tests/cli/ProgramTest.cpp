@@ -171,7 +171,7 @@ TEST_F(ProgramTest, LogLinesAreShownWithTheirStep) {
 }
 
 TEST_F(ProgramTest, TheMainTimelineComesFirstForEveryStep) {
-    // Written behind a nested timeline: version 35 takes the first that it meets as the project's.
+    // Written behind a nested timeline: version 35 takes the first that it finds as the project's.
     write("film.xml", "<Archive schemaVersion='34'><RootRef type='ObjectRef' value='2'/>"
                       "<RootObject type='Timeline::Object' objectId='7'/>"
                       "<RootObject type='Timeline::Object' objectId='2'/>"
@@ -241,7 +241,7 @@ TEST_F(ProgramTest, BundlesAreReadAndWritten) {
     EXPECT_EQ(run({"migrate", "old", "--bundle", "new"}).exitCode, 0);
     EXPECT_EQ(textOf("new/" + migratedName("film")), "content_1.svg");
     EXPECT_EQ(read("new/content_1.svg"), "<svg/>");
-    // A side file that exists is not written over: the text stays in the document, and that is told.
+    // A side file that exists is not written over: the text stays in the document, and that is reported.
     QFile::remove(path("new/" + migratedName("film")));
     const Outcome again = run({"migrate", "old", "--bundle", "new"});
     EXPECT_EQ(again.exitCode, 0);
@@ -321,7 +321,7 @@ TEST_F(ProgramTest, RunsOneStep) {
     EXPECT_TRUE(run({"run", "ImportDescriptionAdaptor", "film.xml"}).out.contains("<descriptionUrl"));
 }
 
-TEST_F(ProgramTest, OneStepTellsWhatItLogged) {
+TEST_F(ProgramTest, OneStepShowsWhatItLogged) {
     const Outcome outcome = run({"run", "V4_TrackValueAdaptor", "-"}, "<Archive><RootRef/></Archive>");
     EXPECT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
     EXPECT_FALSE(outcome.err.contains("V4_TrackValueAdaptor")) << outcome.err.toStdString();
@@ -333,7 +333,7 @@ TEST_F(ProgramTest, OneStepTellsWhatItLogged) {
         << logged.err.toStdString();
 }
 
-TEST_F(ProgramTest, IdsOfSeveralObjectsAreTold) {
+TEST_F(ProgramTest, IdsOfSeveralObjectsAreReported) {
     write("film.json",
           R"({"version":"1.0","schemaVersion":76,"data":{"@meta":{"class_name":"Timeline::Object",
         "object_id":2},"a":{"@meta":{"class_name":"File","object_id":3},"path":""},
@@ -343,7 +343,7 @@ TEST_F(ProgramTest, IdsOfSeveralObjectsAreTold) {
     EXPECT_TRUE(outcome.err.contains("1 id stood for several objects")) << outcome.err.toStdString();
 }
 
-TEST_F(ProgramTest, TellsAboutADocument) {
+TEST_F(ProgramTest, ShowsWhatADocumentHolds) {
     write("film.xml",
           archive("<RootObject type='File' objectId='3'><x type='ObjectRef' value='55'/></RootObject>"));
     const json info = json::parse(run({"info", "film.xml", "--json"}).out.toStdString());

@@ -23,8 +23,8 @@
 #include <thread>
 #include <vector>
 
+using Reader::ErrorKind;
 using Reader::FileInPlace;
-using Reader::Problem;
 using Tests::archive;
 using Tests::jsonProject;
 using Tests::migratedName;
@@ -65,7 +65,7 @@ QByteArray growing() {
 
 using Milliseconds = std::chrono::duration<double, std::milli>;
 
-/// Starts an in-place migration in a folder, kills it after a while, and tells whether it was still running. With
+/// Starts an in-place migration in a folder, kills it after a while, and gives whether it was still running. With
 /// `onWrite` the while begins when the first new file appears.
 bool killMidway(const QString& folder, bool onWrite, Milliseconds wait) {
     QProcess process;
@@ -116,17 +116,19 @@ TEST_F(SafetyTest, AKillLeavesTheOldFileOrTheNewOne) {
     EXPECT_GE(kept, 5);
 }
 
-// No room
+// No space
 
 TEST_F(SafetyTest, AFullDiskIsAnErrorAndChangesNothing) {
     write("film.xml", sample("holiday-v27.xml"));
     const QString small = "ulimit -f 8; "; // 4096 bytes
-    expectWriteError(runAfter(small, {"migrate", "film.xml"}), migratedName("film").toUtf8(), "make room");
+    expectWriteError(runAfter(small, {"migrate", "film.xml"}), migratedName("film").toUtf8(),
+                     "free some space");
     expectWriteError(runAfter(small, {"migrate", "film.xml", "-o", "old.json", "--force"}), "old.json",
-                     "make room");
-    expectWriteError(runAfter(small, {"migrate", "film.xml", "--in-place"}), "film.xml.bak", "make room");
+                     "free some space");
+    expectWriteError(runAfter(small, {"migrate", "film.xml", "--in-place"}), "film.xml.bak",
+                     "free some space");
     expectWriteError(runAfter(small, {"run", "V28_ClipLabelAdaptor", "film.xml", "-o", "a.xml"}), "a.xml",
-                     "make room");
+                     "free some space");
     EXPECT_EQ(files(), QStringList{"film.xml"});
     EXPECT_EQ(read("film.xml"), sample("holiday-v27.xml"));
 }
@@ -136,7 +138,7 @@ TEST_F(SafetyTest, AResultThatDoesNotFitLeavesNoBackup) {
     const auto blocks = growing().size() / 512 + 2;
     expectWriteError(
         runAfter("ulimit -f " + QString::number(blocks) + "; ", {"migrate", "film.json", "--in-place"}),
-        "film.json", "make room");
+        "film.json", "free some space");
     EXPECT_EQ(files(), QStringList{"film.json"});
     EXPECT_EQ(read("film.json"), growing());
 }
@@ -182,7 +184,8 @@ TEST_F(SafetyTest, AMissingOutputFolderIsNamedAndNotMade) {
     expectWriteError(run({"migrate", "film.xml", "-o", "new/film.json", "--force"}), "new/film.json",
                      "make its folder");
     EXPECT_FALSE(exists("new"));
-    expectWriteError(run({"migrate", "film.xml", "--bundle", "new/bundle"}), "new/bundle", "stands in");
+    expectWriteError(run({"migrate", "film.xml", "--bundle", "new/bundle"}), "new/bundle",
+                     "the one above it");
     write("file", "");
     expectWriteError(run({"migrate", "film.xml", "--bundle", "file"}), "file", "can't make this folder");
 }
@@ -345,13 +348,13 @@ TEST_F(SafetyTest, AnInputWithoutEndIsRefused) {
 class FilesTest : public SafetyTest {
 protected:
     template <class Call>
-    static Problem problemOf(Call call) {
+    static ErrorKind kindOf(Call call) {
         try {
             call();
         } catch (const Reader::Error& error) {
-            return error.problem();
+            return error.kind();
         }
-        return Problem(0);
+        return ErrorKind::Empty;
     }
 };
 
@@ -360,11 +363,11 @@ TEST_F(FilesTest, WhatOthersWroteMeanwhileStands) {
     FileInPlace file(path("film.xml"));
     EXPECT_EQ(file.bytes(), "old");
     write("film.xml", "saved by the editor");
-    EXPECT_EQ(problemOf([&] { file.replace("migrated"); }), Problem::Unwritable);
+    EXPECT_EQ(kindOf([&] { file.replace("migrated"); }), ErrorKind::ChangedMeanwhile);
     EXPECT_EQ(read("film.xml"), "saved by the editor");
     EXPECT_EQ(files(), QStringList{"film.xml"});
     QFile::remove(path("film.xml"));
-    EXPECT_EQ(problemOf([&] { file.replace("migrated"); }), Problem::Unwritable);
+    EXPECT_EQ(kindOf([&] { file.replace("migrated"); }), ErrorKind::ChangedMeanwhile);
     EXPECT_EQ(files(), QStringList());
 }
 
@@ -379,14 +382,14 @@ TEST_F(FilesTest, ReplacingKeepsABackup) {
 }
 
 TEST_F(FilesTest, OnlyRegularFilesAreReplaced) {
-    EXPECT_EQ(problemOf([] { FileInPlace(QStringLiteral("/dev/null")); }), Problem::Unreadable);
-    EXPECT_EQ(problemOf([&] { FileInPlace(m_folder.path()); }), Problem::Unreadable);
+    EXPECT_EQ(kindOf([] { FileInPlace(QStringLiteral("/dev/null")); }), ErrorKind::NoRegularFile);
+    EXPECT_EQ(kindOf([&] { FileInPlace(m_folder.path()); }), ErrorKind::NoRegularFile);
 }
 
 TEST_F(FilesTest, AFileThatAppearedMeanwhileStands) {
     write("film.json", "precious");
-    EXPECT_EQ(problemOf([&] { Reader::writeFile(path("film.json"), "new", Reader::Existing::Refuse); }),
-              Problem::OutputExists);
+    EXPECT_EQ(kindOf([&] { Reader::writeFile(path("film.json"), "new", Reader::Existing::Refuse); }),
+              ErrorKind::OutputExists);
     EXPECT_EQ(read("film.json"), "precious");
     EXPECT_EQ(files(), QStringList{"film.json"});
     Reader::writeFile(path("film.json"), "new");
@@ -394,10 +397,10 @@ TEST_F(FilesTest, AFileThatAppearedMeanwhileStands) {
     Reader::writeFile(path("other.json"), "new", Reader::Existing::Refuse);
     EXPECT_EQ(read("other.json"), "new");
     EXPECT_EQ(files(), (QStringList{"film.json", "other.json"}));
-    // A link that leads nowhere is something that stands there too.
+    // A link that leads nowhere is there too.
     ASSERT_EQ(symlink("nowhere", QFile::encodeName(path("link.json")).constData()), 0);
-    EXPECT_EQ(problemOf([&] { Reader::writeFile(path("link.json"), "new", Reader::Existing::Refuse); }),
-              Problem::OutputExists);
+    EXPECT_EQ(kindOf([&] { Reader::writeFile(path("link.json"), "new", Reader::Existing::Refuse); }),
+              ErrorKind::OutputExists);
 }
 
 TEST_F(FilesTest, ALinkLeadsToTheFileThatIsReplaced) {
@@ -445,7 +448,7 @@ TEST_F(FilesTest, WithoutABackupNothingIsReplaced) {
     const QString longest(NAME_MAX - ending, QLatin1Char('n'));
     write(longest, "old");
     FileInPlace file(path(longest));
-    EXPECT_EQ(problemOf([&] { file.replace("migrated"); }), Problem::Unwritable);
+    EXPECT_EQ(kindOf([&] { file.replace("migrated"); }), ErrorKind::Unwritable);
     EXPECT_EQ(read(longest), "old");
     EXPECT_EQ(files(), QStringList{longest});
     Reader::writeFile(path(longest), "new");
@@ -454,7 +457,7 @@ TEST_F(FilesTest, WithoutABackupNothingIsReplaced) {
 
 TEST_F(FilesTest, AFileThatOpensAndCannotBeReadIsAnError) {
     // The first page of a process is nobody's.
-    EXPECT_EQ(problemOf([] { Reader::readFile(QStringLiteral("/proc/self/mem")); }), Problem::Unreadable);
+    EXPECT_EQ(kindOf([] { Reader::readFile(QStringLiteral("/proc/self/mem")); }), ErrorKind::Unreadable);
 }
 
 } // namespace

@@ -10,7 +10,7 @@ using Tests::sample;
 
 namespace {
 
-TEST_F(ProgramTest, VerifyTellsNothingOfASoundProject) {
+TEST_F(ProgramTest, VerifySaysNothingOfASoundProject) {
     write("film.xml", sample("holiday-v27.xml"));
     write("film.json", sample("holiday-v63.json"));
     EXPECT_EQ(run({"verify", "film.xml"}).out, "film.xml: no findings\n");
@@ -74,7 +74,7 @@ TEST_F(ProgramTest, TraceGoesAllTheWay) {
     EXPECT_EQ(run({"verify", "steps/" + names.back()}).exitCode, 0);
 }
 
-TEST_F(ProgramTest, TraceTellsWhatLedUpToAFailure) {
+TEST_F(ProgramTest, TraceShowsWhatLedUpToAFailure) {
     write("film.xml", archive("<RootObject type='File' objectId='4'/>", " schemaVersion='61'")
                           .replace("<name ", "<file type='ObjectRef' value='4'/><name "));
     const Outcome outcome = run({"trace", "film.xml", "--output-dir", "steps"});

@@ -1,7 +1,7 @@
 #include "Adaptors/Project/V28_ClipLabelAdaptor.h"
 #include "Archive/Archive.h"
 #include "MTime/MTime.h"
-#include "Reader/Chain.h"
+#include "Reader/AdaptorTable.h"
 #include "Util/XmlToJsonAdaptor.h"
 
 #include <QDomDocument>
@@ -17,7 +17,7 @@ int main() {
     QDomElement clip = Archive::findRootObject(document, 2);
     clip.appendChild(Archive::createMTime(document, plain.left(1), MTime::fromMs(40)));
     const auto json = Util::XmlToJsonAdaptor().adapt(document);
-    const bool works = json["data"]["labels"].empty() && json["data"]["a"] == 40 && !Reader::chain().empty();
+    const bool works = json["data"]["labels"].empty() && json["data"]["a"] == 40 && !Reader::adaptorTable().empty();
     std::puts(works ? "embedding works" : "embedding fails");
     return works ? 0 : 1;
 }

@@ -34,13 +34,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     } catch (const std::exception&) {
         return 0;
     }
-    Reader::Document document;
+    Reader::JsonDocument project;
     try {
-        document.content = Reader::openEnvelope(std::move(envelope), QStringLiteral("fuzz"));
+        project = Reader::openEnvelope(std::move(envelope), QStringLiteral("fuzz"));
     } catch (const Reader::Error&) {
         return 0;
     }
-    document.version = Reader::lastXmlVersion + 1;
+    Reader::Document document(std::move(project), Reader::lastXmlVersion + 1);
     Fuzz::checkReadsAgain(Reader::serialize(std::move(document)).bytes);
     return 0;
 }

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "Reader/Document.h"
-
 #include <QByteArray>
 
 #include <cstddef>
@@ -10,7 +8,7 @@
 /// What the fuzz targets share.
 namespace Fuzz {
 
-/// Log lines of steps and Qt's warnings go nowhere, the hash has a fixed seed, and folders have their stand-ins.
+/// Log lines of steps and Qt's warnings go nowhere, and the hash has a fixed seed.
 void initialize(const char* name);
 
 /// Ends the run, which keeps the text as a finding.
@@ -20,12 +18,12 @@ QByteArray bytesOf(const std::uint8_t* data, std::size_t size);
 
 /// Takes a document to the newest version and saves it. What is refused is refused by Reader::Error and by nothing
 /// else; what is saved can be read again and is saved again as the same bytes.
-void travel(const QByteArray& bytes);
+void migrate(const QByteArray& bytes);
 
 /// The same bytes come out of a saved document that is read and saved once more.
 void checkReadsAgain(const QByteArray& saved);
 
-/// What the reader took down of an archive is what a search of it finds.
-void checkFacts(const Reader::Document& archive);
+/// What the parser saw of an archive is what a search of it finds.
+void checkFacts(const QByteArray& archive);
 
 } // namespace Fuzz

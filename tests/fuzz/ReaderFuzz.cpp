@@ -36,13 +36,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     }
     if (document->isXml()) {
-        Fuzz::checkFacts(*document);
+        Fuzz::checkFacts(Fuzz::bytesOf(data, size));
         checkTree(document->xml(), Fuzz::bytesOf(data, size));
     }
     Reader::countObjects(*document);
     Reader::listClips(*document);
     Reader::verify(*document);
-    document->version = document->version.value_or(0);
+    document->setVersion(document->version().value_or(0));
     Fuzz::checkReadsAgain(Reader::serialize(std::move(*document)).bytes);
     return 0;
 }

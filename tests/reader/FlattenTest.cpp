@@ -69,7 +69,7 @@ TEST(Flatten, ClassObjectsInPlainObjectsAreFound) {
 TEST(Flatten, OnlyAnObjectUnderMetaMakesAClassObject) {
     const json plain = {{"@meta", "text"}, {"x", 1}};
     expectSame({{"2", object("A", 2, {{"p", plain}})}}, objectsOf(flattened(object("A", 2, {{"p", plain}}))));
-    // Without a class name it is one all the same, and what stands inside "@meta" is none.
+    // Without a class name it is one all the same, and what is inside "@meta" is none.
     const json nameless = {{"@meta", {{"object_id", 3}, {"more", object("X", 9)}}}};
     expectSame({{"2", object("A", 2, {{"p", link(3)}})}, {"3", nameless}},
                objectsOf(flattened(object("A", 2, {{"p", nameless}}))));
@@ -123,7 +123,7 @@ TEST(Flatten, AnIdThatIsTakenIsReplacedAndLinksGoToTheFirst) {
 
 TEST(Flatten, LinksPreferAnObjectOfItsOwnToABasePart) {
     // The part keeps the id that it had first, and the link to it stays; links of the document move on, whether
-    // they stand before, inside or behind the object.
+    // they are before, inside or behind the object.
     FlattenNotes notes;
     const FlatDocument document = flatten(object("A", 2,
                                                  {{"Mid", object("Mid", 5)},

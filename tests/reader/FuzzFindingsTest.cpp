@@ -1,10 +1,10 @@
-// What the fuzz targets once found stands in tests/fuzz/corpus and goes through the reader here too.
+// What the fuzz targets once found is kept in tests/fuzz/corpus and goes through the reader here too.
 
 #include "Reader/Error.h"
-#include "Reader/Road.h"
+#include "Reader/Migration.h"
 #include "Reader/Verify.h"
 #include "support/Files.h"
-#include "support/Outlines.h"
+#include "support/IndexedSteps.h"
 #include "support/Paths.h"
 
 #include <gtest/gtest.h>
@@ -31,27 +31,22 @@ std::vector<fs::path> findings() {
 
 /// The bytes of a document that went as far as it can; empty for one that is refused.
 QByteArray saved(const QByteArray& bytes) {
-    Reader::Journey journey;
-    journey.name = journey.location = journey.target = QStringLiteral("film");
-    journey.watch = [](const std::string& step, const Document& document) {
-        auto* outline = document.isXml() ? Archive::Internal::Outline::of(document.xml()) : nullptr;
-        if (outline) {
-            EXPECT_EQ(Tests::difference(*outline, document.xml()), "") << "behind " << step;
-        }
-    };
+    Reader::MigrationOptions options;
+    options.name = options.location = options.target = QStringLiteral("film");
     try {
-        Document document = Reader::parse(bytes, journey.name);
+        Document document = Reader::parse(bytes, options.name);
         Reader::verify(document);
-        document.version = document.version.value_or(0);
-        Reader::Report report = Reader::migrate(document, journey);
-        return Reader::save(std::move(document), journey, report).bytes;
+        document.setVersion(document.version().value_or(0));
+        EXPECT_EQ(Tests::indexDifferenceAfterSteps(document), "");
+        Reader::Migration migration(std::move(document), options);
+        migration.run();
+        return migration.save();
     } catch (const Reader::Error&) {
         return {};
     }
 }
 
 TEST(FuzzFindings, AreRefusedOrMigratedToWhatCanBeRead) {
-    Reader::useStandInFolders();
     const auto files = findings();
     ASSERT_FALSE(files.empty());
     for (const fs::path& file : files) {

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <csignal>
 #include <string>
+#include <vector>
 
 #include <sys/resource.h>
 #include <sys/socket.h>
@@ -21,6 +22,16 @@
 using Reader::SideFiles;
 
 namespace {
+
+/// Collects what is logged while it lives.
+class Log {
+public:
+    const std::vector<Reader::LogLine>& lines() const { return m_lines; }
+
+private:
+    std::vector<Reader::LogLine> m_lines;
+    Reader::StepLog m_log{"", m_lines};
+};
 
 /// A folder with a bundle in it, and files beside the bundle.
 class SideFilesTest : public testing::Test {
@@ -49,7 +60,7 @@ protected:
                                         QDir::Name);
     }
     /// The only line of a log, less the name that it begins with.
-    static std::string reasonIn(const Reader::StepLog& log, const QString& name) {
+    static std::string reasonIn(const Log& log, const QString& name) {
         if (log.lines().size() != 1 || !log.lines().front().isError())
             return std::to_string(log.lines().size()) + " lines";
         const std::string start = "side file \"" + name.toStdString() + "\": ";
@@ -57,12 +68,12 @@ protected:
         return text.starts_with(start) ? text.substr(start.size()) : text;
     }
     void expectRefused(const QString& name, const std::string& reason) const {
-        const Reader::StepLog log;
+        const Log log;
         EXPECT_EQ(SideFiles(bundle()).read(name), QByteArray()) << name.toStdString();
         EXPECT_EQ(reasonIn(log, name), reason) << name.toStdString();
     }
     void expectNotWritten(const SideFiles& sideFiles, const std::string& reason) const {
-        const Reader::StepLog log;
+        const Log log;
         const QString name = QStringLiteral("content_1.svg");
         EXPECT_FALSE(sideFiles.write(name, "<svg>new</svg>"));
         const std::string found = reasonIn(log, name);
@@ -77,7 +88,7 @@ constexpr const char* outside = "refused, since it lies outside the project's fo
 constexpr const char* noFile = "refused, since it is no regular file of a sensible size";
 
 TEST_F(SideFilesTest, FilesOfTheFolderAreRead) {
-    const Reader::StepLog log;
+    const Log log;
     const SideFiles sideFiles(bundle());
     EXPECT_EQ(sideFiles.read(QStringLiteral("content_1.svg")), "<svg/>");
     EXPECT_EQ(sideFiles.read(QStringLiteral("sub/inner.svg")), "<svg>inner</svg>");
@@ -140,7 +151,7 @@ TEST_F(SideFilesTest, WhatIsNoFileIsRefused) {
 TEST_F(SideFilesTest, AFileBeyondAllMeasureIsRefused) {
     QFile file(path("film/huge.svg"));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    ASSERT_TRUE(file.resize((qint64(256) << 20) + 1)); // takes no room on the disk
+    ASSERT_TRUE(file.resize((qint64(256) << 20) + 1)); // takes no space on the disk
     expectRefused(QStringLiteral("huge.svg"), noFile);
 }
 
@@ -154,7 +165,7 @@ TEST_F(SideFilesTest, AFileThatIsNotThereIsRefused) {
 }
 
 TEST_F(SideFilesTest, WithoutAFolderNothingIsReadOrWritten) {
-    const Reader::StepLog log;
+    const Log log;
     const SideFiles none{QString()};
     EXPECT_EQ(none.read(QStringLiteral("content_1.svg")), QByteArray());
     EXPECT_EQ(reasonIn(log, QStringLiteral("content_1.svg")),
@@ -163,7 +174,7 @@ TEST_F(SideFilesTest, WithoutAFolderNothingIsReadOrWritten) {
 }
 
 TEST_F(SideFilesTest, FilesAreWrittenAsTheyAre) {
-    const Reader::StepLog log;
+    const Log log;
     EXPECT_TRUE(SideFiles(bundle()).write(QStringLiteral("content_2.svg"), "<svg>\r\n\xc3\xa9</svg>"));
     EXPECT_EQ(get("film/content_2.svg"), "<svg>\r\n\xc3\xa9</svg>");
     EXPECT_TRUE(SideFiles(bundle(), true).write(QStringLiteral("content_1.svg"), "<svg>new</svg>"));

@@ -5,16 +5,23 @@
 
 #include <glog/logging.h>
 
+#include <thread>
+#include <vector>
+
 namespace {
 
 TEST(StepLog, KeepsWarningsAndErrorsWithTheirStep) {
-    Reader::StepLog log;
-    log.setStep("first");
-    LOG(INFO) << "by the way";
-    LOG(WARNING) << "odd";
-    log.setStep("second");
-    LOG(ERROR) << "wrong";
-    const auto& lines = log.lines();
+    std::vector<Reader::LogLine> lines;
+    {
+        const Reader::StepLog log("first", lines);
+        LOG(INFO) << "by the way";
+        LOG(WARNING) << "odd";
+    }
+    {
+        const Reader::StepLog log("second", lines);
+        LOG(ERROR) << "wrong";
+    }
+    LOG(ERROR) << "between steps";
     ASSERT_EQ(lines.size(), 2u);
     EXPECT_EQ(lines[0].step, "first");
     EXPECT_EQ(lines[0].severity, "WARNING");
@@ -25,6 +32,22 @@ TEST(StepLog, KeepsWarningsAndErrorsWithTheirStep) {
     EXPECT_EQ(lines[1].text, "wrong");
     EXPECT_TRUE(lines[1].isError());
     EXPECT_TRUE(lines[1].place.starts_with("tests/reader/StepLogTest.cpp:")) << lines[1].place;
+}
+
+TEST(StepLog, LeavesTheLinesOfOtherThreadsToThem) {
+    std::vector<Reader::LogLine> here;
+    std::vector<Reader::LogLine> there;
+    const Reader::StepLog log("here", here);
+    std::thread([&] {
+        const Reader::StepLog other("there", there);
+        LOG(ERROR) << "wrong there";
+    }).join();
+    LOG(ERROR) << "wrong here";
+    ASSERT_EQ(here.size(), 1u);
+    EXPECT_EQ(here[0].text, "wrong here");
+    ASSERT_EQ(there.size(), 1u);
+    EXPECT_EQ(there[0].step, "there");
+    EXPECT_EQ(there[0].text, "wrong there");
 }
 
 TEST(Conversion, LeadsToTheLastVersionOfArchives) {

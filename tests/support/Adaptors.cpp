@@ -1,7 +1,7 @@
 #include "support/Adaptors.h"
 
-#include "Reader/Chain.h"
-#include "Reader/Unnumbered.h"
+#include "Reader/AdaptorTable.h"
+#include "Settings/Settings.h"
 
 #include <algorithm>
 
@@ -15,8 +15,10 @@ bool failsToWrite(const json& setup, const std::string& name) {
     return fails.is_array() ? std::find(fails.begin(), fails.end(), name) != fails.end() : fails.get<bool>();
 }
 
-Reader::Surroundings surroundingsIn(json& setup) {
+Reader::AdaptorContext contextIn(json& setup) {
     return {QString::fromStdString(setup.value("location", std::string())),
+            {Settings::legacyPackageDeploymentPath(), Settings::aiModelsPath(),
+             Settings::downloadableResourcesPath()},
             [files = setup.value("sideFiles", json::object())](const QString& name) {
                 return QByteArray::fromStdString(files.value(name.toStdString(), std::string()));
             },
@@ -31,19 +33,13 @@ Reader::Surroundings surroundingsIn(json& setup) {
 } // namespace
 
 std::unique_ptr<Bundle::AbstractAdaptorXml> makeXmlAdaptor(const std::string& className, json& setup) {
-    const Reader::Unnumbered* unnumbered = Reader::findUnnumbered(className);
-    if (unnumbered && unnumbered->makeXml)
-        return unnumbered->makeXml(surroundingsIn(setup));
-    const Reader::Step* step = Reader::findStep(className);
-    return step && step->hasXml() ? step->makeXml() : nullptr;
+    const Reader::AdaptorRow* row = Reader::findAdaptor(className);
+    return row && row->hasXml() ? row->makeXml(contextIn(setup)) : nullptr;
 }
 
 std::unique_ptr<Bundle::AbstractAdaptorJson> makeJsonAdaptor(const std::string& className, json& setup) {
-    const Reader::Unnumbered* unnumbered = Reader::findUnnumbered(className);
-    if (unnumbered && unnumbered->makeJson)
-        return unnumbered->makeJson(surroundingsIn(setup));
-    const Reader::Step* step = Reader::findStep(className);
-    return step && step->hasJson() ? step->makeJson() : nullptr;
+    const Reader::AdaptorRow* row = Reader::findAdaptor(className);
+    return row && row->hasJson() ? row->makeJson(contextIn(setup)) : nullptr;
 }
 
 } // namespace Tests

@@ -26,11 +26,11 @@ inline bool showsTypes(const QDomDocument& document) {
 /// What the facts hold otherwise than a search of the document gives; empty where all is the same.
 inline std::string difference(const Archive::Internal::TreeFacts& facts, const QDomDocument& document) {
     namespace Words = Archive::Words;
-    if (facts.archives != Archive::Internal::search(document, Words::Archive).size())
+    if (facts.archives != Archive::Internal::elements(document, Words::Archive).size())
         return "another number of archives";
-    if (!isSameList(*facts.rootObjects, *Archive::Internal::searchTyped(document, Words::RootObject)))
+    if (!isSameList(*facts.rootObjects, *Archive::Internal::typedElements(document, Words::RootObject)))
         return "other root objects";
-    if (!isSameList(*facts.baseParts, *Archive::Internal::searchTyped(document, Words::BaseOfObject)))
+    if (!isSameList(*facts.baseParts, *Archive::Internal::typedElements(document, Words::BaseOfObject)))
         return "other base parts";
     const auto greatest = Archive::Internal::searchGreatestId(document);
     if (facts.greatest.has_value() != greatest.has_value() ||

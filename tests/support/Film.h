@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Reader/Document.h"
-#include "Reader/Road.h"
+#include "Reader/Migration.h"
 
 #include <QByteArray>
 #include <QString>

@@ -100,24 +100,23 @@ const std::vector<ExpectedTimeline>& filmOf(const Sample& sample) {
     return sample.cut == Cut::Short ? shortCut : longCut;
 }
 
-Reader::Journey journeyTo(int version) {
-    Reader::Journey journey;
-    journey.name = QStringLiteral("holiday");
-    journey.location = journey.target = QStringLiteral("holiday");
-    journey.to = version;
-    return journey;
+Reader::MigrationOptions optionsTo(int version) {
+    Reader::MigrationOptions options;
+    options.name = QStringLiteral("holiday");
+    options.location = options.target = QStringLiteral("holiday");
+    options.to = version;
+    return options;
 }
 
-Result migrated(const QByteArray& bytes, const Reader::Journey& journey) {
-    Reader::Document document = Reader::parse(bytes, journey.name);
-    Result result;
-    result.report = Reader::migrate(document, journey);
-    result.bytes = Reader::save(std::move(document), journey, result.report).bytes;
-    return result;
+Result migrated(const QByteArray& bytes, const Reader::MigrationOptions& options, bool toBundle) {
+    Reader::Migration migration(Reader::parse(bytes, options.name), options);
+    migration.run();
+    const QByteArray saved = migration.save(toBundle);
+    return {saved, migration.report()};
 }
 
 Result migrated(const QByteArray& bytes, int to) {
-    return migrated(bytes, journeyTo(to));
+    return migrated(bytes, optionsTo(to));
 }
 
 const json& effectOf(const Project& project, const std::string& clip, const std::string& className) {

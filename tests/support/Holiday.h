@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Reader/Road.h"
+#include "Reader/Migration.h"
 #include "support/Film.h"
 
 #include <gtest/gtest.h>
@@ -39,16 +39,16 @@ QByteArray bytesOf(const Sample& sample);
 /// How the film of a sample ought to look at the newest version.
 const std::vector<ExpectedTimeline>& filmOf(const Sample& sample);
 
-/// A journey of a project called "holiday", without side files.
-Reader::Journey journeyTo(int version);
+/// For a project called "holiday", without side files.
+Reader::MigrationOptions optionsTo(int version);
 
 struct Result {
     QByteArray bytes;
-    Reader::Report report;
+    Reader::MigrationReport report;
 };
 
-/// A project at the end of a journey, saved.
-Result migrated(const QByteArray& bytes, const Reader::Journey& journey);
+/// A project that is migrated and saved.
+Result migrated(const QByteArray& bytes, const Reader::MigrationOptions& options, bool toBundle = false);
 Result migrated(const QByteArray& bytes, int to = Reader::currentVersion);
 
 /// An effect of a clip, by its class without "Effect::". Throws where there is none.
@@ -61,8 +61,6 @@ std::vector<double> matrixOf(const Project& project, const nlohmann::json& holde
 /// Tests of every sample at the newest version.
 class HolidayTest : public testing::TestWithParam<Sample> {
 protected:
-    static void SetUpTestSuite() { Reader::useStandInFolders(); }
-
     static bool isLong() { return GetParam().cut == Cut::Long; }
     static int version() { return GetParam().version; }
     static const Result& result();

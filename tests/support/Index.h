@@ -15,12 +15,12 @@ namespace Tests {
 inline std::string indexDifference(Archive::Internal::ArchiveEditor& archive) {
     using namespace Archive::Internal;
     const QDomDocument& document = archive.document();
-    const auto archives = search(document, Words::Archive);
+    const auto archives = elements(document, Words::Archive);
     if (archive.root() != (archives.size() == 1 ? archives.front() : QDomElement()))
         return "another Archive";
-    if (!isSameList(archive.rootObjects(Scope::Document), *searchTyped(document, Words::RootObject)))
+    if (!isSameList(archive.rootObjects(Scope::Document), *typedElements(document, Words::RootObject)))
         return "other root objects, or other types";
-    if (!isSameList(archive.baseParts(Scope::Document), *searchTyped(document, Words::BaseOfObject)))
+    if (!isSameList(archive.baseParts(Scope::Document), *typedElements(document, Words::BaseOfObject)))
         return "other base parts, or other types";
     archive.beginStep(Scope::Document);
     const QDomElement array = archive.predeclarations();
@@ -41,8 +41,7 @@ inline std::string indexDifference(Archive::Internal::ArchiveEditor& archive) {
     if (archive.showsTypes() && !showsTypes(document))
         return "types that the text does not show";
     const long long greatest = Archive::getMaxObjectId(document.toByteArray(1));
-    archive.startIds();
-    if (const long long known = archive.nextId() - 1; known != greatest)
+    if (const long long known = archive.greatestId(); known != greatest)
         return "greatest id " + std::to_string(known) + " instead of " + std::to_string(greatest);
     return {};
 }

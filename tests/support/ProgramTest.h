@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Reader/Chain.h"
+#include "Reader/AdaptorTable.h"
 #include "support/Files.h"
 #include "support/Program.h"
 
@@ -56,7 +56,7 @@ inline QByteArray jsonProject(const QByteArray& root) {
            ", \"data\": " + root + "}";
 }
 
-/// A project of version 62, unless told otherwise, with a timeline, a track and one clip, to which `extra` is added.
+/// A project of version 62, unless given another, with a timeline, a track and one clip, to which `extra` is added.
 inline QByteArray archive(const QByteArray& extra = {}, const QByteArray& version = " schemaVersion='62'") {
     return "<Archive" + version +
            "><RootRef type='ObjectRef' value='2'/>"

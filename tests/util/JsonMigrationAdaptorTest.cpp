@@ -1,5 +1,6 @@
 // The step from the archive to JSON as a reader sees it.
 
+#include "Archive/Internal/ArchiveEditor.h"
 #include "Reader/Conversion.h"
 #include "support/Conversion.h"
 
@@ -56,7 +57,7 @@ TEST(JsonMigrationAdaptor, HandsItsNumberBackAndNotesThatItRan) {
 /// What is left of a document when it is consumed, and what that gave.
 struct Consumed {
     explicit Consumed(const std::string& content) : document(Tests::archive(content)) {
-        value = Util::XmlToJsonAdaptor().consume(document, idsTaken);
+        value = Util::XmlToJsonAdaptor().consume(Archive::Internal::ArchiveEditor(document), idsTaken);
     }
 
     QDomDocument document;

@@ -3,15 +3,15 @@
 #include "Archive/Internal/PortablePaths.h"
 #include "FS/FS.h"
 
-using Archive::Internal::pathRoots;
+using Archive::Internal::PathRoots;
 
 namespace Project {
 namespace {
 
-QString toAbsolute(const QString& path, const QString& base) {
+QString toAbsolute(const QString& path, const QString& base, const PathRoots& roots) {
     if (path.isEmpty())
         return path;
-    for (const auto& root : pathRoots()) {
+    for (const auto& root : roots) {
         if (path.startsWith(root.marker)) {
             QString expanded = path;
             expanded.replace(root.marker, root.path); // wherever it stands, not only in front
@@ -25,9 +25,14 @@ QString toAbsolute(const QString& path, const QString& base) {
 
 PortableLoadAdaptor::PortableLoadAdaptor(const QString& location) : m_location(location) {}
 
+PortableLoadAdaptor::PortableLoadAdaptor(const QString& location, const Bundle::PortableFolders& folders)
+    : m_location(location), m_folders(folders) {}
+
 void PortableLoadAdaptor::adapt(Serialize::Json::FlatObject& document) {
     const QString base = FS::absolutePath(m_location);
-    Archive::Internal::convertPaths(document, [&](const QString& path) { return toAbsolute(path, base); });
+    const PathRoots roots = Archive::Internal::pathRoots(m_folders);
+    Archive::Internal::convertPaths(document,
+                                    [&](const QString& path) { return toAbsolute(path, base, roots); });
 }
 
 } // namespace Project

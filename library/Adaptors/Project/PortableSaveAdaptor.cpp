@@ -3,13 +3,13 @@
 #include "Archive/Internal/PortablePaths.h"
 #include "FS/FS.h"
 
-using Archive::Internal::pathRoots;
+using Archive::Internal::PathRoots;
 
 namespace Project {
 namespace {
 
-QString toPortable(const QString& path, const QString& base) {
-    for (const auto& root : pathRoots()) {
+QString toPortable(const QString& path, const QString& base, const PathRoots& roots) {
+    for (const auto& root : roots) {
         if (FS::isSubPath(root.path, path))
             return FS::normalizedPath(
                 FS::joinPath({root.marker, FS::toRelativePath(root.path, path)}, QString()));
@@ -21,9 +21,14 @@ QString toPortable(const QString& path, const QString& base) {
 
 PortableSaveAdaptor::PortableSaveAdaptor(const QString& location) : m_location(location) {}
 
+PortableSaveAdaptor::PortableSaveAdaptor(const QString& location, const Bundle::PortableFolders& folders)
+    : m_location(location), m_folders(folders) {}
+
 void PortableSaveAdaptor::adapt(Serialize::Json::FlatObject& document) {
     const QString base = FS::absolutePath(m_location);
-    Archive::Internal::convertPaths(document, [&](const QString& path) { return toPortable(path, base); });
+    const PathRoots roots = Archive::Internal::pathRoots(m_folders);
+    Archive::Internal::convertPaths(document,
+                                    [&](const QString& path) { return toPortable(path, base, roots); });
 }
 
 } // namespace Project

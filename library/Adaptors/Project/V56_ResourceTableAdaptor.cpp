@@ -10,7 +10,9 @@ namespace {
 /// Inserts a table behind the child of the archive that is or contains the last root object.
 void insertBehindLast(ArchiveEditor& archive, const QDomElement& table) {
     const TypedElements objects = archive.rootObjects();
-    QDomNode previous = objects.isEmpty() ? QDomNode() : objects.last().element;
+    QDomNode previous;
+    if (!objects.isEmpty())
+        previous = objects.last().element;
     while (!previous.isNull() && previous.parentNode() != archive.root())
         previous = previous.parentNode();
     archive.insertAfter(archive.root(), table, previous);

@@ -41,11 +41,15 @@ void convertObject(json& object, const PathFields& row,
 
 } // namespace
 
-std::array<PathRoot, 3> pathRoots() {
+PathRoots pathRoots(const std::optional<Bundle::PortableFolders>& folders) {
+    const Bundle::PortableFolders used =
+        folders ? *folders
+                : Bundle::PortableFolders{Settings::legacyPackageDeploymentPath(), Settings::aiModelsPath(),
+                                          Settings::downloadableResourcesPath()};
     return {{
-        {QStringLiteral("#PACKAGES_ROOT#"), Settings::legacyPackageDeploymentPath()},
-        {QStringLiteral("#AI_MODELS_ROOT#"), Settings::aiModelsPath()},
-        {QStringLiteral("#DOWNLOADABLE_ROOT#"), Settings::downloadableResourcesPath()},
+        {QStringLiteral("#PACKAGES_ROOT#"), used.packages},
+        {QStringLiteral("#AI_MODELS_ROOT#"), used.aiModels},
+        {QStringLiteral("#DOWNLOADABLE_ROOT#"), used.downloadables},
     }};
 }
 

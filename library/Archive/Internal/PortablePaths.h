@@ -2,23 +2,28 @@
 
 // For this project's own use: what the two portable path adaptors share.
 
+#include "Adaptors/PortableFolders.h"
 #include "Serialize/Json/FlatObject.h"
 
 #include <QString>
 
 #include <array>
 #include <functional>
+#include <optional>
 
 namespace Archive::Internal {
 
-/// A folder of the installed editor and the marker that stands for it in saved paths.
+/// A folder of the installed editor and its marker in saved paths.
 struct PathRoot {
     QString marker;
     QString path;
 };
 
-/// The roots as the settings have them now, in the order of lookup.
-std::array<PathRoot, 3> pathRoots();
+/// In the order of lookup.
+using PathRoots = std::array<PathRoot, 3>;
+
+/// The roots of these folders, or of those that the settings have now.
+PathRoots pathRoots(const std::optional<Bundle::PortableFolders>& folders);
 
 /// Replaces every path field of the document by what `convert` makes of it; the `description` of an import
 /// follows its path. Throws the JSON type error for a field that is no string.

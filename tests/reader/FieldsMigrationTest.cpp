@@ -1,4 +1,4 @@
-// What the samples are made of at the end of the road: classes and fields of the newest version, none of older ones.
+// What the samples are made of at the newest version: classes and fields of the newest version, none of older ones.
 
 #include "support/Holiday.h"
 
@@ -21,9 +21,9 @@ using Tests::Strings;
 
 namespace {
 
-class FieldsRoadTest : public Tests::HolidayTest {};
+class FieldsMigrationTest : public Tests::HolidayTest {};
 
-TEST_P(FieldsRoadTest, NothingOfWhatVersionsDroppedIsLeft) {
+TEST_P(FieldsMigrationTest, NothingOfWhatVersionsDroppedIsLeft) {
     const Project film = project();
     for (const json* clip : film.all("Timeline::Clip")) {
         for (const char* key : {"angle", "preview", "transition"})
@@ -32,7 +32,7 @@ TEST_P(FieldsRoadTest, NothingOfWhatVersionsDroppedIsLeft) {
             EXPECT_TRUE(clip->contains(key)) << clip->at("name") << ' ' << key;
         EXPECT_NE(clip->at("type"), 32);
     }
-    std::size_t empty = 0; // stand for what an entry referred to when the archive was converted
+    std::size_t empty = 0; // in place of what an entry referred to when the archive was converted
     for (const auto& [id, object] : film.objects()) {
         const std::string name = Project::classOf(object);
         empty += name.empty() ? 1 : 0;
@@ -49,7 +49,7 @@ TEST_P(FieldsRoadTest, NothingOfWhatVersionsDroppedIsLeft) {
         EXPECT_FALSE(video->contains("resizeMode"));
 }
 
-TEST_P(FieldsRoadTest, TheRootHoldsContentAndResourceTable) {
+TEST_P(FieldsMigrationTest, TheRootHoldsContentAndResourceTable) {
     const Project film = project();
     EXPECT_EQ(Project::classOf(film.root()), "Project::PersistentObject");
     const json& content = film.follow(film.root(), "content");
@@ -59,7 +59,7 @@ TEST_P(FieldsRoadTest, TheRootHoldsContentAndResourceTable) {
     EXPECT_EQ(Project::classOf(film.follow(film.root(), "resourceTable")), "ResourceTable::Object");
 }
 
-TEST_P(FieldsRoadTest, CollectedItemsHoldTheirPayload) {
+TEST_P(FieldsMigrationTest, CollectedItemsHoldTheirPayload) {
     const Project film = project();
     const json& content = film.follow(film.root(), "content");
     Strings payloads;
@@ -87,7 +87,7 @@ TEST_P(FieldsRoadTest, CollectedItemsHoldTheirPayload) {
         EXPECT_THAT(payloads, ElementsAre("Media Import::Object"));
 }
 
-TEST_P(FieldsRoadTest, LutsNameTheirCubeAsAuxiliaryResource) {
+TEST_P(FieldsMigrationTest, LutsNameTheirCubeAsAuxiliaryResource) {
     const Project film = project();
     const auto luts = film.all("Effect::Lut");
     EXPECT_EQ(luts.size(), isLong() && version() >= sinceCollections ? 1u : 0u);
@@ -100,7 +100,7 @@ TEST_P(FieldsRoadTest, LutsNameTheirCubeAsAuxiliaryResource) {
     }
 }
 
-TEST_P(FieldsRoadTest, EveryEffectIsComplete) {
+TEST_P(FieldsMigrationTest, EveryEffectIsComplete) {
     const Project film = project();
     ASSERT_FALSE(film.all("Effect::Object").empty());
     for (const json* effect : film.all("Effect::Object")) {
@@ -129,7 +129,7 @@ std::map<std::string, std::set<std::string>> newestFields() {
     return fields;
 }
 
-TEST_P(FieldsRoadTest, ObjectsHaveTheFieldsOfTheNewestVersion) {
+TEST_P(FieldsMigrationTest, ObjectsHaveTheFieldsOfTheNewestVersion) {
     if (!isLong())
         return;
     // References that only clips with something to refer to got, and what the title in place of a quiz goes without.
@@ -166,6 +166,6 @@ TEST_P(FieldsRoadTest, ObjectsHaveTheFieldsOfTheNewestVersion) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Samples, FieldsRoadTest, testing::ValuesIn(Tests::samples), Tests::sampleName);
+INSTANTIATE_TEST_SUITE_P(Samples, FieldsMigrationTest, testing::ValuesIn(Tests::samples), Tests::sampleName);
 
 } // namespace

@@ -1,4 +1,4 @@
-// The whole road as such: which steps run, what they report, and that it leads to the same place every time.
+// The whole migration as such: which steps run, what they report, and that it leads to the same place every time.
 
 #include "support/Compare.h"
 #include "support/Findings.h"
@@ -31,13 +31,13 @@ using Tests::Strings;
 
 namespace {
 
-class RoadTest : public Tests::HolidayTest {};
+class MigrationTest : public Tests::HolidayTest {};
 
-TEST_P(RoadTest, RunsTheStepsOfTheTableInItsOrder) {
+TEST_P(MigrationTest, RunsTheStepsOfTheTableInItsOrder) {
     Strings expected;
     Strings passedBy;
-    for (const Reader::Step& step : Reader::chain()) {
-        if (step.number <= version())
+    for (const Reader::AdaptorRow& step : Reader::adaptorTable()) {
+        if (!step.isStep() || step.number <= version())
             continue;
         const bool runs =
             GetParam().isXml && step.number <= Reader::lastXmlVersion ? step.hasXml() : step.hasJson();
@@ -49,19 +49,19 @@ TEST_P(RoadTest, RunsTheStepsOfTheTableInItsOrder) {
     EXPECT_EQ(result().report.to, Reader::currentVersion);
 }
 
-TEST_P(RoadTest, ReportsTheArchiveStepThatJsonBelow62PassesBy) {
+TEST_P(MigrationTest, ReportsTheArchiveStepThatJsonBelow62PassesBy) {
     if (!GetParam().isXml && version() < 62)
         EXPECT_THAT(result().report.skipped, ElementsAre("V62_CollectionItemPayloadAdaptor"));
     else
         EXPECT_THAT(result().report.skipped, IsEmpty());
 }
 
-TEST_P(RoadTest, LogsNothing) {
+TEST_P(MigrationTest, LogsNothing) {
     for (const Reader::LogLine& line : result().report.log)
         ADD_FAILURE() << line.step << ": " << line.severity << ' ' << line.text;
 }
 
-TEST_P(RoadTest, OnlyQuizzesAreLost) {
+TEST_P(MigrationTest, OnlyQuizzesAreLost) {
     std::set<std::string> lost;
     for (const Reader::Clip& clip : result().report.lostClips)
         lost.insert(clip.name);
@@ -70,15 +70,15 @@ TEST_P(RoadTest, OnlyQuizzesAreLost) {
                                : std::set<std::string>());
 }
 
-TEST_P(RoadTest, TheResultIsSound) {
+TEST_P(MigrationTest, TheResultIsSound) {
     const Project film = project();
     EXPECT_THAT(Tests::linesOf(Reader::verify(film.document())), IsEmpty());
     EXPECT_THAT(result().report.duplicateIds, IsEmpty());
 }
 
-TEST_P(RoadTest, TheSampleItselfIsSound) {
+TEST_P(MigrationTest, TheSampleItselfIsSound) {
     const Document document = Reader::parse(bytesOf(GetParam()), QStringLiteral("holiday"));
-    EXPECT_EQ(document.version, version());
+    EXPECT_EQ(document.version(), version());
     EXPECT_EQ(document.isXml(), GetParam().isXml);
     auto findings = Reader::verify(document);
     if (version() == reelVersion) {
@@ -91,11 +91,11 @@ TEST_P(RoadTest, TheSampleItselfIsSound) {
     EXPECT_THAT(Tests::linesOf(findings), IsEmpty());
 }
 
-TEST_P(RoadTest, TheSameSampleGivesTheSameBytes) {
+TEST_P(MigrationTest, TheSameSampleGivesTheSameBytes) {
     EXPECT_EQ(migrated(bytesOf(GetParam())).bytes, result().bytes);
 }
 
-TEST_P(RoadTest, StoppingAnywhereLeadsToTheSameProject) {
+TEST_P(MigrationTest, StoppingAnywhereLeadsToTheSameProject) {
     const json atOnce = Tests::renumbered(result().bytes);
     const QByteArray bytes = bytesOf(GetParam());
     const int first = GetParam().isXml ? version() : std::max(version(), Reader::lastXmlVersion + 1);
@@ -109,7 +109,7 @@ TEST_P(RoadTest, StoppingAnywhereLeadsToTheSameProject) {
     }
 }
 
-TEST_P(RoadTest, TheOrderOfRootObjectsMeansNothing) {
+TEST_P(MigrationTest, TheOrderOfRootObjectsMeansNothing) {
     if (!GetParam().isXml)
         return;
     QDomDocument document;
@@ -146,8 +146,7 @@ QString trackOf(const QDomDocument& xml, const QString& clipName) {
 }
 
 // The question of a quiz comes out of an archive of its own, whose ids know nothing of the project's.
-TEST(QuizRoadTest, AnswersWithIdsOfTheProjectTakeNoReferencesAway) {
-    Reader::useStandInFolders();
+TEST(QuizMigrationTest, AnswersWithIdsOfTheProjectTakeNoReferencesAway) {
     const Tests::Sample& sample = sampleOf(34);
     const Document document = Reader::parse(bytesOf(sample), QStringLiteral("holiday"));
     const QString track = trackOf(document.xml(), QStringLiteral("Where was the boat?"));
@@ -164,8 +163,7 @@ TEST(QuizRoadTest, AnswersWithIdsOfTheProjectTakeNoReferencesAway) {
 }
 
 // A theme has no version of its own, and that of the archive does not matter.
-TEST(ThemeRoadTest, ThemesOfEveryArchiveAreBroughtUpToDate) {
-    Reader::useStandInFolders();
+TEST(ThemeMigrationTest, ThemesOfEveryArchiveAreBroughtUpToDate) {
     for (const int version : {3, 62}) {
         const QByteArray archive =
             "<Archive schemaVersion='" + QByteArray::number(version) +
@@ -183,6 +181,6 @@ TEST(ThemeRoadTest, ThemesOfEveryArchiveAreBroughtUpToDate) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Samples, RoadTest, testing::ValuesIn(Tests::samples), Tests::sampleName);
+INSTANTIATE_TEST_SUITE_P(Samples, MigrationTest, testing::ValuesIn(Tests::samples), Tests::sampleName);
 
 } // namespace

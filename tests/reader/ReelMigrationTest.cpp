@@ -29,10 +29,8 @@ using Tests::Strings;
 
 namespace {
 
-class ReelRoadTest : public testing::Test {
+class ReelMigrationTest : public testing::Test {
 protected:
-    static void SetUpTestSuite() { Reader::useStandInFolders(); }
-
     static QByteArray bytes() { return bytesOf(sampleOf(reelVersion)); }
 
     static const Project& film() {
@@ -61,7 +59,7 @@ protected:
     }
 };
 
-TEST_F(ReelRoadTest, SharedEffectsStayShared) {
+TEST_F(ReelMigrationTest, SharedEffectsStayShared) {
     const auto idAt = [](const char* clip, std::size_t number) {
         return Serialize::Json::getObjectId(effectAt(clip, number)).value();
     };
@@ -72,9 +70,9 @@ TEST_F(ReelRoadTest, SharedEffectsStayShared) {
     EXPECT_EQ(idAt("Cave", 3), idAt("Ship to shore", 1));
 }
 
-TEST_F(ReelRoadTest, StrengthsAreIntensities) {
+TEST_F(ReelMigrationTest, StrengthsAreIntensities) {
     EXPECT_THAT(intensitiesOf("Dunes"), ElementsAre(5, 1, 0.5, 0.25, 0.75, 5));
-    // Edges and shift were saved without a strength: the factor stands alone.
+    // Edges and shift were saved without a strength: there is only the factor.
     EXPECT_THAT(intensitiesOf("Rain"), ElementsAre(50, 5, 1, 0.75, 0.5, 20, 0.5, 0.75));
     EXPECT_EQ(effectAt("Dunes", 2).at("sensibility"), 2);
     for (const char* clip : {"Dunes", "Rain"}) {
@@ -85,7 +83,7 @@ TEST_F(ReelRoadTest, StrengthsAreIntensities) {
     }
 }
 
-TEST_F(ReelRoadTest, ZoomsBecomeEnvelopesOfEachClip) {
+TEST_F(ReelMigrationTest, ZoomsBecomeEnvelopesOfEachClip) {
     std::set<unsigned long long> envelopes;
     for (const char* name : {"Pier", "Dock", "Mole"}) {
         const json& envelope = film().follow(clipNamed(film(), name), "cropEnvelope");
@@ -101,7 +99,7 @@ TEST_F(ReelRoadTest, ZoomsBecomeEnvelopesOfEachClip) {
     EXPECT_EQ(effectAt("Mole", 1).at("preset"), 3);
 }
 
-TEST_F(ReelRoadTest, AutomaticEnhancementIsFourEffects) {
+TEST_F(ReelMigrationTest, AutomaticEnhancementIsFourEffects) {
     EXPECT_EQ(uniqueIdAt("Lens", 1), "2292fad1-77b2-4384-b9fe-c52358e19419");
     EXPECT_EQ(uniqueIdAt("Lens", 2), "fe49dfef-2cc8-4a94-976e-6dce9a0d3e55");
     EXPECT_EQ(uniqueIdAt("Lens", 3), "96d1bead-399f-43a1-a448-b1e3ff7ddf80");
@@ -110,7 +108,7 @@ TEST_F(ReelRoadTest, AutomaticEnhancementIsFourEffects) {
     EXPECT_EQ(effectAt("Lens", 5).at("contrast"), -0.5);
 }
 
-TEST_F(ReelRoadTest, MasksKeepTheirFrames) {
+TEST_F(ReelMigrationTest, MasksKeepTheirFrames) {
     const auto frames = [](const char* clip, const char* list) {
         std::vector<std::vector<double>> places;
         for (const json& frame : effectAt(clip, 0).at(list))
@@ -129,7 +127,7 @@ TEST_F(ReelRoadTest, MasksKeepTheirFrames) {
     EXPECT_EQ(film().follow(effectAt("Porthole", 0).at("concealFrames").at(0)).at("pixelSize"), 0);
 }
 
-TEST_F(ReelRoadTest, PicturesAreInTheirPlaces) {
+TEST_F(ReelMigrationTest, PicturesAreInTheirPlaces) {
     EXPECT_THAT(placeAt("Window", 0), ElementsAre(0.25, 0, 0, 0, 0.25, 0, -0.375, -0.375, 1));
     for (const char* clip : {"Window", "Door"}) {
         EXPECT_THAT(placeAt(clip, 2), ElementsAre(1, 0, 0, 0, 1, 0, 0, 0, 1));
@@ -151,7 +149,7 @@ TEST_F(ReelRoadTest, PicturesAreInTheirPlaces) {
     EXPECT_EQ(steady.at("sourceDurationOriginal"), 500);
 }
 
-TEST_F(ReelRoadTest, SoundEffectsAreOnesOfTheirOwn) {
+TEST_F(ReelMigrationTest, SoundEffectsAreOnesOfTheirOwn) {
     const char* const echo = "23426fc3-a681-413a-a9fe-340503101431";
     const char* const reverberation = "e738de79-e6e1-4d25-9ae2-6bec3b427525";
     const char* const muffle = "5899d84f-ec6c-4896-b9b9-8c2556468536";
@@ -203,7 +201,7 @@ std::map<QString, QDomElement> unlistedEffects(const QDomDocument& xml) {
     return found;
 }
 
-TEST_F(ReelRoadTest, EffectsOfNoClipTakeTheRoadToo) {
+TEST_F(ReelMigrationTest, EffectsOfNoClipTakeTheRoadToo) {
     const Document document =
         Reader::parse(migrated(bytes(), Reader::lastXmlVersion).bytes, QStringLiteral("holiday"));
     const auto effects = unlistedEffects(document.xml());
@@ -237,7 +235,7 @@ TEST_F(ReelRoadTest, EffectsOfNoClipTakeTheRoadToo) {
             << name.toStdString();
 }
 
-TEST_F(ReelRoadTest, OnlyTwoEntriesDangle) {
+TEST_F(ReelMigrationTest, OnlyTwoEntriesDangle) {
     const Document document =
         Reader::parse(migrated(bytes(), Reader::lastXmlVersion).bytes, QStringLiteral("holiday"));
     std::map<unsigned long long, std::string> names;

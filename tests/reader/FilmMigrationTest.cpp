@@ -1,4 +1,4 @@
-// What a user sees of the samples at the end of the road: clips, transitions, tracks, titles and effects.
+// What a user sees of the samples at the newest version: clips, transitions, tracks, titles and effects.
 
 #include "support/Holiday.h"
 
@@ -28,7 +28,7 @@ using Tests::timingOf;
 
 namespace {
 
-class FilmRoadTest : public Tests::HolidayTest {};
+class FilmMigrationTest : public Tests::HolidayTest {};
 
 const std::map<std::string, std::string> titleTexts = {
     {"Summer by the sea", "Summer by the sea"},
@@ -38,7 +38,7 @@ const std::map<std::string, std::string> titleTexts = {
     {"Default name", ""},
 };
 
-TEST_P(FilmRoadTest, EveryClipIsOnceAtItsTimeOnItsTrackWithItsEffects) {
+TEST_P(FilmMigrationTest, EveryClipIsOnceAtItsTimeOnItsTrackWithItsEffects) {
     const Project film = project();
     for (const ExpectedTimeline& timeline : filmOf(GetParam())) {
         if (version() < timeline.since)
@@ -48,7 +48,7 @@ TEST_P(FilmRoadTest, EveryClipIsOnceAtItsTimeOnItsTrackWithItsEffects) {
     }
 }
 
-TEST_P(FilmRoadTest, TransitionsJoinTheirClips) {
+TEST_P(FilmMigrationTest, TransitionsJoinTheirClips) {
     const Project film = project();
     for (const ExpectedTimeline& timeline : filmOf(GetParam())) {
         if (version() >= timeline.since)
@@ -70,7 +70,7 @@ TEST_P(FilmRoadTest, TransitionsJoinTheirClips) {
     EXPECT_EQ(timingOf(film, "Holiday", "Harbour").at("sourcePosition"), 1500);
 }
 
-TEST_P(FilmRoadTest, TimelinesKeepTheirLengths) {
+TEST_P(FilmMigrationTest, TimelinesKeepTheirLengths) {
     const Project film = project();
     if (!isLong()) {
         EXPECT_EQ(Tests::lengthOf(film, "Holiday"), 28000);
@@ -82,7 +82,7 @@ TEST_P(FilmRoadTest, TimelinesKeepTheirLengths) {
     }
 }
 
-TEST_P(FilmRoadTest, TracksSayWhatTheyAre) {
+TEST_P(FilmMigrationTest, TracksSayWhatTheyAre) {
     const Project film = project();
     const json& timeline = film.timeline("Holiday");
     for (const json& reference : timeline.at("tracks")) {
@@ -103,19 +103,19 @@ TEST_P(FilmRoadTest, TracksSayWhatTheyAre) {
     }
 }
 
-TEST_P(FilmRoadTest, TitlesKeepTheirTexts) {
+TEST_P(FilmMigrationTest, TitlesKeepTheirTexts) {
     const Project film = project();
-    std::size_t met = 0;
+    std::size_t found = 0;
     for (const ExpectedTimeline& timeline : filmOf(GetParam())) {
         for (const Tests::ExpectedClip& clip : timeline.clips) {
             const auto text = titleTexts.find(clip.name);
             if (version() < timeline.since || !isThere(clip, version()) || text == titleTexts.end())
                 continue;
             EXPECT_THAT(textsOf(film, clipNamed(film, clip.name)), ElementsAre(text->second));
-            ++met;
+            ++found;
         }
     }
-    EXPECT_GE(met, 2u);
+    EXPECT_GE(found, 2u);
     if (!isLong())
         return;
     Strings midday = textsOf(film, clipNamed(film, "Midday"));
@@ -129,10 +129,10 @@ TEST_P(FilmRoadTest, TitlesKeepTheirTexts) {
     }
 }
 
-TEST_P(FilmRoadTest, OverlaysAreOfTheNewPresetType) {
+TEST_P(FilmMigrationTest, OverlaysAreOfTheNewPresetType) {
     if (!isLong())
         return;
-    if (version() < 21 && !Reader::findStep("V21_PresetTypeAdaptor"))
+    if (version() < 21 && !Reader::findAdaptor("V21_PresetTypeAdaptor"))
         GTEST_SKIP() << "the step that gives overlays their type is not there";
     const Project film = project();
     const json& callout = film.follow(clipNamed(film, "Look"), "overlay");
@@ -153,7 +153,7 @@ TEST_P(FilmRoadTest, OverlaysAreOfTheNewPresetType) {
     }
 }
 
-TEST_P(FilmRoadTest, OverlayItemsAreComplete) {
+TEST_P(FilmMigrationTest, OverlayItemsAreComplete) {
     const Project film = project();
     ASSERT_FALSE(film.all("Overlay::Item").empty());
     for (const json* item : film.all("Overlay::Item")) {
@@ -168,7 +168,7 @@ TEST_P(FilmRoadTest, OverlayItemsAreComplete) {
     }
 }
 
-TEST_P(FilmRoadTest, EffectsKeepTheirStrength) {
+TEST_P(FilmMigrationTest, EffectsKeepTheirStrength) {
     const Project film = project();
     EXPECT_DOUBLE_EQ(intensityOf(film, "Beach", "Blur"), 5);
     EXPECT_DOUBLE_EQ(intensityOf(film, "Beach", "AddNoize"), 0.5);
@@ -190,7 +190,7 @@ TEST_P(FilmRoadTest, EffectsKeepTheirStrength) {
     EXPECT_DOUBLE_EQ(effectOf(film, "Gulls", "AudioPitch").at("pitch").get<double>(), 1.5);
 }
 
-TEST_P(FilmRoadTest, EffectsArePlacedByMatrices) {
+TEST_P(FilmMigrationTest, EffectsArePlacedByMatrices) {
     if (!isLong())
         return;
     const Project film = project();
@@ -217,7 +217,7 @@ TEST_P(FilmRoadTest, EffectsArePlacedByMatrices) {
     EXPECT_EQ(hidden.at("outline"), false);
 }
 
-TEST_P(FilmRoadTest, ZoomsAreEnvelopesOfTheirClips) {
+TEST_P(FilmMigrationTest, ZoomsAreEnvelopesOfTheirClips) {
     if (!isLong())
         return;
     const Project film = project();
@@ -235,7 +235,7 @@ TEST_P(FilmRoadTest, ZoomsAreEnvelopesOfTheirClips) {
     EXPECT_EQ(steps("Sunset"), (Steps{{0, 1}, {0.125, 2}, {0.375, 2}, {0.5, 1}}));
 }
 
-TEST_P(FilmRoadTest, IdentifiersAreThoseOfTheEditor) {
+TEST_P(FilmMigrationTest, IdentifiersAreThoseOfTheEditor) {
     if (!isLong())
         return;
     const Project film = project();
@@ -265,7 +265,7 @@ TEST_P(FilmRoadTest, IdentifiersAreThoseOfTheEditor) {
     }
 }
 
-TEST_P(FilmRoadTest, TransitionsKeepTheirSettings) {
+TEST_P(FilmMigrationTest, TransitionsKeepTheirSettings) {
     if (!isLong())
         return;
     const Project film = project();
@@ -284,7 +284,7 @@ TEST_P(FilmRoadTest, TransitionsKeepTheirSettings) {
     }
 }
 
-TEST_P(FilmRoadTest, LinkedClipsStayLinked) {
+TEST_P(FilmMigrationTest, LinkedClipsStayLinked) {
     const Project film = project();
     Strings links;
     for (const json& entry : film.timeline("Holiday").at("links")) {
@@ -297,7 +297,7 @@ TEST_P(FilmRoadTest, LinkedClipsStayLinked) {
                               : Strings());
 }
 
-TEST_P(FilmRoadTest, ScenesAndStabilizedVideosAreFound) {
+TEST_P(FilmMigrationTest, ScenesAndStabilizedVideosAreFound) {
     const Project film = project();
     const json& steady = film.follow(clipNamed(film, "Boat"), "stabilization");
     EXPECT_EQ(steady.at("pathOriginal"), "media/boat.mp4");
@@ -311,6 +311,6 @@ TEST_P(FilmRoadTest, ScenesAndStabilizedVideosAreFound) {
     EXPECT_EQ(clipNamed(film, "Intro").at("unlimitedDuration"), false);
 }
 
-INSTANTIATE_TEST_SUITE_P(Samples, FilmRoadTest, testing::ValuesIn(Tests::samples), Tests::sampleName);
+INSTANTIATE_TEST_SUITE_P(Samples, FilmMigrationTest, testing::ValuesIn(Tests::samples), Tests::sampleName);
 
 } // namespace

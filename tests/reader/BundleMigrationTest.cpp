@@ -23,8 +23,7 @@
 
 using nlohmann::json;
 using Reader::Document;
-using Reader::Journey;
-using Reader::Report;
+using Reader::MigrationReport;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -119,14 +118,13 @@ std::string svgDifference(const QByteArray& expected, const QByteArray& actual) 
 /// Reads a project out of a folder, and saves it into another one; without that, texts stay in the document.
 Result migrated(const QByteArray& bytes, const QString& source, const QString& target = {},
                 int to = Reader::currentVersion) {
-    Journey journey = Tests::journeyTo(to);
-    journey.sourceFiles = Reader::SideFiles(source);
-    journey.targetFiles = Reader::SideFiles(target);
-    journey.toBundle = !target.isEmpty();
-    return Tests::migrated(bytes, journey);
+    Reader::MigrationOptions options = Tests::optionsTo(to);
+    options.sourceFiles = Reader::SideFiles(source);
+    options.targetFiles = Reader::SideFiles(target);
+    return Tests::migrated(bytes, options, !target.isEmpty());
 }
 
-Strings logOf(const Report& report) {
+Strings logOf(const MigrationReport& report) {
     Strings lines;
     for (const Reader::LogLine& line : report.log)
         lines.push_back(line.step + ": " + line.text);
@@ -136,10 +134,8 @@ Strings logOf(const Report& report) {
 /// The main quiz is one by its clip alone: its preset has no type of its own.
 constexpr const char* untypedQuiz = "V40_RemoveQuizFromOverlayAdaptor: Need quiz overlay preset";
 
-class BundleRoadTest : public testing::Test {
+class BundleMigrationTest : public testing::Test {
 protected:
-    static void SetUpTestSuite() { Reader::useStandInFolders(); }
-
     static QByteArray sample() { return readFile(sampleFolder(), QStringLiteral("holiday.xml")); }
     /// The sample at the newest version, with all texts in the document.
     static const Result& whole() {
@@ -160,9 +156,9 @@ private:
     QTemporaryDir m_folder;
 };
 
-TEST_F(BundleRoadTest, TheSampleItselfIsSound) {
+TEST_F(BundleMigrationTest, TheSampleItselfIsSound) {
     const Document document = Reader::parse(sample(), QStringLiteral("holiday"));
-    EXPECT_EQ(document.version, sampleVersion);
+    EXPECT_EQ(document.version(), sampleVersion);
     EXPECT_THAT(Tests::linesOf(Reader::verify(document)), IsEmpty());
     std::set<QString> there;
     std::set<QString> declared;
@@ -180,13 +176,13 @@ TEST_F(BundleRoadTest, TheSampleItselfIsSound) {
     EXPECT_EQ(sample().count("type=\"FileContent\""), 5);
 }
 
-TEST_F(BundleRoadTest, OnlyTheQuizWithoutATypeIsReported) {
+TEST_F(BundleMigrationTest, OnlyTheQuizWithoutATypeIsReported) {
     EXPECT_THAT(logOf(whole().report), ElementsAre(untypedQuiz));
     EXPECT_EQ(whole().report.from, sampleVersion);
     EXPECT_EQ(whole().report.to, Reader::currentVersion);
 }
 
-TEST_F(BundleRoadTest, EveryClipIsOnceAtItsTimeOnItsTrack) {
+TEST_F(BundleMigrationTest, EveryClipIsOnceAtItsTimeOnItsTrack) {
     const Project film = project();
     for (const ExpectedTimeline& timeline : titlesCut) {
         SCOPED_TRACE(timeline.name);
@@ -195,12 +191,12 @@ TEST_F(BundleRoadTest, EveryClipIsOnceAtItsTimeOnItsTrack) {
     }
 }
 
-TEST_F(BundleRoadTest, TimelinesKeepTheirLengths) {
+TEST_F(BundleMigrationTest, TimelinesKeepTheirLengths) {
     EXPECT_EQ(Tests::lengthOf(project(), "Holiday"), 35000);
     EXPECT_EQ(Tests::lengthOf(project(), "Village"), 5000);
 }
 
-TEST_F(BundleRoadTest, TransitionsEndWithoutTheTitle) {
+TEST_F(BundleMigrationTest, TransitionsEndWithoutTheTitle) {
     const Project film = project();
     const auto halves = [&](const char* name) {
         const json& timing = Tests::timingOf(film, "Holiday", name);
@@ -211,7 +207,7 @@ TEST_F(BundleRoadTest, TransitionsEndWithoutTheTitle) {
     EXPECT_EQ(halves("Harbour"), std::make_pair(1000, 0));
 }
 
-TEST_F(BundleRoadTest, TitlesKeepTheirTexts) {
+TEST_F(BundleMigrationTest, TitlesKeepTheirTexts) {
     const Project film = project();
     for (const auto& [name, expected] : titleTexts) {
         Strings texts = Tests::textsOf(film, clipNamed(film, name));
@@ -223,14 +219,14 @@ TEST_F(BundleRoadTest, TitlesKeepTheirTexts) {
     }
 }
 
-TEST_F(BundleRoadTest, IntroAndOutroHaveALength) {
+TEST_F(BundleMigrationTest, IntroAndOutroHaveALength) {
     const Project film = project();
     for (const char* name : {"Intro", "Outro"})
         EXPECT_EQ(clipNamed(film, name).at("unlimitedDuration"), false) << name;
     EXPECT_EQ(clipNamed(film, "The end").at("unlimitedDuration"), true);
 }
 
-TEST_F(BundleRoadTest, PresetsHaveTheirTypesAndItemsTheirFeatures) {
+TEST_F(BundleMigrationTest, PresetsHaveTheirTypesAndItemsTheirFeatures) {
     const Project film = project();
     for (const auto& [name, texts] : titleTexts) {
         const bool isCallout = name == "Look";
@@ -249,7 +245,7 @@ TEST_F(BundleRoadTest, PresetsHaveTheirTypesAndItemsTheirFeatures) {
     }
 }
 
-TEST_F(BundleRoadTest, ItemsHaveAnEnvelopeAndAShadow) {
+TEST_F(BundleMigrationTest, ItemsHaveAnEnvelopeAndAShadow) {
     const Project film = project();
     for (const auto& [name, texts] : titleTexts) {
         for (const json& reference : film.follow(clipNamed(film, name), "overlay").at("items")) {
@@ -273,7 +269,7 @@ TEST_F(BundleRoadTest, ItemsHaveAnEnvelopeAndAShadow) {
     }
 }
 
-TEST_F(BundleRoadTest, NoQuizIsLeft) {
+TEST_F(BundleMigrationTest, NoQuizIsLeft) {
     std::set<std::string> lost;
     for (const Reader::Clip& clip : whole().report.lostClips)
         lost.insert(clip.name);
@@ -293,7 +289,7 @@ TEST_F(BundleRoadTest, NoQuizIsLeft) {
 }
 
 // The step that takes quizzes out of overlays needs the text of the question, which lies in a side file.
-TEST_F(BundleRoadTest, QuizzesAreObjectsOfTheirOwnInBetween) {
+TEST_F(BundleMigrationTest, QuizzesAreObjectsOfTheirOwnInBetween) {
     const Result result = migrated(sample(), sampleFolder(), {}, 40);
     const Document document = Reader::parse(result.bytes, QStringLiteral("holiday"));
     std::map<QString, QDomElement> objects;
@@ -316,14 +312,14 @@ TEST_F(BundleRoadTest, QuizzesAreObjectsOfTheirOwnInBetween) {
     EXPECT_EQ(Archive::valueOf(questions.front(), QStringLiteral("question")), "How old is the church?");
 }
 
-TEST_F(BundleRoadTest, NoReferenceIsDanglingAndNoIdIsTwice) {
+TEST_F(BundleMigrationTest, NoReferenceIsDanglingAndNoIdIsTwice) {
     const Project film = project();
     EXPECT_THAT(Tests::linesOf(Reader::verify(film.document())), IsEmpty());
     EXPECT_THAT(whole().report.duplicateIds, IsEmpty());
 }
 
 // Numbered in the order of the items' ids, which is that of the clips in the archive; texts stay.
-TEST_F(BundleRoadTest, SvgTextsAreSavedBesideTheDocument) {
+TEST_F(BundleMigrationTest, SvgTextsAreSavedBesideTheDocument) {
     const Result result = migrated(sample(), sampleFolder(), folder());
     EXPECT_THAT(logOf(result.report), ElementsAre(untypedQuiz));
     const Project film(result.bytes);
@@ -353,7 +349,7 @@ TEST_F(BundleRoadTest, SvgTextsAreSavedBesideTheDocument) {
     EXPECT_TRUE(readFile(folder(), "content_4.svg").startsWith("<?xml"));
 }
 
-TEST_F(BundleRoadTest, TheSavedBundleReadAgainIsTheSameProject) {
+TEST_F(BundleMigrationTest, TheSavedBundleReadAgainIsTheSameProject) {
     const Result saved = migrated(sample(), sampleFolder(), folder());
     const Result again = migrated(saved.bytes, folder());
     EXPECT_THAT(again.report.log, IsEmpty());
@@ -366,13 +362,13 @@ TEST_F(BundleRoadTest, TheSavedBundleReadAgainIsTheSameProject) {
         EXPECT_EQ(readFile(other.path(), name), readFile(folder(), name)) << name.toStdString();
 }
 
-TEST_F(BundleRoadTest, ATextWhoseFileCannotBeWrittenStaysInTheDocument) {
+TEST_F(BundleMigrationTest, ATextWhoseFileCannotBeWrittenStaysInTheDocument) {
     write(QStringLiteral("content_2.svg"), "of another project");
     const Result saved = migrated(sample(), sampleFolder(), folder());
     EXPECT_THAT(logOf(saved.report),
                 ElementsAre(untypedQuiz,
                             "OverlayFileContentWriteAdaptor: side file \"content_2.svg\": exists already, so "
-                            "the text stays in the document; --force replaces the file"));
+                            "the text stays in the document"));
     EXPECT_EQ(files(), QStringList({"content_1.svg", "content_2.svg", "content_3.svg", "content_4.svg"}));
     EXPECT_EQ(readFile(folder(), "content_2.svg"), "of another project");
     EXPECT_EQ(saved.bytes.count("content_"), 3);
@@ -380,7 +376,7 @@ TEST_F(BundleRoadTest, ATextWhoseFileCannotBeWrittenStaysInTheDocument) {
     EXPECT_EQ(migrated(saved.bytes, folder()).bytes, whole().bytes);
 }
 
-TEST_F(BundleRoadTest, ATextWhoseFileIsMissingIsReadAsNothing) {
+TEST_F(BundleMigrationTest, ATextWhoseFileIsMissingIsReadAsNothing) {
     for (const char* name : {"content_1.svg", "content_3.svg", "content_4.html", "content_5.quiz"})
         write(QString::fromLatin1(name), readFile(sampleFolder(), QString::fromLatin1(name)));
     const Result result = migrated(sample(), folder());
@@ -393,7 +389,7 @@ TEST_F(BundleRoadTest, ATextWhoseFileIsMissingIsReadAsNothing) {
         Tests::expectClips(film, timeline, sampleVersion);
 }
 
-TEST_F(BundleRoadTest, StoppingAnywhereLeadsToTheSameProject) {
+TEST_F(BundleMigrationTest, StoppingAnywhereLeadsToTheSameProject) {
     const json atOnce = Tests::renumbered(whole().bytes);
     for (const int stop : {sampleVersion, 21, 25, 38, 40, 50, 62, 63, 69, Reader::currentVersion}) {
         const QTemporaryDir halfway;

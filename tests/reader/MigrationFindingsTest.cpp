@@ -1,7 +1,7 @@
-// What the checker finds on the road: steps leave a document as sound as it was, but for what some of them are meant
+// What the checker finds between the steps: steps leave a document as sound as it was, but for what some of them are meant
 // to leave behind. That is listed here, with the reason.
 
-#include "Reader/Road.h"
+#include "Reader/Migration.h"
 #include "Reader/Verify.h"
 #include "support/Documents.h"
 #include "support/Files.h"
@@ -18,12 +18,11 @@
 using Reader::Document;
 using Reader::Fault;
 using Reader::Finding;
-using Reader::Journey;
 
 namespace {
 
 /// A fault that a step is meant to leave, at all places of a kind.
-struct Told {
+struct MeantFault {
     const char* step;
     Fault fault;
     const char* className;
@@ -36,7 +35,7 @@ struct Told {
 
 constexpr const char* refs = "refs/Item[#]/Data";
 
-const Told told[] = {
+const MeantFault meantFaults[] = {
     // These take objects out with their own predeclarations. The records of those who referred to them keep the
     // numbers in their `refs`: nothing reads those.
     {"V16_PanZoomAdaptor", Fault::StalePredeclaration, "Predeclare", refs},
@@ -93,25 +92,24 @@ Counts countsOf(const Document& document) {
     return counts;
 }
 
-using Left = std::set<decltype(told[0].key())>;
+using Left = std::set<decltype(meantFaults[0].key())>;
 
-/// What each adaptor on the road leaves that was not there before it.
+/// What each adaptor leaves that was not there before it.
 Left leftBehind(const QByteArray& bytes, int to = Reader::currentVersion) {
     Left left;
     Counts before;
-    Journey journey;
-    journey.name = journey.location = journey.target = QStringLiteral("film");
-    journey.to = to;
-    journey.watch = [&](const std::string& className, const Document& document) {
+    Reader::MigrationOptions options;
+    options.name = options.location = options.target = QStringLiteral("film");
+    options.to = to;
+    options.watch = [&](const Reader::MigrationPart& part, const Document& document) {
         Counts now = countsOf(document);
         for (const auto& [key, count] : now) {
-            if (!className.empty() && count > before[key])
-                left.insert(std::tuple_cat(std::make_tuple(className), key));
+            if (part.kind == Reader::MigrationPart::Kind::Adaptor && count > before[key])
+                left.insert(std::tuple_cat(std::make_tuple(part.name), key));
         }
         before = std::move(now);
     };
-    Document document = Reader::parse(bytes, journey.name);
-    Reader::migrate(document, journey);
+    Reader::Migration(Reader::parse(bytes, options.name), options).run();
     return left;
 }
 
@@ -120,23 +118,22 @@ std::string lineOf(const Left::value_type& entry) {
     return step + ": " + std::string(Reader::nameOf(fault)) + ' ' + className + ' ' + path;
 }
 
-TEST(RoadFindings, StepsLeaveWhatTheyAreToldAndNothingElse) {
-    Reader::useStandInFolders();
+TEST(MigrationFindings, StepsLeaveWhatIsMeantAndNothingElse) {
     Left allowed;
-    for (const Told& entry : told)
+    for (const MeantFault& entry : meantFaults)
         allowed.insert(entry.key());
-    Left met;
+    Left found;
     for (const auto& entry : std::filesystem::directory_iterator(Tests::samplesFolder())) {
         const std::string extension = entry.path().extension().string();
         if (extension != ".xml" && extension != ".json")
             continue;
         for (const auto& left : leftBehind(QByteArray::fromStdString(Tests::readFile(entry.path())))) {
             EXPECT_TRUE(allowed.count(left)) << entry.path().filename() << ": " << lineOf(left);
-            met.insert(left);
+            found.insert(left);
         }
     }
     for (const auto& entry : allowed)
-        EXPECT_TRUE(met.count(entry)) << "no sample shows " << lineOf(entry);
+        EXPECT_TRUE(found.count(entry)) << "no sample shows " << lineOf(entry);
 }
 
 /// An archive of a version with a timeline of one clip, which has those effects and overlay.
@@ -156,7 +153,7 @@ QByteArray film(int version, const std::string& clip, const std::string& objects
 }
 
 // The first zoom of a clip becomes its envelope; the item of the second stays and leads nowhere.
-TEST(RoadFindings, ASecondZoomLeavesAReference) {
+TEST(MigrationFindings, ASecondZoomLeavesAReference) {
     const std::string zoom = "<RootObject type='Effect::Zoom' objectId='";
     const Left left =
         leftBehind(film(15,
@@ -170,7 +167,7 @@ TEST(RoadFindings, ASecondZoomLeavesAReference) {
 }
 
 // A quiz overlay that no clip uses loses its predeclaration and stays.
-TEST(RoadFindings, AnUnusedQuizStaysUndeclared) {
+TEST(MigrationFindings, AnUnusedQuizStaysUndeclared) {
     const Left left = leftBehind(film(39, "",
                                       "<RootObject type='Overlay::Preset' objectId='5'><type type='int32_t' "
                                       "value='4'/></RootObject>",

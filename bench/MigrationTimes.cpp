@@ -1,0 +1,121 @@
+#include "bench/MigrationTimes.h"
+
+#include "Reader/JsonText.h"
+#include "Reader/Migration.h"
+#include "Reader/XmlText.h"
+#include "bench/Measure.h"
+
+#include <algorithm>
+
+namespace Bench {
+namespace {
+
+const QString name = QStringLiteral("project");
+
+/// Every element of a generated text has one start tag.
+std::size_t countElements(const QByteArray& text) {
+    std::size_t count = 0;
+    for (int place = 0; place + 1 < text.size(); ++place)
+        count += text[place] == '<' && text[place + 1] != '/' && text[place + 1] != '?' ? 1 : 0;
+    return count;
+}
+
+double median(std::vector<double> numbers) {
+    std::sort(numbers.begin(), numbers.end());
+    return numbers[numbers.size() / 2];
+}
+
+/// One migration with the time of each of its parts, as Migration calls them out.
+class Run {
+public:
+    std::vector<Part> steps;
+    std::vector<Part> others;
+    double migration = 0;
+    std::size_t logLines = 0;
+    QByteArray result;
+
+    explicit Run(const QByteArray& text) {
+        const double start = m_last = processorTime();
+        Reader::MigrationOptions options;
+        options.name = name;
+        options.watch = [this](const Reader::MigrationPart& part, const Reader::Document&) { add(part); };
+        Reader::Document document = Reader::parse(text, name);
+        add("parse");
+        Reader::Migration pipeline(std::move(document), std::move(options));
+        pipeline.run();
+        result = pipeline.save();
+        add("write");
+        migration = processorTime() - start;
+        logLines = pipeline.report().log.size();
+    }
+
+private:
+    void add(const Reader::MigrationPart& part) {
+        using Kind = Reader::MigrationPart::Kind;
+        const Reader::AdaptorRow* row = Reader::findAdaptor(part.name);
+        if (row && row->isStep())
+            add(part.name, steps);
+        else if (part.kind == Kind::Adaptor)
+            add(part.name);
+        else
+            add(part.kind == Kind::Preparation ? "count, list and sort the archive" : "compare the result");
+    }
+    void add(const std::string& part) { add(part, others); }
+    void add(const std::string& part, std::vector<Part>& parts) {
+        const double now = processorTime();
+        parts.push_back({part, now - m_last});
+        m_last = now;
+    }
+
+    double m_last;
+};
+
+std::vector<Part> medians(const std::vector<Run>& runs, std::vector<Part> Run::*parts) {
+    std::vector<Part> result = runs.front().*parts;
+    for (std::size_t place = 0; place < result.size(); ++place) {
+        std::vector<double> numbers;
+        for (const Run& run : runs)
+            numbers.push_back((run.*parts)[place].milliseconds);
+        result[place].milliseconds = median(numbers);
+    }
+    return result;
+}
+
+} // namespace
+
+MigrationTimes measureMigration(const Size& size, int runs) {
+    MigrationTimes times;
+    const auto generate = [&] { return generateProject(oldestVersion, size); };
+    // First, while this process holds little that its children could use again unseen.
+    times.loadMemory = peakMemory(generate, [](const QByteArray& text) { Reader::parseXml(text, name); });
+    times.migrationMemory = peakMemory(generate, [](const QByteArray& text) { Run run(text); });
+
+    const QByteArray text = generate();
+    times.elements = countElements(text);
+    times.bytesRead = static_cast<std::size_t>(text.size());
+    std::vector<Run> all;
+    std::vector<double> migrations;
+    std::vector<double> loads;
+    std::vector<double> writes;
+    for (int number = 0; number < runs; ++number) {
+        Run& run = all.emplace_back(text);
+        migrations.push_back(run.migration);
+        times.bytesWritten = static_cast<std::size_t>(run.result.size());
+        times.logLines = run.logLines;
+        {
+            const nlohmann::json result = Reader::parseJson(run.result, name);
+            run.result.clear();
+            writes.push_back(millisecondsOf([&] { Reader::writeJson(result); }));
+        }
+        QDomDocument document; // freed outside of what is measured
+        loads.push_back(millisecondsOf([&] { document = Reader::parseXml(text, name); }));
+    }
+    times.migration = median(migrations);
+    times.load = median(loads);
+    times.write = median(writes);
+    times.steps = medians(all, &Run::steps);
+    times.others = medians(all, &Run::others);
+    return times;
+}
+
+} // namespace Bench

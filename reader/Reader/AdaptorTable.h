@@ -1,0 +1,100 @@
+#pragma once
+
+#include "Adaptors/AbstractAdaptorJson.h"
+#include "Adaptors/Backend.h"
+#include "Adaptors/PortableFolders.h"
+#include "Adaptors/XmlStep.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <functional>
+#include <memory>
+#include <span>
+#include <string_view>
+#include <vector>
+
+// Threads: the table is constant. Every function here may be called from any thread at any time.
+
+namespace Reader {
+
+/// The newest schema version that the steps lead to.
+inline constexpr int currentVersion = 77;
+
+/// The last schema version whose documents are XML archives; all later ones are JSON.
+inline constexpr int lastXmlVersion = 62;
+
+/// What an adaptor may need beside the document.
+///
+/// Threads: the side file functions are called on the thread that runs the adaptor.
+struct AdaptorContext {
+    QString location;                                            ///< path of the project file
+    Bundle::PortableFolders folders;                             ///< of the installed editor
+    std::function<QByteArray(const QString& name)> readSideFile; ///< empty for none
+    std::function<bool(const QString& name, const QByteArray& content)> writeSideFile; ///< false if it can't
+};
+
+/// When an adaptor runs. The stages are listed in the order in which an archive passes them.
+enum class Stage {
+    AfterLoading,     ///< first of all on an archive, last of all on a document that was read as JSON
+    BeforeSteps,      ///< on every archive, whatever its version
+    Step,             ///< on documents below the adaptor's number
+    BeforeConversion, ///< on every archive that becomes JSON
+    AfterSteps,       ///< on every JSON document
+    BeforeSaving,     ///< on every JSON document that is saved
+    BeforeBundling,   ///< on JSON documents that are saved together with side files
+    OnRequest,        ///< only where it is asked for by name
+};
+
+/// A row of the table: an adaptor, when it runs, and how it is made.
+///
+/// Threads: constant. Adaptors that it makes belong to the thread that made them.
+class AdaptorRow {
+public:
+    using MakeXml = std::unique_ptr<Bundle::XmlStep> (*)(const AdaptorContext&);
+    using MakeJson = std::unique_ptr<Bundle::AbstractAdaptorJson> (*)(const AdaptorContext&);
+
+    constexpr AdaptorRow(Stage runsAt, int schemaVersion, std::string_view name, std::string_view sentence,
+                         MakeXml xml, MakeJson json)
+        : stage(runsAt), number(schemaVersion), className(name), summary(sentence), m_makeXml(xml),
+          m_makeJson(json) {}
+
+    Stage stage;
+    int number;                 ///< the schema version that a step leads to; 0 for all others
+    std::string_view className; ///< without its namespace
+    std::string_view summary;   ///< one sentence for people
+
+    bool isStep() const { return stage == Stage::Step; }
+    bool hasXml() const { return m_makeXml != nullptr; }
+    bool hasJson() const { return m_makeJson != nullptr; }
+
+    /// Make the adaptor in that form. The row must have the form.
+    std::unique_ptr<Bundle::XmlStep> makeXml(const AdaptorContext& context = {}) const {
+        return m_makeXml(context);
+    }
+    std::unique_ptr<Bundle::AbstractAdaptorJson> makeJson(const AdaptorContext& context = {}) const {
+        return m_makeJson(context);
+    }
+
+private:
+    MakeXml m_makeXml;
+    MakeJson m_makeJson;
+};
+
+/// All adaptors, in the order in which an archive passes them; those on request come last.
+std::span<const AdaptorRow> adaptorTable();
+
+/// The adaptor of that class name, with or without "Project::"; null for none.
+const AdaptorRow* findAdaptor(std::string_view className);
+
+/// The adaptors of a stage other than Stage::Step, in order.
+std::vector<const AdaptorRow*> adaptorsOf(Stage stage);
+
+/// The steps above version `from` and up to `to`, in order. For an archive those that have a form for it; for JSON
+/// all, since a step made for archives only is reported as skipped.
+std::vector<const AdaptorRow*> stepsFor(Bundle::Backend form, int from, int to);
+
+/// The steps that a document of that form and version passes on its way to `to`, the conversion between them.
+std::vector<const AdaptorRow*> stepsToRun(Bundle::Backend form, int from, int to);
+
+} // namespace Reader
