@@ -10,8 +10,8 @@
 #include "support/Adaptors.h"
 #include "support/Compare.h"
 #include "support/Files.h"
-#include "support/Log.h"
 #include "support/Index.h"
+#include "support/Log.h"
 #include "support/Paths.h"
 
 #include <gtest/gtest.h>

@@ -74,9 +74,12 @@ TEST_F(ArchiveEditorTest, AppendsRootObjects) {
 }
 
 TEST_F(ArchiveEditorTest, InsertsRootObjectsAmongOthers) {
-    expectSameAfter([&](ArchiveEditor& archive) { archive.insertBefore(m_root, newObject(archive, 9), m_first); });
-    expectSameAfter([&](ArchiveEditor& archive) { archive.insertAfter(m_root, newObject(archive, 10), m_first); });
-    expectSameAfter([&](ArchiveEditor& archive) { archive.insertAfter(m_root, newObject(archive, 11), m_last); });
+    expectSameAfter(
+        [&](ArchiveEditor& archive) { archive.insertBefore(m_root, newObject(archive, 9), m_first); });
+    expectSameAfter(
+        [&](ArchiveEditor& archive) { archive.insertAfter(m_root, newObject(archive, 10), m_first); });
+    expectSameAfter(
+        [&](ArchiveEditor& archive) { archive.insertAfter(m_root, newObject(archive, 11), m_last); });
     expectSameAfter([&](ArchiveEditor& archive) { archive.insertAfter(m_root, newObject(archive, 12), {}); });
 }
 
@@ -181,7 +184,12 @@ TEST_F(ArchiveEditorTest, AcceptsNullElements) {
         archive.setField(m_first, "missing", 1);
         archive.appendReference(none, 1);
         appendUncountedReferences(archive, none, {1});
-        archive.fields(none).int32("a", 1).array("b").string("c", "d").transform("e", {}, 6).stringPtr("f", "g");
+        archive.fields(none)
+            .int32("a", 1)
+            .array("b")
+            .string("c", "d")
+            .transform("e", {}, 6)
+            .stringPtr("f", "g");
         archive.fieldsInsteadOf(none).int32("a", 1);
         EXPECT_TRUE(archive.appendItem(none).parentNode().isNull());
     });
@@ -317,7 +325,8 @@ TEST_F(ArchiveEditorTest, GivesIdsBehindThoseThatWereThereWhenTheyWereStarted) {
 }
 
 TEST_F(ArchiveEditorTest, ScansTheTextWhereTheTreeMayHoldOtherIds) {
-    expectSameAfter([&](ArchiveEditor& archive) { archive.fields(m_first).string("name", QString(QChar(1))); });
+    expectSameAfter(
+        [&](ArchiveEditor& archive) { archive.fields(m_first).string("name", QString(QChar(1))); });
     // The reader of the text stops at the control character: ids behind it do not count.
     expectSameAfter([&](ArchiveEditor& archive) {
         archive.append(m_root, newObject(archive, 50));
@@ -367,9 +376,8 @@ TEST_F(ArchiveEditorTest, KnowsWhetherTheTextShowsTypes) {
 }
 
 TEST_F(ArchiveEditorTest, ReplacesTheContent) {
-    expectSameAfter([&](ArchiveEditor& archive) {
-        archive.setContent("<Archive><RootObject objectId='3'/></Archive>");
-    });
+    expectSameAfter(
+        [&](ArchiveEditor& archive) { archive.setContent("<Archive><RootObject objectId='3'/></Archive>"); });
     expectSameAfter([&](ArchiveEditor& archive) { archive.setContent("<Archive/>"); });
 }
 
@@ -379,9 +387,11 @@ TEST_F(ArchiveEditorTest, SearchesDocumentsWithoutExactlyOneArchiveAtTheTop) {
         ASSERT_TRUE(m_document.setContent(QString::fromLatin1(text)));
         const QDomElement top = m_document.documentElement();
         expectSameAfter([&](ArchiveEditor& archive) { archive.append(top, newObject(archive, 5)); });
-        expectSameAfter([&](ArchiveEditor& archive) { archive.append(top.firstChildElement(), newObject(archive, 6)); });
+        expectSameAfter(
+            [&](ArchiveEditor& archive) { archive.append(top.firstChildElement(), newObject(archive, 6)); });
     }
-    ASSERT_TRUE(m_document.setContent(QStringLiteral("<x><Archive><RootObject/></Archive><RootObject/></x>")));
+    ASSERT_TRUE(
+        m_document.setContent(QStringLiteral("<x><Archive><RootObject/></Archive><RootObject/></x>")));
     ArchiveEditor archive(m_document);
     const TypedElements inArchive = archive.rootObjects(Scope::Archive);
     EXPECT_EQ(std::distance(inArchive.begin(), inArchive.end()), 1);

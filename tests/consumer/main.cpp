@@ -17,7 +17,8 @@ int main() {
     QDomElement clip = Archive::findRootObject(document, 2);
     clip.appendChild(Archive::createMTime(document, plain.left(1), MTime::fromMs(40)));
     const auto json = Util::XmlToJsonAdaptor().adapt(document);
-    const bool works = json["data"]["labels"].empty() && json["data"]["a"] == 40 && !Reader::adaptorTable().empty();
+    const bool works =
+        json["data"]["labels"].empty() && json["data"]["a"] == 40 && !Reader::adaptorTable().empty();
     std::puts(works ? "embedding works" : "embedding fails");
     return works ? 0 : 1;
 }

@@ -26,12 +26,12 @@ inline std::string indexDifference(Archive::Internal::ArchiveEditor& archive) {
     const QDomElement array = archive.predeclarations();
     const RecordList records = archive.records();
     const Elements items = children(array, Words::Item);
-    const bool areSame = std::equal(records.begin(), records.end(), items.begin(), items.end(),
-                                    [](const Record& record, const QDomElement& item) {
-                                        const Record fresh = recordIn(item);
-                                        return record.item == fresh.item && record.data == fresh.data &&
-                                               record.id == fresh.id;
-                                    });
+    const bool areSame =
+        std::equal(records.begin(), records.end(), items.begin(), items.end(),
+                   [](const Record& record, const QDomElement& item) {
+                       const Record fresh = recordIn(item);
+                       return record.item == fresh.item && record.data == fresh.data && record.id == fresh.id;
+                   });
     if (!areSame)
         return "other records";
     for (std::size_t place = 0; place < archive.numberedRecords(); ++place) {

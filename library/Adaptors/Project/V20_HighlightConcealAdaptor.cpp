@@ -77,7 +77,8 @@ void addOpacityAndSmoothness(Fields fields, const Mask& mask) {
 }
 
 /// Adds the list of frames with its only frame.
-QDomElement appendFrame(ArchiveEditor& archive, const QDomElement& effect, const Kind& kind, long long frameId) {
+QDomElement appendFrame(ArchiveEditor& archive, const QDomElement& effect, const Kind& kind,
+                        long long frameId) {
     const QDomElement frames = archive.fields(effect).array("frames").last();
     return archive.appendObject(archive.appendItem(frames), Words::Data, kind.frameClass, frameId);
 }

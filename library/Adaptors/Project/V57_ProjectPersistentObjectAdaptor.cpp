@@ -26,7 +26,8 @@ void setParent(ArchiveEditor& archive, const QList<long long>& ids, long long pa
 }
 
 /// Moves a root object into `parent` as its field `name`.
-void embed(ArchiveEditor& archive, const QDomElement& object, const QString& name, const QDomElement& parent) {
+void embed(ArchiveEditor& archive, const QDomElement& object, const QString& name,
+           const QDomElement& parent) {
     archive.rename(object, name);
     archive.append(parent, object);
 }

@@ -36,7 +36,8 @@ unsigned long long idOf(const json& value, const char* complaint) {
 /// Moves the titles of one timeline from its primary track to a titles track.
 class TitlesMove {
 public:
-    TitlesMove(FlatObject& document, const SelectedObject& timeline) : m_document(document), m_timeline(timeline) {}
+    TitlesMove(FlatObject& document, const SelectedObject& timeline)
+        : m_document(document), m_timeline(timeline) {}
 
     void run() {
         m_titles = trackAt(placeOf(titlesTrack));
@@ -55,9 +56,7 @@ private:
     /// Quirk: an id that the document lacks gets an empty entry, in which no field is found.
     json& entry(unsigned long long id) { return m_document.objects[id]; }
 
-    long long typeOf(unsigned long long id) {
-        return toInteger(memberOf(entry(id), "type"));
-    }
+    long long typeOf(unsigned long long id) { return toInteger(memberOf(entry(id), "type")); }
 
     static unsigned long long trackOf(const json& value) {
         return idOf(value, "track id missed in flat map");

@@ -58,8 +58,7 @@ private:
             return;
         const auto track = getAnyObjectId(memberOf(timing, "track"));
         // Quirk: an id that the document lacks gets an empty entry, which has no number as its type.
-        if (!track ||
-            toInteger(memberOf(m_document.objects[*track], "type")) == levelledTrack)
+        if (!track || toInteger(memberOf(m_document.objects[*track], "type")) == levelledTrack)
             return;
         timing["track"] = m_document.createRef(cloneFor(*track, level));
     }

@@ -245,7 +245,8 @@ void ArchiveEditor::removeRecords(const std::function<bool(const Record&)>& goes
         QDomElement item = record.item;
         const bool hasPosition = left->size() + removals.size() <= numbered;
         if (!hasPosition)
-            Internal::setIndex(item, static_cast<long long>(left->size())); // also where nothing goes in the end
+            Internal::setIndex(item,
+                               static_cast<long long>(left->size())); // also where nothing goes in the end
         else if (!removals.empty())
             item.setAttribute(Words::index, QString::number(left->size())); // it is known to differ
     }

@@ -112,7 +112,8 @@ public:
     /// An object that is not yet in the tree.
     QDomElement newObject(const QString& tag, const QString& type, long long id);
     /// An object as the last child of `parent`.
-    QDomElement appendObject(const QDomElement& parent, const QString& tag, const QString& type, long long id);
+    QDomElement appendObject(const QDomElement& parent, const QString& tag, const QString& type,
+                             long long id);
     /// A root object as the last child of the archive.
     QDomElement appendRootObject(const QString& type, long long id);
     /// An element without attributes that is not yet in the tree.

@@ -163,8 +163,9 @@ void ArchiveIndex::dropRemoved() {
         return;
     for (List* list : {&m_rootObjects, &m_baseParts}) {
         if (*list)
-            std::erase_if(own(*list),
-                          [this](const TypedElement& e) { return m_removed.count(identityOf(e.element)) > 0; });
+            std::erase_if(own(*list), [this](const TypedElement& e) {
+                return m_removed.count(identityOf(e.element)) > 0;
+            });
     }
     m_removed.clear();
 }
@@ -231,8 +232,7 @@ void ArchiveIndex::appendedRecord(const QDomElement& array) {
     const QDomElement item = array.lastChildElement();
     Records& list = *m_records->list;
     list.push_back(recordIn(item));
-    if (m_records->numbered + 1 == list.size() &&
-        item.attribute(Words::index).toULongLong() == list.size())
+    if (m_records->numbered + 1 == list.size() && item.attribute(Words::index).toULongLong() == list.size())
         ++m_records->numbered;
 }
 

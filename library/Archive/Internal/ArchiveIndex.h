@@ -115,7 +115,7 @@ private:
     std::optional<GreatestId> m_greatest;
     bool m_isGreatestFromText = false;
     bool m_mayHolderBeGone = false;
-    bool m_isPlain = false; ///< the tree gives the same ids as its text
+    bool m_isPlain = false;         ///< the tree gives the same ids as its text
     std::vector<Created> m_created; ///< those that were not in the tree at the last update
 
     bool m_showsTypes = false;

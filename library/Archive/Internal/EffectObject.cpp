@@ -9,7 +9,8 @@ QDomElement innerBase(const QDomElement& effect) {
     return childAt(effect, {Words::BaseOfObject, Words::BaseOfObject});
 }
 
-EffectObject newEffect(ArchiveEditor& archive, const QString& className, const QString& baseName, long long id) {
+EffectObject newEffect(ArchiveEditor& archive, const QString& className, const QString& baseName,
+                       long long id) {
     EffectObject effect;
     effect.root = archive.newObject(Words::RootObject, className, id);
     effect.base = archive.appendObject(effect.root, Words::BaseOfObject, baseName, id);
@@ -17,7 +18,8 @@ EffectObject newEffect(ArchiveEditor& archive, const QString& className, const Q
     return effect;
 }
 
-EffectObject appendNumberedEffect(ArchiveEditor& archive, const NumberedEffect& kind, const QDomElement& effects) {
+EffectObject appendNumberedEffect(ArchiveEditor& archive, const NumberedEffect& kind,
+                                  const QDomElement& effects) {
     const long long id = archive.declare(kind.className);
     EffectObject effect = newEffect(archive, kind.className, "Effect::VideoEffect", id);
     archive.fields(effect.object)

@@ -22,7 +22,8 @@ struct EffectObject {
 QDomElement innerBase(const QDomElement& effect);
 
 /// Makes the levels, not yet in the tree. A step adds fields to each.
-EffectObject newEffect(ArchiveEditor& archive, const QString& className, const QString& baseName, long long id);
+EffectObject newEffect(ArchiveEditor& archive, const QString& className, const QString& baseName,
+                       long long id);
 
 /// What an effect was called while its identifiers were numbers: before version 23.
 struct NumberedEffect {
@@ -33,6 +34,7 @@ struct NumberedEffect {
 };
 
 /// Declares a new video effect, appends it to the archive and lists it last in `effects`, the list of a clip.
-EffectObject appendNumberedEffect(ArchiveEditor& archive, const NumberedEffect& kind, const QDomElement& effects);
+EffectObject appendNumberedEffect(ArchiveEditor& archive, const NumberedEffect& kind,
+                                  const QDomElement& effects);
 
 } // namespace Archive::Internal

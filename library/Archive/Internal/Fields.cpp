@@ -58,8 +58,8 @@ Fields& Fields::number(const QString& name, double value) {
 }
 
 Fields& Fields::decimal(const QString& name, double value) {
-    QDomElement field = createTypeValue(m_archive.m_document, name, QStringLiteral("double"),
-                                        QString::number(value, 'f', 4));
+    QDomElement field =
+        createTypeValue(m_archive.m_document, name, QStringLiteral("double"), QString::number(value, 'f', 4));
     field.setAttribute(Words::binaryData, serializeValue(value));
     return add(field);
 }

@@ -54,8 +54,9 @@ inline long long wrappedIdOf(const QDomElement& object) {
 /// The first row of a table whose text is equal to `key`; null where there is none.
 template <class Row, std::size_t size>
 const Row* findRow(const Row (&table)[size], const char* Row::*text, const QString& key) {
-    const Row* row = std::find_if(std::begin(table), std::end(table),
-                                  [&](const Row& candidate) { return key == QLatin1String(candidate.*text); });
+    const Row* row = std::find_if(std::begin(table), std::end(table), [&](const Row& candidate) {
+        return key == QLatin1String(candidate.*text);
+    });
     return row == std::end(table) ? nullptr : row;
 }
 

@@ -4,7 +4,8 @@
 
 namespace Archive::Internal {
 
-void appendUncountedReferences(ArchiveEditor& archive, const QDomElement& array, const QList<long long>& ids) {
+void appendUncountedReferences(ArchiveEditor& archive, const QDomElement& array,
+                               const QList<long long>& ids) {
     if (array.isNull())
         return;
     archive.setSize(array, 0);
