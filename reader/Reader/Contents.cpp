@@ -37,7 +37,8 @@ void walkElements(const QDomElement& top, Visit visit) {
 /// The archive's root objects that hold the project, by id; the later of two counts, as in the conversion.
 QHash<unsigned long long, QDomElement> rootObjectsById(const QDomDocument& xml) {
     QHash<unsigned long long, QDomElement> objects;
-    for (const auto& [e, type] : *Archive::Internal::typedElements(xml, Words::RootObject)) {
+    const Archive::Internal::TypedElements elements(Archive::Internal::typedElements(xml, Words::RootObject));
+    for (const auto& [e, type] : elements) {
         if (!isDeclaring(type))
             objects.insert(Archive::objectIdOf(e), e);
     }
