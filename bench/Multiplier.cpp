@@ -113,7 +113,7 @@ void Selection::collectFixed(Id root) {
         while (!node.isNull()) {
             const QDomElement e = node.toElement();
             if (e.tagName() == Words::Item && refersTo(e, m_ofClass)) {
-                node = Archive::Internal::nextBeyond(node, object);
+                node = Archive::Internal::nextSkippingChildren(node, object);
                 continue;
             }
             if (isReference(e))
