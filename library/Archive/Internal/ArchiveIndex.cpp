@@ -118,8 +118,10 @@ void ArchiveIndex::removed(const QDomNode& parent, const QDomNode& child) {
     forEachNode(child, [this](const QDomNode& node) {
         if (!node.isElement())
             return;
-        if (node.attributes().contains(Words::objectId))
+        if (const QDomElement e = node.toElement(); e.hasAttribute(Words::objectId)) {
             m_mayHolderBeGone = true;
+            created(e, e.attribute(Words::objectId).toLongLong()); // it may be inserted again
+        }
         if (isIndexedTag(node.nodeName()) && (m_rootObjects || m_baseParts))
             m_removed.emplace(identityOf(node), node.toElement());
     });

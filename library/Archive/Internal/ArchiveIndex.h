@@ -49,7 +49,7 @@ public:
 
     // Notifications of changes.
 
-    /// A new element, not yet in the tree, got an object id.
+    /// An element that is not in the tree, or not yet, has an object id.
     void created(const QDomElement& e, long long id) { m_created.push_back({e, id}); }
     /// A text was written to an attribute.
     void wrote(const QString& text);
