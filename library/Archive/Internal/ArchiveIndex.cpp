@@ -289,7 +289,7 @@ std::optional<long long> ArchiveIndex::greatestId() {
 }
 
 void ArchiveIndex::setScannedIds(const ScannedIds& ids) {
-    // Behind an error nothing counts, and only a new scan tells whether an addition is behind it.
+    // A scan stops at the first error. Ids that are added later may be behind it, so each time needs a new scan.
     if (!ids.isComplete)
         return;
     m_greatest = GreatestId{ids.greatest, {}};
