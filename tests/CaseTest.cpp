@@ -1,15 +1,17 @@
-// Runs the cases of tests/cases/<Class>/<case>/: one adaptor on before.xml or before.json gives after.* and logs
-// the lines of log.txt ("ERROR text"; no file, no line). With throws.txt it throws, and the exception's text
-// contains that of the file; after.* may be missing then. setup.json gives what an adaptor's constructor needs and
-// the editor's folders. side-files.json holds all side files that the adaptor writes, as {name: text}. JSON
-// documents are written flat, as {"id": object, ...}.
+// Runs the cases of tests/cases/<Class>/<case>/: the adaptor <Class> on before.xml or before.json gives after.* and
+// logs the lines of log.txt ("ERROR text"; no file, no line). With adaptors.txt several adaptors run, one to a line;
+// the first is <Class>. With throws.txt the last of them throws, and the exception's text contains that of the file;
+// after.* may be missing then. setup.json gives what an adaptor's constructor needs and the editor's folders.
+// side-files.json holds all side files that are written, as {name: text}. JSON documents are written flat, as
+// {"id": object, ...}.
 
 #include "Adaptors/XmlStep.h"
 #include "Serialize/Json/FlatObject.h"
-#include "Settings/Settings.h"
 #include "support/Adaptors.h"
 #include "support/Compare.h"
+#include "support/Documents.h"
 #include "support/Files.h"
+#include "support/Folders.h"
 #include "support/Index.h"
 #include "support/Log.h"
 #include "support/Paths.h"
@@ -55,20 +57,11 @@ std::string caseName(const testing::TestParamInfo<fs::path>& info) {
 }
 
 QDomDocument readXml(const fs::path& file) {
-    QDomDocument document;
-    QString error;
-    int line = 0;
-    if (!document.setContent(QByteArray::fromStdString(Tests::readFile(file)), &error, &line))
-        throw std::runtime_error(file.string() + ":" + std::to_string(line) + ": " + error.toStdString());
-    return document;
+    return Tests::xml(Tests::readFile(file));
 }
 
 FlatObject readJson(const fs::path& file) {
-    FlatObject document;
-    const json objects = json::parse(Tests::readFile(file)); // items() borrows: a temporary would be gone
-    for (const auto& [id, object] : objects.items())
-        document.objects.emplace(std::stoull(id), object);
-    return document;
+    return Tests::flatDocument(Tests::readFile(file));
 }
 
 json toJson(const FlatObject& document) {
@@ -98,34 +91,61 @@ QString folder(const json& setup, const char* key) {
     return QString::fromStdString(setup.value(key, std::string()));
 }
 
+/// The text of the exception that `action` throws; empty where it throws none.
+template <class Action>
+std::string exceptionOf(Action action) {
+    try {
+        action();
+    } catch (const std::exception& error) {
+        const std::string text = error.what();
+        EXPECT_FALSE(text.empty());
+        return text;
+    }
+    return {};
+}
+
 class CaseTest : public testing::TestWithParam<fs::path> {
 protected:
     void SetUp() override {
         if (fs::exists(file("setup.json")))
             m_setup = json::parse(Tests::readFile(file("setup.json")));
-        Settings::setLegacyPackageDeploymentPath(folder(m_setup, "packagesRoot"));
-        Settings::setAiModelsPath(folder(m_setup, "aiModelsRoot"));
-        Settings::setDownloadableResourcesPath(folder(m_setup, "downloadableRoot"));
+        Tests::setFolders(folder(m_setup, "packagesRoot"), folder(m_setup, "aiModelsRoot"),
+                          folder(m_setup, "downloadableRoot"));
     }
+    void TearDown() override { Tests::setFolders({}, {}, {}); }
 
     fs::path file(const char* name) const { return GetParam() / name; }
-    std::string adaptorName() const { return GetParam().parent_path().filename().string(); }
+
+    /// The adaptors of the case in the order in which they run, made by `make`.
+    template <class Make>
+    auto adaptors(Make make) {
+        std::vector<std::string> names = readLines(file("adaptors.txt"));
+        const std::string className = GetParam().parent_path().filename().string();
+        if (names.empty())
+            names = {className};
+        EXPECT_EQ(names.front(), className) << "a case is in the folder of its first adaptor";
+        std::vector<decltype(make(className, m_setup))> adaptors;
+        for (const std::string& name : names) {
+            adaptors.push_back(make(name, m_setup));
+            if (!adaptors.back())
+                throw std::runtime_error("there is no adaptor " + name + " on documents of this form");
+        }
+        return adaptors;
+    }
 
     json expectedSideFiles() const {
         return fs::exists(file("side-files.json")) ? json::parse(Tests::readFile(file("side-files.json")))
                                                    : json::object();
     }
 
-    /// Runs the adaptor and compares its log, its exception and its side files with what the case expects.
-    template <class Adaptor, class Document>
-    void run(Adaptor& adaptor, Document& document) {
+    /// Runs the adaptors and compares their log, the exception and the side files with what the case expects.
+    template <class Adaptors, class Document>
+    void run(const Adaptors& adaptors, Document& document) {
         const Tests::Log log;
         std::string thrown;
-        try {
-            adaptor.adapt(document);
-        } catch (const std::exception& error) {
-            thrown = error.what();
-            EXPECT_FALSE(thrown.empty());
+        for (const auto& adaptor : adaptors) {
+            EXPECT_EQ(thrown, "") << "not by the last adaptor";
+            thrown = exceptionOf([&] { adaptor->adapt(document); });
         }
         const std::string expected =
             fs::exists(file("throws.txt")) ? trimmed(Tests::readFile(file("throws.txt"))) : "";
@@ -144,18 +164,14 @@ protected:
 
 TEST_P(CaseTest, GivesWhatIsExpected) {
     if (fs::exists(file("before.xml"))) {
-        const auto adaptor = Tests::makeXmlAdaptor(adaptorName(), m_setup);
-        ASSERT_TRUE(adaptor) << "no such XML adaptor";
         QDomDocument document = readXml(file("before.xml"));
-        run(*adaptor, document);
+        run(adaptors(Tests::makeXmlAdaptor), document);
         if (fs::exists(file("after.xml")) || !fs::exists(file("throws.txt"))) {
             EXPECT_EQ(Tests::difference(readXml(file("after.xml")), document), "");
         }
     } else {
-        const auto adaptor = Tests::makeJsonAdaptor(adaptorName(), m_setup);
-        ASSERT_TRUE(adaptor) << "no such JSON adaptor";
         FlatObject document = readJson(file("before.json"));
-        run(*adaptor, document);
+        run(adaptors(Tests::makeJsonAdaptor), document);
         if (fs::exists(file("after.json")) || !fs::exists(file("throws.txt"))) {
             EXPECT_EQ(Tests::difference(toJson(readJson(file("after.json"))), toJson(document)), "");
         }
@@ -165,14 +181,16 @@ TEST_P(CaseTest, GivesWhatIsExpected) {
 class ArchiveCaseTest : public CaseTest {};
 
 TEST_P(ArchiveCaseTest, DoesTheSameWithAnIndexThatIsFull) {
-    const auto adaptor = Tests::makeXmlAdaptor(adaptorName(), m_setup);
-    auto* const step = dynamic_cast<Bundle::XmlStep*>(adaptor.get());
-    ASSERT_TRUE(step) << "no such step on archives";
+    const auto adaptors = this->adaptors(Tests::makeXmlAdaptor);
     QDomDocument document = readXml(file("before.xml"));
     Archive::Internal::ArchiveEditor archive(document);
     Tests::indexDifference(archive); // fills the index
-    step->apply(archive);
-    EXPECT_EQ(Tests::indexDifference(archive), "");
+    for (const auto& adaptor : adaptors) {
+        auto* const step = dynamic_cast<Bundle::XmlStep*>(adaptor.get());
+        ASSERT_TRUE(step) << "no such step on archives";
+        step->apply(archive);
+        EXPECT_EQ(Tests::indexDifference(archive), "");
+    }
     EXPECT_EQ(Tests::difference(readXml(file("after.xml")), document), "");
 }
 

@@ -2,6 +2,7 @@
 
 #include "Archive/Internal/Walk.h"
 #include "Reader/AdaptorTable.h"
+#include "support/Documents.h"
 
 #include <gtest/gtest.h>
 
@@ -62,9 +63,7 @@ QDomDocument documentOf(int clips) {
                     R"(<magicEnhance type="bool" value="1"/><autoContrast type="bool" value="1"/>)");
     }
     out << "</Archive>";
-    QDomDocument document;
-    EXPECT_TRUE(document.setContent(text));
-    return document;
+    return Tests::xml(text.toStdString());
 }
 
 /// The processor time, in seconds, of all XML steps here on such a document.
@@ -117,8 +116,7 @@ TEST(ManyEffectsTest, OneClipListsThemAll) {
     for (int number = 1; number <= effects; ++number)
         writeEffect(out, "Effect::AutoEnhance", number + 1, R"(<autoContrast type="bool" value="1"/>)");
     out << "</Archive>";
-    QDomDocument document;
-    ASSERT_TRUE(document.setContent(text));
+    QDomDocument document = Tests::xml(text.toStdString());
 
     Reader::findAdaptor("V32_ColorFiltersAdaptor")->makeXml()->adapt(document);
     // The item of the last one alone goes.

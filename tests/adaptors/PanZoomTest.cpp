@@ -4,6 +4,7 @@
 
 #include "Archive/Internal/Walk.h"
 #include "Archive/Xml.h"
+#include "support/Documents.h"
 
 #include <gtest/gtest.h>
 
@@ -31,8 +32,7 @@ QDomDocument migrated(long long timed, long long duration, long long sourcePosit
             .arg(timed)
             .arg(duration)
             .arg(sourcePosition);
-    QDomDocument document;
-    EXPECT_TRUE(document.setContent(text));
+    QDomDocument document = Tests::xml(text.toStdString());
     Project::V16_PanZoomAdaptor().adapt(document);
     return document;
 }

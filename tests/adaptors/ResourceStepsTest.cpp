@@ -8,45 +8,25 @@
 #include "Adaptors/Project/V59_EffectAuxResourceDownloadingAdaptor.h"
 #include "Adaptors/Project/V62_CollectionItemPayloadAdaptor.h"
 #include "Archive/Xml.h"
+#include "support/ArchiveBuilder.h"
 #include "support/Compare.h"
 #include "support/Log.h"
 
 #include <gtest/gtest.h>
+
+using Tests::ArchiveBuilder;
 
 namespace {
 
 // So many that a step that walks them all for each of them does not come to an end in time.
 constexpr int many = 20'000;
 
-struct Sample {
-    QDomDocument document;
-    QDomElement archive;
-    QDomElement predeclarations;
-
-    Sample() {
-        archive = document.createElement("Archive");
-        document.appendChild(archive);
-        predeclarations = Archive::createArray(document, "predeclarations", 0);
-        add("Predeclarator", 1).appendChild(predeclarations);
-    }
-
-    QDomElement add(const QString& type, long long id) {
-        QDomElement object = Archive::createObject(document, "RootObject", type, id);
-        archive.appendChild(object);
-        return object;
-    }
-
-    QDomElement addDeclared(const QString& type, long long id) {
-        long long recordId = id;
-        Archive::addPredeclaration(predeclarations, document, type, 0, recordId, id, {});
-        return add(type, id);
-    }
-
-    int count(const char* tag) const { return document.elementsByTagName(tag).length(); }
-};
+int countOf(const char* tag, const QDomDocument& document) {
+    return document.elementsByTagName(tag).length();
+}
 
 TEST(NoPreview, RecordsGoAsIfOneAfterTheOther) {
-    Sample sample;
+    ArchiveBuilder sample;
     for (const long long id : {10, 20, 30, 20, 40, 50})
         sample.addDeclared(id % 20 == 0 ? "StaticPreview::ImageObject" : "Video", id);
     sample.predeclarations.setAttribute("size", "17");
@@ -62,45 +42,45 @@ TEST(NoPreview, RecordsGoAsIfOneAfterTheOther) {
     Project::V34_NoPreviewAdaptor().adapt(sample.document);
     EXPECT_EQ(Tests::difference(predeclarations, sample.predeclarations), "");
     EXPECT_EQ(sample.predeclarations.attribute("size"), "14");
-    EXPECT_EQ(sample.count("RootObject"), 4);
+    EXPECT_EQ(countOf("RootObject", sample.document), 4);
 }
 
 TEST(NoPreview, ManyPreviews) {
-    Sample sample;
+    ArchiveBuilder sample;
     for (int n = 0; n < many; ++n)
         sample.addDeclared("StaticPreview::ImageObject", 10 + n);
     Project::V34_NoPreviewAdaptor().adapt(sample.document);
-    EXPECT_EQ(sample.count("RootObject"), 1);
-    EXPECT_EQ(sample.count("Item"), 0);
+    EXPECT_EQ(countOf("RootObject", sample.document), 1);
+    EXPECT_EQ(countOf("Item", sample.document), 0);
     EXPECT_EQ(sample.predeclarations.attribute("size"), "0");
 }
 
 TEST(ClipPreview, ManyClips) {
-    Sample sample;
+    ArchiveBuilder sample;
     for (int n = 0; n < many; ++n)
         sample.add("Timeline::Clip", 10 + n)
             .appendChild(Archive::createImageRef(sample.document, "preview", "a.png"));
     Project::V12_ClipPreviewAdaptor().adapt(sample.document);
-    EXPECT_EQ(sample.count("preview"), many);
-    EXPECT_EQ(sample.count("image"), many);
+    EXPECT_EQ(countOf("preview", sample.document), many);
+    EXPECT_EQ(countOf("image", sample.document), many);
     // 10 + many - 1 was the greatest id, and each object takes two.
     EXPECT_EQ(sample.archive.lastChildElement().attribute("objectId").toLongLong(),
               10 + many + 2 * (many - 1));
 }
 
 TEST(EffectAuxResource, ManyEffects) {
-    Sample sample;
+    ArchiveBuilder sample;
     for (int n = 0; n < many; ++n)
         sample.add("Effect::Sepia", 10 + n)
             .appendChild(Archive::createObject(sample.document, "BaseOfObject", "Effect::Object", 10 + n));
     Project::V58_EffectAuxResourceAdaptor().adapt(sample.document);
     Project::V59_EffectAuxResourceDownloadingAdaptor().adapt(sample.document);
-    EXPECT_EQ(sample.count("auxResource"), many);
-    EXPECT_EQ(sample.count("remoteSize"), many);
+    EXPECT_EQ(countOf("auxResource", sample.document), many);
+    EXPECT_EQ(countOf("remoteSize", sample.document), many);
 }
 
 TEST(CollectionItemPayload, ManyItems) {
-    Sample sample;
+    ArchiveBuilder sample;
     for (int n = 0; n < many; ++n) {
         sample.addDeclared("Collection::PersistentItem::Import::Object", 1'000'000 + n)
             .appendChild(Archive::createObjectRef(sample.document, "item", 10 + n));
@@ -108,7 +88,7 @@ TEST(CollectionItemPayload, ManyItems) {
             .appendChild(Archive::createString(sample.document, "remoteUrl", QString::number(n)));
     }
     Project::V62_CollectionItemPayloadAdaptor().adapt(sample.document);
-    EXPECT_EQ(sample.count("payload"), many);
+    EXPECT_EQ(countOf("payload", sample.document), many);
     const QDomElement lastItem = sample.archive.lastChildElement().previousSiblingElement();
     EXPECT_EQ(Archive::typeOf(lastItem), "Collection::Item");
     EXPECT_EQ(Archive::valueOf(lastItem, "downloadUrl"), QString::number(many - 1));

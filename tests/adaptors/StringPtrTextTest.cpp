@@ -2,19 +2,13 @@
 
 #include "Adaptors/Project/V44_StringPtrToStringAdaptor.h"
 #include "support/Compare.h"
+#include "support/Documents.h"
 
 #include <gtest/gtest.h>
 
 #include <QRegularExpression>
 
 namespace {
-
-QDomDocument parsed(const QString& text) {
-    QDomDocument document;
-    QString error;
-    EXPECT_TRUE(document.setContent(text, &error)) << error.toStdString();
-    return document;
-}
 
 /// The change as the format defines it, on the text.
 void changeText(QDomDocument& document) {
@@ -26,8 +20,8 @@ void changeText(QDomDocument& document) {
 class StringPtrText : public testing::TestWithParam<const char*> {};
 
 TEST_P(StringPtrText, IsThatOfTheText) {
-    QDomDocument expected = parsed(QString::fromUtf8(GetParam()));
-    QDomDocument document = parsed(QString::fromUtf8(GetParam()));
+    QDomDocument expected = Tests::xml(GetParam());
+    QDomDocument document = Tests::xml(GetParam());
     changeText(expected);
     Project::V44_StringPtrToStringAdaptor().adapt(document);
     EXPECT_EQ(Tests::difference(expected, document), "");
@@ -63,7 +57,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(StringPtrText, LosesWhatTheTextCantCarry) {
     const auto make = [] {
-        QDomDocument document = parsed("<Archive><a type=\"StringPtr\"/></Archive>");
+        QDomDocument document = Tests::xml("<Archive><a type=\"StringPtr\"/></Archive>");
         document.documentElement().setAttribute("note", QString(QChar(0x1)));
         return document;
     };
@@ -76,7 +70,7 @@ TEST(StringPtrText, LosesWhatTheTextCantCarry) {
 
 TEST(StringPtrText, NamespaceOfAnElementBecomesAnAttribute) {
     const auto make = [] {
-        QDomDocument document = parsed("<Archive/>");
+        QDomDocument document = Tests::xml("<Archive/>");
         QDomElement e = document.createElementNS("urn:a", "b");
         e.setAttribute("type", "StringPtr");
         document.documentElement().appendChild(e);

@@ -2,19 +2,14 @@
 // quizzes.
 
 #include "Adaptors/Project/V40_RemoveQuizFromOverlayAdaptor.h"
-#include "Archive/Internal/XmlText.h"
+#include "support/Documents.h"
 #include "support/Log.h"
 
 #include <gtest/gtest.h>
 
 #include <QDomDocument>
-#include <QStringList>
 
 namespace {
-
-QString nested(int depth) {
-    return QStringLiteral("<a>").repeated(depth) + QStringLiteral("</a>").repeated(depth);
-}
 
 /// A clip and its quiz preset of one question.
 QString quizClip(int clipId, int presetId, const QString& text) {
@@ -28,16 +23,17 @@ QString quizClip(int clipId, int presetId, const QString& text) {
         .arg(text.toHtmlEscaped());
 }
 
-QString archive(const QString& objects) {
-    return QStringLiteral("<Archive><RootObject type='Predeclarator'><predeclarations/></RootObject>") +
-           objects + QStringLiteral("</Archive>");
+QDomDocument archive(const QString& objects) {
+    return Tests::archive("<RootObject type='Predeclarator'><predeclarations/></RootObject>" +
+                          objects.toStdString());
 }
 
 TEST(V40RemoveQuizFromOverlay, TextThatNestsVeryDeeplyHasNoQuestion) {
-    const QString text = QStringLiteral("<Archive><RootObject type='Quiz::Question'/>") + nested(200'000) +
+    constexpr int depth = 200'000;
+    const QString text = QStringLiteral("<Archive><RootObject type='Quiz::Question'/>") +
+                         QStringLiteral("<a>").repeated(depth) + QStringLiteral("</a>").repeated(depth) +
                          QStringLiteral("</Archive>");
-    QDomDocument document;
-    ASSERT_TRUE(document.setContent(archive(quizClip(2, 3, text))));
+    QDomDocument document = archive(quizClip(2, 3, text));
     const Tests::Log log;
     Project::V40_RemoveQuizFromOverlayAdaptor().adapt(document);
     EXPECT_EQ(log.lines(), std::vector<std::string>{"ERROR Quiz question not found"});
@@ -48,8 +44,7 @@ TEST(V40RemoveQuizFromOverlay, EachOfManyClipsGetsItsQuiz) {
     QString objects;
     for (int i = 0; i < clips; ++i)
         objects += quizClip(2 * i + 2, 2 * i + 3, QStringLiteral("<RootObject type='Quiz::Question'/>"));
-    QDomDocument document;
-    ASSERT_TRUE(document.setContent(archive(objects)));
+    QDomDocument document = archive(objects);
     Project::V40_RemoveQuizFromOverlayAdaptor().adapt(document);
     const QDomElement records =
         document.documentElement().firstChildElement().firstChildElement(QStringLiteral("predeclarations"));
@@ -59,10 +54,8 @@ TEST(V40RemoveQuizFromOverlay, EachOfManyClipsGetsItsQuiz) {
 
 TEST(V40RemoveQuizFromOverlay, IdsBehindATextErrorInTheFieldThatChangesDoNotCount) {
     // The vertical tab is no character of XML. A tree can hold it, and the scan for the greatest id stops there.
-    QDomDocument document;
-    ASSERT_TRUE(
-        document.setContent(archive(quizClip(3, 7, QStringLiteral("<RootObject type='Quiz::Question'/>")) +
-                                    QStringLiteral("<RootObject type='Timeline::Track' objectId='50'/>"))));
+    QDomDocument document = archive(quizClip(3, 7, QStringLiteral("<RootObject type='Quiz::Question'/>")) +
+                                    QStringLiteral("<RootObject type='Timeline::Track' objectId='50'/>"));
     document.elementsByTagName(QStringLiteral("overlay"))
         .item(0)
         .toElement()
@@ -72,37 +65,6 @@ TEST(V40RemoveQuizFromOverlay, IdsBehindATextErrorInTheFieldThatChangesDoNotCoun
     EXPECT_EQ(questions.parentNode().toElement().attribute(QStringLiteral("objectId")), QStringLiteral("4"));
     EXPECT_EQ(questions.firstChildElement().firstChildElement().attribute(QStringLiteral("objectId")),
               QStringLiteral("5"));
-}
-
-TEST(XmlText, NestingIsBounded) {
-    QDomDocument document;
-    Archive::Internal::parseXml(document, nested(1000));
-    EXPECT_FALSE(document.documentElement().isNull());
-    Archive::Internal::parseXml(document, nested(1001));
-    EXPECT_TRUE(document.documentElement().isNull());
-    Archive::Internal::parseXml(document, QStringLiteral("<a>") + QStringLiteral("<b></b>").repeated(2000) +
-                                              QStringLiteral("</a>"));
-    EXPECT_FALSE(document.documentElement().isNull());
-}
-
-TEST(XmlText, OfABrokenTextCountsWhatStandsInFrontOfTheFault) {
-    const auto childrenOf = [](const char* text) {
-        QDomDocument document;
-        Archive::Internal::parseXml(document, QStringLiteral("<old/>"));
-        Archive::Internal::parseXml(document, QString::fromLatin1(text));
-        QStringList children;
-        for (QDomElement e = document.documentElement().firstChildElement(); !e.isNull();
-             e = e.nextSiblingElement())
-            children.append(e.tagName());
-        return document.documentElement().tagName() + ':' + children.join(',');
-    };
-    EXPECT_EQ(childrenOf("<a><b/><c/></a>").toStdString(), "a:b,c");
-    EXPECT_EQ(childrenOf("<a><b/><c/>").toStdString(), "a:b,c");
-    EXPECT_EQ(childrenOf("<a><b/></c></a>").toStdString(), "a:b");
-    EXPECT_EQ(childrenOf("<a><b/></a>text").toStdString(), "a:b");
-    EXPECT_EQ(childrenOf("<a>&<b/></a>").toStdString(), "a:");
-    EXPECT_EQ(childrenOf("text").toStdString(), ":");
-    EXPECT_EQ(childrenOf("").toStdString(), ":");
 }
 
 } // namespace

@@ -21,6 +21,9 @@ using Serialize::Json::getReferenceObjectId;
 using Serialize::Json::MetaDetails;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::Not;
+using testing::StrEq;
+using testing::ThrowsMessage;
 using testing::UnorderedElementsAre;
 
 using Id = unsigned long long;
@@ -35,18 +38,6 @@ FlatObject documentOf(const std::vector<std::pair<std::string, Id>>& objects) {
     for (const auto& [className, id] : objects)
         document.objects[id] = object(className, id);
     return document;
-}
-
-/// Runs `action` and gives the text of the exception of that type; fails where there is none.
-template <class Exception, class Action>
-std::string thrown(Action action) {
-    try {
-        action();
-    } catch (const Exception& error) {
-        return error.what();
-    }
-    ADD_FAILURE() << "nothing was thrown";
-    return {};
 }
 
 TEST(FlatObjectKeys, AreTheFormatsOwn) {
@@ -85,7 +76,7 @@ TEST(FlatObjectCreate, IdGoesByTheKeysOfTheMap) {
 TEST(FlatObjectCreate, GreatestIdIsTheLast) {
     FlatObject document = documentOf({{"A", greatestId - 1}});
     EXPECT_EQ(*document.createObject("B"), object("B", greatestId));
-    EXPECT_NE(thrown<std::logic_error>([&] { document.createObject("C"); }), "");
+    EXPECT_THAT([&] { document.createObject("C"); }, ThrowsMessage<std::logic_error>(Not(IsEmpty())));
     EXPECT_EQ(document.objects.size(), 2U);
 }
 
@@ -298,8 +289,8 @@ TEST(FlatObjectText, WithHalfACharacterIsStillWritten) {
 TEST(FlatObjects, MissingIdHasOneText) {
     FlatObject document = documentOf({{"A", 5}});
     EXPECT_EQ(&Archive::Internal::objectAt(document, 5), &document.objects.at(5));
-    EXPECT_EQ(thrown<std::out_of_range>([&] { Archive::Internal::objectAt(document, 6); }),
-              "invalid map<K, T> key");
+    EXPECT_THAT([&] { Archive::Internal::objectAt(document, 6); },
+                ThrowsMessage<std::out_of_range>(StrEq("invalid map<K, T> key")));
     EXPECT_EQ(document.objects.size(), 1U);
 }
 
@@ -347,16 +338,14 @@ TEST(CloneObject, OfAnUnknownIdMakesNothing) {
 }
 
 TEST(CloneObject, WithoutAClassNameThrowsAndMakesNothing) {
-    const std::string text = "Have not class_name tag in json object";
+    const auto throwsText =
+        ThrowsMessage<std::invalid_argument>(StrEq("Have not class_name tag in json object"));
     for (const json& bad : {json{{"field", 1}}, json(), json::array(), json{{"@meta", {{"object_id", 1}}}},
                             json{{"@meta", {{"class_name", 7}, {"object_id", 1}}}}}) {
         FlatObject document;
         document.objects[1] = bad;
-        EXPECT_EQ(
-            thrown<std::invalid_argument>([&] { Archive::cloneObject(document, &document.objects[1]); }),
-            text)
-            << bad;
-        EXPECT_EQ(thrown<std::invalid_argument>([&] { Archive::cloneObject(document, 1); }), text) << bad;
+        EXPECT_THAT([&] { Archive::cloneObject(document, &document.objects[1]); }, throwsText) << bad;
+        EXPECT_THAT([&] { Archive::cloneObject(document, 1); }, throwsText) << bad;
         EXPECT_EQ(document.objects.size(), 1U);
     }
 }

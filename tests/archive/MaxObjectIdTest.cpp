@@ -59,14 +59,8 @@ void expectSame(const QDomDocument& document, const std::string& what) {
         << text.left(2000).toStdString();
 }
 
-QDomDocument parsed(const QByteArray& text, bool namespaces = false) {
-    QDomDocument document;
-    EXPECT_TRUE(document.setContent(text, namespaces)) << text.left(2000).toStdString();
-    return document;
-}
-
 QDomDocument sample() {
-    return parsed("<a objectId='5'><b objectId='6'/></a>");
+    return xml("<a objectId='5'><b objectId='6'/></a>");
 }
 
 TEST(MaxObjectId, TreeAndTextAgreeOnWhatWasRead) {
@@ -263,8 +257,8 @@ TEST(MaxObjectIdOfTree, Namespaces) {
         "<x:a xmlns:x='urn:x' objectId='5'><x:b objectId='6'/></x:a>",
     };
     for (const char* text : texts) {
-        expectSame(parsed(text, false), text);
-        expectSame(parsed(text, true), std::string("processed: ") + text);
+        expectSame(xml(text), text);
+        expectSame(xml(text, true), std::string("processed: ") + text);
     }
     for (const QString& uri :
          {QString(), QString(""), QString("urn:x"), QString("a\"b"), QString(QChar(1))}) {

@@ -3,7 +3,7 @@
 #include "Adaptors/Project/PortableLoadAdaptor.h"
 #include "Adaptors/Project/PortableSaveAdaptor.h"
 #include "Serialize/Json/FlatObject.h"
-#include "Settings/Settings.h"
+#include "support/Folders.h"
 
 #include <gtest/gtest.h>
 
@@ -13,16 +13,11 @@ namespace {
 
 using nlohmann::json;
 using Serialize::Json::FlatObject;
+using Tests::setFolders;
 
 class PortablePaths : public testing::Test {
 protected:
-    void TearDown() override { setRoots({}, {}, {}); }
-
-    static void setRoots(const QString& packages, const QString& models, const QString& downloads) {
-        Settings::setLegacyPackageDeploymentPath(packages);
-        Settings::setAiModelsPath(models);
-        Settings::setDownloadableResourcesPath(downloads);
-    }
+    void TearDown() override { setFolders({}, {}, {}); }
 
     template <class Adaptor>
     static QString through(Adaptor&& adaptor, const QString& path) {
@@ -43,7 +38,7 @@ protected:
 };
 
 TEST_F(PortablePaths, ARootThatIsNotAbsoluteHereIsMadeSoAtLoad) {
-    setRoots({}, "C:/models", {});
+    setFolders({}, "C:/models", {});
     EXPECT_EQ(loaded("#AI_MODELS_ROOT#/net.bin"), QDir::currentPath() + "/C:/models/net.bin");
 }
 
@@ -56,7 +51,7 @@ TEST_F(PortablePaths, ALocationThatIsRelativeCountsFromTheWorkingDirectory) {
 }
 
 TEST_F(PortablePaths, ARelativePathBelowARootByTheWorkingDirectoryTakesItsMarker) {
-    setRoots(QDir::currentPath(), {}, {});
+    setFolders(QDir::currentPath(), {}, {});
     EXPECT_EQ(saved("media/a.mp4"), QString("#PACKAGES_ROOT#/media/a.mp4"));
     EXPECT_EQ(saved(""), QString()); // an empty path lies nowhere, not even here
 }
@@ -64,10 +59,10 @@ TEST_F(PortablePaths, ARelativePathBelowARootByTheWorkingDirectoryTakesItsMarker
 TEST_F(PortablePaths, EachCallAsksTheSettingsAnew) {
     Project::PortableSaveAdaptor save("/projects/project.json");
     Project::PortableLoadAdaptor load("/projects/project.json");
-    setRoots("/one", {}, {});
+    setFolders("/one", {}, {});
     EXPECT_EQ(through(save, "/one/a"), QString("#PACKAGES_ROOT#/a"));
     EXPECT_EQ(through(load, "#PACKAGES_ROOT#/a"), QString("/one/a"));
-    setRoots("/two", {}, {});
+    setFolders("/two", {}, {});
     EXPECT_EQ(through(save, "/one/a"), QString("../one/a"));
     EXPECT_EQ(through(load, "#PACKAGES_ROOT#/a"), QString("/two/a"));
 }
@@ -82,7 +77,7 @@ TEST_F(PortablePaths, ACopyHasThePathOfItsSource) {
 }
 
 TEST_F(PortablePaths, BelowARootThereAndBackIsTheNormalForm) {
-    setRoots("/opt/editor/packages", "/opt/editor/packages/models", "/home/user/downloads/");
+    setFolders("/opt/editor/packages", "/opt/editor/packages/models", "/home/user/downloads/");
     for (const QString path : {"/opt/editor/packages/a.svg", "/opt/editor//packages/./a/../b.svg",
                                "/opt/editor/packages/models/net.bin", "/home/user/downloads/music/",
                                "/home/./user/downloads/a b/\u00e4.mp3",

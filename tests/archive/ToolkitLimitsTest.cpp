@@ -4,6 +4,7 @@
 #include "MTime/MTime.h"
 #include "support/QtMessages.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QDomDocument>
@@ -172,12 +173,9 @@ TEST(ToolkitLimits, CloneWhereNoIdIsLeftChangesNothing) {
 
 TEST(ToolkitLimits, CloneOfNoObjectThrowsAsOneWithoutAClassDoes) {
     FlatObject document;
-    try {
-        Archive::cloneObject(document, static_cast<json*>(nullptr));
-        FAIL() << "nothing was thrown";
-    } catch (const std::invalid_argument& error) {
-        EXPECT_STREQ(error.what(), "Have not class_name tag in json object");
-    }
+    EXPECT_THAT([&] { Archive::cloneObject(document, static_cast<json*>(nullptr)); },
+                testing::ThrowsMessage<std::invalid_argument>(
+                    testing::StrEq("Have not class_name tag in json object")));
 }
 
 TEST(ToolkitLimits, CloneSharesWhatItRefersTo) {

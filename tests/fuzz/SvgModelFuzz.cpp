@@ -1,26 +1,16 @@
 // Any text at all goes through the SVG model and back: no crash, no hang, no memory without bound, and a second round
 // changes nothing more.
 
+#include "Fuzz.h"
 #include "Stored/V21/Internal/Markup.h"
 #include "Stored/V21/SvgImage.h"
 
-#include <glog/logging.h>
-
 #include <algorithm>
-#include <cstdint>
-#include <cstdlib>
-#include <iostream>
 
 using namespace Stored::V21;
+using Fuzz::check;
 
 namespace {
-
-void check(bool holds, const char* what) {
-    if (holds)
-        return;
-    std::cerr << what << '\n';
-    std::abort();
-}
 
 void checkPlaces(const SvgDocument& document) {
     const QDomElement root = document.dom().documentElement();
@@ -47,11 +37,7 @@ void checkWriting(const QString& text) {
 } // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    FLAGS_stderrthreshold = google::NUM_SEVERITIES;
-    for (int severity = 0; severity < google::NUM_SEVERITIES; ++severity)
-        google::SetLogDestination(severity, "");
-    google::InitGoogleLogging("SvgModelFuzz");
-    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+    Fuzz::initialize("SvgModelFuzz");
     return 0;
 }
 

@@ -3,6 +3,7 @@
 #include "FS/FS.h"
 #include "MTime/MTime.h"
 #include "Settings/Settings.h"
+#include "support/Folders.h"
 
 #include <gtest/gtest.h>
 
@@ -140,11 +141,7 @@ TEST(FS, NormalizedPath) {
 
 class SettingsTest : public testing::Test {
 protected:
-    void TearDown() override {
-        Settings::setLegacyPackageDeploymentPath({});
-        Settings::setAiModelsPath({});
-        Settings::setDownloadableResourcesPath({});
-    }
+    void TearDown() override { Tests::setFolders({}, {}, {}); }
 };
 
 TEST_F(SettingsTest, EachFolderIsItsOwn) {

@@ -1,5 +1,6 @@
 #include "Stored/V21/SvgElement.h"
 #include "Stored/V21/Internal/NodeTable.h"
+#include "support/Documents.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,21 +9,16 @@
 
 using namespace Stored::V21;
 using testing::ElementsAre;
+using Tests::xml;
 
 namespace {
-
-QDomDocument parsed(const char* text) {
-    QDomDocument dom;
-    EXPECT_TRUE(dom.setContent(QString::fromUtf8(text), false));
-    return dom;
-}
 
 QDomElement first(const QDomDocument& dom, const char* tag) {
     return dom.elementsByTagName(QString::fromLatin1(tag)).item(0).toElement();
 }
 
 TEST(SvgElement, CountsSiblingsOfEveryKindBefore) {
-    const auto dom = parsed("<svg>text<!-- comment --><g/><g><rect id='r'/></g></svg>");
+    const auto dom = xml("<svg>text<!-- comment --><g/><g><rect id='r'/></g></svg>");
     const SvgElement element(first(dom, "rect"), dom.documentElement());
     EXPECT_THAT(element.path, ElementsAre(3, 0));
     EXPECT_EQ(element.pathKey, "30");
@@ -33,12 +29,12 @@ TEST(SvgElement, NumbersInTheKeyStandWithoutSeparator) {
     std::string text = "<svg><g>";
     for (int i = 0; i < 12; ++i)
         text += "<a/>";
-    const auto dom = parsed((text + "<rect/></g></svg>").c_str());
+    const auto dom = xml(text + "<rect/></g></svg>");
     EXPECT_EQ(SvgElement(first(dom, "rect"), dom.documentElement()).pathKey, "012");
 }
 
 TEST(SvgElement, OfTheRootHasAnEmptyPath) {
-    const auto dom = parsed("<!-- before --><svg id='s' visibility='hidden'/>");
+    const auto dom = xml("<!-- before --><svg id='s' visibility='hidden'/>");
     const SvgElement element(dom.documentElement(), dom.documentElement());
     EXPECT_TRUE(element.path.isEmpty());
     EXPECT_EQ(element.pathKey, "");
@@ -48,34 +44,33 @@ TEST(SvgElement, OfTheRootHasAnEmptyPath) {
 }
 
 TEST(SvgElement, OfANullNodeIsEmpty) {
-    const auto dom = parsed("<svg/>");
+    const auto dom = xml("<svg/>");
     const SvgElement element(QDomNode(), dom.documentElement());
     EXPECT_TRUE(element.path.isEmpty());
     EXPECT_EQ(element.id, "");
 }
 
 TEST(SvgElement, VisibilityCountsOnAncestorsAndNotOnTheNodeItself) {
-    const auto dom =
-        parsed("<svg><g visibility='inherit'><a><rect/></a></g><line visibility='hidden'/></svg>");
+    const auto dom = xml("<svg><g visibility='inherit'><a><rect/></a></g><line visibility='hidden'/></svg>");
     EXPECT_TRUE(SvgElement(first(dom, "rect"), dom.documentElement()).underVisibility);
     EXPECT_FALSE(SvgElement(first(dom, "line"), dom.documentElement()).underVisibility);
     EXPECT_FALSE(SvgElement(first(dom, "g"), dom.documentElement()).underVisibility);
 }
 
 TEST(SvgElement, VisibilityOfTheRootCounts) {
-    const auto dom = parsed("<svg visibility=''><rect/></svg>");
+    const auto dom = xml("<svg visibility=''><rect/></svg>");
     EXPECT_TRUE(SvgElement(first(dom, "rect"), dom.documentElement()).underVisibility);
 }
 
 TEST(SvgElement, KnowsThatItStandsUnderDefs) {
-    const auto dom = parsed("<svg><defs><g><rect/></g></defs><line/></svg>");
+    const auto dom = xml("<svg><defs><g><rect/></g></defs><line/></svg>");
     EXPECT_TRUE(SvgElement(first(dom, "rect"), dom.documentElement()).underDefs);
     EXPECT_FALSE(SvgElement(first(dom, "defs"), dom.documentElement()).underDefs);
     EXPECT_FALSE(SvgElement(first(dom, "line"), dom.documentElement()).underDefs);
 }
 
 TEST(SvgElement, ATextNodeHasNoId) {
-    const auto dom = parsed("<svg><text>words</text></svg>");
+    const auto dom = xml("<svg><text>words</text></svg>");
     const SvgElement element(first(dom, "text").firstChild(), dom.documentElement());
     EXPECT_THAT(element.path, ElementsAre(0, 0));
     EXPECT_EQ(element.id, "");
@@ -83,14 +78,14 @@ TEST(SvgElement, ATextNodeHasNoId) {
 
 TEST(SvgElement, IsFoundAgainAfterANewParse) {
     const char* text = "<svg>a<g/><g><!-- c --><rect id='wanted'/><rect/></g></svg>";
-    const auto dom = parsed(text);
+    const auto dom = xml(text);
     const SvgElement element(first(dom, "rect"), dom.documentElement());
-    const auto again = parsed(text);
+    const auto again = xml(text);
     EXPECT_EQ(element.resolve(again.documentElement()).toElement().attribute("id"), "wanted");
 }
 
 TEST(SvgElement, BeyondTheTreeResolvesToNull) {
-    const auto dom = parsed("<svg><g/></svg>");
+    const auto dom = xml("<svg><g/></svg>");
     for (const QList<int>& path : {QList<int>{1}, QList<int>{0, 0}, QList<int>{5, 7}}) {
         SvgElement element;
         element.path = path;
@@ -101,9 +96,8 @@ TEST(SvgElement, BeyondTheTreeResolvesToNull) {
 }
 
 TEST(NodeTable, GivesEachNodeThePlaceThatSvgElementGives) {
-    const auto dom =
-        parsed("<svg id='s'>text<defs visibility='x'><g id='a'>t<clipPath><rect id='b'/></clipPath>"
-               "</g><!-- c --></defs><g/><g><line/><line id='z'/></g><?pi data?></svg>");
+    const auto dom = xml("<svg id='s'>text<defs visibility='x'><g id='a'>t<clipPath><rect id='b'/></clipPath>"
+                         "</g><!-- c --></defs><g/><g><line/><line id='z'/></g><?pi data?></svg>");
     const Internal::NodeTable nodes(dom.documentElement());
     EXPECT_EQ(nodes.size(), 13);
     for (int number = 0; number < nodes.size(); ++number) {
@@ -120,7 +114,7 @@ TEST(NodeTable, GivesEachNodeThePlaceThatSvgElementGives) {
 }
 
 TEST(NodeTable, KnowsWhatStandsBelowAnElement) {
-    const auto dom = parsed("<svg><g><g/><a><g/></a></g><g/></svg>");
+    const auto dom = xml("<svg><g><g/><a><g/></a></g><g/></svg>");
     const Internal::NodeTable nodes(dom.documentElement());
     EXPECT_THAT(nodes.elements("g"), ElementsAre(1, 2, 4, 5));
     EXPECT_THAT(nodes.elementsBelow(1, "g"), ElementsAre(2, 4));

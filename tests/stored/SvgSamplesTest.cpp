@@ -2,6 +2,7 @@
 
 #include "Stored/V21/SvgImage.h"
 #include "support/Compare.h"
+#include "support/Documents.h"
 #include "support/Files.h"
 #include "support/Log.h"
 #include "support/Paths.h"
@@ -65,13 +66,6 @@ constexpr Sample samples[] = {
 
 QString textOf(const std::string& name) {
     return QString::fromStdString(Tests::readFile(folder / (name + ".svg")));
-}
-
-QDomDocument parsed(const QString& text) {
-    QDomDocument dom;
-    QString error;
-    EXPECT_TRUE(dom.setContent(text, false, &error)) << error.toStdString();
-    return dom;
 }
 
 /// Without what the model may write, so that all else can be compared.
@@ -168,8 +162,8 @@ TEST_P(SvgSample, ComesBackWithNothingButItsStyleChanged) {
     SvgImage image(text());
     image.setFillColor(QColor("#fedcba"));
     image.setStrokeColor(QColor("#abcdef"));
-    const QDomDocument before = parsed(text());
-    const QDomDocument after = parsed(image.toString());
+    const QDomDocument before = Tests::xml(text().toStdString());
+    const QDomDocument after = Tests::xml(image.toString().toStdString());
     for (const auto& [name, color] : {std::pair("fill", "#fedcba"), std::pair("stroke", "#abcdef")}) {
         const QString old = before.documentElement().attribute(name, "(none)");
         const bool isKept = standsForAnother(old) || before.documentElement().tagName() != "svg";
@@ -250,7 +244,7 @@ TEST(SvgSamples, CalloutArrowFollowsItsPoints) {
 
     image.document()->setAttributeValue("posX", "111", "tip");
     EXPECT_THAT(inner<AnimatableAttributeFloat>(image, 0).values, ElementsAre(40.5, 111));
-    const QDomDocument result = parsed(image.toString());
+    const QDomDocument result = Tests::xml(image.toString().toStdString());
     const QDomNodeList points = result.elementsByTagName("adjustablePoint");
     EXPECT_EQ(points.item(0).toElement().attribute("posX"), "111");
     EXPECT_EQ(points.item(0).toElement().attribute("posY"), "80");

@@ -1,19 +1,23 @@
 #pragma once
 
+#include "Serialize/Json/FlatObject.h"
+
 #include <QDomDocument>
 
 #include <nlohmann/json.hpp>
 
 #include <stdexcept>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace Tests {
 
 /// A document from its text, with space allowed before it; throws where the text is not well-formed.
-inline QDomDocument xml(const std::string& text) {
+inline QDomDocument xml(const std::string& text, bool processNamespaces = false) {
     QDomDocument document;
     QString error;
-    if (!document.setContent(QByteArray::fromStdString(text).trimmed(), &error))
+    if (!document.setContent(QByteArray::fromStdString(text).trimmed(), processNamespaces, &error))
         throw std::runtime_error("bad XML in a test: " + error.toStdString());
     return document;
 }
@@ -21,6 +25,15 @@ inline QDomDocument xml(const std::string& text) {
 /// The same for what stands inside <Archive>.
 inline QDomDocument archive(const std::string& content) {
     return xml("<Archive>" + content + "</Archive>");
+}
+
+/// A flat document from a text such as {"1": {...}, "2": {...}}.
+inline Serialize::Json::FlatObject flatDocument(const std::string& text) {
+    Serialize::Json::FlatObject document;
+    const nlohmann::json objects = nlohmann::json::parse(text); // items() borrows: a temporary would be gone
+    for (const auto& [id, object] : objects.items())
+        document.objects.emplace(std::stoull(id), object);
+    return document;
 }
 
 /// A Predeclarator with one record for each pair of class name and id.
