@@ -1,10 +1,9 @@
 #include "Adaptors/Project/V69_RemoveQuizzesAdaptor.h"
 
+#include "Adaptors/Project/Internal/QuizFiller.h"
 #include "Archive/Internal/EntryFilter.h"
 #include "Archive/Internal/FlatObjects.h"
 #include "MTime/MTime.h"
-
-#include <QByteArray>
 
 #include <algorithm>
 #include <cmath>
@@ -26,18 +25,6 @@ constexpr int quizClipType = 32;
 constexpr int quizTrackType = 96;
 constexpr int fillerTrackType = 16;
 
-/// What the filler clip shows, as Qt's text engine writes it.
-constexpr char fillerText[] =
-    "<!DOCTYPE HTML PUBLIC \"-//W3C//DTD HTML 4.0//EN\" \"http://www.w3.org/TR/REC-html40/strict.dtd\">\n"
-    "<html><head><meta name=\"qrichtext\" content=\"1\" /><style type=\"text/css\">\n"
-    "p, li { white-space: pre-wrap; }\n"
-    "</style></head><body style=\" font-family:'Verdana'; font-size:100pt; font-weight:400; "
-    "font-style:normal;\" bgcolor=\"transparent\">\n"
-    "<p align=\"center\" style=\" margin-top:0px; margin-bottom:0px; margin-left:0px; margin-right:0px; "
-    "-qt-block-indent:0; text-indent:0px;\"><span style=\" color:#ffffff; "
-    "background-color:transparent;\">Quiz</span></p></body></html>"
-    "<!-- background-enabled:0; background-color:4278190080; -->";
-
 unsigned long long targetOf(const json& reference) {
     const auto id = getAnyObjectId(reference);
     if (!id)
@@ -51,7 +38,7 @@ std::int64_t timeOf(const json& timing, const char* key) {
     return isBeyondTime ? 0 : value.get<std::int64_t>();
 }
 
-/// A timeline under way.
+/// A timeline whose entries are being handled.
 struct Level {
     Level(unsigned long long timelineId, json& timelineObject)
         : id(timelineId), timeline(timelineObject), clips(timelineObject, "clips") {}
@@ -79,8 +66,6 @@ private:
     bool isOfType(const json& reference, int type);
 
     void fill(Level& level);
-    json* createClip(unsigned long long timelineId, MTime gap);
-    json* createTiming(const json& timeline, MTime start, MTime gap);
     json trackForFiller(const json& timeline);
 
     FlatObject& m_document;
@@ -157,128 +142,13 @@ bool QuizRemoval::isOfType(const json& reference, int type) {
 /// The removed clips had stretched the timeline: a title clip keeps its length.
 void QuizRemoval::fill(Level& level) {
     const MTime gap = level.quizEnd - level.normalEnd;
-    const json* clip = createClip(level.id, gap);
-    const json* timing = createTiming(level.timeline, level.normalEnd, gap);
+    const json* clip = Internal::createFillerClip(m_document, level.id, gap);
+    const json* timing =
+        Internal::createFillerTiming(m_document, level.normalEnd, gap, trackForFiller(level.timeline));
     json entry = json::object();
     entry["clip"] = m_document.createRef(clip);
     entry["timing"] = m_document.createRef(timing);
     level.timeline["clips"].push_back(entry); // raises the type error for an object
-}
-
-/// The parts stand in the document and, as copies, in what they are part of.
-json* QuizRemoval::createClip(unsigned long long timelineId, MTime gap) {
-    json* clip = m_document.createObject("Timeline::Clip");
-    json* info = m_document.createObject("Timeline::CollectionItemInfo");
-    json* preset = m_document.createObject("Overlay::Preset");
-    json* item = m_document.createObject("Overlay::Item");
-    json* shadow = m_document.createObject("Overlay::DropShadow");
-    json* outline = m_document.createObject("Types::Pen");
-    json* transform = m_document.createObject("Types::Transform");
-    info->update({
-        {"collectionId", ""},
-        {"packageId", ""},
-        {"uniqueId", ""},
-    });
-    shadow->update({
-        {"blurRadius", 1},
-        {"color", 3024043839U},
-        {"enabled", false},
-        {"offsetX", 4},
-        {"offsetY", 4},
-    });
-    outline->update({
-        {"color", 4278190080U},
-        {"enabled", false},
-        {"width", 0},
-    });
-    transform->update({
-        {"m11", 0.625},
-        {"m12", 0},
-        {"m13", 0},
-        {"m21", 0},
-        {"m22", 0.625},
-        {"m23", 0},
-        {"m31", 343.0},
-        {"m32", 278.0},
-        {"m33", 1.0},
-    });
-    item->update({
-        {"arcRadius", 0.0},
-        {"dropShadow", *shadow},
-        {"editTime", 1.0},
-        {"editable", true},
-        {"encodedText", QByteArray(fillerText).toBase64().toStdString()},
-        {"features", 0},
-        {"from", 0.0},
-        {"intro", 0.0},
-        {"outline", *outline},
-        {"outro", 0.0},
-        {"resourcesInfo", json::array()},
-        {"scriptRole", ""},
-        {"textWidth", 990.0},
-        {"to", 1.0},
-        {"transform", *transform},
-        {"type", 1},
-    });
-    preset->update({
-        {"description", "SimpleText"},
-        {"fontsDir", ""},
-        {"items", json::array({*item})},
-        {"resourcePath", ""},
-        {"scriptId", "TitleStandard"},
-        {"scriptSpeed", 1.0},
-        {"sourceDuration", gap.toMs()},
-        {"tag", "SimpleText"},
-        {"type", 1},
-    });
-    clip->update({
-        {"broken", false},
-        {"collectionItemInfo", *info},
-        {"cropEnvelope", nullptr},
-        {"effects", json::array()},
-        {"enabled", true},
-        {"file", nullptr},
-        {"labels", json::array()},
-        {"mediaTrack", 0},
-        {"motionTrackings", json::array()},
-        {"moveEnvelope", nullptr},
-        {"name", "SimpleText"},
-        {"nestedTimeline", nullptr},
-        {"overlay", *preset},
-        {"quiz", nullptr},
-        {"rhythm", nullptr},
-        {"sourceDuration", gap.toMs()},
-        {"stabilization", nullptr},
-        {"timeline", m_document.createRef(timelineId)},
-        {"type", 4},
-        {"unlimitedDuration", true},
-        {"volume", 100},
-        {"volumeEnvelope", nullptr},
-    });
-    return clip;
-}
-
-json* QuizRemoval::createTiming(const json& timeline, MTime start, MTime gap) {
-    json* timing = m_document.createObject("Timeline::ClipTiming");
-    // Quirk: raw counts, where the clip and its preset have milliseconds. "Duraion" is the spelling of the format.
-    timing->update({
-        {"duration", gap.count()},
-        {"fadeInDuraion", 0},
-        {"fadeOutDuraion", 0},
-        {"reversed", false},
-        {"sourceDuration", gap.count()},
-        {"sourcePosition", 0},
-        {"speedCompensated", false},
-        {"timestamp", start.count()},
-        {"timingMode", 0},
-        {"trackLevel", 0},
-        {"transitionIn", 0},
-        {"transitionOut", 0},
-    });
-    json track = trackForFiller(timeline);
-    if (!track.is_null())
-        (*timing)["track"] = std::move(track);
-    return timing;
 }
 
 /// Null where the timeline has no track for titles.
