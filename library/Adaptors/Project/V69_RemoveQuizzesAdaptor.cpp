@@ -143,8 +143,10 @@ bool QuizRemoval::isOfType(const json& reference, int type) {
 void QuizRemoval::fill(Level& level) {
     const MTime gap = level.quizEnd - level.normalEnd;
     const json* clip = Internal::createFillerClip(m_document, level.id, gap);
-    const json* timing =
-        Internal::createFillerTiming(m_document, level.normalEnd, gap, trackForFiller(level.timeline));
+    json* timing = Internal::createFillerTiming(m_document, level.normalEnd, gap);
+    json track = trackForFiller(level.timeline);
+    if (!track.is_null())
+        (*timing)["track"] = std::move(track);
     json entry = json::object();
     entry["clip"] = m_document.createRef(clip);
     entry["timing"] = m_document.createRef(timing);

@@ -2,8 +2,6 @@
 
 #include <QByteArray>
 
-#include <utility>
-
 using nlohmann::json;
 using Serialize::Json::FlatObject;
 
@@ -116,7 +114,7 @@ json* createFillerClip(FlatObject& document, unsigned long long timelineId, cons
     return clip;
 }
 
-json* createFillerTiming(FlatObject& document, const MTime& start, const MTime& duration, json track) {
+json* createFillerTiming(FlatObject& document, const MTime& start, const MTime& duration) {
     json* timing = document.createObject("Timeline::ClipTiming");
     // Quirk: raw counts, where the clip and its preset have milliseconds. "Duraion" is the spelling of the format.
     timing->update({
@@ -133,8 +131,6 @@ json* createFillerTiming(FlatObject& document, const MTime& start, const MTime& 
         {"transitionIn", 0},
         {"transitionOut", 0},
     });
-    if (!track.is_null())
-        (*timing)["track"] = std::move(track);
     return timing;
 }
 

@@ -12,8 +12,8 @@ namespace Project::Internal {
 nlohmann::json* createFillerClip(Serialize::Json::FlatObject& document, unsigned long long timelineId,
                                  const MTime& duration);
 
-/// Creates the timing of that clip. `track` is a reference; null leaves the timing without a track.
+/// Creates the timing of that clip, without a track.
 nlohmann::json* createFillerTiming(Serialize::Json::FlatObject& document, const MTime& start,
-                                   const MTime& duration, nlohmann::json track);
+                                   const MTime& duration);
 
 } // namespace Project::Internal
