@@ -1,5 +1,6 @@
 #include "Reader/Contents.h"
 
+#include "Archive/Internal/ArchiveEditor.h"
 #include "Archive/Internal/FlatObjects.h"
 #include "Archive/Internal/TreeFacts.h"
 #include "Archive/Internal/Walk.h"
@@ -9,6 +10,7 @@
 
 #include <unordered_set>
 
+using Archive::Internal::TypedElements;
 using nlohmann::json;
 namespace Words = Archive::Words;
 
@@ -35,10 +37,9 @@ void walkElements(const QDomElement& top, Visit visit) {
 }
 
 /// The archive's root objects that hold the project, by id; the later of two counts, as in the conversion.
-QHash<unsigned long long, QDomElement> rootObjectsById(const QDomDocument& xml) {
+QHash<unsigned long long, QDomElement> byId(const TypedElements& rootObjects) {
     QHash<unsigned long long, QDomElement> objects;
-    const Archive::Internal::TypedElements elements(Archive::Internal::typedElements(xml, Words::RootObject));
-    for (const auto& [e, type] : elements) {
+    for (const auto& [e, type] : rootObjects) {
         if (!isDeclaring(type))
             objects.insert(Archive::objectIdOf(e), e);
     }
@@ -97,10 +98,14 @@ private:
     std::vector<Clip> m_clips;
 };
 
-std::vector<Clip> clipsInXml(const QDomDocument& xml) {
+TypedElements rootObjectsOf(const QDomDocument& xml) {
+    return TypedElements(Archive::Internal::typedElements(xml, Words::RootObject));
+}
+
+std::vector<Clip> clipsInXml(const TypedElements& rootObjects) {
     ClipList clips;
-    const auto objects = rootObjectsById(xml);
-    for (const QDomElement& timeline : Archive::Internal::rootObjects(xml, timelineClass)) {
+    const auto objects = byId(rootObjects);
+    for (const QDomElement& timeline : Archive::Internal::ofType(rootObjects, timelineClass)) {
         for (const QDomElement& item :
              Archive::Internal::children(timeline.firstChildElement(clipsField), Words::Item)) {
             const QDomElement key = item.firstChildElement(Words::Key);
@@ -147,7 +152,7 @@ std::set<unsigned long long> follow(unsigned long long root, RefersTo refersTo) 
 }
 
 std::set<unsigned long long> reachableInXml(const QDomDocument& xml) {
-    const auto objects = rootObjectsById(xml);
+    const auto objects = byId(rootObjectsOf(xml));
     const auto root = idIn(xml.documentElement().firstChildElement(Words::RootRef));
     return follow(root, [&](unsigned long long id, auto found) {
         const QDomElement object = objects.value(id);
@@ -189,7 +194,11 @@ ObjectCounts countObjects(const Document& document) {
 }
 
 std::vector<Clip> listClips(const Document& document) {
-    return document.isXml() ? clipsInXml(document.xml()) : clipsInJson(document.json());
+    return document.isXml() ? clipsInXml(rootObjectsOf(document.xml())) : clipsInJson(document.json());
+}
+
+std::vector<Clip> listClips(Archive::Internal::ArchiveEditor& archive) {
+    return clipsInXml(archive.rootObjects(Archive::Internal::Scope::Document));
 }
 
 std::set<unsigned long long> findReachable(const Document& document) {

@@ -8,6 +8,10 @@
 
 // Threads: each function reads the document that it is given, and no other; see Document.
 
+namespace Archive::Internal {
+class ArchiveEditor;
+}
+
 namespace Reader {
 
 /// Objects by class name, embedded objects and base class parts included; those that declare others are not.
@@ -24,6 +28,8 @@ struct Clip {
 
 /// All clips that the document's timelines list, each once, in document order.
 std::vector<Clip> listClips(const Document& document);
+/// The same for an archive that is being edited.
+std::vector<Clip> listClips(Archive::Internal::ArchiveEditor& archive);
 
 /// The ids of all objects that references lead to from the root object, itself included.
 std::set<unsigned long long> findReachable(const Document& document);

@@ -148,7 +148,7 @@ void Migration::noteInput() {
 /// All that happens to an archive while it is one; the conversion is the last of it.
 void Migration::migrateArchive() {
     openArchive();
-    m_clipsBefore = listClips(m_document);
+    m_clipsBefore = listClips(*m_archive);
     checkRootObject(*m_archive, m_options.name);
     sortRootObjects(*m_archive);
     finish(MigrationPart::Kind::Preparation, {});

@@ -73,6 +73,27 @@ TEST_F(ArchiveEditorTest, AppendsRootObjects) {
     });
 }
 
+TEST_F(ArchiveEditorTest, RemovesOneOfTwoArchives) {
+    m_root.appendChild(m_document.createElement(Words::Archive));
+    expectSameAfter([&](ArchiveEditor& archive) {
+        EXPECT_TRUE(archive.root().isNull());
+        archive.remove(m_root.lastChildElement(Words::Archive));
+    });
+}
+
+TEST_F(ArchiveEditorTest, NamesFieldsByLiteralsAndByTexts) {
+    ArchiveEditor archive(m_document);
+    archive.beginStep(Scope::Document);
+    const auto nameOf = [&](const QDomElement& object) {
+        return archive.fields(object).int32("type", 1).last().tagName();
+    };
+    const QString first = nameOf(m_first);
+    const QString second = nameOf(m_last);
+    EXPECT_EQ(first, QString("type"));
+    EXPECT_EQ(second, QString("type"));
+    EXPECT_EQ(archive.fields(m_first).int32(QStringLiteral("kind"), 1).last().tagName(), QString("kind"));
+}
+
 TEST_F(ArchiveEditorTest, InsertsRootObjectsAmongOthers) {
     expectSameAfter(
         [&](ArchiveEditor& archive) { archive.insertBefore(m_root, newObject(archive, 9), m_first); });

@@ -199,6 +199,7 @@ private:
 
     QDomDocument m_document;
     ArchiveIndex m_index;
+    FieldNames m_fieldNames;
     Scope m_scope = Scope::Archive;
     std::optional<long long> m_lastId;
     std::optional<QDomElement> m_predeclarations;

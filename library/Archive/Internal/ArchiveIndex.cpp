@@ -83,6 +83,8 @@ void ArchiveIndex::inserted(const QDomElement& parent, const QDomNode& child, bo
         m_lastAppended = child.toElement();
         return;
     }
+    if (!isIndexedTag(tag) && !child.hasChildNodes())
+        return;
     bool hasRootObjects = false;
     bool hasBaseParts = false;
     forEachNode(child, [&](const QDomNode& node) {
@@ -115,6 +117,8 @@ bool ArchiveIndex::isInNewRootObject(const QDomNode& node) const {
 
 void ArchiveIndex::removed(const QDomNode& parent, const QDomNode& child) {
     forgetRecordsAt(parent, child.nodeName());
+    if (m_archive && m_archive->isNull())
+        m_archive.reset(); // of several one may be left
     forEachNode(child, [this](const QDomNode& node) {
         if (!node.isElement())
             return;

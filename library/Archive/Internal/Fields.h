@@ -7,9 +7,33 @@
 #include <QDomElement>
 #include <QString>
 
+#include <unordered_map>
+
 namespace Archive::Internal {
 
 class ArchiveEditor;
+
+/// The name of a field: a string literal, or any text. Fields that are named by the same literal share its text.
+class FieldName {
+public:
+    FieldName(const char* literal) : m_literal(literal) {} // implicit: steps name fields by literals
+    FieldName(const QString& text) : m_text(text) {}
+
+private:
+    friend class FieldNames;
+
+    const char* m_literal = nullptr;
+    QString m_text;
+};
+
+/// The texts of all literals that name fields, so that not every field has a text of its own.
+class FieldNames {
+public:
+    const QString& textOf(const FieldName& name);
+
+private:
+    std::unordered_map<const char*, QString> m_texts; ///< by the address of the literal
+};
 
 /// Creates fields of one object, in the order of the calls:
 ///
@@ -18,33 +42,33 @@ class ArchiveEditor;
 /// Nothing is created for a null object. A builder is made by ArchiveEditor and must not outlive it.
 class Fields {
 public:
-    Fields& boolean(const QString& name, bool value);
-    Fields& int32(const QString& name, int value);
-    Fields& uint32(const QString& name, unsigned int value);
-    Fields& int64(const QString& name, long long value);
-    Fields& uint64(const QString& name, unsigned long long value);
-    Fields& time(const QString& name, MTime value);
+    Fields& boolean(const FieldName& name, bool value);
+    Fields& int32(const FieldName& name, int value);
+    Fields& uint32(const FieldName& name, unsigned int value);
+    Fields& int64(const FieldName& name, long long value);
+    Fields& uint64(const FieldName& name, unsigned long long value);
+    Fields& time(const FieldName& name, MTime value);
 
     /// A double, whose readable `value` has six significant digits.
-    Fields& number(const QString& name, double value);
+    Fields& number(const FieldName& name, double value);
     /// A double, whose readable `value` has four decimals, as those of matrices.
-    Fields& decimal(const QString& name, double value);
+    Fields& decimal(const FieldName& name, double value);
 
-    Fields& string(const QString& name, const QString& text);
+    Fields& string(const FieldName& name, const QString& text);
     /// A "StringPtr" that holds a text: the nullable text of documents before version 44.
-    Fields& stringPtr(const QString& name, const QString& text);
-    Fields& imageRef(const QString& name, const QString& ref);
+    Fields& stringPtr(const FieldName& name, const QString& text);
+    Fields& imageRef(const FieldName& name, const QString& ref);
     /// A reference to an object, 0 for none.
-    Fields& reference(const QString& name, long long id);
-    Fields& reference(const QString& name, const QString& idText);
+    Fields& reference(const FieldName& name, long long id);
+    Fields& reference(const FieldName& name, const QString& idText);
     /// A field of any type, whose `value` is that text.
-    Fields& typed(const QString& name, const QString& type, const QString& value);
+    Fields& typed(const FieldName& name, const QString& type, const QString& value);
 
     /// An array without entries.
-    Fields& array(const QString& name);
-    Fields& resourceId(const QString& name, const QString& id, Stored::V57::ResourceType type);
+    Fields& array(const FieldName& name);
+    Fields& resourceId(const FieldName& name, const QString& id, Stored::V57::ResourceType type);
     /// An embedded "Types::Transform".
-    Fields& transform(const QString& name, const Stored::V14::Transform& matrix, long long id);
+    Fields& transform(const FieldName& name, const Stored::V14::Transform& matrix, long long id);
 
     /// A field that was built apart.
     Fields& add(const QDomElement& field);
@@ -66,6 +90,8 @@ private:
         : m_archive(archive), m_object(object), m_place(place),
           m_old(place == Place::Instead ? other : QDomElement()),
           m_last(place == Place::Behind ? other : QDomElement()) {}
+
+    const QString& textOf(const FieldName& name) const;
 
     ArchiveEditor& m_archive;
     QDomElement m_object;

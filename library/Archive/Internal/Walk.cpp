@@ -68,16 +68,22 @@ const void* identityOf(const QDomNode& node) {
 }
 
 QDomNode nextInDocument(const QDomNode& node, const QDomNode& root) {
-    const QDomNode child = node.firstChild();
+    QDomNode child = node.firstChild();
     return child.isNull() ? nextSkippingChildren(node, root) : child;
 }
 
-QDomNode nextSkippingChildren(QDomNode node, const QDomNode& root) {
-    while (!node.isNull() && node != root) {
-        const QDomNode sibling = node.nextSibling();
-        if (!sibling.isNull())
-            return sibling;
-        node = node.parentNode();
+QDomNode nextSkippingChildren(const QDomNode& node, const QDomNode& root) {
+    if (node.isNull() || node == root)
+        return {};
+    QDomNode next = node.nextSibling();
+    if (!next.isNull())
+        return next;
+    QDomNode ancestor = node.parentNode();
+    while (!ancestor.isNull() && ancestor != root) {
+        next = ancestor.nextSibling();
+        if (!next.isNull())
+            return next;
+        ancestor = ancestor.parentNode();
     }
     return {};
 }

@@ -67,7 +67,7 @@ const void* identityOf(const QDomNode& node);
 /// The next node behind `node` in document order, its descendants first, that is still below `root`.
 QDomNode nextInDocument(const QDomNode& node, const QDomNode& root);
 /// The same behind `node` and all its descendants.
-QDomNode nextSkippingChildren(QDomNode node, const QDomNode& root);
+QDomNode nextSkippingChildren(const QDomNode& node, const QDomNode& root);
 
 /// Calls `enter` on each element below `below` before and `leave` after all that is in it. Neither may change
 /// the tree.
