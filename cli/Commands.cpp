@@ -69,12 +69,13 @@ int migrate(const Arguments& arguments) {
     const QString name = nameOf(input);
     const QByteArray bytes = file ? file->bytes() : Reader::readFile(input);
     Memory::limitFor(name, bytes.size());
-    Reader::Migration migration(Reader::parse(bytes, name, arguments.from),
-                                optionsFor(arguments, input, output));
+    Reader::MigrationOptions options = optionsFor(arguments, input, output);
+    options.reread = [&] { return Reader::parse(bytes, name, arguments.from); };
+    Reader::Migration migration(options.reread(), options);
     migration.run();
     const Reader::MigrationReport& report = migration.report();
     const auto isRefused = [&] {
-        return arguments.strict && (report.hasErrors() || !report.lostClips.empty());
+        return arguments.strict && (report.hasErrors() || report.hasUnintendedLosses());
     };
     // A project that is not written leaves no side files either.
     const bool toBundle = !arguments.bundle.empty() && !isRefused();

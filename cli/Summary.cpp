@@ -1,5 +1,6 @@
 #include "Summary.h"
 
+#include "LossMessages.h"
 #include "Terminal.h"
 
 #include <nlohmann/json.hpp>
@@ -25,11 +26,6 @@ std::string stateOf(Bundle::Backend form, int version) {
 
 std::string plural(std::size_t count, const std::string& noun) {
     return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
-}
-
-std::string clipText(const Reader::Clip& clip) {
-    return (clip.name.empty() ? std::string("unnamed") : '"' + clip.name + '"') + " (id " +
-           std::to_string(clip.id) + ')';
 }
 
 std::string join(const std::vector<std::string>& words) {
@@ -133,9 +129,7 @@ std::string asText(const Summary& summary) {
     if (!report.duplicateIds.empty())
         out << "  " << Terminal::yellow("warning") << ": " << plural(report.duplicateIds.size(), "id")
             << " stood for several objects; the later ones have new ids\n";
-    out << "  clips:   " << report.clipsBefore << " in, " << report.clipsAfter << " out\n";
-    for (const Reader::Clip& clip : report.lostClips)
-        out << "  " << Terminal::red("lost clip") << ": " << clipText(clip) << '\n';
+    out << "  " << Losses::clipsAsText(report) << '\n' << Losses::lossesAsText(report);
     if (!summary.backup.isEmpty())
         out << "  backup:  " << summary.backup.toStdString() << '\n';
     if (!summary.output.isEmpty())
@@ -161,10 +155,8 @@ std::string asJson(const Summary& summary) {
                          {"out", countsAsJson(report.objectsAfter)},
                          {"leftOut", report.leftOut}};
     result["duplicateIds"] = report.duplicateIds;
-    Json lost = Json::array();
-    for (const Reader::Clip& clip : report.lostClips)
-        lost.push_back({{"id", clip.id}, {"name", clip.name}});
-    result["clips"] = {{"in", report.clipsBefore}, {"out", report.clipsAfter}, {"lost", std::move(lost)}};
+    result["clips"] = Losses::clipsAsJson(report);
+    result["losses"] = Losses::lossesAsJson(report);
     return result.dump(2) + '\n';
 }
 

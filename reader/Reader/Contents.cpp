@@ -8,6 +8,7 @@
 
 #include <QHash>
 
+#include <array>
 #include <unordered_set>
 
 using Archive::Internal::TypedElements;
@@ -19,6 +20,8 @@ namespace {
 
 const QString timelineClass = QStringLiteral("Timeline::Object");
 const QString clipsField = QStringLiteral("clips");
+const QString effectsField = QStringLiteral("effects");
+const QString overlayField = QStringLiteral("overlay");
 const QString nameField = QStringLiteral("name");
 
 unsigned long long idIn(const QDomElement& reference) {
@@ -84,55 +87,110 @@ ObjectCounts countsOf(const QHash<QString, std::size_t>& objects) {
     return counts;
 }
 
-/// Adds clips to a list, each id once.
-class ClipList {
-public:
-    void add(unsigned long long id, std::string name) {
-        if (id != 0 && m_ids.insert(id).second)
-            m_clips.push_back({id, std::move(name)});
-    }
-    std::vector<Clip> take() { return std::move(m_clips); }
-
-private:
-    std::unordered_set<unsigned long long> m_ids;
-    std::vector<Clip> m_clips;
-};
-
 TypedElements rootObjectsOf(const QDomDocument& xml) {
     return TypedElements(Archive::Internal::typedElements(xml, Words::RootObject));
 }
 
-std::vector<Clip> clipsInXml(const TypedElements& rootObjects) {
-    ClipList clips;
-    const auto objects = byId(rootObjects);
-    for (const QDomElement& timeline : Archive::Internal::ofType(rootObjects, timelineClass)) {
-        for (const QDomElement& item :
-             Archive::Internal::children(timeline.firstChildElement(clipsField), Words::Item)) {
-            const QDomElement key = item.firstChildElement(Words::Key);
-            const auto id = idIn(key.isNull() ? item.firstChildElement(Words::Data) : key);
-            clips.add(id, Archive::valueOf(objects.value(id), nameField).toStdString());
-        }
+/// Lists parts, each id once. A document calls add() for what it holds.
+class PartList {
+public:
+    /// False for an id that is listed already, and for none.
+    bool add(PartKind kind, unsigned long long id, std::string className, std::string name,
+             unsigned long long clip) {
+        if (id == 0 || !m_ids.insert(id).second)
+            return false;
+        m_parts.push_back({kind, id, std::move(className), std::move(name), clip});
+        return true;
     }
-    return clips.take();
-}
+    std::vector<Part> take() { return std::move(m_parts); }
 
-std::vector<Clip> clipsInJson(const JsonDocument& document) {
-    ClipList clips;
-    for (const auto& [timelineId, timeline] : document.flat.objects) {
-        if (classOf(timeline) != timelineClass.toStdString())
-            continue;
-        for (const json& entry : Archive::Internal::memberOf(timeline, clipsField.toStdString())) {
-            const json& clip = entry.is_object() && entry.contains("clip") ? entry["clip"] : entry;
-            const unsigned long long id = Serialize::Json::getAnyObjectId(clip).value_or(0);
-            const auto object = document.flat.objects.find(id);
-            const json& name = object == document.flat.objects.end()
-                                   ? json()
-                                   : Archive::Internal::memberOf(object->second, nameField.toStdString());
-            clips.add(id, name.is_string() ? name.get<std::string>() : std::string());
+private:
+    std::unordered_set<unsigned long long> m_ids;
+    std::vector<Part> m_parts;
+};
+
+class ArchiveParts {
+public:
+    explicit ArchiveParts(const TypedElements& rootObjects)
+        : m_timelines(Archive::Internal::ofType(rootObjects, timelineClass)), m_objects(byId(rootObjects)) {}
+
+    std::vector<Part> list() {
+        for (const QDomElement& timeline : m_timelines) {
+            for (const QDomElement& item :
+                 Archive::Internal::children(timeline.firstChildElement(clipsField), Words::Item)) {
+                const QDomElement key = item.firstChildElement(Words::Key);
+                addClip(idIn(key.isNull() ? item.firstChildElement(Words::Data) : key));
+            }
         }
+        return m_parts.take();
     }
-    return clips.take();
-}
+
+private:
+    void addClip(unsigned long long id) {
+        if (!add(PartKind::Clip, id, id))
+            return;
+        const QDomElement clip = m_objects.value(id);
+        for (const QDomElement& item :
+             Archive::Internal::children(clip.firstChildElement(effectsField), Words::Item))
+            add(PartKind::Effect, idIn(item.firstChildElement(Words::Data)), id);
+        add(PartKind::Title, idIn(clip.firstChildElement(overlayField)), id);
+    }
+    bool add(PartKind kind, unsigned long long id, unsigned long long clip) {
+        const QDomElement object = m_objects.value(id);
+        return m_parts.add(kind, id, Archive::typeOf(object).toStdString(),
+                           Archive::valueOf(object, nameField).toStdString(), clip);
+    }
+
+    Archive::Internal::Elements m_timelines;
+    QHash<unsigned long long, QDomElement> m_objects;
+    PartList m_parts;
+};
+
+class FlatParts {
+public:
+    explicit FlatParts(const JsonDocument& document) : m_objects(document.flat.objects) {}
+
+    std::vector<Part> list() {
+        for (const auto& [timelineId, timeline] : m_objects) {
+            if (classOf(timeline) != timelineClass.toStdString())
+                continue;
+            for (const json& entry : Archive::Internal::memberOf(timeline, clipsField.toStdString()))
+                addClip(entry.is_object() && entry.contains("clip") ? entry["clip"] : entry);
+        }
+        return m_parts.take();
+    }
+
+private:
+    void addClip(const json& clip) {
+        const unsigned long long id = idOf(clip);
+        if (!add(PartKind::Clip, clip, id))
+            return;
+        const json& object = objectOf(clip);
+        for (const json& effect : Archive::Internal::memberOf(object, effectsField.toStdString()))
+            add(PartKind::Effect, effect, id);
+        add(PartKind::Title, Archive::Internal::memberOf(object, overlayField.toStdString()), id);
+    }
+    bool add(PartKind kind, const json& value, unsigned long long clip) {
+        const json& object = objectOf(value);
+        const json& name = Archive::Internal::memberOf(object, nameField.toStdString());
+        return m_parts.add(kind, idOf(value), classOf(object),
+                           name.is_string() ? name.get<std::string>() : std::string(), clip);
+    }
+    static unsigned long long idOf(const json& value) {
+        return Serialize::Json::getAnyObjectId(value).value_or(0);
+    }
+    /// The object that the value refers to or is; null where there is none.
+    const json& objectOf(const json& value) const {
+        static const json none;
+        if (isClassObject(value))
+            return value;
+        const auto object = m_objects.find(idOf(value));
+        return object == m_objects.end() ? none : object->second;
+    }
+
+    const std::map<unsigned long long, json>& m_objects;
+    PartList m_parts;
+};
 
 /// Follows references from one id to the next. `refersTo(id, found)` calls `found` for each id that the object
 /// refers to.
@@ -159,7 +217,7 @@ std::set<unsigned long long> reachableInXml(const QDomDocument& xml) {
         if (object.isNull())
             return;
         walkElements(object, [&](const QDomElement& e) {
-            if (Archive::typeOf(e) == Words::ObjectRef)
+            if (Archive::typeOf(e) == Words::ObjectRef && objects.contains(idIn(e)))
                 found(idIn(e));
         });
     });
@@ -171,7 +229,8 @@ std::set<unsigned long long> reachableInJson(const JsonDocument& document) {
         if (object == document.flat.objects.end())
             return;
         walkValues(object->second, [&](const json& value) {
-            found(linkTarget(value));
+            if (const unsigned long long target = linkTarget(value); document.flat.objects.count(target) > 0)
+                found(target);
             if (isClassObject(value))
                 found(Serialize::Json::getObjectId(value).value_or(0));
         });
@@ -193,12 +252,27 @@ ObjectCounts countObjects(const Document& document) {
     return counts;
 }
 
-std::vector<Clip> listClips(const Document& document) {
-    return document.isXml() ? clipsInXml(rootObjectsOf(document.xml())) : clipsInJson(document.json());
+std::string_view nameOf(PartKind kind) {
+    constexpr std::array<std::string_view, 3> names = {"clip", "effect", "title"};
+    return names[static_cast<std::size_t>(kind)];
 }
 
-std::vector<Clip> listClips(Archive::Internal::ArchiveEditor& archive) {
-    return clipsInXml(archive.rootObjects(Archive::Internal::Scope::Document));
+std::vector<Part> listParts(const Document& document) {
+    return document.isXml() ? ArchiveParts(rootObjectsOf(document.xml())).list()
+                            : FlatParts(document.json()).list();
+}
+
+std::vector<Part> listParts(Archive::Internal::ArchiveEditor& archive) {
+    return ArchiveParts(archive.rootObjects(Archive::Internal::Scope::Document)).list();
+}
+
+std::vector<Clip> listClips(const Document& document) {
+    std::vector<Clip> clips;
+    for (Part& part : listParts(document)) {
+        if (part.kind == PartKind::Clip)
+            clips.push_back({part.id, std::move(part.name)});
+    }
+    return clips;
 }
 
 std::set<unsigned long long> findReachable(const Document& document) {

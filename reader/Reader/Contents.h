@@ -4,6 +4,7 @@
 
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 // Threads: each function reads the document that it is given, and no other; see Document.
@@ -28,10 +29,33 @@ struct Clip {
 
 /// All clips that the document's timelines list, each once, in document order.
 std::vector<Clip> listClips(const Document& document);
-/// The same for an archive that is being edited.
-std::vector<Clip> listClips(Archive::Internal::ArchiveEditor& archive);
 
-/// The ids of all objects that references lead to from the root object, itself included.
+/// What a project is made of, as its users see it.
+enum class PartKind {
+    Clip,   ///< an entry of a timeline
+    Effect, ///< an entry of the effects of a clip
+    Title,  ///< the overlay of a clip
+};
+
+/// The kind as a word for programs, such as "clip".
+std::string_view nameOf(PartKind kind);
+
+struct Part {
+    PartKind kind;
+    unsigned long long id;
+    std::string className;   ///< empty where there is no such object
+    std::string name;        ///< empty for none
+    unsigned long long clip; ///< id of the clip that it belongs to; of a clip its own
+};
+
+/// All clips that the document's timelines list, each once, in document order, each followed by its effects and its
+/// title. What several clips share is listed with the first.
+std::vector<Part> listParts(const Document& document);
+/// The same for an archive that is being edited.
+std::vector<Part> listParts(Archive::Internal::ArchiveEditor& archive);
+
+/// The ids of all objects that references lead to from the root object, itself included. A reference to an object that
+/// is not there leads nowhere.
 std::set<unsigned long long> findReachable(const Document& document);
 
 } // namespace Reader

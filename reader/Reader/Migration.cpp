@@ -4,6 +4,7 @@
 #include "Archive/Internal/Reading.h"
 #include "Reader/Conversion.h"
 #include "Reader/Error.h"
+#include "Reader/Losses.h"
 #include "Reader/StepLog.h"
 
 #include <algorithm>
@@ -69,25 +70,6 @@ Bundle::PortableFolders withStandIns(Bundle::PortableFolders folders) {
     return folders;
 }
 
-/// The clips among `before` that the document no longer reaches. Ids of an archive are kept in JSON, but for objects
-/// that shared theirs with another.
-std::vector<Clip> lostAmong(const std::vector<Clip>& before, const Document& document, Backend formBefore) {
-    const auto reachable = findReachable(document);
-    const auto idNow = [&](unsigned long long id) {
-        if (document.isXml() || formBefore == Backend::Json)
-            return id;
-        const auto& redirected = document.json().notes.redirected;
-        const auto it = redirected.find(id);
-        return it == redirected.end() ? id : it->second;
-    };
-    std::vector<Clip> lost;
-    for (const Clip& clip : before) {
-        if (!reachable.count(idNow(clip.id)))
-            lost.push_back(clip);
-    }
-    return lost;
-}
-
 } // namespace
 
 Migration::Migration(Document document, MigrationOptions options)
@@ -114,7 +96,8 @@ void Migration::run() {
         if (m_options.to > lastXmlVersion)
             migrateJson();
     } else {
-        m_clipsBefore = listClips(m_document);
+        m_losses.start(listParts(m_document), m_document.form());
+        m_losses.noteTimelines(m_document.json(), {});
         finish(MigrationPart::Kind::Preparation, {});
         migrateJson();
         // Quirk: side files of a JSON document are read last, those of an archive first.
@@ -148,7 +131,7 @@ void Migration::noteInput() {
 /// All that happens to an archive while it is one; the conversion is the last of it.
 void Migration::migrateArchive() {
     openArchive();
-    m_clipsBefore = listClips(*m_archive);
+    m_losses.start(listParts(*m_archive), m_document.form());
     checkRootObject(*m_archive, m_options.name);
     sortRootObjects(*m_archive);
     finish(MigrationPart::Kind::Preparation, {});
@@ -178,6 +161,7 @@ void Migration::convert() {
             Document(openEnvelope(std::move(json), m_options.name), std::max(*m_document.version(), version));
     });
     m_archive.reset();
+    m_losses.noteTimelines(m_document.json(), conversion.name().toStdString());
     auto& duplicateIds = m_document.json().notes.duplicateIds;
     sharedIds.insert(duplicateIds.begin(), duplicateIds.end());
     duplicateIds.assign(sharedIds.begin(), sharedIds.end());
@@ -203,10 +187,25 @@ void Migration::compareResult() {
     m_report.to = m_options.to;
     m_report.formAfter = m_document.form();
     m_report.objectsAfter = countObjects(m_document);
-    m_report.lostClips = lostAmong(m_clipsBefore, m_document, m_report.formBefore);
-    m_report.clipsBefore = m_clipsBefore.size();
-    m_report.clipsAfter = m_report.clipsBefore - m_report.lostClips.size();
+    noteLosses();
     finish(MigrationPart::Kind::Comparison, {});
+}
+
+void Migration::noteLosses() {
+    const auto isClip = [](const auto& part) { return part.kind == PartKind::Clip; };
+    const auto& parts = m_losses.parts();
+    m_report.clipsBefore = static_cast<std::size_t>(std::count_if(parts.begin(), parts.end(), isClip));
+    m_report.clipsAdded = m_losses.countAddedClips(m_document);
+    auto& losses = m_report.losses;
+    losses = m_losses.losses(m_document);
+    m_report.clipsKept =
+        m_report.clipsBefore -
+        static_cast<std::size_t>(
+            std::count_if(losses.begin(), losses.end(), [&](const Loss& loss) { return isClip(loss.part); }));
+    const bool areExplained =
+        std::none_of(losses.begin(), losses.end(), [](const Loss& loss) { return loss.step.empty(); });
+    if (!areExplained && m_options.reread)
+        losses = explainLosses(m_options.reread(), m_options, losses);
 }
 
 void Migration::runOnly(const std::string& className) {
@@ -273,6 +272,10 @@ void Migration::runNamed(const std::string& name, const std::function<void()>& a
                         {.file = m_options.name, .step = name, .reason = error.what()});
         }
     }
+    if (m_archive)
+        m_losses.noteRemoved(m_archive->takeRemovedRootObjects(), name);
+    else if (!m_document.isXml())
+        m_losses.noteTimelines(m_document.json(), name);
     finish(MigrationPart::Kind::Adaptor, name);
 }
 

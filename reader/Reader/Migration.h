@@ -2,6 +2,7 @@
 
 #include "Reader/AdaptorTable.h"
 #include "Reader/Document.h"
+#include "Reader/Losses.h"
 #include "Reader/MigrationOptions.h"
 #include "Reader/MigrationReport.h"
 
@@ -64,6 +65,7 @@ private:
     void migrateJson();
     void convert();
     void compareResult();
+    void noteLosses();
 
     void runStage(Stage stage, const QString& location);
     void runAdaptor(const std::string& name, const AdaptorRow& row, const AdaptorContext& context);
@@ -75,7 +77,7 @@ private:
     Document m_document;
     std::unique_ptr<Archive::Internal::ArchiveEditor> m_archive; ///< of the document while it is an archive
     MigrationReport m_report;
-    std::vector<Clip> m_clipsBefore;
+    LossTracker m_losses;
 };
 
 } // namespace Reader

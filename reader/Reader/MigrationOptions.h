@@ -36,6 +36,9 @@ struct MigrationOptions {
     SideFiles targetFiles{QString()}; ///< side files that it may be saved with
     /// The installed editor's folders. Where one is empty, its marker stays in paths as it is.
     Bundle::PortableFolders folders = {};
+    /// Gives the document as it was read. Called at the end where something of it was lost, to find the step at which
+    /// that happened; the migration runs a second time then. Empty: losses are reported without their step.
+    std::function<Document()> reread = {};
     /// Called behind each part, on the migration's thread, with the document as it is then.
     std::function<void(const MigrationPart& part, const Document& document)> watch = {};
 };

@@ -18,6 +18,16 @@ struct LogLine {
     bool isError() const { return severity == "ERROR"; }
 };
 
+/// A clip, an effect or a title of the input that the result does not reach.
+struct Loss {
+    Part part;
+    std::string
+        step; ///< class name of the adaptor behind which it was no longer reached; empty where the input did
+              ///< not reach it either, or where that is not known
+    std::string reason;      ///< for people, a part of a sentence
+    bool isIntended = false; ///< whether the schema version meant it to go
+};
+
 /// What happened in a migration.
 ///
 /// Threads: a plain value.
@@ -32,13 +42,16 @@ struct MigrationReport {
     std::vector<LogLine> log;
     ObjectCounts objectsBefore;
     ObjectCounts objectsAfter;
-    std::size_t clipsBefore = 0;
-    std::size_t clipsAfter = 0;                   ///< of those before, how many the result still reaches
-    std::vector<Clip> lostClips;                  ///< the others
+    std::size_t clipsBefore = 0;                  ///< that the input's timelines list
+    std::size_t clipsKept = 0;                    ///< of those, how many the result reaches
+    std::size_t clipsAdded = 0;                   ///< that the result's timelines list besides
+    std::vector<Loss> losses;                     ///< clips, effects and titles, in the input's order
     std::vector<unsigned long long> duplicateIds; ///< ids that two objects had; the later ones got new ids
     std::size_t leftOut = 0;                      ///< objects that nothing refers to; known once it is saved
 
+    std::size_t clipsAfter() const { return clipsKept + clipsAdded; }
     bool hasErrors() const;
+    bool hasUnintendedLosses() const;
 };
 
 } // namespace Reader

@@ -187,6 +187,10 @@ public:
     /// the same when it is written and read again.
     bool showsTypes() const { return m_index.showsTypes(); }
 
+    /// The ids of root objects that were removed since the last call, in order, for reports. One that was moved is among
+    /// them.
+    std::vector<unsigned long long> takeRemovedRootObjects() { return m_index.takeRemovedRootObjects(); }
+
 private:
     friend class Fields;
 

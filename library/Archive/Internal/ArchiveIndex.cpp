@@ -125,6 +125,8 @@ void ArchiveIndex::removed(const QDomNode& parent, const QDomNode& child) {
         if (const QDomElement e = node.toElement(); e.hasAttribute(Words::objectId)) {
             m_mayHolderBeGone = true;
             created(e, e.attribute(Words::objectId).toLongLong()); // it may be inserted again
+            if (e.tagName() == Words::RootObject)
+                m_removedRootObjects.push_back(e.attribute(Words::objectId).toULongLong());
         }
         if (isIndexedTag(node.nodeName()) && (m_rootObjects || m_baseParts))
             m_removed.emplace(identityOf(node), node.toElement());

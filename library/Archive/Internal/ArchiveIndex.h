@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace Archive::Internal {
@@ -51,6 +52,10 @@ public:
 
     /// An element that is not in the tree, or not yet, has an object id.
     void created(const QDomElement& e, long long id) { m_created.push_back({e, id}); }
+    /// The ids of root objects that were removed since the last call, in order. One that was inserted again is among
+    /// them.
+    std::vector<unsigned long long> takeRemovedRootObjects() { return std::exchange(m_removedRootObjects, {}); }
+
     /// A text was written to an attribute.
     void wrote(const QString& text);
     /// `child` became a child of `parent`, which has `isLast` children behind it or none.
@@ -107,6 +112,7 @@ private:
     List m_rootObjects;
     List m_baseParts;
     std::unordered_map<const void*, QDomElement> m_removed; ///< by identity
+    std::vector<unsigned long long> m_removedRootObjects;
     QDomElement m_lastAppended; ///< the last root object that was appended to the archive
     bool m_areTypesStale = false;
 
