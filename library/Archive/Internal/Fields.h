@@ -15,7 +15,7 @@ class ArchiveEditor;
 ///
 ///     archive.fields(track).int32("type", 1).boolean("used", used).reference("timeline", id);
 ///
-/// Nothing is created for a null object. A builder is made by ArchiveEditor and must not outlive it.
+/// Nothing is created for a null object. ArchiveEditor creates the builder and must outlive it.
 class Fields {
 public:
     Fields& boolean(const QString& name, bool value);
@@ -25,19 +25,19 @@ public:
     Fields& uint64(const QString& name, unsigned long long value);
     Fields& time(const QString& name, MTime value);
 
-    /// A double, whose readable `value` has six significant digits.
+    /// A double. Its `value` has six significant digits.
     Fields& number(const QString& name, double value);
-    /// A double, whose readable `value` has four decimals, as those of matrices.
+    /// A double of a matrix. Its `value` has four decimals.
     Fields& decimal(const QString& name, double value);
 
     Fields& string(const QString& name, const QString& text);
-    /// A "StringPtr" that holds a text: the nullable text of documents before version 44.
+    /// A "StringPtr", the nullable text of documents before version 44. It is not null.
     Fields& stringPtr(const QString& name, const QString& text);
     Fields& imageRef(const QString& name, const QString& ref);
     /// A reference to an object, 0 for none.
     Fields& reference(const QString& name, long long id);
     Fields& reference(const QString& name, const QString& idText);
-    /// A field of any type, whose `value` is that text.
+    /// A field of any type with that text as `value`.
     Fields& typed(const QString& name, const QString& type, const QString& value);
 
     /// An array without entries.
@@ -46,7 +46,7 @@ public:
     /// An embedded "Types::Transform".
     Fields& transform(const QString& name, const Stored::V14::Transform& matrix, long long id);
 
-    /// A field that was built apart.
+    /// A field that was created elsewhere.
     Fields& add(const QDomElement& field);
 
     /// The field that was created last.
@@ -56,10 +56,10 @@ private:
     friend class ArchiveEditor;
 
     enum class Place {
-        End,      ///< behind all fields
-        SameName, ///< in the place of the field of that name, where there is one, else behind all fields
-        Instead,  ///< the first one in the place of `m_old`
-        Behind,   ///< behind `m_last`, at the end where that is null
+        End,      ///< after all fields
+        SameName, ///< replaces the field of that name; if there is none, as End
+        Instead,  ///< the first field replaces `m_old`
+        Behind,   ///< after `m_last`; if that is null, at the end
     };
 
     Fields(ArchiveEditor& archive, const QDomElement& object, Place place, const QDomElement& other = {})
