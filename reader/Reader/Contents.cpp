@@ -23,7 +23,7 @@ unsigned long long idIn(const QDomElement& reference) {
     return reference.attribute(Words::value).toULongLong();
 }
 
-/// Calls `visit` on an element and on all below it, in document order.
+/// Calls `visit` for an element and all its descendants, in document order.
 template <class Visit>
 void walkElements(const QDomElement& top, Visit visit) {
     visit(top);
@@ -34,7 +34,8 @@ void walkElements(const QDomElement& top, Visit visit) {
     }
 }
 
-/// The archive's root objects that hold the project, by id; the later of two counts, as in the conversion.
+/// The archive's root objects except predeclarations, by id. If an id occurs twice, the later object, as in
+/// the conversion.
 QHash<unsigned long long, QDomElement> rootObjectsById(const QDomDocument& xml) {
     QHash<unsigned long long, QDomElement> objects;
     const Archive::Internal::TypedElements elements(Archive::Internal::typedElements(xml, Words::RootObject));
@@ -45,7 +46,7 @@ QHash<unsigned long long, QDomElement> rootObjectsById(const QDomDocument& xml) 
     return objects;
 }
 
-/// Calls `visit` on each value inside a flat object, the object itself first; the stack is its own.
+/// Calls `visit` for a flat object and each value inside it. Not recursive: depth costs memory, not stack.
 template <class Visit>
 void walkValues(const json& top, Visit visit) {
     std::vector<const json*> open = {&top};
@@ -129,7 +130,7 @@ std::vector<Clip> clipsInJson(const JsonDocument& document) {
     return clips.take();
 }
 
-/// Follows references from one id to the next. `refersTo(id, found)` calls `found` for each id that the object
+/// Follows references from id to id. `refersTo(id, found)` must call `found` for each id that the object
 /// refers to.
 template <class RefersTo>
 std::set<unsigned long long> follow(unsigned long long root, RefersTo refersTo) {

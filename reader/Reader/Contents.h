@@ -6,26 +6,27 @@
 #include <string>
 #include <vector>
 
-// Threads: each function reads the document that it is given, and no other; see Document.
+// Threads: each function reads only its argument; see Document.
 
 namespace Reader {
 
-/// Objects by class name, embedded objects and base class parts included; those that declare others are not.
+/// Counts the objects of each class, including embedded objects and base class parts. Predeclarations are not
+/// counted.
 ObjectCounts countObjects(const Document& document);
 
-/// Whether an element of an archive declares other objects rather than being a part of the project.
+/// Whether an element of that type in an archive only declares other objects.
 bool isDeclaring(const QString& type);
 
-/// A clip that a timeline lists.
+/// A clip in the list of a timeline.
 struct Clip {
     unsigned long long id;
-    std::string name; ///< empty for none
+    std::string name; ///< empty if it has none
 };
 
-/// All clips that the document's timelines list, each once, in document order.
+/// All clips in the lists of the document's timelines, each once, in document order.
 std::vector<Clip> listClips(const Document& document);
 
-/// The ids of all objects that references lead to from the root object, itself included.
+/// The ids of all objects that can be reached by references from the root object, and its own.
 std::set<unsigned long long> findReachable(const Document& document);
 
 } // namespace Reader

@@ -8,7 +8,7 @@
 
 namespace Reader {
 
-/// A line that an adaptor logged.
+/// A warning or an error that an adaptor logged.
 struct LogLine {
     std::string step;     ///< class name of the adaptor
     std::string severity; ///< "WARNING" or "ERROR"
@@ -18,7 +18,7 @@ struct LogLine {
     bool isError() const { return severity == "ERROR"; }
 };
 
-/// What happened in a migration.
+/// The results of a migration.
 ///
 /// Threads: a plain value.
 struct MigrationReport {
@@ -33,10 +33,10 @@ struct MigrationReport {
     ObjectCounts objectsBefore;
     ObjectCounts objectsAfter;
     std::size_t clipsBefore = 0;
-    std::size_t clipsAfter = 0;                   ///< of those before, how many the result still reaches
-    std::vector<Clip> lostClips;                  ///< the others
-    std::vector<unsigned long long> duplicateIds; ///< ids that two objects had; the later ones got new ids
-    std::size_t leftOut = 0;                      ///< objects that nothing refers to; known once it is saved
+    std::size_t clipsAfter = 0;                   ///< how many of `clipsBefore` can be reached in the result
+    std::vector<Clip> lostClips;                  ///< the clips that can't be reached in the result
+    std::vector<unsigned long long> duplicateIds; ///< ids that two objects had; the later object got a new id
+    std::size_t leftOut = 0; ///< unreachable objects, which are not saved; set by save() and write()
 
     bool hasErrors() const;
 };
