@@ -14,7 +14,7 @@
 namespace Bench {
 namespace {
 
-/// The versions of which there is a sample of the whole film.
+/// The versions with a sample of the whole film.
 constexpr int sampleVersions[] = {3, 12, 21, 34, 45, 55};
 
 const QString clipClass = QStringLiteral("Timeline::Clip");
@@ -27,7 +27,7 @@ QByteArray readSample(int version) {
     return file.readAll();
 }
 
-/// A sample as it is at that version.
+/// A sample, migrated to that version.
 QByteArray sampleAt(int version) {
     const auto* next = std::upper_bound(std::begin(sampleVersions), std::end(sampleVersions), version);
     if (next == std::begin(sampleVersions) || version > Reader::lastXmlVersion)
@@ -47,7 +47,7 @@ QDomDocument parsed(const QByteArray& text) {
     return Reader::parseXml(text, QStringLiteral("sample"));
 }
 
-/// How many further copies it takes to get from `one` to `wanted`.
+/// The number of further copies needed to get from `one` to `wanted`.
 std::size_t furtherCopies(std::size_t wanted, std::size_t one, std::size_t ofEach) {
     return wanted <= one ? 0 : (wanted - one + ofEach - 1) / ofEach;
 }

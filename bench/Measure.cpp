@@ -15,7 +15,7 @@
 namespace Bench {
 namespace {
 
-/// A line of /proc/self/status in bytes; 0 for none.
+/// The value of a line of /proc/self/status in bytes; 0 if there is none.
 std::size_t statusBytes(const std::string& name) {
     std::ifstream status("/proc/self/status");
     for (std::string line; std::getline(status, line);) {
@@ -28,7 +28,7 @@ std::size_t statusBytes(const std::string& name) {
     return 0;
 }
 
-/// Sets the peak back to what is in use now; whether the system does that.
+/// Resets the peak to the current memory. Returns whether the system supports that.
 bool forgetPeak() {
     malloc_trim(0);
     std::ofstream file("/proc/self/clear_refs");

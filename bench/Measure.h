@@ -7,10 +7,11 @@
 
 namespace Bench {
 
-/// Milliseconds of processor time that this process has used. Other programs on the machine count little.
+/// The processor time of this process in milliseconds. Other programs on the machine have little influence on
+/// it.
 double processorTime();
 
-/// Milliseconds of processor time that a call takes.
+/// The processor time of a call in milliseconds.
 template <class Call>
 double millisecondsOf(Call call) {
     const double start = processorTime();
@@ -18,8 +19,8 @@ double millisecondsOf(Call call) {
     return processorTime() - start;
 }
 
-/// The peak memory in bytes of `work` on what `prepare` gave, beyond what the process held before. Runs in a
-/// process of its own; 0 where that can't be measured.
+/// The peak memory of `work` in bytes, called with the result of `prepare`, minus the memory of the process
+/// before. Runs in a child process. 0 if it can't be measured.
 std::size_t peakMemory(const std::function<QByteArray()>& prepare,
                        const std::function<void(const QByteArray&)>& work);
 

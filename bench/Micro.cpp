@@ -27,7 +27,7 @@ namespace {
 
 const QString name = QStringLiteral("project");
 
-/// One text at a time: those of 50 MB are not to be in memory at once.
+/// Keeps one text only: several texts of 50 MB should not be in memory at once.
 const QByteArray& archiveText(int version, std::size_t megabytes) {
     static std::pair<int, std::size_t> kept;
     static QByteArray text;
@@ -143,7 +143,7 @@ Reader::MigrationOptions options() {
     return result;
 }
 
-/// The document as it is in a migration when that step runs.
+/// The document of a migration before that step.
 Reader::Document documentBefore(const Reader::AdaptorRow& step, const QByteArray& text) {
     std::vector<std::string> parts;
     Reader::MigrationOptions naming = options();

@@ -5,7 +5,8 @@
 
 namespace Bench {
 
-/// Runs the benchmarks of single operations, with Google Benchmark's own arguments. Gives the exit code.
+/// Runs the benchmarks of single operations. The arguments are those of Google Benchmark. Gives the exit
+/// code.
 int runMicro(std::vector<std::string> arguments);
 
 } // namespace Bench

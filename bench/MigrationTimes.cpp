@@ -12,7 +12,7 @@ namespace {
 
 const QString name = QStringLiteral("project");
 
-/// Every element of a generated text has one start tag.
+/// Counts the elements by their start tags.
 std::size_t countElements(const QByteArray& text) {
     std::size_t count = 0;
     for (int place = 0; place + 1 < text.size(); ++place)
@@ -25,7 +25,7 @@ double median(std::vector<double> numbers) {
     return numbers[numbers.size() / 2];
 }
 
-/// One migration with the time of each of its parts, as Migration calls them out.
+/// Runs one migration and measures each part that MigrationOptions::watch reports.
 class Run {
 public:
     std::vector<Part> steps;
@@ -86,7 +86,8 @@ std::vector<Part> medians(const std::vector<Run>& runs, std::vector<Part> Run::*
 MigrationTimes measureMigration(const Size& size, int runs) {
     MigrationTimes times;
     const auto generate = [&] { return generateProject(oldestVersion, size); };
-    // First, while this process holds little that its children could use again unseen.
+    // Memory is measured first: a child process can reuse free memory of this process, which would not be
+    // counted.
     times.loadMemory = peakMemory(generate, [](const QByteArray& text) { Reader::parseXml(text, name); });
     times.migrationMemory = peakMemory(generate, [](const QByteArray& text) { Run run(text); });
 
@@ -107,7 +108,7 @@ MigrationTimes measureMigration(const Size& size, int runs) {
             run.result.clear();
             writes.push_back(millisecondsOf([&] { Reader::writeJson(result); }));
         }
-        QDomDocument document; // freed outside of what is measured
+        QDomDocument document; // declared here so that freeing it is not measured
         loads.push_back(millisecondsOf([&] { document = Reader::parseXml(text, name); }));
     }
     times.migration = median(migrations);

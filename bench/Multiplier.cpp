@@ -42,7 +42,7 @@ QByteArray escaped(const QString& text) {
         .toUtf8();
 }
 
-/// What of an archive is repeated.
+/// The objects and entries of an archive that are repeated.
 class Selection {
 public:
     Selection(const QDomDocument& archive, const QString& className);
@@ -56,9 +56,9 @@ public:
         return Archive::typeOf(rootObject).startsWith(m_className);
     }
 
-    /// Above all ids of the archive.
+    /// Added to the ids of each copy; greater than all ids of the archive.
     long long idStep() const { return static_cast<long long>(m_greatestId) + 1; }
-    /// When the last of the entries that are repeated ends.
+    /// The end of the last repeated entry, in milliseconds.
     long long length() const { return m_length; }
 
 private:
@@ -99,7 +99,8 @@ void Selection::collectObjects(const QDomDocument& archive) {
     });
 }
 
-/// Follows references from the root, but for those in array entries that lead to objects of the class.
+/// Collects the objects that are not repeated. Follows references from the root, except in array entries that
+/// refer to objects of the class.
 void Selection::collectFixed(Id root) {
     std::vector<Id> open = {root};
     while (!open.empty()) {
@@ -156,7 +157,7 @@ bool Selection::refersTo(const QDomElement& item, const QSet<Id>& targets) const
     return refers;
 }
 
-/// A predeclaration goes with its object, every other entry with those that it refers to.
+/// A predeclaration is repeated with its object, any other entry with the objects that it refers to.
 bool Selection::isRepeatedItem(const QDomElement& item) const {
     const QDomElement record = item.firstChildElement(Words::Data);
     return Archive::typeOf(record) == Words::Predeclare
@@ -192,13 +193,13 @@ private:
 
     const Selection m_selection;
     Multiplier& m_result;
-    QByteArray m_text; ///< since the last piece
+    QByteArray m_text; ///< the text since the last piece
     int m_depth = 0;
-    bool m_isWithinRepeated = false; ///< in the first copy of what is repeated as a whole
-    QDomElement m_sized;             ///< an array some of whose entries are repeated
-    long long m_sizeStep = 0;        ///< how many of them are
-    QDomElement m_numbered;          ///< an entry that is repeated
-    long long m_itemStart = 0; ///< its number in the first copy that is a repetition, less one `m_itemStep`
+    bool m_isWithinRepeated = false; ///< in the first copy of an object that is repeated as a whole
+    QDomElement m_sized;             ///< the current array in which entries are repeated
+    long long m_sizeStep = 0;        ///< the number of repeated entries in it
+    QDomElement m_numbered;          ///< the current repeated entry
+    long long m_itemStart = 0;       ///< its index in the second copy minus `m_itemStep`
     long long m_itemStep = 0;
 };
 
@@ -254,7 +255,7 @@ void Recorder::writeElement(const QDomElement& e) {
     writeEnd(e, isEmpty);
 }
 
-/// An array outside all that is repeated: its entries, then those of further copies.
+/// Writes an array that is not repeated itself: its entries, then those of further copies.
 void Recorder::writeArray(const QDomElement& array) {
     const Elements items = Archive::Internal::children(array, Words::Item);
     Elements repeated;

@@ -62,13 +62,14 @@ private:
     const std::vector<MigrationTimes>& m_projects;
 };
 
-/// The k for which the time grew as the k-th power of the number of elements, from the first size to the last.
+/// The exponent k for which the time grew as the k-th power of the number of elements, from the first to the
+/// last size.
 std::string Table::growth(const Pick& pick) const {
     if (m_projects.size() < 2)
         return {};
     const double first = pick(m_projects.front());
     const double last = pick(m_projects.back());
-    if (first < 0.05) // too short to say
+    if (first < 0.05) // too short to be significant
         return "-";
     const double ratio =
         static_cast<double>(m_projects.back().elements) / static_cast<double>(m_projects.front().elements);

@@ -7,7 +7,7 @@
 
 namespace Bench {
 
-/// Prints projects of several sizes side by side, smallest first, with how fast each time grows.
+/// Prints the times of projects of several sizes in columns, smallest first, and the growth of each time.
 void printTable(std::ostream& out, const std::vector<MigrationTimes>& projects);
 
 } // namespace Bench

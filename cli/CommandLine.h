@@ -1,5 +1,4 @@
 #pragma once
 
-/// Does what the command line says and gives the exit code. Throws Reader::Error and
-/// Messages::Failure.
+/// Runs the command in the arguments and gives the exit code. Throws Reader::Error and Messages::Failure.
 int runCommandLine(int argc, char** argv);

@@ -16,7 +16,7 @@ namespace {
 
 using namespace Places;
 
-/// Prints the summary for people, or as JSON: that on standard output unless the document goes there.
+/// Prints the summary as text, or as JSON on standard output unless the document is written there.
 void print(const Arguments& arguments, const QString& output, const Summary& summary) {
     if (!arguments.json)
         std::cerr << asText(summary);
@@ -34,7 +34,7 @@ QByteArray readInput(const QString& input) {
     return bytes;
 }
 
-/// What a migration that reads `input` and writes `output` needs.
+/// The options of a migration that reads `input` and writes `output`.
 Reader::MigrationOptions optionsFor(const Arguments& arguments, const QString& input, const QString& output) {
     Reader::MigrationOptions options;
     options.name = nameOf(input);
@@ -77,7 +77,7 @@ int migrate(const Arguments& arguments) {
     const auto isRefused = [&] {
         return arguments.strict && (report.hasErrors() || report.hasUnintendedLosses());
     };
-    // A project that is not written leaves no side files either.
+    // Checked before saving, so that a project that is not written gets no side files.
     const bool toBundle = !arguments.bundle.empty() && !isRefused();
     if (toBundle)
         makeBundle(path(arguments.bundle));
@@ -145,7 +145,7 @@ int trace(const Arguments& arguments) {
         migration.run();
         printLog(migration.report());
     } catch (const Reader::Error&) {
-        std::cout << traceAsText(trace); // people look for what led up to the step that fails
+        std::cout << traceAsText(trace); // printed also if a step fails, to show the steps before it
         throw;
     }
     std::cout << traceAsText(trace);

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-/// What the command line says.
+/// The values of the options and arguments on the command line. Empty if not given.
 struct Arguments {
     std::string file;
     std::string output;
@@ -23,8 +23,8 @@ struct Arguments {
     bool json = false;
 };
 
-/// What the program does, a function for each command. Each gives the exit code; all but steps() throw Reader::Error
-/// and Messages::Failure.
+/// The commands of the program. Each function gives the exit code. All except steps() throw Reader::Error and
+/// Messages::Failure.
 namespace Commands {
 
 int migrate(const Arguments& arguments);

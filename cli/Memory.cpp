@@ -13,7 +13,7 @@
 namespace Memory {
 namespace {
 
-/// A sanitizer's own memory would count as the program's.
+/// No limit is set under the address sanitizer: its own memory would count, too.
 #if defined(__SANITIZE_ADDRESS__)
 constexpr bool isSanitized = true;
 #elif defined(__has_feature)
@@ -22,12 +22,12 @@ constexpr bool isSanitized = __has_feature(address_sanitizer);
 constexpr bool isSanitized = false;
 #endif
 
-/// What a document may take beside so much for each of its bytes. Real projects need a quarter of that; some steps make
-/// large things of small ones, and a hostile document has nothing else.
+/// The limit is `baseMemory` plus `memoryPerByte` for each byte of the document. Real projects need a quarter
+/// of that. Some steps create large objects from small ones, and a hostile document may consist of these.
 constexpr rlim_t baseMemory = rlim_t(1) << 30;
 constexpr rlim_t memoryPerByte = 200;
 
-/// What is said where memory runs out. It is made beforehand: nothing can be made then.
+/// The message for the case that memory runs out. Prepared in advance, because nothing can be allocated then.
 std::string message;
 
 } // namespace

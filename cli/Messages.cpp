@@ -76,7 +76,7 @@ std::string number(std::optional<int> value) {
 const std::string nameProject = "; name the project's own file";
 const std::string mendOrRestore = "; mend the text there, or restore the file from a backup";
 
-/// What is wrong and what to do, behind the file's name.
+/// Reason and remedy, as the text after the file's name.
 std::string sentenceFor(ErrorKind kind, const ErrorFacts& facts) {
     const std::string& reason = facts.reason;
     switch (kind) {

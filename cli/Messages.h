@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-/// What the program says where it fails: all words for people, remedies and exit codes.
+/// The messages of the program for failures: texts for users, remedies and exit codes.
 namespace Messages {
 
 enum ExitCode {
@@ -35,17 +35,17 @@ enum ExitCode {
 
 struct Message {
     ExitCode code;
-    std::string kind; ///< a word for programs, such as "broken-xml"
-    std::string text; ///< where, what is wrong and what to do, without a full stop
+    std::string kind; ///< a name for programs, such as "broken-xml"
+    std::string text; ///< position, reason and remedy, without a full stop
     std::optional<qint64> line = {};
     std::optional<qint64> column = {};
     std::optional<qint64> byte = {};
-    std::string step = {}; ///< class name of the adaptor that failed; empty for none
+    std::string step = {}; ///< class name of the adaptor that failed; empty if none did
 };
 
 Message messageFor(const Reader::Error& error);
 
-// Failures that the library does not know.
+// Failures of the program itself, not of the reader.
 
 Message inPlaceNeedsFile();
 Message notOneProject(const QString& folder, int projects);
@@ -57,7 +57,7 @@ Message unexpected(const std::string& reason);
 /// The message as a line for standard error.
 std::string asText(const Message& message);
 
-/// Ends a command with a message.
+/// Exception that ends a command with a message.
 class Failure : public std::exception {
 public:
     explicit Failure(Message message) : m_message(std::move(message)) {}

@@ -10,7 +10,7 @@
 namespace Places {
 namespace {
 
-/// The project file in a folder: the one .xml or .json file there.
+/// The project file in a folder: the only .xml or .json file in it.
 QString projectIn(const QString& folder) {
     const QStringList names =
         QDir(folder).entryList({QStringLiteral("*.xml"), QStringLiteral("*.json")}, QDir::Files, QDir::Name);

@@ -4,34 +4,37 @@
 
 #include <QString>
 
-/// Where a command reads and writes, as the command line says it.
+/// The files and folders that a command reads and writes, from its arguments.
 namespace Places {
 
-/// A name of the command line.
+/// An argument of the command line as a path.
 QString path(const std::string& text);
 
 /// Whether that path is "-": standard input or output.
 bool isStandardStream(const QString& file);
 
-/// An input's name for messages.
+/// The name of an input in messages.
 QString nameOf(const QString& file);
 
-/// The project's file, for a folder that holds one project too. Throws Messages::Failure.
+/// The project file: the argument itself, or the one project file in it if it is a folder. Throws
+/// Messages::Failure.
 QString inputFor(const Arguments& arguments);
 
-/// The folder that side files are looked up in and written to; empty for a standard stream.
+/// The folder for side files: the one of that file; empty for a standard stream.
 QString folderOf(const QString& file);
 
-/// Where the result goes: as the options say, in the input's place, or beside it under the version's name.
+/// The path of the result: from the options, or the input itself, or a file next to it with the version in
+/// its name.
 QString outputFor(const Arguments& arguments, const QString& input);
 
-/// Makes the folder of a bundle where it is missing, but not the one above it. Throws Messages::Failure.
+/// Creates the folder of a bundle if it is missing, but not its parent. Throws Messages::Failure.
 void makeBundle(const QString& folder);
 
-/// Throws Reader::Error where the output is there already and is not to be replaced.
+/// Throws Reader::Error if the output exists and must not be replaced.
 void refuseExisting(const Arguments& arguments, const QString& output);
 
-/// Paths inside a project count from the folder of its file; from the working folder where there is no file.
+/// The path of a project file, for resolving paths in it: `file`, or `otherwise` if that is a standard
+/// stream. If both are, a name in the working folder.
 QString projectLocation(const QString& file, const QString& otherwise);
 
 } // namespace Places

@@ -48,7 +48,7 @@ Json formsAsJson(bool hasXml, bool hasJson) {
     return list;
 }
 
-/// Counts by class as a JSON object whose order is that of the map.
+/// Counts by class as a JSON object with the keys in the order of the map.
 Json countsAsJson(const Reader::ObjectCounts& counts) {
     Json result = Json::object();
     for (const auto& [className, count] : counts)
@@ -64,7 +64,7 @@ std::vector<const AdaptorRow*> stepsBetween(int from, int to) {
     return Reader::stepsFor(Bundle::Backend::Json, from, to);
 }
 
-/// By class name.
+/// The adaptors that are no steps, sorted by class name.
 std::vector<const AdaptorRow*> unnumberedAdaptors() {
     std::vector<const AdaptorRow*> rows;
     for (const AdaptorRow& row : Reader::adaptorTable()) {
@@ -86,7 +86,7 @@ std::vector<std::string> namesOfStepsToRun(const Reader::Document& document) {
     return names;
 }
 
-/// A place as people look for it: object, id, and the path in it.
+/// A place for users: class of the object, id, and path in it.
 std::string placeOf(const Reader::Finding& finding) {
     const std::string name = finding.className.empty() ? "(no class)" : finding.className;
     return name + " (id " + std::to_string(finding.id) + ')' +

@@ -8,31 +8,31 @@
 
 #include <string>
 
-/// What the program says of its work.
+/// The data for the summary of a migration.
 struct Summary {
     const Reader::MigrationReport& report;
     QString input;
-    QString output; ///< empty where nothing was written
-    QString backup; ///< empty for none
+    QString output; ///< empty if nothing was written
+    QString backup; ///< empty if there is none
 };
 
-/// For people, some lines.
+/// A few lines for users.
 std::string asText(const Summary& summary);
 
-/// For programs, one JSON object.
+/// A JSON object for programs.
 std::string asJson(const Summary& summary);
 
-/// What `adaptors info` says.
+/// The output of `adaptors info`.
 std::string infoAsText(const Reader::Document& document, const QString& name);
 std::string infoAsJson(const Reader::Document& document, const QString& name);
 
-/// What `adaptors verify` says.
+/// The output of `adaptors verify`.
 std::string findingsAsText(const std::vector<Reader::Finding>& findings, const QString& name);
 std::string findingsAsJson(const std::vector<Reader::Finding>& findings, const QString& name);
 
-/// What `adaptors trace` says.
+/// The output of `adaptors trace`.
 std::string traceAsText(const Reader::Trace& trace);
 
-/// What `adaptors steps` says.
+/// The output of `adaptors steps`.
 std::string stepsAsText(int from, int to);
 std::string stepsAsJson(int from, int to);

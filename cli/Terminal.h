@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-/// Colours for standard error: on a terminal only, and never where NO_COLOR is set.
+/// Colours for standard error, used only on a terminal and only if NO_COLOR is not set.
 namespace Terminal {
 
 std::string red(std::string_view text);

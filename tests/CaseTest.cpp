@@ -180,7 +180,7 @@ TEST_P(CaseTest, GivesWhatIsExpected) {
 
 class ArchiveCaseTest : public CaseTest {};
 
-TEST_P(ArchiveCaseTest, DoesTheSameWithAnIndexThatIsFull) {
+TEST_P(ArchiveCaseTest, GivesTheSameWithACompleteIndex) {
     const auto adaptors = this->adaptors(Tests::makeXmlAdaptor);
     QDomDocument document = readXml(file("before.xml"));
     Archive::Internal::ArchiveEditor archive(document);

@@ -7,7 +7,7 @@
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     qSetGlobalQHashSeed(0);
-    // Tests look at log lines through sinks; nothing goes to files or to the terminal.
+    // Tests read log lines through sinks; nothing is written to files or to the terminal.
     FLAGS_stderrthreshold = google::NUM_SEVERITIES;
     for (int severity = 0; severity < google::NUM_SEVERITIES; ++severity)
         google::SetLogDestination(severity, "");

@@ -11,8 +11,8 @@ class AbstractAdaptorJson {
 public:
     virtual ~AbstractAdaptorJson() = default;
 
-    /// Changes the document in place. A document that the step can't read ends in an exception; what was
-    /// changed by then stays changed.
+    /// Changes the document in place. Throws an exception for a document that the step can't read; changes
+    /// made before are kept.
     virtual void adapt(Serialize::Json::FlatObject& document) = 0;
 };
 

@@ -9,8 +9,7 @@ class AbstractAdaptorXml {
 public:
     virtual ~AbstractAdaptorXml() = default;
 
-    /// Changes the document in place. Throws nothing; what can't be done is logged, and what was changed by
-    /// then stays changed.
+    /// Changes the document in place. Throws nothing: problems are logged, and changes made before are kept.
     virtual void adapt(QDomDocument& document) = 0;
 };
 

@@ -2,7 +2,7 @@
 
 namespace Bundle {
 
-/// The models that a document can be held in.
+/// The two forms of a document in memory.
 enum class Backend {
     Xml = 0,  ///< the XML archive, a QDomDocument
     Json = 1, ///< the flat JSON document, a Serialize::Json::FlatObject

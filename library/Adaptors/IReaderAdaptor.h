@@ -11,24 +11,25 @@
 
 namespace Bundle {
 
-/// The step that changes the document model.
+/// A step that converts a document from one form to another.
 class IReaderAdaptor {
 public:
     virtual ~IReaderAdaptor() = default;
 
-    /// The schema version under which the converted document goes on.
+    /// The schema version of the converted document.
     virtual int actualVersion() const = 0;
 
-    /// A name for logs and people.
+    /// A name for logs and for users.
     virtual QString name() const = 0;
 
     /// Whether a document that is already JSON still needs this step.
     virtual bool needAdaptForActualVersion(const nlohmann::json& document) const = 0;
 
-    /// Whether convert() leads from one model to the other.
+    /// Whether convert() converts from the one form to the other.
     virtual bool canConvert(Backend from, Backend to) const = 0;
 
-    /// The schema version of the result and the result, an envelope with the keys "data" and "version".
+    /// Converts a document. Gives the schema version of the result, and the result: a JSON object with the
+    /// keys "data" and "version".
     virtual std::pair<int, nlohmann::json> convert(const QDomDocument& document) = 0;
 };
 

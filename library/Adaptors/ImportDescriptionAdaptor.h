@@ -2,7 +2,8 @@
 
 #include "Adaptors/XmlStep.h"
 
-/// Before the conversion of every archive: gives every "Import::Object" the `descriptionUrl` that older files may lack.
+/// Runs before the conversion of every archive: adds `descriptionUrl`, which older files may lack, to every
+/// "Import::Object".
 class ImportDescriptionAdaptor : public Bundle::XmlStep {
 protected:
     void convert(Archive::Internal::ArchiveEditor& archive) override;

@@ -15,9 +15,9 @@ QString toBase64(const QByteArray& content) {
 
 void insertContent(ArchiveEditor& archive, const QDomElement& text, const QByteArray& content) {
     archive.setType(text, "String");
-    // Quirk: under any other tag the name of the file stays as the text.
+    // Quirk: in a field of another tag the name of the file is kept as the text.
     if (text.tagName() == "text")
-        archive.setText(text, QString::fromUtf8(content.constData(), content.size())); // also behind a NUL
+        archive.setText(text, QString::fromUtf8(content.constData(), content.size())); // may contain NUL
     else if (text.tagName() == "encodedText")
         archive.setText(text, toBase64(content));
 }

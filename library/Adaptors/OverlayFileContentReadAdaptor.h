@@ -8,10 +8,10 @@
 
 #include <functional>
 
-/// After loading: brings the texts of overlay items back from the side files of a bundle.
+/// Runs after loading: replaces the names of side files in overlay items by the contents of these files.
 class OverlayFileContentReadAdaptor : public Bundle::XmlStep, public Bundle::AbstractAdaptorJson {
 public:
-    /// `readFile` gives the content of the side file of that name.
+    /// `readFile` gives the content of the side file of that name. It is called during adapt().
     explicit OverlayFileContentReadAdaptor(const std::function<QByteArray(const QString&)>& readFile);
 
     using XmlStep::adapt;

@@ -30,7 +30,7 @@ void OverlayFileContentWriteAdaptor::adapt(Serialize::Json::FlatObject& document
         if (isFileName(text)) {
             encodedText = text;
         } else if (isSvg(text)) {
-            // A file that could not be written has used up its number.
+            // The number is used up also if the file could not be written.
             const QString name = QStringLiteral("content_%1.svg").arg(++files);
             if (m_writeFile(name, text.toUtf8()))
                 encodedText = name;

@@ -7,10 +7,11 @@
 
 #include <functional>
 
-/// Before saving: moves the SVG texts of overlay items out into side files of a bundle.
+/// Runs before saving: moves the SVG texts of overlay items to side files of a bundle.
 class OverlayFileContentWriteAdaptor : public Bundle::AbstractAdaptorJson {
 public:
-    /// `writeFile` writes the side file of that name and content and tells whether it could.
+    /// `writeFile` writes a side file of that name and content and returns whether it succeeded. If it fails,
+    /// the text stays in the document. It is called during adapt().
     explicit OverlayFileContentWriteAdaptor(
         const std::function<bool(const QString&, const QByteArray&)>& writeFile);
 

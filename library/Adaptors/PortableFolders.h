@@ -4,8 +4,8 @@
 
 namespace Bundle {
 
-/// Folders of the installed editor. Saved paths below one of them begin with its marker; an empty one has no paths
-/// below it, and its marker is replaced by nothing.
+/// Folders of the installed editor. Saved paths below one of them start with its marker instead. If a folder
+/// is empty, no path is below it, and its marker is replaced by an empty text.
 ///
 /// Threads: a plain value.
 struct PortableFolders {

@@ -19,13 +19,13 @@ constexpr SceneLimit sceneLimits[] = {
 void convertToList(ArchiveEditor& archive, const QDomElement& transition) {
     archive.rename(transition, "transitionsList");
     archive.setType(transition, Words::Array);
-    archive.setSize(transition, 0); // Quirk: what is inside stays and is not counted
+    archive.setSize(transition, 0); // Quirk: its children stay and are not counted
 }
 
 } // namespace
 
 void ThemeTransitionsAndSceneAdaptor::convert(ArchiveEditor& archive) {
-    // A missing `Archive` is not logged: this is a repair and no step of a schema version.
+    // A missing `Archive` is not logged: this adaptor completes older files and belongs to no schema version.
     for (const QDomElement& theme : ofType(archive.rootObjects(Scope::Archive), "Theme::Object")) {
         convertToList(archive, firstDescendant(theme, "transition"));
         for (const SceneLimit& limit : sceneLimits) {

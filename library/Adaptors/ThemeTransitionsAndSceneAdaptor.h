@@ -2,8 +2,8 @@
 
 #include "Adaptors/XmlStep.h"
 
-/// Brings an older `Theme::Object` up to date: a list of transitions instead of one, and limits for the duration of a
-/// scene.
+/// Updates an older `Theme::Object`: it gets a list of transitions in place of one, and limits for the
+/// duration of a scene. Runs on every archive before the steps, since themes have no schema version.
 class ThemeTransitionsAndSceneAdaptor : public Bundle::XmlStep {
 protected:
     void convert(Archive::Internal::ArchiveEditor& archive) override;

@@ -10,7 +10,7 @@ using Archive::Internal::Scope;
 namespace Bundle {
 namespace {
 
-/// Logs a missing `Archive`; false where it is missing.
+/// Logs an error and returns false if the `Archive` is missing.
 bool checkArchive(const QDomElement& archive) {
     if (archive.isNull())
         LOG(ERROR) << "<Archive> element not found";

@@ -8,33 +8,34 @@ class ArchiveEditor;
 
 namespace Bundle {
 
-/// Base class of the steps on the XML archive. A step edits through a context that keeps an index of the archive, so
-/// that not every step has to search all of it. It looks for objects in the whole document.
+/// Base class of the steps on the XML archive. A step reads and changes the archive through an ArchiveEditor,
+/// which keeps an index of it, so that not every step has to search all of it. The step searches for objects
+/// in the whole document.
 class XmlStep : public AbstractAdaptorXml {
 public:
-    /// Runs the step on a document by itself.
+    /// Runs the step alone on a document.
     void adapt(QDomDocument& document) override;
 
-    /// Runs the step as one of several that share a context.
+    /// Runs the step as one of several that share an editor.
     void apply(Archive::Internal::ArchiveEditor& archive);
 
 protected:
-    /// Makes the change.
+    /// Changes the archive.
     virtual void convert(Archive::Internal::ArchiveEditor& archive) = 0;
 
 private:
     virtual bool begin(Archive::Internal::ArchiveEditor& archive);
 };
 
-/// A step that needs exactly one `Archive` element, and logs an error where there is none or several. It looks for
-/// objects below that element.
+/// A step that needs exactly one `Archive` element. If there is none or several, it logs an error and changes
+/// nothing. It searches for objects below that element.
 class ArchiveStep : public XmlStep {
 private:
     bool begin(Archive::Internal::ArchiveEditor& archive) override;
 };
 
-/// A step that needs an `Archive` as the document element, and logs an error where there is none. Further `Archive`
-/// elements do not matter, and objects are searched in the whole document.
+/// A step that needs an `Archive` as the document element. If there is none, it logs an error and changes
+/// nothing. There may be further `Archive` elements. It searches for objects in the whole document.
 class TopArchiveStep : public XmlStep {
 private:
     bool begin(Archive::Internal::ArchiveEditor& archive) override;

@@ -1,5 +1,6 @@
 #pragma once
 
-// The toolkit of both document forms. XML steps include Archive/Xml.h alone, which needs no JSON.
+// Functions on both document forms. A step on XML archives can include Archive/Xml.h alone, which needs no
+// JSON.
 #include "Archive/Json.h"
 #include "Archive/Xml.h"

@@ -40,7 +40,7 @@ void renameChild(json& object, std::string_view oldName, std::string_view newNam
         return;
     json value = std::move(*it);
     object[std::string(newName)] = std::move(value);
-    object.erase(it); // also where both names are one: the value goes then
+    object.erase(it); // Quirk: also if both names are equal: then the value is lost
 }
 
 } // namespace Archive

@@ -12,9 +12,10 @@
 #include <concepts>
 #include <functional>
 
-/// Free functions on the XML archive. None inserts what it creates unless it says so: the caller appends it.
-/// None logs or throws; a null element in goes through as a null element or an empty text, and a number that
-/// can't be read counts as 0 where no fallback is given.
+/// Functions on the XML archive. A created element is not inserted into the tree unless the function says so:
+/// the caller appends it. No function logs, and none throws except for an empty std::function. For a null
+/// element the result is a null element or an empty text. Text that is no number reads as 0 if there is no
+/// fallback.
 namespace Archive {
 
 // Creating elements.
@@ -35,7 +36,7 @@ QDomElement createObject(QDomDocument& doc, const QString& name, const QString& 
 QDomElement createTypeValue(QDomDocument& doc, const QString& name, const QString& type,
                             const QString& value);
 
-/// An array of two: the identifier as "String" and the type as "int32_t".
+/// An array of two entries: the identifier as "String" and the type as "int32_t".
 QDomElement createResourceId(QDomDocument& doc, const QString& name, const QString& id,
                              Stored::V57::ResourceType type);
 
@@ -43,7 +44,7 @@ QDomElement createResourceId(QDomDocument& doc, const QString& name, const QStri
 template <class T>
 QDomElement value2element(QDomDocument& doc, const QString& name, const T& value, long long id);
 
-/// A "Types::Transform" with "m11" to "m33". Their readable `value` has four decimals.
+/// A "Types::Transform" with the fields "m11" to "m33". The attribute `value` of each has four decimals.
 template <>
 QDomElement value2element<Stored::V14::Transform>(QDomDocument& doc, const QString& name,
                                                   const Stored::V14::Transform& transform, long long id);
@@ -65,10 +66,10 @@ long long extractValue(const QString& text, T fallback) {
 }
 MTime extractValue(const QString& text, MTime fallback);
 
-/// The double in a `binaryData` text. Too short a text reads as 0.0; `fallback` stands in for an infinity.
+/// The double in a `binaryData` text. A text that is too short reads as 0.0, an infinity as `fallback`.
 double extractValue(const QString& text, double fallback);
 
-/// The double of an element of type "double", from `binaryData` alone; `fallback` for any other type.
+/// The double of an element of type "double", from `binaryData` only; `fallback` for any other type.
 double readValue(const QDomElement& e, double fallback);
 
 /// The `binaryData` text of a double; an infinity is written as 0.0.
@@ -82,46 +83,50 @@ QDomElement findChild(const QDomElement& e, const QString& name,
                       const std::function<bool(const QDomElement&)>& pred);
 bool hasChild(const QDomElement& e, const QString& name, const std::function<bool(const QDomElement&)>& pred);
 
-/// The innermost base class part: down the first `BaseOfObject` children; `e` itself where there is none.
+/// The innermost base class part: follows the first child `BaseOfObject` from level to level. `e` itself if
+/// it has no such child.
 QDomElement findRootBaseOfObject(const QDomElement& e);
 
-/// The first `RootObject` of that id. A linear walk: build a map for many lookups.
+/// The first `RootObject` of that id. The search is linear: build a map for many lookups.
 QDomElement findRootObject(QDomDocument& doc, long long id);
 
-/// `fn` on each descendant `name`. The length of the list is read once, and the list is live: elements of the
-/// tag that `fn` adds or removes shift what later numbers fetch.
+/// Calls `fn` for each descendant `name`. The length of the list is read once, and elements are fetched by
+/// number from a live list: elements of that tag that `fn` adds or removes shift the numbers of the later
+/// ones.
 void forEachChild(QDomDocument& doc, const QString& name, const std::function<void(QDomElement&)>& fn);
 void forEachChild(QDomElement& e, const QString& name, const std::function<void(QDomElement&)>& fn);
 
-/// `fn` on the `Data` of each `Item`, a null element where an item has none. `fn` must not remove its `Item`.
+/// Calls `fn` for the `Data` of each `Item`, or for a null element if an item has none. `fn` must not remove
+/// the `Item`.
 void iterateArray(const QDomElement& array, const std::function<void(QDomElement&)>& fn);
 
 void removeFirstChild(QDomElement& e, const QString& name);
 
-/// The greatest `objectId` in a document's text, at least 1. Reading stops at the first error.
+/// The greatest `objectId` in the text of a document, at least 1. Reading stops at the first error in the
+/// text.
 long long getMaxObjectId(const QByteArray& documentText);
 
-// Keeping arrays and predeclarations.
+// Changing arrays and predeclarations.
 
-/// Adds an empty `Item` at the end and counts `size` up. The forms with a name make a missing array.
+/// Appends an empty `Item` and increments `size`. The form with a name creates the array if it is missing.
 QDomElement appendArrayElement(QDomDocument& doc, QDomElement& array);
 QDomElement appendArrayElement(QDomDocument& doc, QDomElement& parent, const QString& name);
 
-/// The same at the front; every `index` moves up by one.
+/// The same at the front; the `index` of every entry is incremented.
 QDomElement prependArrayElement(QDomDocument& doc, QDomElement& array);
 QDomElement prependArrayElement(QDomDocument& doc, QDomElement& parent, const QString& name);
 
-/// Removes the items whose `Data` fulfils `pred`, renumbers the others from 1 and counts `size` down. True if
-/// anything went.
+/// Removes the items for whose `Data` `pred` holds, numbers the others from 1 and reduces `size`. Returns
+/// whether anything was removed.
 bool removeItemsFromList(QDomElement& array, const std::function<bool(QDomElement&)>& pred);
 
-/// Adds the record of an object and gives the object's id: `oid`, or a new one where `oid` is below 1. Each
-/// new id, the record's own included, counts `maxId` up by one.
+/// Adds the record of an object and gives the object's id: `oid`, or a new one if `oid` is below 1. Each new
+/// id increments `maxId`, also that of the record itself.
 long long addPredeclaration(QDomElement& predeclarations, QDomDocument& doc, const QString& typeName,
                             long long poid, long long& maxId, const long long& oid,
                             const QList<long long>& refs);
 
-/// Removes the records of that object; true if there was one.
+/// Removes all records of that object. Returns whether there was any.
 bool removePredeclare(QDomElement& predeclarations, long long id);
 
 } // namespace Archive

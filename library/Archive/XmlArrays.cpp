@@ -67,19 +67,19 @@ Elements numberItems(QDomElement& array, const std::function<bool(QDomElement&)>
         if (predicate(data))
             found.push_back(item);
         else
-            setIndex(item, ++index); // also where none is found
+            setIndex(item, ++index); // also if nothing is to be removed
     }
     return found;
 }
 
-bool removeItems(QDomElement& array, const Elements& victims) {
-    if (victims.empty())
+bool removeItems(QDomElement& array, const Elements& items) {
+    if (items.empty())
         return false;
     const long long size = sizeOf(array);
-    for (const QDomElement& victim : victims)
-        array.removeChild(victim);
-    // The old attribute less the removals, not a fresh count: a wrong size stays as wrong as it was.
-    setSize(array, static_cast<long long>(static_cast<unsigned long long>(size) - victims.size()));
+    for (const QDomElement& item : items)
+        array.removeChild(item);
+    // Quirk: the old attribute minus the removals, not a new count: a `size` that was wrong stays wrong.
+    setSize(array, static_cast<long long>(static_cast<unsigned long long>(size) - items.size()));
     return true;
 }
 
@@ -110,7 +110,7 @@ QDomElement prependArrayElement(QDomDocument& doc, QDomElement& array) {
     else
         array.insertBefore(item, first);
     setSize(array, plusOne(sizeOf(array)));
-    // Each index counts up from what it was: gaps stay gaps.
+    // Quirk: each index is incremented, not numbered anew: gaps stay.
     for (QDomElement e = array.firstChildElement(Words::Item); !e.isNull();
          e = e.nextSiblingElement(Words::Item))
         e.setAttribute(Words::index, QString::number(plusOne(e.attribute(Words::index).toLongLong())));

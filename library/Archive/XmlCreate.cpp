@@ -98,7 +98,7 @@ QDomElement value2element<Stored::V14::Transform>(QDomDocument& doc, const QStri
         const double number = transform.*field.member;
         QDomElement e = doc.createElement(QString::fromLatin1(field.name));
         e.setAttribute(Words::type, QStringLiteral("double"));
-        // Four decimals, not the six digits of writeValue: matrices have always been written so.
+        // Quirk: matrices have four decimals, all other doubles six significant digits.
         e.setAttribute(Words::value, QString::number(number, 'f', 4));
         e.setAttribute(Words::binaryData, serializeValue(number));
         object.appendChild(e);

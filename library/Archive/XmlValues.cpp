@@ -43,7 +43,7 @@ MTime extractValue(const QString& text, MTime fallback) {
 
 double extractValue(const QString& text, double fallback) {
     const QByteArray bytes = QByteArray::fromBase64(text.toUtf8());
-    // Too few bytes are a stored 0.0, not a missing number: the fallback has no say.
+    // Quirk: too few bytes read as 0.0, not as the fallback.
     if (bytes.size() < static_cast<int>(sizeof(quint64)))
         return 0.0;
     const double number = std::bit_cast<double>(qFromBigEndian<quint64>(bytes.constData()));

@@ -6,11 +6,11 @@
 namespace Archive {
 namespace {
 
-/// Fetches the elements of a live list by number, as QDomNodeList does, but without building the list again
-/// after a change that left the list alone. That is told from the places around the current element and from
-/// walking on to the next; the first sign of an element of the tag that came or went hands over to the real
-/// list for good. A change far from the current element shows no sign, so where building the list again each
-/// time is cheap anyway, the real list serves from the start.
+/// Gives the same elements as fetching by number from a live QDomNodeList, but avoids building the list again
+/// after each change. It works on a snapshot of the list and checks, before each element, that the tree
+/// around the current element is unchanged. If an element of the tag was added or removed there, it uses the
+/// QDomNodeList from then on. A change far from the current element is not noticed; so in small documents,
+/// where building the list again is cheap, the QDomNodeList is used from the start.
 class LiveList {
 public:
     LiveList(const QDomNode& below, const QString& tag, const QDomNodeList& list)
@@ -25,7 +25,7 @@ public:
 
     QDomElement fetch(std::size_t number) {
         if (m_trusted && number > 0)
-            m_trusted = standsAsBefore(number);
+            m_trusted = isUnchangedBefore(number);
         if (!m_trusted)
             return m_list.item(static_cast<int>(number)).toElement();
         m_before = m_snapshot[number].previousSibling();
@@ -33,7 +33,8 @@ public:
     }
 
 private:
-    /// Nodes to walk over in all when the list is built again for each of its elements: some tenths of a second.
+    /// The most nodes that may be visited in total if the list is built again for each element: some tenths
+    /// of a second.
     static constexpr std::size_t affordableVisits = 10'000'000;
 
     bool hasMoreNodesThan(std::size_t limit) const {
@@ -45,7 +46,7 @@ private:
         return false;
     }
 
-    bool standsAsBefore(std::size_t number) const {
+    bool isUnchangedBefore(std::size_t number) const {
         const QDomElement& previous = m_snapshot[number - 1];
         return isBelow(previous) && previous.previousSibling() == m_before && isBelow(m_snapshot.front()) &&
                m_snapshot.front().previousSibling() == m_beforeFirst && next(previous) == m_snapshot[number];

@@ -13,17 +13,18 @@ class ArchiveEditor;
 
 namespace Util {
 
-/// The step from the XML archive to JSON. A document reader derives from it and gives it a name.
+/// The step that converts the XML archive to JSON. The document reader derives from this class and implements
+/// actualVersion() and name().
 class JsonMigrationAdaptor : public Bundle::IReaderAdaptor {
 public:
-    /// `version` is the schema version under which the converted document goes on; it is handed back as it is.
+    /// `version` is the schema version of the converted document; convert() returns it unchanged.
     explicit JsonMigrationAdaptor(int version) : m_version(version) {}
 
     bool needAdaptForActualVersion(const nlohmann::json& document) const override;
     bool canConvert(Bundle::Backend from, Bundle::Backend to) const override;
     std::pair<int, nlohmann::json> convert(const QDomDocument& document) override;
 
-    /// As convert(), for a document that is not needed any more; see XmlToJsonAdaptor::consume().
+    /// As convert(), for a document that is not needed afterwards; see XmlToJsonAdaptor::consume().
     std::pair<int, nlohmann::json> consume(Archive::Internal::ArchiveEditor archive,
                                            std::set<unsigned long long>& sharedIds);
 

@@ -26,7 +26,7 @@ using Serialize::Json::MetaDetails;
 namespace Util {
 namespace {
 
-// Scalars: the value of an element that holds no other.
+// Scalars: the value of an element without child elements.
 
 template <class Coordinate>
 json convertPoint(const QString& value, Coordinate coordinate) {
@@ -82,10 +82,10 @@ const QHash<QString, Scalar>& scalars() {
     return table;
 }
 
-// Containers: each is a frame on the converter's own stack, so that depth costs memory and never call stack.
+// Containers: each is a frame in a list that replaces recursion, so that depth costs memory, not stack.
 
-/// An object element; `next` is the child to convert next, `key` the member that gets the value that is being converted.
-/// `spent` is the element where it is to be freed.
+/// An object element. `next` is the child to convert next, `key` the member that gets the current value.
+/// `spent` is the element if it is to be freed afterwards.
 struct ObjectFrame {
     json object;
     QDomElement next;
@@ -93,14 +93,14 @@ struct ObjectFrame {
     QDomElement spent;
 };
 
-/// An array element; `item` is the entry that is being converted.
+/// An array element; `item` is the current entry.
 struct ArrayFrame {
     std::vector<json> values;
     QDomElement item;
     bool dataGaveNothing = false;
 };
 
-/// A pair or an entry of a map: parts under fixed names, in the order of conversion.
+/// A pair, or an entry of a map: its parts have fixed names and are converted in this order.
 struct EntryFrame {
     struct Part {
         const char* name;
@@ -125,7 +125,7 @@ json joinValues(std::vector<json> values) {
     return tuple;
 }
 
-/// A map whose entries get readable names; those of all others are "first" and "second".
+/// A map whose entries get names of their own; the entries of all other maps have "first" and "second".
 struct NamedMap {
     const char* keyType;
     const char* valueType;
@@ -141,7 +141,8 @@ constexpr NamedMap namedMaps[] = {
 
 class Conversion {
 public:
-    /// With `sharedIds` objects are freed when they are converted, and embedded objects lose ids of root objects.
+    /// With `sharedIds`, objects are freed after their conversion, and embedded objects that have the id of a
+    /// root object lose it.
     Conversion(ArchiveEditor& archive, std::set<unsigned long long>* sharedIds)
         : m_editor(archive), m_freesObjects(sharedIds != nullptr), m_sharedIds(sharedIds) {}
 
@@ -153,7 +154,8 @@ private:
 
     json convertElement(const QDomElement& element);
 
-    // Each gives the value of an element that holds no other, or pushes the frame that will give it.
+    // Each returns the value of an element without child elements; for any other it pushes a frame and
+    // returns nothing.
     std::optional<json> begin(const QDomElement& element);
     std::optional<json> beginObjectRef(const QDomElement& element, QDomElement& target);
     std::optional<json> beginObject(const QDomElement& element);
@@ -161,8 +163,8 @@ private:
     std::optional<json> beginKeyValueOrPair(const QDomElement& item);
     std::optional<json> beginMapEntry(const QDomElement& item);
 
-    // Each takes the top frame on, with the value that the frame waited for, until it is complete and gives its
-    // own value, or has to wait again for one that a frame above it will give.
+    // Each continues the top frame with the value of the child that was just converted. It returns the value
+    // of the frame when that is complete, or nothing when it has pushed a frame for the next child.
     std::optional<json> resume(ObjectFrame& frame, std::optional<json> value);
     std::optional<json> resume(ArrayFrame& frame, std::optional<json> value);
     std::optional<json> resume(EntryFrame& frame, std::optional<json> value);
@@ -175,13 +177,13 @@ private:
     ArchiveEditor& m_editor;
     QDomElement m_archive;
     bool m_freesObjects;
-    std::set<unsigned long long>* m_sharedIds; ///< null where embedded objects keep their ids
+    std::set<unsigned long long>* m_sharedIds; ///< null if embedded objects keep their ids
     QSet<unsigned long long> m_rootIds;
     QMap<qint64, QString> m_predeclaredTypes;
     QHash<qint64, QDomElement> m_rootObjects;
     QSet<qint64> m_visitedIds;
     qint64 m_nextObjectId = 1;
-    std::deque<Frame> m_frames; // a deque: a frame stays where it is while others are pushed
+    std::deque<Frame> m_frames; // a deque: references to frames stay valid when others are pushed
 };
 
 json Conversion::run() {
@@ -200,7 +202,7 @@ void Conversion::collect() {
     Elements predeclarators;
     for (const auto& [object, type] : m_editor.rootObjectsBelow(m_archive)) {
         if (object.parentNode() != m_archive)
-            m_freesObjects = false; // it may be converted once in its place and once by a reference
+            m_freesObjects = false; // a nested object may be converted twice: where it is, and by a reference
         if (m_sharedIds)
             m_rootIds.insert(Archive::objectIdOf(object));
         if (type == Words::Predeclarator)
@@ -211,12 +213,12 @@ void Conversion::collect() {
     for (const QDomElement& predeclarator : predeclarators)
         collectPredeclarations(predeclarator);
     if (m_freesObjects) {
-        m_editor.invalidate(); // its index holds objects
+        m_editor.invalidate(); // the index would keep objects alive
         for (const QDomElement& predeclarator : predeclarators)
             m_archive.removeChild(predeclarator);
     }
-    // Base class parts are numbered behind the predeclared objects alone: an object that has no predeclaration
-    // may share its id with a part.
+    // Quirk: base class parts get ids above those of the predeclared objects only: an object without a
+    // predeclaration may have the same id as a part.
     if (!m_predeclaredTypes.isEmpty())
         m_nextObjectId = plusOne(m_predeclaredTypes.lastKey());
 }
@@ -241,7 +243,7 @@ std::optional<json> Conversion::begin(const QDomElement& element) {
             QDomElement target;
             if (auto value = beginObjectRef(current, target))
                 return value;
-            current = target; // which may be a reference in turn
+            current = target; // may be a reference, too
             continue;
         }
         if (const Scalar convert = scalars().value(type))
@@ -259,7 +261,7 @@ std::optional<json> Conversion::beginObjectRef(const QDomElement& element, QDomE
         link[MetaDetails::s_meta_reference] = id;
         return link;
     }
-    m_visitedIds.insert(id); // before the object itself: a cycle ends in a link
+    m_visitedIds.insert(id); // before the object is converted, so that a cycle ends with a link
     target = m_rootObjects.take(id);
     return std::nullopt;
 }
@@ -281,7 +283,7 @@ std::optional<json> Conversion::beginObject(const QDomElement& element) {
     return std::nullopt;
 }
 
-/// Whether an embedded object has the id of a root object, where it is to lose it.
+/// Whether this is an embedded object with the id of a root object, and such ids are to be removed.
 bool Conversion::losesId(const QDomElement& element) {
     if (!m_sharedIds || element.tagName() == Words::RootObject)
         return false;
@@ -316,7 +318,8 @@ std::optional<json> Conversion::beginMapEntry(const QDomElement& item) {
     const QString keyType = referencedTypeName(key);
     if (keyType.startsWith(QLatin1String("Transition::")) && isClipPairValue(value)) {
         const QDomElement pair = value.firstChildElement(Words::Item);
-        // The clips come before the transition: an object is written in full at its first reference.
+        // The clips are converted before the transition, since an object is written in full at its first
+        // reference.
         m_frames.push_back(EntryFrame{{{"clipFrom", pair.firstChildElement(Words::First)},
                                        {"clipTo", pair.firstChildElement(Words::Second)},
                                        {"transition", key}}});

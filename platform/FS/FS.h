@@ -3,26 +3,27 @@
 #include <QString>
 #include <QStringList>
 
-/// Path arithmetic. Nothing here opens a file; relative arguments count from the working directory.
+/// Operations on paths as texts. They read no files. Relative arguments are relative to the working
+/// directory.
 namespace FS {
 
-/// The absolute directory of `path`, without its last part.
+/// The absolute path of the directory that contains `path`.
 QString absolutePath(const QString& path);
 
-/// `path` made absolute, with its file name.
+/// The absolute path of `path` itself.
 QString absoluteFilePath(const QString& path);
 
-/// `path` as seen from the directory `base`.
+/// `path` relative to the directory `base`.
 QString toRelativePath(const QString& base, const QString& path);
 
 /// `path` resolved against the directory `base`; an absolute path stays as it is.
 QString fromRelativePath(const QString& base, const QString& path);
 
-/// Whether `path` lies strictly below `root`, on cleaned absolute paths. Nothing lies below an empty root, and
-/// an empty path lies nowhere.
+/// Whether `path` is strictly below the directory `root`; both are made absolute and cleaned first. False if
+/// one of them is empty.
 bool isSubPath(const QString& root, const QString& path);
 
-/// The parts joined by `separator`; an empty separator stands for "/".
+/// The parts joined by `separator`; an empty separator means "/".
 QString joinPath(const QStringList& parts, const QString& separator);
 
 /// The path without ".", "..", repeated or trailing separators.

@@ -2,7 +2,8 @@
 
 #include <QString>
 
-/// Folders of the installed editor. All are empty until set; set them before documents are read or written.
+/// Folders of the installed editor. All are empty until they are set; set them before documents are read or
+/// written. Not thread-safe: the values belong to the process.
 namespace Settings {
 
 QString legacyPackageDeploymentPath();

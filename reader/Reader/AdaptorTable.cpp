@@ -93,8 +93,8 @@ using Bundle::Backend;
 namespace Reader {
 namespace {
 
-/// The name of a class without its namespace, taken from what the compiler calls this function:
-/// "... [with Adaptor = Project::V28_ClipLabelAdaptor; ...]".
+/// The name of a class without its namespace, taken from the compiler's name for this function: "... [with
+/// Adaptor = Project::V28_ClipLabelAdaptor; ...]".
 template <class Adaptor>
 constexpr std::string_view classNameOf() {
     constexpr std::string_view key = "Adaptor = ";
@@ -118,7 +118,7 @@ std::unique_ptr<Adaptor> make(const AdaptorContext& context) {
         return std::make_unique<Adaptor>();
 }
 
-/// A function that makes the adaptor in that form; null where it has no such form.
+/// A function that creates the adaptor in that form; null if it has no such form.
 template <class Form, class Adaptor>
 constexpr auto maker() -> std::unique_ptr<Form> (*)(const AdaptorContext&) {
     if constexpr (std::is_base_of_v<Form, Adaptor>)
@@ -147,7 +147,8 @@ constexpr AdaptorRow adaptor(Stage stage, std::string_view summary) {
     return row<Adaptor>(stage, 0, summary);
 }
 
-// Steps go by number, then by class name; those of version 77 alone in the order in which they need each other.
+// Steps are sorted by number, then by class name. Exception: those of version 77 are in the order in which
+// they depend on each other.
 // clang-format off
 constexpr AdaptorRow table[] = {
     adaptor<OverlayFileContentReadAdaptor>(Stage::AfterLoading, "After loading: texts of overlays come back from side files."),

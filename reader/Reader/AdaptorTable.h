@@ -14,41 +14,42 @@
 #include <string_view>
 #include <vector>
 
-// Threads: the table is constant. Every function here may be called from any thread at any time.
+// Threads: the table is constant. All functions are thread-safe.
 
 namespace Reader {
 
-/// The newest schema version that the steps lead to.
+/// The newest schema version: the one after the last step.
 inline constexpr int currentVersion = 77;
 
 /// The last schema version whose documents are XML archives; all later ones are JSON.
 inline constexpr int lastXmlVersion = 62;
 
-/// What an adaptor may need beside the document.
+/// What an adaptor may need in addition to the document.
 ///
 /// Threads: the side file functions are called on the thread that runs the adaptor.
 struct AdaptorContext {
     QString location;                                            ///< path of the project file
     Bundle::PortableFolders folders;                             ///< of the installed editor
-    std::function<QByteArray(const QString& name)> readSideFile; ///< empty for none
-    std::function<bool(const QString& name, const QByteArray& content)> writeSideFile; ///< false if it can't
+    std::function<QByteArray(const QString& name)> readSideFile; ///< empty if there are no side files
+    std::function<bool(const QString& name, const QByteArray& content)>
+        writeSideFile; ///< returns false on failure
 };
 
-/// When an adaptor runs. The stages are listed in the order in which an archive passes them.
+/// When an adaptor runs. The stages are listed in the order in which they run on an archive.
 enum class Stage {
-    AfterLoading,     ///< first of all on an archive, last of all on a document that was read as JSON
-    BeforeSteps,      ///< on every archive, whatever its version
-    Step,             ///< on documents below the adaptor's number
+    AfterLoading,     ///< first on an archive, last on a document that was read as JSON
+    BeforeSteps,      ///< on every archive of any version
+    Step,             ///< on documents whose version is below the adaptor's number
     BeforeConversion, ///< on every archive that becomes JSON
     AfterSteps,       ///< on every JSON document
     BeforeSaving,     ///< on every JSON document that is saved
     BeforeBundling,   ///< on JSON documents that are saved together with side files
-    OnRequest,        ///< only where it is asked for by name
+    OnRequest,        ///< only if it is requested by name
 };
 
-/// A row of the table: an adaptor, when it runs, and how it is made.
+/// A row of the table: an adaptor, when it runs, and how to create it.
 ///
-/// Threads: constant. Adaptors that it makes belong to the thread that made them.
+/// Threads: a row is constant. An adaptor may be used only by the thread that created it.
 class AdaptorRow {
 public:
     using MakeXml = std::unique_ptr<Bundle::XmlStep> (*)(const AdaptorContext&);
@@ -60,15 +61,15 @@ public:
           m_makeJson(json) {}
 
     Stage stage;
-    int number;                 ///< the schema version that a step leads to; 0 for all others
+    int number;                 ///< the schema version after a step; 0 for all other adaptors
     std::string_view className; ///< without its namespace
-    std::string_view summary;   ///< one sentence for people
+    std::string_view summary;   ///< one sentence for users
 
     bool isStep() const { return stage == Stage::Step; }
     bool hasXml() const { return m_makeXml != nullptr; }
     bool hasJson() const { return m_makeJson != nullptr; }
 
-    /// Make the adaptor in that form. The row must have the form.
+    /// Create the adaptor for documents of that form. The row must have the form: see hasXml() and hasJson().
     std::unique_ptr<Bundle::XmlStep> makeXml(const AdaptorContext& context = {}) const {
         return m_makeXml(context);
     }
@@ -81,20 +82,21 @@ private:
     MakeJson m_makeJson;
 };
 
-/// All adaptors, in the order in which an archive passes them; those on request come last.
+/// All adaptors, in the order in which they run on an archive; those on request come last.
 std::span<const AdaptorRow> adaptorTable();
 
-/// The adaptor of that class name, with or without "Project::"; null for none.
+/// The adaptor of that class name, with or without "Project::"; null if there is none.
 const AdaptorRow* findAdaptor(std::string_view className);
 
 /// The adaptors of a stage other than Stage::Step, in order.
 std::vector<const AdaptorRow*> adaptorsOf(Stage stage);
 
-/// The steps above version `from` and up to `to`, in order. For an archive those that have a form for it; for JSON
-/// all, since a step made for archives only is reported as skipped.
+/// The steps above version `from` and up to `to`, in order. For an archive, only steps that have an XML form.
+/// For JSON all steps: one for archives only is reported as skipped.
 std::vector<const AdaptorRow*> stepsFor(Bundle::Backend form, int from, int to);
 
-/// The steps that a document of that form and version passes on its way to `to`, the conversion between them.
+/// The steps that run on a document of that form and version up to version `to`, before and after the
+/// conversion.
 std::vector<const AdaptorRow*> stepsToRun(Bundle::Backend form, int from, int to);
 
 } // namespace Reader

@@ -28,7 +28,7 @@ unsigned long long idIn(const QDomElement& reference) {
     return reference.attribute(Words::value).toULongLong();
 }
 
-/// Calls `visit` on an element and on all below it, in document order.
+/// Calls `visit` for an element and all its descendants, in document order.
 template <class Visit>
 void walkElements(const QDomElement& top, Visit visit) {
     visit(top);
@@ -49,7 +49,7 @@ QHash<unsigned long long, QDomElement> byId(const TypedElements& rootObjects) {
     return objects;
 }
 
-/// Calls `visit` on each value inside a flat object, the object itself first; the stack is its own.
+/// Calls `visit` for a flat object and each value inside it. Not recursive: depth costs memory, not stack.
 template <class Visit>
 void walkValues(const json& top, Visit visit) {
     std::vector<const json*> open = {&top};
@@ -192,7 +192,7 @@ private:
     PartList m_parts;
 };
 
-/// Follows references from one id to the next. `refersTo(id, found)` calls `found` for each id that the object
+/// Follows references from id to id. `refersTo(id, found)` must call `found` for each id that the object
 /// refers to.
 template <class RefersTo>
 std::set<unsigned long long> follow(unsigned long long root, RefersTo refersTo) {

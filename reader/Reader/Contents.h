@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-// Threads: each function reads the document that it is given, and no other; see Document.
+// Threads: each function reads only its argument; see Document.
 
 namespace Archive::Internal {
 class ArchiveEditor;
@@ -15,19 +15,20 @@ class ArchiveEditor;
 
 namespace Reader {
 
-/// Objects by class name, embedded objects and base class parts included; those that declare others are not.
+/// Counts the objects of each class, including embedded objects and base class parts. Predeclarations are not
+/// counted.
 ObjectCounts countObjects(const Document& document);
 
-/// Whether an element of an archive declares other objects rather than being a part of the project.
+/// Whether an element of that type in an archive only declares other objects.
 bool isDeclaring(const QString& type);
 
-/// A clip that a timeline lists.
+/// A clip in the list of a timeline.
 struct Clip {
     unsigned long long id;
-    std::string name; ///< empty for none
+    std::string name; ///< empty if it has none
 };
 
-/// All clips that the document's timelines list, each once, in document order.
+/// All clips in the lists of the document's timelines, each once, in document order.
 std::vector<Clip> listClips(const Document& document);
 
 /// What a project is made of, as its users see it.

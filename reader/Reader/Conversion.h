@@ -5,9 +5,9 @@
 
 namespace Reader {
 
-/// The conversion that runs behind the last step on archives.
+/// The conversion to JSON. It runs after the last step on archives.
 ///
-/// Threads: one object belongs to one thread at a time.
+/// Threads: not thread-safe.
 class Conversion : public Util::JsonMigrationAdaptor {
 public:
     Conversion() : JsonMigrationAdaptor(lastXmlVersion) {}

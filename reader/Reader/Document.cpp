@@ -19,7 +19,8 @@ constexpr const char* dataKey = "data";
 constexpr const char* formVersionKey = "version";
 constexpr const char* schemaVersionKey = "schemaVersion";
 
-/// The first byte that is no white space, behind a byte order mark; none in a text without content.
+/// The first byte that is no white space, after a byte order mark if there is one. Nothing if there is no
+/// such byte.
 std::optional<char> firstByte(const QByteArray& bytes) {
     int position = bytes.startsWith("\xEF\xBB\xBF") ? 3 : 0;
     while (position < bytes.size() && QByteArray(" \t\r\n").contains(bytes.at(position)))
@@ -31,7 +32,7 @@ std::optional<char> firstByte(const QByteArray& bytes) {
     throw Error(kind, {.file = name, .reason = reason});
 }
 
-constexpr long long greatestVersion = 1000000; // far beyond any that there will be
+constexpr long long greatestVersion = 1000000; // far above any real version
 
 std::optional<int> versionOf(const QDomElement& archive, const QString& name) {
     if (!archive.hasAttribute(versionAttribute))
@@ -93,7 +94,8 @@ Serialized serializeJson(Document document) {
     return result;
 }
 
-/// The same JSON value. Its own copy constructor takes stack for each level of depth, its text does not.
+/// A copy of a JSON value, made through its text: the copy constructor is recursive, so depth would cost
+/// stack.
 json copyOf(const json& value) {
     return parseJson(writeJson(value), QString());
 }

@@ -22,18 +22,19 @@ namespace Reader {
 /// Counts by class name.
 using ObjectCounts = std::map<std::string, std::size_t>;
 
-/// A project in JSON: the flat document, and what else its envelope held.
+/// A project in JSON: the flat document and the other members of its envelope.
 ///
 /// Threads: a plain value.
 struct JsonDocument : FlatDocument {
-    nlohmann::json envelope; ///< without "data" and "schemaVersion"
+    nlohmann::json envelope; ///< all members except "data" and "schemaVersion"
     FlattenNotes notes;
 };
 
-/// A saved project in memory, in one of the two forms. It is moved, not copied: a copy of the XML form would be
-/// another handle of the same tree. clone() makes another document.
+/// A project in memory, in one of the two forms. It can be moved, not copied: a copy of the XML form would
+/// share the tree. clone() gives an independent document.
 ///
-/// Threads: one document belongs to one thread at a time, also for reading; different ones do not disturb each other.
+/// Threads: a document may be used by one thread at a time, also for reading. Different documents are
+/// independent.
 class Document {
 public:
     explicit Document(const QDomDocument& xml, std::optional<int> version = std::nullopt);
@@ -45,17 +46,18 @@ public:
     Bundle::Backend form() const;
     bool isXml() const { return form() == Bundle::Backend::Xml; }
 
-    /// The schema version; none where the document names none.
+    /// The schema version; nothing if the document has none.
     std::optional<int> version() const { return m_version; }
     void setVersion(std::optional<int> version) { m_version = version; }
 
-    /// The content of that form, which the document must have. The non-const xml() hands the tree out to be changed.
+    /// The content. The document must have that form. The non-const xml() is for changing the tree; it
+    /// discards what the parser collected.
     QDomDocument& xml();
     const QDomDocument& xml() const { return std::get<QDomDocument>(m_content); }
     JsonDocument& json() { return std::get<JsonDocument>(m_content); }
     const JsonDocument& json() const { return std::get<JsonDocument>(m_content); }
 
-    /// Another document of the same form, content and version. Depth costs memory, not stack.
+    /// An independent document of the same form, content and version. Depth costs memory, not stack.
     Document clone() const;
 
 private:
@@ -65,32 +67,33 @@ private:
 
     std::variant<QDomDocument, JsonDocument> m_content;
     std::optional<int> m_version;
-    /// What the parser saw of the tree; null for JSON, and once the tree was handed out to be changed.
+    /// What the parser collected about the tree; null for JSON and after a call of the non-const xml().
     std::unique_ptr<Archive::Internal::TreeFacts> m_facts;
 };
 
-/// Reads a project of either form; `name` is the file's name for errors. `version` replaces what the document says of
-/// its schema version, however wrong that is. Throws Error.
+/// Reads a project of either form. `name` is the file's name in errors. `version` replaces the schema version
+/// of the document, even an invalid one. Throws Error.
 ///
-/// Threads: may be called from any thread at any time.
+/// Threads: thread-safe.
 Document parse(const QByteArray& bytes, const QString& name, std::optional<int> version = std::nullopt);
 
-/// Takes the nested value of a JSON project, envelope and all. Throws Error for a wrong envelope.
+/// Reads a project from the JSON value of its file, the envelope. `name` is the file's name in errors. Throws
+/// Error for a wrong envelope.
 ///
 /// Threads: as parse().
 JsonDocument openEnvelope(nlohmann::json envelope, const QString& name);
 
 struct Serialized {
     QByteArray bytes;
-    std::size_t leftOut = 0; ///< objects that nothing reaches from the root and JSON therefore does not hold
+    std::size_t leftOut = 0; ///< objects that can't be reached from the root and are not in the JSON text
 };
 
-/// The project as it is saved, with its schema version. The same document gives the same bytes on every run.
+/// The bytes of a project file, with the schema version. The same document gives the same bytes on every run.
 ///
 /// Threads: as parse().
 Serialized serialize(Document document);
 
-/// What a form is called in messages.
+/// The name of a form in messages.
 QString formName(Bundle::Backend form);
 
 } // namespace Reader

@@ -9,10 +9,10 @@
 
 namespace Reader {
 
-/// What went wrong with a document or a file.
+/// The kinds of errors in reading, migrating and writing.
 enum class ErrorKind {
     Unreadable,         ///< the input can't be opened or read
-    TooLarge,           ///< the input is larger than any project
+    TooLarge,           ///< the input is larger than the limit
     NoRegularFile,      ///< a file to be changed in place is a device, a pipe or a folder
     Empty,              ///< the input has no content
     UnknownForm,        ///< neither XML nor JSON
@@ -24,31 +24,31 @@ enum class ErrorKind {
     BrokenJson,         ///< not well-formed
     WrongEnvelope,      ///< JSON that is no project document
     NoVersion,          ///< the document names no schema version
-    BadVersion,         ///< what it names is no version number
-    TooNew,             ///< a schema version above the newest that is known
-    UnreachableVersion, ///< the version asked for is below the document's, or above the newest
-    NoWayBack,          ///< the version asked for is an archive's and the document is JSON
+    BadVersion,         ///< the schema version of the document is no valid number
+    TooNew,             ///< a schema version above the newest one
+    UnreachableVersion, ///< the requested version is below the document's, or above the newest
+    NoWayBack,          ///< the requested version has archives, but the document is JSON
     UnknownStep,        ///< there is no adaptor of that name
-    NoSuchForm,         ///< the adaptor has no form for the document
-    StepFailed,         ///< an adaptor threw
+    NoSuchForm,         ///< the adaptor can't run on a document of this form
+    StepFailed,         ///< an adaptor threw an exception
     Unwritable,         ///< a file or folder can't be written
-    OutputExists,       ///< a file exists already and is not to be replaced
-    InUse,              ///< another run is at work on the file
-    ChangedMeanwhile,   ///< somebody changed or removed the file during the migration
+    OutputExists,       ///< a file exists and must not be replaced
+    InUse,              ///< the file is locked by another migration
+    ChangedMeanwhile,   ///< another process changed or removed the file during the migration
 };
 
-/// The kind as a word for programs, such as "broken-xml".
+/// The name of a kind in JSON output, such as "broken-xml".
 std::string_view nameOf(ErrorKind kind);
 
 /// Why a file can't be written.
 enum class WriteObstacle {
-    None,         ///< not known
+    None,         ///< unknown
     NoFolder,     ///< its folder is missing
     IsFolder,     ///< a folder has its name
     NotPermitted, ///< this user may not write it
 };
 
-/// What is known of an error; the rest is empty.
+/// The details of an error. Unknown ones are empty.
 struct ErrorFacts {
     QString file = {};                 ///< name of the document, or path of the file
     std::optional<qint64> line = {};   ///< in XML text, from 1
@@ -56,13 +56,13 @@ struct ErrorFacts {
     std::optional<qint64> byte = {};   ///< in JSON text, from 1
     std::string step = {};             ///< class name of an adaptor
     std::optional<int> version = {};   ///< schema version of the document
-    std::optional<int> target = {};    ///< schema version that was asked for
-    std::string reason = {};           ///< details, as a part of a sentence
+    std::optional<int> target = {};    ///< requested schema version
+    std::string reason = {};           ///< further details, as a part of a sentence
     WriteObstacle obstacle = WriteObstacle::None;
 };
 
-/// A document can't be read, migrated or written. what() is a sentence for logs; programs make words for people of
-/// the kind and the facts.
+/// Thrown if a document can't be read, migrated or written. what() is a sentence for logs. Programs create
+/// their messages for users from kind() and facts().
 ///
 /// Threads: a plain value.
 class Error : public std::runtime_error {

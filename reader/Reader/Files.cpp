@@ -22,12 +22,12 @@ namespace {
     throw Error(kind, {.file = path, .reason = reason.toStdString()});
 }
 
-/// A rename is safe on disk only when its folder is.
+/// Syncs the folder of a file. A rename is durable only after that.
 void syncFolder(const QString& path) {
     const QByteArray folder = QFile::encodeName(QFileInfo(path).absolutePath());
     const int descriptor = open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (descriptor < 0)
-        return; // the file is whole either way; only its name could come late
+        return; // the content is safe; only the new name may be lost in a crash
     fsync(descriptor);
     close(descriptor);
 }
@@ -54,7 +54,7 @@ WriteObstacle obstacleTo(const QString& path) {
                 {.file = path, .reason = reason.toStdString(), .obstacle = obstacleTo(path)});
 }
 
-/// A device or a pipe takes the bytes itself: a rename would put a file in its place.
+/// Writes into a device or a pipe. A rename would replace it by a file.
 void writeInto(const QString& path, const QByteArray& bytes) {
     QFile out(path);
     if (!out.open(QIODevice::WriteOnly | QIODevice::Unbuffered) || out.write(bytes) != bytes.size())
@@ -65,7 +65,8 @@ QString systemError() {
     return qt_error_string(errno);
 }
 
-/// A temporary file beside another one. It goes away again unless it takes the other's place.
+/// A temporary file in the folder of another one. The destructor removes it unless it has replaced the other
+/// one.
 class Temporary {
 public:
     explicit Temporary(const QByteArray& path) : m_path(path) {
@@ -73,18 +74,19 @@ public:
             m_name = path + '.' + QByteArray::number(getpid()) + '-' + QByteArray::number(number) + ".tmp";
             m_descriptor = open(m_name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
         }
-        m_stands = m_descriptor >= 0;
+        m_exists = m_descriptor >= 0;
     }
     ~Temporary() {
         if (m_descriptor >= 0)
             close(m_descriptor);
-        if (m_stands)
+        if (m_exists)
             unlink(m_name.constData());
     }
     Temporary(const Temporary&) = delete;
     Temporary& operator=(const Temporary&) = delete;
 
-    /// Writes and syncs all; false with `errno`. A disk may be found full at any of these calls.
+    /// Writes all bytes, syncs and closes. Returns false with `errno` set on failure: each call may find the
+    /// disk full.
     bool write(const QByteArray& bytes) {
         if (m_descriptor < 0 || !writeAll(bytes) || fsync(m_descriptor) != 0)
             return false;
@@ -94,11 +96,12 @@ public:
         return m_descriptor >= 0 && fchmod(m_descriptor, status.st_mode & 07777) == 0;
     }
     bool replace() { return settle(rename(m_name.constData(), m_path.constData()) == 0); }
-    /// Takes the place only where nothing is; a check before that would leave time for another run.
-    bool takeFreePlace() {
+    /// Renames the file only if the target does not exist. A separate check would be a race with other
+    /// processes.
+    bool moveToFreePath() {
         if (renameat2(AT_FDCWD, m_name.constData(), AT_FDCWD, m_path.constData(), RENAME_NOREPLACE) == 0)
             return settle(true);
-        // A link replaces nothing either, where the file system knows no such renaming.
+        // For file systems without that kind of rename: a hard link also fails if the target exists.
         return errno == EINVAL && link(m_name.constData(), m_path.constData()) == 0;
     }
 
@@ -114,17 +117,17 @@ private:
         return true;
     }
     bool settle(bool isDone) {
-        m_stands = !isDone;
+        m_exists = !isDone;
         return isDone;
     }
 
     QByteArray m_path;
     QByteArray m_name;
     int m_descriptor = -1;
-    bool m_stands = false;
+    bool m_exists = false;
 };
 
-/// Where a link leads in the end, whether that is there or not.
+/// The target of a chain of symbolic links. It need not exist.
 QString resolved(QString path) {
     constexpr int mostLinks = 40;
     for (int count = 0; count < mostLinks && QFileInfo(path).isSymLink(); ++count)
@@ -147,14 +150,14 @@ void writeOver(const QString& path, const QByteArray& bytes) {
 
 void writeWhereNothingIs(const QString& path, const QByteArray& bytes) {
     Temporary temporary(QFile::encodeName(path));
-    if (temporary.write(bytes) && temporary.takeFreePlace())
+    if (temporary.write(bytes) && temporary.moveToFreePath())
         return;
     if (errno == EEXIST)
         fail(ErrorKind::OutputExists, path);
     failToWrite(path, systemError());
 }
 
-/// Keeps `bytes`, what the file held, beside it. An earlier backup is never written over.
+/// Writes `bytes`, the old content, to a backup file in the same folder. Never replaces an earlier backup.
 QString keepBackup(const QString& path, const QByteArray& bytes) {
     for (int number = 1;; ++number) {
         QString backup = path + QStringLiteral(".bak") + (number == 1 ? QString() : QString::number(number));
@@ -219,7 +222,7 @@ FileInPlace::FileInPlace(const QString& path)
     try {
         if (!S_ISREG(status.st_mode))
             fail(ErrorKind::NoRegularFile, path);
-        // Where the file system knows no locks, the check before writing is what there is.
+        // If the file system has no locks, only the check before writing protects the file.
         const bool isTaken = flock(m_descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
         if (isTaken || m_state != stateOfPath())
             fail(ErrorKind::InUse, path);

@@ -7,34 +7,36 @@
 
 #include <array>
 
-// Threads: every function here may be called from any thread at any time. A file that two threads write at once has
-// the content of one of them.
+// Threads: all functions are thread-safe. If two threads write a file at once, it has the content of one of
+// them.
 
 namespace Reader {
 
-/// As a path: standard input or output.
+/// The path that means standard input or standard output.
 inline const QString standardStream = QStringLiteral("-");
 
-/// Files larger than this are refused; a tree of one would fill any machine.
+/// In bytes. Larger files are refused: their tree would not fit into memory.
 inline constexpr qint64 greatestFile = qint64(1) << 30;
 
-/// Reads a whole file. Throws Error.
+/// Reads a whole file, or standard input. Throws Error.
 QByteArray readFile(const QString& path);
 
-/// What happens to a file that exists where one is to be written.
+/// Whether writing a file replaces an existing one or throws Error.
 enum class Existing { Replace, Refuse };
 
-/// Writes a whole file by way of a temporary file beside it, synced and renamed: whatever happens, the old file is
-/// there or the new one. A device or a pipe is written into. Throws Error.
+/// Writes a whole file, or standard output. Writes a temporary file in the same folder, syncs and renames it,
+/// so that after a crash there is either the old file or the new one. A device or a pipe is written directly.
+/// Throws Error.
 void writeFile(const QString& path, const QByteArray& bytes, Existing existing = Existing::Replace);
 
-/// A file that is read, changed and written back. While one lives, a second of the same file is refused, and what
-/// others did to the file in the meantime is not written over.
+/// A file that is read, changed and written back. It is locked for as long as the object exists: a second
+/// object for the same file is refused. Changes that others make to the file in the meantime are not
+/// overwritten.
 ///
-/// Threads: one object belongs to one thread at a time.
+/// Threads: not thread-safe.
 class FileInPlace {
 public:
-    /// Throws Error where another run has the file.
+    /// Locks and reads the file. Throws Error, also if it is already locked.
     explicit FileInPlace(const QString& path);
     ~FileInPlace();
     FileInPlace(const FileInPlace&) = delete;
@@ -42,12 +44,12 @@ public:
 
     const QByteArray& bytes() const { return m_bytes; }
 
-    /// Writes the file and keeps what it was as `<path>.bak`, or under a number where such a file exists already.
-    /// Gives the backup's path. Throws Error; the file is as it was then, and no backup is left behind.
+    /// Saves the old content as `<path>.bak`, with a number if such a file exists, and writes the file.
+    /// Returns the backup's path. If it throws Error, the file is unchanged and there is no new backup.
     QString replace(const QByteArray& bytes);
 
 private:
-    /// Differs between any two states of a file: device, file number, size and time of change.
+    /// Identifies a state of a file: device, file number, size and time of change.
     using State = std::array<long long, 5>;
 
     static State stateOf(const struct stat& status);

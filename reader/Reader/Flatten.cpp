@@ -14,7 +14,7 @@ using Serialize::Json::MetaDetails;
 namespace Reader {
 namespace {
 
-/// A place in a walk through nested values: a container and the member whose turn it is.
+/// A position in a walk through nested values: a container and the next member to visit.
 struct Place {
     json* container;
     json::iterator next;
@@ -30,7 +30,7 @@ void setId(json& object, unsigned long long id) {
     object[MetaDetails::s_meta][MetaDetails::s_object_id] = id;
 }
 
-/// Calls `visit` on a value and on all that it holds, an object before what it holds; "@meta" is left out.
+/// Calls `visit` for a value and all values in it, depth-first, except those under "@meta". Not recursive.
 template <class Visit>
 void walk(json& root, Visit visit) {
     std::vector<Place> places;
@@ -61,7 +61,7 @@ public:
 private:
     struct Level {
         Place place;
-        unsigned long long id; ///< of a class object, otherwise 0
+        unsigned long long id; ///< of a class object; 0 for other values
     };
 
     static unsigned long long greatestId(json& root);
@@ -76,7 +76,7 @@ private:
     std::vector<Level> m_levels;
     std::unordered_map<unsigned long long, bool> m_isBasePart; ///< by the ids found so far
     std::vector<json*>
-        m_openLinks; ///< whose id has no object of its own yet; members stay in place when moved
+        m_openLinks; ///< to ids without an own object so far; pointers stay valid when containers are moved
     FlatDocument m_result;
 };
 
@@ -141,7 +141,7 @@ unsigned long long Flattener::takeId(json& object, const std::string* key) {
     m_notes.duplicateIds.push_back(own);
     const unsigned long long id = freshId();
     setId(object, id);
-    // A link means an object of its own rather than a part of another one.
+    // A link refers to an object of its own rather than to a base class part.
     if (first->second && !isBasePart) {
         first->second = false;
         m_notes.redirected[own] = id;
@@ -212,18 +212,18 @@ void Nester::visit(json& value) {
     const unsigned long long id = isEmbedded ? Serialize::Json::getObjectId(value).value_or(0) : target;
     const auto it = m_flat.objects.find(id);
     if (it == m_flat.objects.end())
-        return; // a dangling link, or an object that is nowhere else
+        return; // a dangling link, or an embedded object without an entry
     if (m_written.count(id))
         value = makeLink(id);
     else if (isWritable(it->second))
         writeInFull(value, it->second, id);
-    // Otherwise the entry is no object: the link, or what is embedded here, is all that there is.
+    // Otherwise the entry is no object, and the link or the embedded object stays.
 }
 
 void Nester::writeInFull(json& place, json& entry, unsigned long long id) {
     m_written.insert(id);
     place = std::exchange(entry, json());
-    setId(place, id); // the key in the flat document is what links mean
+    setId(place, id); // links refer to the key in the flat document
 }
 
 } // namespace

@@ -5,37 +5,40 @@
 #include <cstddef>
 #include <vector>
 
-// Threads: every function here may be called from any thread at any time, on values of its own.
+// Threads: all functions are thread-safe for different arguments.
 
 namespace Reader {
 
-/// A document as steps work on it.
+/// The flat document that the steps work on.
 struct FlatDocument {
     Serialize::Json::FlatObject flat;
     unsigned long long root = 0; ///< id of the project's root object
 };
 
-/// What flatten() found to mend.
+/// What flatten() corrected.
 struct FlattenNotes {
-    std::vector<unsigned long long> duplicateIds; ///< ids that a later object had too, ascending, each once
-    std::size_t missingIds = 0;                   ///< objects without an id of their own
-    /// Where links to a duplicate id go now: the first object of that id that is no base class part.
+    std::vector<unsigned long long> duplicateIds; ///< ids that a second object had, ascending, each once
+    std::size_t missingIds = 0;                   ///< number of objects without an id
+    /// For duplicate ids: the new target of their links, which is the first object of the id that is no base
+    /// class part.
     std::map<unsigned long long, unsigned long long> redirected;
 };
 
 /// Whether a value is a class object: an object whose "@meta" is an object.
 bool isClassObject(const nlohmann::json& value);
 
-/// The target of a link: an object with the one key "@meta_reference" and an id above 0. 0 for all else.
+/// The target of a link, which is an object with the single key "@meta_reference" and an id above 0. 0 for
+/// any other value.
 unsigned long long linkTarget(const nlohmann::json& value);
 
-/// Takes a nested document apart: each class object goes into the flat document under its id and leaves a link.
-/// An object whose id is missing, 0 or taken gets a fresh one above all ids of the document, in walking order.
-/// `root` must be a class object. Depth costs memory, not stack. Throws std::length_error where no id is left.
+/// Converts a nested document to a flat one: each class object is stored under its id and replaced by a link.
+/// An object whose id is missing, 0 or used before gets a new one, above all ids of the document. New ids are
+/// assigned depth-first. `root` must be a class object. Depth costs memory, not stack. Throws
+/// std::length_error if no id is left.
 FlatDocument flatten(nlohmann::json root, FlattenNotes& notes);
 
-/// The reverse: each object is written in full at its first reference, in walking order from the root, and as a link
-/// at later ones. `leftOut` becomes the number of objects that nothing reaches. Uses `document` up.
+/// The reverse: each object is written in full at its first reference, depth-first from the root, and as a
+/// link at later ones. `leftOut` is set to the number of objects that can't be reached.
 nlohmann::json nest(FlatDocument document, std::size_t& leftOut);
 
 } // namespace Reader

@@ -100,7 +100,7 @@ void Writer::writeInteger(Integer number) {
     m_text.append(digits.data(), end);
 }
 
-/// What is wrong, out of a text of the library, which leads with its own error number.
+/// The reason in an error text of the JSON library, without the error number at its start.
 std::string reasonIn(const std::string& text, std::string_view end) {
     const auto reason = text.find(end);
     return reason == std::string::npos ? text : text.substr(reason + end.size());
@@ -115,8 +115,8 @@ json parseJson(const QByteArray& bytes, const QString& name) {
         throw Error(
             ErrorKind::BrokenJson,
             {.file = name, .byte = static_cast<qint64>(error.byte), .reason = reasonIn(error.what(), ": ")});
-    } catch (
-        const json::out_of_range& error) { // a number that no double holds; the library does not say where
+    } catch (const json::out_of_range&
+                 error) { // a number out of the range of double; the JSON library gives no position
         throw Error(ErrorKind::BrokenJson, {.file = name, .reason = reasonIn(error.what(), "] ")});
     }
 }

@@ -5,14 +5,14 @@
 #include <QByteArray>
 #include <QString>
 
-// Threads: every function here may be called from any thread at any time.
+// Threads: all functions are thread-safe.
 
 namespace Reader {
 
-/// Reads JSON text; `name` is the file's name for errors. Throws Error with the byte of the first fault.
+/// Reads JSON text. `name` is the file's name in errors. Throws Error with the byte of the first error.
 nlohmann::json parseJson(const QByteArray& bytes, const QString& name);
 
-/// Writes JSON text as nlohmann::json::dump() does, without white space. Depth costs memory, not stack.
+/// Writes the same text as nlohmann::json::dump(), without white space. Depth costs memory, not stack.
 QByteArray writeJson(const nlohmann::json& value);
 
 } // namespace Reader

@@ -30,9 +30,9 @@ void checkRootObject(ArchiveEditor& archive, const QString& name) {
                     {.file = name, .reason = "<RootRef> names the object " + std::to_string(id)});
 }
 
-/// Puts the predeclarations first among the root objects and the project's root object behind them. Their order means
-/// nothing to the format, but some steps take the first timeline that they find, which must be the main one and not a
-/// nested one.
+/// Sorts the root objects: first the predeclarations, then the project's root object. The format gives no
+/// meaning to their order, but some steps use the first timeline that they find, which must be the main one
+/// and not a nested one.
 void sortRootObjects(ArchiveEditor& archive) {
     const QDomElement top = archive.root();
     const auto root = uint64In(top, Words::RootRef);
@@ -57,8 +57,8 @@ void sortRootObjects(ArchiveEditor& archive) {
     }
 }
 
-/// A folder that is not known gets the name of its marker, and no real path is below that: markers in paths become
-/// paths there and markers again.
+/// Replaces each unknown folder by a path with the name of its marker. No real path is below it, so markers
+/// become paths there and then markers again.
 Bundle::PortableFolders withStandIns(Bundle::PortableFolders folders) {
     const auto fill = [](QString& folder, const char* standIn) {
         if (folder.isEmpty())
@@ -81,7 +81,7 @@ Migration::~Migration() = default;
 Migration::Migration(Migration&& other) noexcept = default;
 Migration& Migration::operator=(Migration&& other) noexcept = default;
 
-/// Makes the context of all steps on an archive, from what the parser collected where that is still valid.
+/// Creates the context for all steps on an archive. Uses what the parser collected if that is still valid.
 void Migration::openArchive() {
     const auto facts = std::move(m_document.m_facts);
     m_archive = facts ? std::make_unique<ArchiveEditor>(m_document.xml(), std::move(*facts))
@@ -128,7 +128,7 @@ void Migration::noteInput() {
     m_report.objectsBefore = countObjects(m_document);
 }
 
-/// All that happens to an archive while it is one; the conversion is the last of it.
+/// All stages on an archive, the last being the conversion.
 void Migration::migrateArchive() {
     openArchive();
     m_losses.start(listParts(*m_archive), m_document.form());
@@ -152,7 +152,8 @@ void Migration::migrateArchive() {
 void Migration::convert() {
     checkRootObject(*m_archive, m_options.name);
     Conversion conversion;
-    // Questions of quizzes come out of archives of their own and bring objects along that have ids of the project's.
+    // Questions of quizzes are moved from archives of their own. Objects in them may have ids that the
+    // project uses, too.
     std::set<unsigned long long> sharedIds;
     runNamed(conversion.name().toStdString(), [&] {
         m_document.xml() = QDomDocument(); // the conversion frees what it has converted
@@ -167,7 +168,7 @@ void Migration::convert() {
     duplicateIds.assign(sharedIds.begin(), sharedIds.end());
 }
 
-/// What happens to every JSON document.
+/// The stages on a JSON document.
 void Migration::migrateJson() {
     for (const AdaptorRow* step : stepsFor(Backend::Json, *m_document.version(), m_options.to)) {
         if (!step->hasJson()) {
@@ -241,7 +242,7 @@ QByteArray Migration::write() {
     return std::move(result.bytes);
 }
 
-/// Runs the adaptors of a stage on the document in the form that it has.
+/// Runs the adaptors of a stage in the form of the document.
 void Migration::runStage(Stage stage, const QString& location) {
     const AdaptorContext context = contextAt(location);
     for (const AdaptorRow* row : adaptorsOf(stage))
@@ -257,7 +258,7 @@ void Migration::runAdaptor(const std::string& name, const AdaptorRow& row, const
     });
 }
 
-/// Runs an adaptor: what it logs and throws gets its name.
+/// Runs an adaptor. Its name is added to what it logs and throws.
 void Migration::runNamed(const std::string& name, const std::function<void()>& adapt) {
     {
         const StepLog log(name, m_report.log);
@@ -266,7 +267,7 @@ void Migration::runNamed(const std::string& name, const std::function<void()>& a
         } catch (const Error&) {
             throw;
         } catch (const std::bad_alloc&) {
-            throw; // no fault of the adaptor's
+            throw; // not an error of the adaptor
         } catch (const std::exception& error) {
             throw Error(ErrorKind::StepFailed,
                         {.file = m_options.name, .step = name, .reason = error.what()});

@@ -20,17 +20,17 @@ class ArchiveEditor;
 
 namespace Reader {
 
-/// Brings one project to a newer schema version. The stages, in the order in which a document passes them:
+/// Migrates one project to a newer schema version. The functions, in the order of the calls:
 ///
-///   parse()   bytes become a document of one of the two forms
-///   run()     an archive: texts come back from side files, steps run; where the version asked for is JSON, the
-///             conversion runs, and then the steps on JSON; paths become absolute
-///             JSON: steps run, paths become absolute, texts come back from side files
-///   save()    paths become portable, texts move out to side files
-///   write()   the document becomes bytes
+///   parse()   reads bytes into a document of one of the two forms
+///   run()     for an archive: reads texts from side files and runs the steps; if the requested version is JSON,
+///             runs the conversion and the steps on JSON, and makes paths absolute
+///             for JSON: runs the steps, makes paths absolute, reads texts from side files
+///   save()    makes paths portable, writes texts to side files, gives the bytes
+///   write()   gives the bytes without these changes
 ///
-/// Threads: one migration belongs to one thread at a time. Any number of them run at once in a process: each has its
-/// own document, folders and log lines.
+/// Threads: a migration may be used by one thread at a time. Several migrations may run at once in a process:
+/// each has its own document, folders and log lines.
 class Migration {
 public:
     Migration(Document document, MigrationOptions options);
@@ -38,22 +38,21 @@ public:
     Migration(Migration&& other) noexcept;
     Migration& operator=(Migration&& other) noexcept;
 
-    /// Brings the document to schema version `options.to`. It must have a version. Throws Error; the document is not
-    /// to be saved then.
+    /// Migrates the document to schema version `options.to`. The document must have a version. If it throws
+    /// Error, the document must not be saved.
     void run();
 
-    /// Runs one adaptor, with or without a number, on the document in the form that it is in, and nothing else.
-    /// Throws Error.
+    /// Runs a single adaptor of any stage on the document, without conversion. Throws Error.
     void runOnly(const std::string& className);
 
-    /// Makes the document ready to be saved and gives its bytes; with `toBundle` texts move out to side files. Uses
-    /// the document up. Throws Error.
+    /// Runs the adaptors for saving and gives the bytes of the document. With `toBundle`, texts move to side
+    /// files. The document can't be used afterwards. Throws Error.
     QByteArray save(bool toBundle = false);
 
-    /// The bytes of the document as it is now. Uses the document up.
+    /// Gives the bytes of the document as it is. The document can't be used afterwards.
     QByteArray write();
 
-    /// Not to be looked at once the document is used up.
+    /// Must not be called after save() or write().
     const Document& document() const { return m_document; }
     const MigrationReport& report() const { return m_report; }
 
@@ -75,7 +74,7 @@ private:
 
     MigrationOptions m_options;
     Document m_document;
-    std::unique_ptr<Archive::Internal::ArchiveEditor> m_archive; ///< of the document while it is an archive
+    std::unique_ptr<Archive::Internal::ArchiveEditor> m_archive; ///< null unless the document is an archive
     MigrationReport m_report;
     LossTracker m_losses;
 };

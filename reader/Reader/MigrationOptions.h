@@ -13,28 +13,28 @@ namespace Reader {
 
 class Document;
 
-/// A part of a migration that has ended.
+/// A completed part of a migration.
 struct MigrationPart {
     enum class Kind {
-        Preparation, ///< the document was looked at and put in order; no adaptor has run yet
+        Preparation, ///< the document was checked and its root objects sorted; no adaptor has run yet
         Adaptor,     ///< an adaptor, or the conversion
-        Comparison,  ///< the result was compared with what the document was
+        Comparison,  ///< the result was compared with the input
     };
     Kind kind;
-    std::string name; ///< the class name of an adaptor, "XmlToJson" for the conversion; otherwise empty
+    std::string name; ///< the class name of an adaptor, "XmlToJson" for the conversion, empty for other kinds
 };
 
-/// Where a document comes from, where it is to go, and with what.
+/// The input, the target and the settings of a migration.
 ///
-/// Threads: a plain value. Migrations of several threads take options of their own.
+/// Threads: a plain value. Each migration has its own copy.
 struct MigrationOptions {
-    QString name;     ///< the file's name for errors
-    QString location; ///< path of the project as it is read; relative paths count from its folder
-    QString target;   ///< path of the project as it will be saved
+    QString name;     ///< the file's name in errors
+    QString location; ///< path of the project file that is read; relative paths are relative to its folder
+    QString target;   ///< path of the project file that will be written
     int to = currentVersion;
-    SideFiles sourceFiles{QString()}; ///< side files that the project is read with
-    SideFiles targetFiles{QString()}; ///< side files that it may be saved with
-    /// The installed editor's folders. Where one is empty, its marker stays in paths as it is.
+    SideFiles sourceFiles{QString()}; ///< side files of the input
+    SideFiles targetFiles{QString()}; ///< side files of the output
+    /// The installed editor's folders. If one is empty, its marker is kept in paths.
     Bundle::PortableFolders folders = {};
     /// Gives the document as it was read. Called at the end where something of it was lost, to find the step at which
     /// that happened; the migration runs a second time then. Empty: losses are reported without their step.

@@ -8,7 +8,7 @@
 
 namespace Reader {
 
-/// A line that an adaptor logged.
+/// A warning or an error that an adaptor logged.
 struct LogLine {
     std::string step;     ///< class name of the adaptor
     std::string severity; ///< "WARNING" or "ERROR"

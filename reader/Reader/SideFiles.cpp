@@ -15,17 +15,17 @@
 namespace Reader {
 namespace {
 
-constexpr qint64 greatestSize = qint64(256) << 20; // far beyond any text of a title
+constexpr qint64 greatestSize = qint64(256) << 20; // in bytes, far above any real text of a title
 
 void refuse(const QString& name, const std::string& reason) {
     LOG(ERROR) << "side file \"" << name.toStdString() << "\": " << reason;
 }
 
-/// A file that is open for reading, or none.
+/// The descriptor of a file that is open for reading; invalid on failure.
 class Descriptor {
 public:
     explicit Descriptor(const QString& path)
-        // Not blocking: opening a pipe must not wait for its writer.
+        // Without blocking: opening a pipe must not wait for its writer.
         : m_number(
               open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK)) {}
     ~Descriptor() {
@@ -80,7 +80,7 @@ bool SideFiles::write(const QString& name, const QByteArray& content) const {
         return false;
     const QString path = QDir(m_folder).filePath(name);
     const QFileInfo present(path);
-    // A link would be followed out of the folder, and a pipe waited for.
+    // Writing through a link could leave the folder, and writing to a pipe could block.
     if (present.isSymLink() || (present.exists() && !present.isFile())) {
         refuse(name, "refused, since no regular file is there, so the text stays in the document");
         return false;

@@ -10,10 +10,10 @@
 
 namespace Reader {
 
-/// Adds the warnings and errors that its thread logs while it lives to a list, under the name of a step.
+/// Appends the warnings and errors that its thread logs to a list, under the name of a step, for as long as
+/// the object exists.
 ///
-/// Threads: belongs to the thread that made it. Lines that other threads log at the same time are left to their own
-/// logs.
+/// Threads: records only lines of the thread that created it. Other threads may log at the same time.
 class StepLog : private google::LogSink {
 public:
     StepLog(std::string step, std::vector<LogLine>& lines);

@@ -12,7 +12,7 @@ namespace Reader {
 namespace {
 
 QByteArray bytesOf(const Document& document, std::optional<int> version) {
-    Document copy = document.clone(); // serialising uses one up
+    Document copy = document.clone(); // serialize() consumes its argument
     copy.setVersion(version);
     return serialize(std::move(copy)).bytes;
 }

@@ -12,24 +12,25 @@
 
 namespace Reader {
 
-/// Writes a document after each adaptor that changed it, to find the one that broke it. MigrationOptions::watch calls
-/// note().
+/// Writes the document to a file after each adaptor that changed it, to find the adaptor that broke it. Call
+/// note() from MigrationOptions::watch.
 ///
-/// Threads: belongs to the thread of its migration.
+/// Threads: may be used only by the thread of its migration.
 class Trace {
 public:
-    /// The adaptor's place among those that ran, from 1, and the file with the document as it was after it.
+    /// An adaptor that ran: its position among these, from 1, and the file with the document after it.
     struct Entry {
         int place;
         std::string className;
-        QString file; ///< empty where the adaptor changed nothing
+        QString file; ///< empty if the adaptor changed nothing
     };
 
-    /// Files go to `folder`, which is made where it is missing.
+    /// Files are written to `folder`, which is created if it is missing.
     explicit Trace(const QString& folder, Existing existing = Existing::Refuse)
         : m_folder(folder), m_existing(existing) {}
 
-    /// Files are called by place and class name, "07-V12_ClipPreviewAdaptor.xml". Throws Error.
+    /// Writes the document if the part changed it. The file is named by position and class,
+    /// "07-V12_ClipPreviewAdaptor.xml". Throws Error.
     void note(const MigrationPart& part, const Document& document);
 
     const std::vector<Entry>& entries() const { return m_entries; }
@@ -39,7 +40,7 @@ private:
 
     QString m_folder;
     Existing m_existing;
-    int m_version = 0; ///< that the document has reached
+    int m_version = 0; ///< the current version of the document
     QByteArray m_last; ///< the document after the last part
     std::vector<Entry> m_entries;
 };

@@ -32,7 +32,7 @@ std::string quoted(const QString& text) {
     return '"' + text.toStdString() + '"';
 }
 
-/// A path is for people: what is nested deeper than this shows its innermost parts.
+/// Paths are for users: a longer path is reduced to its innermost parts.
 constexpr std::size_t longestPath = 24;
 
 /// Joins the names of the levels of a walk from `first` on. `nameAt(level)` gives a name.
@@ -55,10 +55,10 @@ bool isNumber(const QString& text, std::size_t number) {
 
 // Archives
 
-/// Which objects an archive has.
+/// The ids of the objects in an archive.
 struct Inventory {
     Ids objects;
-    Ids rootObjects; ///< those that references mean
+    Ids rootObjects; ///< the possible targets of references
     Ids declared;
 };
 
@@ -93,13 +93,13 @@ public:
 private:
     struct Level {
         QString name;
-        std::size_t items = 0;    ///< found so far among the children
-        std::size_t position = 0; ///< among the items of the parent, from 1; 0 for all else
+        std::size_t items = 0;    ///< the children that are items, so far
+        std::size_t position = 0; ///< position among the items of the parent, from 1; 0 if it is no item
     };
     struct Owner {
         std::string className;
         unsigned long long id;
-        std::size_t depth; ///< of its level
+        std::size_t depth; ///< the depth of its element
     };
 
     void enter(const QDomElement& e);
@@ -116,8 +116,9 @@ private:
     const std::set<unsigned long long> m_reachable;
     Ids m_seen;
     std::vector<Level> m_levels;
-    std::vector<Owner> m_owners;  ///< the objects around the place, innermost last
-    std::size_t m_declarator = 0; ///< depth of the object of predeclarations around the place; 0 for none
+    std::vector<Owner> m_owners; ///< the objects that contain the current element, innermost last
+    std::size_t m_declarator =
+        0; ///< depth of the Predeclarator that contains the current element; 0 if there is none
     std::vector<Finding> m_findings;
 };
 
@@ -166,7 +167,7 @@ void ArchiveCheck::checkObject(const QDomElement& e) {
         add(Fault::Unreachable, unreachable);
 }
 
-/// Predeclarations name embedded objects too; all else refers to root objects.
+/// Predeclarations may name embedded objects; all other references name root objects.
 void ArchiveCheck::checkReference(const QDomElement& e) {
     const unsigned long long id = e.attribute(Words::value).toULongLong();
     const bool isDeclaration = m_declarator > 0;
@@ -211,7 +212,7 @@ std::string classOf(const json& object) {
     return name ? *name : std::string();
 }
 
-/// Goes through an object of a flat document with a stack of its own, and finds references that lead nowhere.
+/// Walks through an object of a flat document without recursion and finds dangling references.
 class ObjectCheck {
 public:
     ObjectCheck(const Serialize::Json::FlatObject& flat, std::vector<Finding>& findings)
@@ -259,7 +260,7 @@ void ObjectCheck::enter(const json& value) {
         m_levels.push_back({&value, value.begin()});
 }
 
-/// The key, or the number from 0, of the member that the walk is in.
+/// The key of the current member, or its number from 0.
 std::string ObjectCheck::nameAt(std::size_t number) const {
     const Level& level = m_levels[number];
     const auto member = std::prev(level.next);

@@ -8,34 +8,35 @@
 
 namespace Reader {
 
-/// What can be wrong with a document that can be read all the same.
+/// The kinds of faults in a document that can be read.
 enum class Fault {
-    DanglingReference,   ///< a reference to an object that is not there
-    DuplicateId,         ///< an object whose id another one has already
-    WrongSize,           ///< an array whose `size` is not the number of its items; archives only
-    WrongIndex,          ///< an array item whose `index` is not its place from 1; archives only
+    DanglingReference,   ///< a reference to an object that is missing
+    DuplicateId,         ///< an object with the same id as an earlier one
+    WrongSize,           ///< an array whose `size` differs from the number of its items; archives only
+    WrongIndex,          ///< an array item whose `index` is not its position from 1; archives only
     NotPredeclared,      ///< an object without a predeclaration; archives only
-    StalePredeclaration, ///< a predeclaration that names an object that is not there; archives only
-    Unreachable,         ///< an object that no references lead to from the root object
+    StalePredeclaration, ///< a predeclaration of an object that is missing; archives only
+    Unreachable,         ///< an object that can't be reached by references from the root object
 };
 
-/// A fault and its place.
+/// A fault and where it is.
 struct Finding {
     Fault fault;
-    std::string className;     ///< of the object that has the fault, embedded objects included
+    std::string className;     ///< of the object with the fault, which may be an embedded one
     unsigned long long id = 0; ///< its id
-    std::string path;          ///< from that object to the place, "clips/Item[2]/Key"; empty for itself
-    std::string text;          ///< what is wrong there, for people
-    unsigned long long to = 0; ///< the object that is missing, for a reference
+    std::string
+        path; ///< from that object to the fault, "clips/Item[2]/Key"; empty if it is the object itself
+    std::string text;          ///< what is wrong, for users
+    unsigned long long to = 0; ///< id of the missing object, for a reference
 };
 
 /// The name of a fault in JSON output, "dangling-reference".
 std::string_view nameOf(Fault fault);
 
-/// Looks for every fault, each kind together and in the document's order. The cost is that of a few walks.
-/// In JSON duplicate ids are those of the text as it was read.
+/// Finds all faults, grouped by kind, each kind in document order. The time is linear in the size of the
+/// document. In JSON, duplicate ids are those in the text that was read.
 ///
-/// Threads: reads the document that it is given, and no other; see Document.
+/// Threads: reads only its argument; see Document.
 std::vector<Finding> verify(const Document& document);
 
 } // namespace Reader

@@ -15,20 +15,21 @@
 namespace Reader {
 namespace {
 
-/// Goes over the text's tags without reading what is in them. That costs little beside loading, and the tree need
-/// not be built to know that it is too deep for its own operations. Text that is not well-formed is none of its
-/// business: up to the first error its count is right, and the parser stops there.
+/// Scans the tags of a text for too great a depth and too many attributes, before a tree is built. That takes
+/// little time compared to parsing. Text that is not well-formed need not be handled: the counts are right up
+/// to the first error, where the parser stops.
 class TagScan {
 public:
     explicit TagScan(std::string_view text) : m_text(text) {}
 
-    /// Goes on to the end, or to the first tag that is refused; why is empty at the end.
+    /// Scans up to the end or to the first refused tag. Returns the reason of the refusal; empty if there is
+    /// none.
     QString run();
     std::size_t position() const { return m_position; }
 
 private:
     void skipPast(std::string_view end);
-    /// Expects the position at '<'; gives by how much the depth changes.
+    /// Skips a tag; the position must be at its '<'. Returns the change of depth.
     int passTag();
     bool passStartTag();
 
@@ -111,7 +112,7 @@ std::pair<qint64, qint64> lineAndColumn(std::string_view text, std::size_t posit
             static_cast<qint64>(lineStart == std::string_view::npos ? position + 1 : position - lineStart)};
 }
 
-/// Tags are found in the bytes, so the encoding must be one that writes them as ASCII does.
+/// Tags are searched in the bytes, so the encoding must be compatible with ASCII.
 void refuseForeignEncoding(const QByteArray& bytes, const QString& name) {
     QXmlStreamReader start(bytes.left(1024));
     start.readNext();
@@ -186,7 +187,7 @@ void Writer::begin(const QDomNode& node) {
         m_out.writeComment(node.nodeValue());
         break;
     case QDomNode::ProcessingInstructionNode:
-        if (node.nodeName() != QLatin1String("xml")) // the declaration is written anew
+        if (node.nodeName() != QLatin1String("xml")) // the writer writes its own declaration
             m_out.writeProcessingInstruction(node.nodeName(), node.nodeValue());
         break;
     default:

@@ -10,25 +10,26 @@ struct TreeFacts;
 
 namespace Reader {
 
-/// Archives nested deeper than this are refused; no project comes near. Operations of the tree need stack for each
-/// level, and a step that looks through all below each object looks at what is deep again and again.
+/// Archives nested deeper than this are refused; real projects are far below. Operations on the tree need
+/// stack for each level, and a step that searches all descendants of each object is quadratic in the depth.
 inline constexpr int maxXmlDepth = 10000;
 
-/// Elements with more attributes than this are refused: the parser compares each attribute with all others.
+/// Elements with more attributes than this are refused: the parser compares all attributes of an element with
+/// each other.
 inline constexpr int maxXmlAttributes = 256;
 
-/// Reads XML text; `name` is the file's name for errors. Throws Error with line and column for text that is not
-/// well-formed, for document type declarations (the format has none), and for hostile depth or
-/// numbers of attributes. `facts`, where they are given, get what the tree holds.
+/// Reads XML text. `name` is the file's name in errors. Throws Error with line and column for text that is
+/// not well-formed, for document type declarations (the format has none), and for too great a depth or too
+/// many attributes. If `facts` is not null, it is filled with facts about the tree.
 ///
-/// Threads: may be called from any thread at any time.
+/// Threads: thread-safe.
 QDomDocument parseXml(const QByteArray& bytes, const QString& name,
                       Archive::Internal::TreeFacts* facts = nullptr);
 
-/// Writes a document with sorted attributes, so that the same tree is the same text on every run. Depth costs
-/// memory, not stack.
+/// Writes a document with sorted attributes, so that the same tree gives the same text on every run. Depth
+/// costs memory, not stack.
 ///
-/// Threads: one tree belongs to one thread at a time.
+/// Threads: a tree may be used by one thread at a time.
 QByteArray writeXml(const QDomDocument& document);
 
 } // namespace Reader

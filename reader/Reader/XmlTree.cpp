@@ -14,11 +14,11 @@ using Archive::Internal::TreeFacts;
 namespace Reader {
 namespace {
 
-/// Gives equal strings the same memory, as long as no other pushes them out.
+/// A cache that gives equal strings the same memory. A string with the same hash replaces the cached one.
 template <std::size_t slotCount>
 class StringPool {
 public:
-    /// Calls `look` on each string that was not there.
+    /// Calls `look` for each string that is not in the cache.
     template <class Look>
     QString take(const QStringRef& text, Look look) {
         if (text.isEmpty())
@@ -54,11 +54,11 @@ private:
 
     QXmlStreamReader& m_reader;
     TreeFacts* m_facts;
-    bool m_isPlain = true; ///< by now, within the document element
+    bool m_isPlain = true; ///< for the part of the document element that was read so far
     bool m_showsTypes = true;
     Archive::Internal::GreatestId m_greatest;
     QDomDocument m_document;
-    QDomNode m_node; ///< what is open
+    QDomNode m_node; ///< the current parent
     StringPool<1024> m_names;
     StringPool<4096> m_values;
 };
@@ -100,7 +100,7 @@ QDomDocument Builder::run() {
     return m_document;
 }
 
-/// The tree keeps the text's declaration as a processing instruction.
+/// In the tree, the XML declaration is a processing instruction.
 void Builder::declare() {
     if (m_reader.documentVersion().isEmpty())
         return;
@@ -134,7 +134,7 @@ void Builder::startElement() {
         note(element, tag, type, id);
 }
 
-/// Takes down what is known of an element by now.
+/// Adds an element to the facts.
 void Builder::note(const QDomElement& element, const QString& tag, const QString& type,
                    const std::optional<QString>& objectId) {
     if (tag == Words::RootObject)
@@ -169,13 +169,13 @@ QString Builder::takeValue(const QStringRef& value) {
     return taken;
 }
 
-/// What is nothing but spaces is no content, in a CDATA section neither.
+/// Text of white space only is ignored, also in a CDATA section.
 void Builder::takeCharacters() {
     const QString text = m_reader.text().toString();
     if (text.trimmed().isEmpty())
         return;
     m_isPlain = m_isPlain && !m_reader.isCDATA() && Archive::Internal::isPlainText(text);
-    m_showsTypes = false; // there may be one in the text
+    m_showsTypes = false; // the text itself may name a type
     if (m_reader.isCDATA())
         m_node.appendChild(m_document.createCDATASection(text));
     else

@@ -10,12 +10,12 @@ struct TreeFacts;
 
 namespace Reader {
 
-/// Builds the same tree as QDomDocument::setContent() does from a reader without namespaces, but for memory: equal
-/// names and short values share theirs, so that the tree is smaller and every walk through it finds them in the
-/// processor's cache. After an error, which the reader keeps, the tree is what was read by then. `facts`, where they
-/// are given, get what the tree holds.
+/// Builds the same tree as QDomDocument::setContent() from a reader without namespaces. Equal names and equal
+/// short values share memory, so that the tree is smaller and walks through it are faster. After an error,
+/// which the reader reports, the tree has what was read before it. If `facts` is not null, it is filled with
+/// facts about the tree.
 ///
-/// Threads: may be called from any thread at any time.
+/// Threads: thread-safe.
 QDomDocument buildXmlTree(QXmlStreamReader& reader, Archive::Internal::TreeFacts* facts = nullptr);
 
 } // namespace Reader

@@ -1,4 +1,4 @@
-// Parts of transitions that stand too deep for looking upwards from each of them.
+// Parts of transitions at so great a depth that walking up from each of them would take too long.
 
 #include "Adaptors/Project/V25_TransitionTypeResourceAdaptor.h"
 #include "Adaptors/Project/V47_TransitionDurationAdaptor.h"
@@ -47,7 +47,7 @@ std::map<int, std::string> childrenOfParts(const QDomDocument& document) {
     return result;
 }
 
-TEST(DeepParts, AreCountedByTheRootObjectsAroundThem) {
+TEST(DeepParts, AreCountedByTheRootObjectsThatContainThem) {
     QDomDocument document = transitions();
     Project::V47_TransitionDurationAdaptor().adapt(document);
     const std::map<int, std::string> expected = {{2, "defaultDuration "},

@@ -1,5 +1,5 @@
-// Every identifier that effects and transitions get at version 23, against a list of its own: by identifier, not by
-// number, and without hyphens.
+// Every identifier that effects and transitions get at version 23, compared with a separate list. To be
+// independent, that list is sorted by identifier and has no hyphens.
 
 #include "Adaptors/Project/V23_EffectTransitionIdToStringAdaptor.h"
 

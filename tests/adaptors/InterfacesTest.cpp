@@ -1,4 +1,4 @@
-// The shape of the interfaces: what callers may count on when they hold adaptors.
+// The types of the interfaces: what callers can rely on.
 
 #include "Adaptors/AbstractAdaptorJson.h"
 #include "Adaptors/AbstractAdaptorXml.h"
@@ -29,7 +29,8 @@ static_assert(static_cast<int>(Bundle::Backend::Json) == 1);
 
 template <class T>
 constexpr bool isInterface = std::is_abstract_v<T>&& std::has_virtual_destructor_v<T> &&
-                             sizeof(T) == sizeof(void*); // no data beside the table of operations
+                             sizeof(T) ==
+                                 sizeof(void*); // no data except the pointer to the virtual functions
 static_assert(isInterface<AbstractAdaptorXml>);
 static_assert(isInterface<AbstractAdaptorJson>);
 static_assert(isInterface<IReaderAdaptor>);
@@ -64,7 +65,7 @@ constexpr bool holdsAPath = !std::is_default_constructible_v<T> && std::is_copy_
 static_assert(holdsAPath<Project::PortableLoadAdaptor>);
 static_assert(holdsAPath<Project::PortableSaveAdaptor>);
 
-// The two operations that the document reader defines stay open.
+// The two functions that the document reader implements are pure virtual.
 static_assert(std::is_abstract_v<Util::JsonMigrationAdaptor>);
 static_assert(std::is_base_of_v<IReaderAdaptor, Util::JsonMigrationAdaptor>);
 static_assert(!std::is_base_of_v<IReaderAdaptor, Util::XmlToJsonAdaptor>);
@@ -73,7 +74,7 @@ static_assert(!std::is_base_of_v<AbstractAdaptorJson, Util::XmlToJsonAdaptor>);
 static_assert(std::is_copy_assignable_v<Util::XmlToJsonAdaptor> &&
               std::is_move_assignable_v<Util::XmlToJsonAdaptor>);
 
-TEST(Interfaces, AStepOfBothFormsIsPickedByItsDocument) {
+TEST(Interfaces, AStepOfBothFormsIsSelectedByItsDocument) {
     using Both = Project::V60_CollectionItemDescriptionAdaptor;
     Both adaptor;
     AbstractAdaptorXml& xml = adaptor;

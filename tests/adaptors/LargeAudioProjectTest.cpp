@@ -1,5 +1,5 @@
-// 5,000 clips with three effects each go through every audio and stabilization step. A step whose cost grew
-// with the square of the clips would not come back in time.
+// Runs every audio and stabilization step on 5,000 clips with three effects each. A quadratic step would
+// exceed the time limit.
 
 #include "Archive/Archive.h"
 #include "Archive/Internal/Walk.h"
@@ -15,7 +15,8 @@ namespace {
 
 constexpr int clipCount = 5'000;
 
-/// Ids of a clip are its number times 10: itself, its three effects, and what the first of them owns.
+/// The ids of a clip start at its number times 10: the clip, its three effects, and the parts of the first
+/// effect.
 long long idOf(int clip, int offset) {
     return 10LL * (clip + 1) + offset;
 }

@@ -1,4 +1,5 @@
-// What a parameter of manual enhance may be in memory and no JSON text can say. Archives store doubles bit by bit.
+// Values of parameters of manual enhance that JSON text can't represent. They may be in memory, because
+// archives store doubles bit by bit.
 
 #include "Adaptors/Project/V68_ManualEnhanceEffectAdaptor.h"
 #include "Serialize/Json/FlatObject.h"

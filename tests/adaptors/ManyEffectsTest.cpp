@@ -99,7 +99,7 @@ TEST(ManyEffectsTest, CostGrowsInLineWithTheDocument) {
     QDomDocument small = documentOf(250);
     QDomDocument large = documentOf(16 * 250);
     const double timeOfSmall = timeOfSteps(small);
-    // 16 times in line, 256 times where each clip looks at all others.
+    // 16 times if the cost is linear, 256 times if it is quadratic.
     EXPECT_LT(timeOfSteps(large), 64 * timeOfSmall);
 }
 
@@ -119,7 +119,7 @@ TEST(ManyEffectsTest, OneClipListsThemAll) {
     QDomDocument document = Tests::xml(text.toStdString());
 
     Reader::findAdaptor("V32_ColorFiltersAdaptor")->makeXml()->adapt(document);
-    // The item of the last one alone goes.
+    // Only the item of the last one is removed.
     const QDomElement list = Archive::Internal::firstDescendant(document, "effects");
     EXPECT_EQ(list.attribute("size").toInt(), 2 * effects - 1);
     EXPECT_EQ(list.lastChildElement().attribute("index").toInt(), 2 * effects - 1);

@@ -1,5 +1,5 @@
-// What the case files can't show of the side file adaptors: which names are asked for, what exactly is handed out,
-// and that the adaptors can be copied.
+// The side file adaptors, where case files are not enough: which files are requested, which bytes are
+// written, and that the adaptors can be copied.
 
 #include "Adaptors/OverlayFileContentReadAdaptor.h"
 #include "Adaptors/OverlayFileContentWriteAdaptor.h"
@@ -29,7 +29,7 @@ json& addItem(FlatObject& document, const QByteArray& encodedText) {
     return *item;
 }
 
-TEST(OverlayFileContent, OnlyNamesOfSideFilesAreAskedFor) {
+TEST(OverlayFileContent, OnlySideFilesAreRequested) {
     FlatObject document;
     addItem(document, "content_2.svg");
     addItem(document, "TWFu");
@@ -43,7 +43,7 @@ TEST(OverlayFileContent, OnlyNamesOfSideFilesAreAskedFor) {
     EXPECT_EQ(names, QStringList({"content_2.svg", "content_"}));
 }
 
-TEST(OverlayFileContent, BytesThatAreNoTextComeBackWhole) {
+TEST(OverlayFileContent, BytesThatAreNoTextAreReadCompletely) {
     FlatObject document;
     const json& item = addItem(document, "content_1.svg");
     OverlayFileContentReadAdaptor adaptor([](const QString&) { return QByteArray("\xff\x00\xfe", 3); });
@@ -51,7 +51,7 @@ TEST(OverlayFileContent, BytesThatAreNoTextComeBackWhole) {
     EXPECT_EQ(item.at("encodedText"), "/wD+");
 }
 
-TEST(OverlayFileContent, BytesThatAreNoTextGoOutAsUtf8) {
+TEST(OverlayFileContent, BytesThatAreNoTextAreWrittenAsUtf8) {
     FlatObject document;
     addItem(document, QByteArray("<svg \xff/>").toBase64());
     QByteArray written;

@@ -1,4 +1,4 @@
-// Steps that are no finite numbers: their bits differ between machines, so a case file can't hold them.
+// Steps that are no finite numbers: their bits differ between machines, so they can't be in a case file.
 
 #include "Adaptors/Project/V16_PanZoomAdaptor.h"
 
@@ -63,7 +63,7 @@ void expectUndefinedSteps(const QDomDocument& document) {
         EXPECT_EQ(entry.readableStep, "nan");
         EXPECT_TRUE(std::isnan(entry.step));
     }
-    // No step is less than another, so the later key value goes ahead.
+    // No step is less than another, so the later key value is inserted before the earlier one.
     EXPECT_EQ(entries[0].m11, 2.0);
     EXPECT_EQ(entries[1].m11, 1.0);
 }
@@ -74,12 +74,13 @@ TEST(PanZoomTest, StepsOfAClipWithoutTimingAreUndefined) {
 
 TEST(PanZoomTest, StepsOfAnEmptySourceAreUndefined) {
     expectUndefinedSteps(migrated(3, 0, 0));
-    // Infinite less infinite, and zero times infinite.
+    // Infinity minus infinity, and 0 times infinity.
     expectUndefinedSteps(migrated(3, 1000, -1000));
 }
 
 TEST(PanZoomTest, StepsInAnEmptySourceAreInfinite) {
-    // 0 * inf + inf is undefined, 0.25 * inf + inf infinite, which goes ahead: no step is less than it.
+    // 0 * inf + inf is NaN, 0.25 * inf + inf is infinite. The latter is inserted first: no step is less than
+    // it.
     const auto entries = keyValuesOf(migrated(3, 1000, 1000));
     ASSERT_EQ(entries.size(), 2U);
     EXPECT_EQ(entries[0].readableStep, "inf");

@@ -1,5 +1,5 @@
-// Steps on resources, collections and previews, where a case of documents is not enough: great documents, and
-// documents that no file can hold.
+// Steps on resources, collections and previews, where case files are not enough: large documents, and trees
+// that no file can represent.
 
 #include "Adaptors/Project/V12_ClipPreviewAdaptor.h"
 #include "Adaptors/Project/V34_NoPreviewAdaptor.h"
@@ -18,14 +18,14 @@ using Tests::ArchiveBuilder;
 
 namespace {
 
-// So many that a step that walks them all for each of them does not come to an end in time.
+// So many that a quadratic step would exceed the time limit of the test.
 constexpr int many = 20'000;
 
 int countOf(const char* tag, const QDomDocument& document) {
     return document.elementsByTagName(tag).length();
 }
 
-TEST(NoPreview, RecordsGoAsIfOneAfterTheOther) {
+TEST(NoPreview, RecordsAreRemovedAsIfOneByOne) {
     ArchiveBuilder sample;
     for (const long long id : {10, 20, 30, 20, 40, 50})
         sample.addDeclared(id % 20 == 0 ? "StaticPreview::ImageObject" : "Video", id);

@@ -1,4 +1,4 @@
-// The step works on the tree where the tree says what its text would: the result is that of the text.
+// The step changes the tree if that gives the same result as changing its text: the results are compared.
 
 #include "Adaptors/Project/V44_StringPtrToStringAdaptor.h"
 #include "support/Compare.h"
@@ -19,7 +19,7 @@ void changeText(QDomDocument& document) {
 
 class StringPtrText : public testing::TestWithParam<const char*> {};
 
-TEST_P(StringPtrText, IsThatOfTheText) {
+TEST_P(StringPtrText, IsTheSameAsOnTheText) {
     QDomDocument expected = Tests::xml(GetParam());
     QDomDocument document = Tests::xml(GetParam());
     changeText(expected);
@@ -55,7 +55,7 @@ INSTANTIATE_TEST_SUITE_P(
         "<Archive><x:b x:type=\"StringPtr\"/></Archive>",
         "<Archive xmlns=\"urn:a\"><b type=\"StringPtr\"/></Archive>"));
 
-TEST(StringPtrText, LosesWhatTheTextCantCarry) {
+TEST(StringPtrText, LosesWhatTheTextCantRepresent) {
     const auto make = [] {
         QDomDocument document = Tests::xml("<Archive><a type=\"StringPtr\"/></Archive>");
         document.documentElement().setAttribute("note", QString(QChar(0x1)));

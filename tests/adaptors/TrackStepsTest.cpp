@@ -1,4 +1,4 @@
-// The steps of version 77 on tracks: their order, and a track that no case file can hold.
+// The steps of version 77 on tracks: their order, and a track that no case file can contain.
 
 #include "Reader/AdaptorTable.h"
 #include "support/Documents.h"
@@ -32,7 +32,7 @@ TEST(TrackSteps, OrderWithinVersion77) {
     EXPECT_EQ(names, expected);
 }
 
-/// Two hundred thousand lists, each within the one before.
+/// 200,000 nested lists.
 json deepValue() {
     json value;
     for (int level = 0; level < 200000; ++level) {

@@ -1,5 +1,4 @@
-// What the case files can't show of the step to version 40: a question text that nests very deeply, and many
-// quizzes.
+// The step to version 40, where case files are not enough: a deeply nested question text, and many quizzes.
 
 #include "Adaptors/Project/V40_RemoveQuizFromOverlayAdaptor.h"
 #include "support/Documents.h"
@@ -28,7 +27,7 @@ QDomDocument archive(const QString& objects) {
                           objects.toStdString());
 }
 
-TEST(V40RemoveQuizFromOverlay, TextThatNestsVeryDeeplyHasNoQuestion) {
+TEST(V40RemoveQuizFromOverlay, TextThatIsNestedVeryDeeplyHasNoQuestion) {
     constexpr int depth = 200'000;
     const QString text = QStringLiteral("<Archive><RootObject type='Quiz::Question'/>") +
                          QStringLiteral("<a>").repeated(depth) + QStringLiteral("</a>").repeated(depth) +
@@ -52,8 +51,8 @@ TEST(V40RemoveQuizFromOverlay, EachOfManyClipsGetsItsQuiz) {
     EXPECT_EQ(document.elementsByTagName(QStringLiteral("questions")).length(), clips);
 }
 
-TEST(V40RemoveQuizFromOverlay, IdsBehindATextErrorInTheFieldThatChangesDoNotCount) {
-    // The vertical tab is no character of XML. A tree can hold it, and the scan for the greatest id stops there.
+TEST(V40RemoveQuizFromOverlay, IdsAfterATextErrorInTheChangedFieldDoNotCount) {
+    // XML forbids the vertical tab. A tree can contain it, and the scan for the greatest id stops there.
     QDomDocument document = archive(quizClip(3, 7, QStringLiteral("<RootObject type='Quiz::Question'/>")) +
                                     QStringLiteral("<RootObject type='Timeline::Track' objectId='50'/>"));
     document.elementsByTagName(QStringLiteral("overlay"))

@@ -1,5 +1,5 @@
-// What the case files don't show of the step to version 46: what it logs and which ids it takes where several
-// timelines get a title each.
+// The step to version 46, where case files are not enough: its log lines and new ids if several timelines get
+// a title.
 
 #include "Adaptors/Project/V46_TransitionToClipPairAdaptor.h"
 #include "Archive/Internal/Walk.h"
@@ -66,7 +66,7 @@ std::vector<long long> idsOf(const QDomDocument& document, const QString& tag, c
     return ids;
 }
 
-/// The ids of the added presets. A title takes twenty ids, of which its preset has the second.
+/// The ids of the added presets. A title uses twenty ids; its preset has the second one.
 std::vector<long long> presetIds(const QDomDocument& document) {
     return idsOf(document, Words::RootObject, QStringLiteral("Overlay::Preset"));
 }
@@ -82,7 +82,8 @@ TEST(V46TransitionToClipPair, EverySearchReportsWhatItPasses) {
     const QString empty = QStringLiteral("<Item type='Item'/>");
     adapted(
         archive(record(30) + empty + record(20) + record(10), timeline(10) + timeline(20) + timeline(30)));
-    // Timeline 30 passes none, 20 the reference of 30 and the empty entry, 10 these and the reference of 20.
+    // The search for timeline 30 passes no such entry, that for 20 the reference of 30 and the empty entry,
+    // that for 10 these and the reference of 20.
     EXPECT_EQ(log.lines(), std::vector<std::string>(5, dataIsNull));
 }
 
@@ -93,7 +94,8 @@ TEST(V46TransitionToClipPair, TimelinesOfOneIdShareTheirRecord) {
         adapted(archive(record(20, refs) + record(10), timeline(10) + timeline(20) + timeline(20)));
     const auto records = Archive::Internal::elements(document, Words::Data, Words::Predeclare);
     EXPECT_EQ(records.front().firstChildElement(Words::refs).attribute(Words::size), QStringLiteral("3"));
-    // Both timelines 20 find their record at once; 10 passes the entry that was there and the two references.
+    // Both timelines 20 find their record first. The search for 10 passes the old entry and the two
+    // references.
     EXPECT_EQ(log.lines(), std::vector<std::string>(3, dataIsNull));
 }
 
@@ -105,8 +107,8 @@ TEST(V46TransitionToClipPair, AReferenceIsAddedBehindARecordWithinTheRecord) {
     EXPECT_THAT(log.lines(), ElementsAre());
 }
 
-// A comment makes the step look for the greatest id in the text, each time anew.
-TEST(V46TransitionToClipPair, IdsAreTheSameHoweverTheyAreFound) {
+// Because of the comment the step scans the text for the greatest id, again each time.
+TEST(V46TransitionToClipPair, IdsAreTheSameFromTreeAndText) {
     const QString records = record(20) + record(10) + record(30);
     const QString timelines = timeline(10) + timeline(20) + timeline(30);
     QDomDocument commented = adapted(archive(records, timelines + QStringLiteral("<!-- by hand -->")));
@@ -120,7 +122,7 @@ TEST(V46TransitionToClipPair, IdsAreTheSameHoweverTheyAreFound) {
     EXPECT_EQ(Tests::difference(commented, adapted(archive(records, timelines))), "");
 }
 
-TEST(V46TransitionToClipPair, AnIdThatGoesWithTransitionHalfCountsNoMore) {
+TEST(V46TransitionToClipPair, AnIdThatIsRemovedWithTransitionHalfIsNotCounted) {
     const QString half = QStringLiteral("<transitionHalf type='int64_t' value='5' objectId='1000'/>");
     const QString deep = QStringLiteral("<transitionHalf><a objectId='1000'/></transitionHalf>");
     for (const QString& timing : {half, deep}) {
@@ -130,7 +132,7 @@ TEST(V46TransitionToClipPair, AnIdThatGoesWithTransitionHalfCountsNoMore) {
     }
     const QDomDocument document =
         adapted(archive(record(10) + record(20), timeline(10) + timeline(20, half)));
-    // Timeline 20 takes 1001 to 1020.
+    // Timeline 20 uses the ids 1001 to 1020.
     EXPECT_THAT(presetIds(document), ElementsAre(1002, 1022));
 }
 
@@ -140,12 +142,12 @@ TEST(V46TransitionToClipPair, ATimelineWithinTheRecordsAddsEntriesToThem) {
     const QDomDocument document =
         adapted(archive(within.arg(timeline(20)) + record(10) + record(20), timeline(10)));
     EXPECT_THAT(presetIds(document), ElementsAre(26, 46));
-    // The search for 10 passes the clip of 20. That for 20 passes it too, then the two items of the
-    // transition that 20 lists by now, and the reference of 10.
+    // The search for 10 passes the clip of 20. That for 20 passes it, too, then the two items of the
+    // transition that 20 lists by then, and the reference of 10.
     EXPECT_EQ(log.lines(), std::vector<std::string>(5, dataIsNull));
 }
 
-TEST(V46TransitionToClipPair, NothingStaysForTheNextDocument) {
+TEST(V46TransitionToClipPair, NothingIsKeptForTheNextDocument) {
     Project::V46_TransitionToClipPairAdaptor adaptor;
     for (int run = 0; run < 2; ++run) {
         QDomDocument document = archive(record(10), timeline(10));

@@ -1,5 +1,5 @@
-// What the case files can't show of the step to version 69: the text of the filler clip, timelines that nest very
-// deeply, and many clips.
+// The step to version 69, where case files are not enough: the text of the filler clip, deeply nested
+// timelines, and many clips.
 
 #include "Adaptors/Project/V69_RemoveQuizzesAdaptor.h"
 #include "Serialize/Json/FlatObject.h"
@@ -41,7 +41,7 @@ TEST(V69RemoveQuizzes, FillerShowsTheWordQuiz) {
     EXPECT_TRUE(text.contains("background-color:transparent;\">Quiz</span></p></body></html><!--"));
 }
 
-TEST(V69RemoveQuizzes, TimelinesMayNestDeeply) {
+TEST(V69RemoveQuizzes, TimelinesMayBeNestedDeeply) {
     constexpr int depth = 30'000;
     FlatObject document;
     json* timeline = document.createObject("Timeline::Object");
@@ -55,12 +55,12 @@ TEST(V69RemoveQuizzes, TimelinesMayNestDeeply) {
     const auto before = document.objects.size();
     Project::V69_RemoveQuizzesAdaptor().adapt(document);
 
-    EXPECT_EQ(document.objects.size(), before + 8); // the filler of the innermost
+    EXPECT_EQ(document.objects.size(), before + 8); // the filler of the innermost timeline
     const auto filler = Serialize::Json::getAnyObjectId((*innermost)["clips"].at(0)["clip"]);
     EXPECT_EQ(document.objects.at(filler.value()).at("name"), "SimpleText");
 }
 
-TEST(V69RemoveQuizzes, EveryOtherOfManyClipsGoes) {
+TEST(V69RemoveQuizzes, EverySecondOfManyClipsIsRemoved) {
     constexpr int pairs = 10'000;
     FlatObject document;
     json clips = json::array();

@@ -1,4 +1,4 @@
-// The index of an editor holds what a search of the document gives, after every kind of change.
+// After every kind of change, the index of an editor agrees with a search of the document.
 
 #include "Archive/Internal/ArchiveEditor.h"
 #include "Archive/Internal/Reading.h"
@@ -30,7 +30,7 @@ protected:
         m_array = firstDescendant(m_root, Words::predeclarations);
     }
 
-    /// Makes a change while the index knows everything.
+    /// Makes a change while the whole index is cached.
     template <class Change>
     void expectSameAfter(Change change) {
         ArchiveEditor archive(m_document);
@@ -113,7 +113,7 @@ TEST_F(ArchiveEditorTest, AppendsObjectsInsideOthers) {
     expectSameAfter([&](ArchiveEditor& archive) { archive.appendObject(m_first, "rect", "R", 20); });
 }
 
-TEST_F(ArchiveEditorTest, AppendsObjectsThatWereMadeBefore) {
+TEST_F(ArchiveEditorTest, AppendsObjectsThatWereCreatedBefore) {
     ArchiveEditor archive(m_document);
     const QDomElement object = newObject(archive, 9);
     EXPECT_EQ(Tests::indexDifference(archive), "");
@@ -227,7 +227,7 @@ TEST_F(ArchiveEditorTest, ChangesTypes) {
     });
 }
 
-TEST_F(ArchiveEditorTest, LeavesListsThatWereHandedOutAsTheyWere) {
+TEST_F(ArchiveEditorTest, DoesNotChangeEarlierResults) {
     ArchiveEditor archive(m_document);
     const TypedElements before = archive.rootObjects();
     archive.setType(m_first, "Z");
@@ -249,7 +249,7 @@ TEST_F(ArchiveEditorTest, RenamesObjects) {
     EXPECT_TRUE(ArchiveEditor(m_document).root().isNull());
 }
 
-TEST_F(ArchiveEditorTest, TakesElementsOfOtherDocuments) {
+TEST_F(ArchiveEditorTest, AcceptsElementsOfOtherDocuments) {
     const auto import = [&](const char* text) {
         expectSameAfter([&](ArchiveEditor& archive) {
             QDomDocument other;
@@ -263,7 +263,7 @@ TEST_F(ArchiveEditorTest, TakesElementsOfOtherDocuments) {
     import("<x><Archive/></x>");
 }
 
-TEST_F(ArchiveEditorTest, KeepsTheRecords) {
+TEST_F(ArchiveEditorTest, UpdatesTheRecords) {
     expectSameAfter([&](ArchiveEditor& archive) {
         EXPECT_EQ(archive.declare("T"), 8);
         EXPECT_EQ(archive.declareAs(7, "T", 2, {1, 3}), 7);
@@ -281,8 +281,8 @@ TEST_F(ArchiveEditorTest, KeepsTheRecords) {
     expectSameAfter([&](ArchiveEditor& archive) { archive.remove(m_array); });
 }
 
-TEST_F(ArchiveEditorTest, UndeclaresAsIfAtOnce) {
-    // Each way in a document of its own, the second by the plain functions, one call after the other.
+TEST_F(ArchiveEditorTest, UndeclaresAsIfOneByOne) {
+    // Two equal documents: one is changed by the editor, the other by the plain functions, call by call.
     QDomDocument plain = m_document.cloneNode().toDocument();
     m_array.setAttribute(Words::size, QStringLiteral("70"));
     QDomElement array = firstDescendant(plain, Words::predeclarations);
@@ -324,16 +324,16 @@ TEST_F(ArchiveEditorTest, RemembersWhichRecordsAreNumbered) {
     EXPECT_EQ(Tests::indexDifference(archive), "");
 }
 
-TEST_F(ArchiveEditorTest, TakesThePredeclarationsThatWereThereBeforeRemovals) {
+TEST_F(ArchiveEditorTest, UsesThePredeclarationsFromBeforeRemovals) {
     expectSameAfter([&](ArchiveEditor& archive) {
         archive.remove(m_array.parentNode().toElement());
-        archive.declare("T"); // goes with the array
+        archive.declare("T"); // removed together with the array
         EXPECT_EQ(archive.predeclarations(), m_array);
     });
     expectSameAfter([&](ArchiveEditor& archive) { EXPECT_TRUE(archive.predeclarations().isNull()); });
 }
 
-TEST_F(ArchiveEditorTest, GivesIdsBehindThoseThatWereThereWhenTheyWereStarted) {
+TEST_F(ArchiveEditorTest, GivesIdsAboveTheGreatestAtTheStart) {
     expectSameAfter([&](ArchiveEditor& archive) {
         archive.startIds();
         archive.remove(m_last);
@@ -345,7 +345,7 @@ TEST_F(ArchiveEditorTest, GivesIdsBehindThoseThatWereThereWhenTheyWereStarted) {
     });
 }
 
-TEST_F(ArchiveEditorTest, ScansTheTextWhereTheTreeMayHoldOtherIds) {
+TEST_F(ArchiveEditorTest, ScansTheTextIfTheTreeMayHaveOtherIds) {
     expectSameAfter(
         [&](ArchiveEditor& archive) { archive.fields(m_first).string("name", QString(QChar(1))); });
     // The reader of the text stops at the control character: ids behind it do not count.
@@ -370,7 +370,7 @@ TEST_F(ArchiveEditorTest, KeepsScannedIdsUpToDate) {
     });
 }
 
-TEST_F(ArchiveEditorTest, KnowsWhetherTheTextShowsTypes) {
+TEST_F(ArchiveEditorTest, ReportsWhetherTheTextShowsTypes) {
     const auto shows = [&](auto change) {
         TreeFacts facts;
         facts.archives = 1;

@@ -1,5 +1,5 @@
 // Stored doubles are the same to the last bit on every machine: no product is fused with a sum, which would
-// leave out a rounding.
+// omit a rounding.
 
 #include "Archive/Internal/Transforms.h"
 
@@ -9,7 +9,7 @@
 
 #include <cmath>
 
-// On x86-64 only a function that may use the instruction could be compiled to it.
+// On x86-64 the compiler uses the instruction only in a function that is marked to allow it.
 #if defined(__x86_64__)
 #define MAY_FUSE __attribute__((noinline, target("fma")))
 #else
@@ -18,8 +18,8 @@
 
 namespace {
 
-// (1 + e)(1 - e) is 1 - e squared, which rounds to 1: the unfused sum is 0, the fused one -e squared. Volatile,
-// so that the sum is made when the test runs.
+// (1 + e)(1 - e) is 1 - e squared, which rounds to 1: the unfused sum is 0, the fused one -e squared.
+// Volatile, so that the sum is computed when the test runs.
 constexpr double e = 0x1p-30;
 const volatile double a = 1.0 + e;
 const volatile double b = 1.0 - e;
@@ -37,7 +37,7 @@ bool hasInstruction() {
 #endif
 }
 
-TEST(FloatContractTest, NumbersTellFusedFromUnfused) {
+TEST(FloatContractTest, NumbersDistinguishFusedFromUnfused) {
     EXPECT_EQ(std::fma(a, b, c), -0x1p-60);
     const volatile double product = a * b;
     EXPECT_EQ(product + c, 0.0);

@@ -30,13 +30,13 @@ Texts walk(QDomDocument doc, const std::function<void(QDomElement&)>& change) {
 
 const char* const four = "<a><b id='1'/><b id='2'/><in><b id='3'/></in><b id='4'/></a>";
 
-TEST(ForEachChild, MeetsAllDescendantsInDocumentOrder) {
+TEST(ForEachChild, VisitsAllDescendantsInDocumentOrder) {
     EXPECT_THAT(
         walk(xml("<b id='0'><b id='1'><x/><b id='2'/></b><c><b id='3'/></c></b>"), [](QDomElement&) {}),
         ElementsAre("0", "1", "2", "3"));
 }
 
-TEST(ForEachChild, BelowAnElementTheElementItselfIsNotMet) {
+TEST(ForEachChild, BelowAnElementTheElementItselfIsNotVisited) {
     QDomElement e =
         rootOf("<a><b id='1'><b id='2'/><c><b id='3'/></c></b><b id='4'/></a>").firstChildElement();
     Texts met;
@@ -44,7 +44,7 @@ TEST(ForEachChild, BelowAnElementTheElementItselfIsNotMet) {
     EXPECT_THAT(met, ElementsAre("2", "3"));
 }
 
-TEST(ForEachChild, NothingToMeet) {
+TEST(ForEachChild, NothingToVisit) {
     QDomDocument empty;
     QDomElement none;
     int calls = 0;
@@ -65,7 +65,7 @@ TEST(ForEachChild, RemovingTheCurrentElementSkipsEverySecond) {
     EXPECT_EQ(textOf(doc.documentElement()), "a [b id=2, in, b id=4]");
 }
 
-TEST(ForEachChild, AddingBeforeTheCurrentElementMeetsItAgain) {
+TEST(ForEachChild, AddingBeforeTheCurrentElementVisitsItAgain) {
     const Texts met = walk(xml(four), [](QDomElement& e) {
         QDomElement added = e.ownerDocument().createElement("b");
         added.setAttribute("id", "new");
@@ -74,7 +74,7 @@ TEST(ForEachChild, AddingBeforeTheCurrentElementMeetsItAgain) {
     EXPECT_THAT(met, ElementsAre("1", "1", "1", "1"));
 }
 
-TEST(ForEachChild, AddingBehindTheCurrentElementMeetsTheNewOne) {
+TEST(ForEachChild, AddingAfterTheCurrentElementVisitsTheNewOne) {
     int added = 0;
     const Texts met = walk(xml(four), [&](QDomElement& e) {
         QDomElement next = e.ownerDocument().createElement("b");
@@ -84,7 +84,7 @@ TEST(ForEachChild, AddingBehindTheCurrentElementMeetsTheNewOne) {
     EXPECT_THAT(met, ElementsAre("1", "new1", "new2", "new3"));
 }
 
-TEST(ForEachChild, AddingBelowTheCurrentElementMeetsTheNewOne) {
+TEST(ForEachChild, AddingBelowTheCurrentElementVisitsTheNewOne) {
     int added = 0;
     const Texts met = walk(xml(four), [&](QDomElement& e) {
         QDomElement child = e.ownerDocument().createElement("b");
@@ -94,7 +94,7 @@ TEST(ForEachChild, AddingBelowTheCurrentElementMeetsTheNewOne) {
     EXPECT_THAT(met, ElementsAre("1", "new1", "new2", "new3"));
 }
 
-TEST(ForEachChild, AddingAtTheEndIsNotMetSinceTheLengthIsReadOnce) {
+TEST(ForEachChild, AddingAtTheEndIsNotVisitedSinceTheLengthIsReadOnce) {
     QDomDocument doc = xml(four);
     const Texts met =
         walk(doc, [&](QDomElement&) { doc.documentElement().appendChild(doc.createElement("b")); });
@@ -111,7 +111,7 @@ TEST(ForEachChild, RemovingAnEarlierElementFarAwaySkipsOne) {
     EXPECT_THAT(met, ElementsAre("1", "2", "3", "4", "6", "null"));
 }
 
-TEST(ForEachChild, AddingAnEarlierElementFarAwayMeetsOneTwice) {
+TEST(ForEachChild, AddingAnEarlierElementFarAwayVisitsOneTwice) {
     QDomDocument doc = xml("<a><c/><b id='1'/><b id='2'/><b id='3'/><b id='4'/></a>");
     const Texts met = walk(doc, [&](QDomElement& e) {
         if (idOf(e) == "3")
@@ -120,7 +120,7 @@ TEST(ForEachChild, AddingAnEarlierElementFarAwayMeetsOneTwice) {
     EXPECT_THAT(met, ElementsAre("1", "2", "3", "3"));
 }
 
-TEST(ForEachChild, RemovingWhatIsLeftGivesNullElements) {
+TEST(ForEachChild, RemovingTheRestGivesNullElements) {
     QDomDocument doc = xml(four);
     const Texts met = walk(doc, [&](QDomElement&) {
         if (!doc.documentElement().isNull())
@@ -129,7 +129,7 @@ TEST(ForEachChild, RemovingWhatIsLeftGivesNullElements) {
     EXPECT_THAT(met, ElementsAre("1", "null", "null", "null"));
 }
 
-TEST(ForEachChild, ElementsOfOtherTagsMayComeAndGo) {
+TEST(ForEachChild, ElementsOfOtherTagsMayBeAddedAndRemoved) {
     QDomDocument doc = xml("<a><b id='1'><c/></b><c/><b id='2'><c/></b><c/><b id='3'><c/></b></a>");
     const Texts met = walk(doc, [&](QDomElement& e) {
         e.removeChild(e.firstChildElement("c"));
@@ -142,7 +142,7 @@ TEST(ForEachChild, ElementsOfOtherTagsMayComeAndGo) {
     EXPECT_EQ(textOf(doc.documentElement()), "a [d, b id=1 [d], d, b id=2 [d], d, b id=3 [d]]");
 }
 
-// More elements than a list that is built again after each call could bear: 3,400 of them.
+// So many elements that building the list again after each call would take too long: 3,400.
 
 QDomDocument manyElements(int count) {
     QDomDocument doc;
@@ -156,7 +156,7 @@ QDomDocument manyElements(int count) {
     return doc;
 }
 
-TEST(ForEachChild, InABigDocumentAddingToEachElementMeetsEachOnce) {
+TEST(ForEachChild, InABigDocumentAddingToEachElementVisitsEachOnce) {
     QDomDocument doc = manyElements(100'000);
     int expected = 0;
     Archive::forEachChild(doc, "b", [&](QDomElement& e) {
@@ -183,7 +183,7 @@ TEST(ForEachChild, InABigDocumentRemovingTheCurrentElementSkipsEverySecond) {
     EXPECT_EQ(nulls, 1'700);
 }
 
-TEST(ForEachChild, InABigDocumentAddingBeforeOrBehindShiftsTheRest) {
+TEST(ForEachChild, InABigDocumentAddingBeforeOrAfterShiftsTheRest) {
     QDomDocument doc = manyElements(3'400);
     std::vector<int> met;
     Archive::forEachChild(doc, "b", [&](QDomElement& e) {
@@ -205,10 +205,10 @@ TEST(ForEachChild, InABigDocumentAddingBeforeOrBehindShiftsTheRest) {
     EXPECT_EQ(met.back(), 3'397);
 }
 
-// The same as a plain loop over such a list, whatever the callback does.
+// Gives the same as a plain loop over such a list, whatever the callback does.
 
-/// The same changes on two equal documents: elements come, go, move and change their tags, also the one below
-/// which the walk goes and those above it.
+/// Makes the same changes on two equal documents: elements are added, removed, moved and renamed, also the
+/// element below which the walk runs and its ancestors.
 class Changes {
 public:
     Changes(unsigned seed, bool fromDocument) : m_random(seed), m_fromDocument(fromDocument) {
@@ -263,8 +263,8 @@ private:
         else if (kind < 7)
             move(other, another);
         else if (kind == 7)
-            other.setTagName(other.tagName() == "b" ? "c"
-                                                    : "b"); // the list sees it after the next change of place
+            other.setTagName(
+                other.tagName() == "b" ? "c" : "b"); // the list reads it after the next change of the tree
         else if (kind == 8)
             other.setAttribute("changed", m_added);
     }
@@ -281,7 +281,7 @@ private:
     static void move(const QDomElement& e, const QDomElement& to) {
         for (QDomNode up = to; !up.isNull(); up = up.parentNode()) {
             if (up == e)
-                return; // not below itself
+                return; // not into itself
         }
         if (!e.parentNode().isDocument())
             QDomElement(to).appendChild(e);
@@ -298,7 +298,7 @@ private:
 
 class ForEachChildAsALiveList : public testing::TestWithParam<bool> {};
 
-TEST_P(ForEachChildAsALiveList, MeetsTheSame) {
+TEST_P(ForEachChildAsALiveList, VisitsTheSame) {
     for (unsigned seed = 0; seed < 1000; ++seed) {
         Changes expected(seed, GetParam());
         Changes actual(seed, GetParam());

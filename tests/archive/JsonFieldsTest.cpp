@@ -66,7 +66,7 @@ TEST(JsonFields, AnythingElseIsATypeError) {
     }
 }
 
-TEST(JsonFields, ListsAreLookedUpWithoutATrace) {
+TEST(JsonFields, LookingUpAListCreatesNoKey) {
     json object = {{"list", {1, 2}}, {"text", "no list"}};
     const json before = object;
     EXPECT_EQ(entriesOf(object, "list"), json::array_t({1, 2}));

@@ -45,7 +45,7 @@ TEST(FlatObjectKeys, AreTheFormatsOwn) {
     EXPECT_EQ(std::string(MetaDetails::s_object_id), "object_id");
 }
 
-// Making objects and references.
+// Creating objects and references.
 
 TEST(FlatObjectCreate, FirstIdIsOne) {
     FlatObject document;
@@ -57,14 +57,14 @@ TEST(FlatObjectCreate, FirstIdIsOne) {
     EXPECT_EQ(document.objects.size(), 2U);
 }
 
-TEST(FlatObjectCreate, IdFollowsTheGreatestAndGapsStay) {
+TEST(FlatObjectCreate, IdIsTheGreatestPlusOneAndGapsStay) {
     FlatObject document = documentOf({{"A", 3}, {"A", 40}});
     EXPECT_EQ(*document.createObject("B"), object("B", 41));
     document.objects.erase(41);
-    EXPECT_EQ(*document.createObject("C"), object("C", 41)); // by what stands there, not by what once stood
+    EXPECT_EQ(*document.createObject("C"), object("C", 41)); // by the objects that exist now
 }
 
-TEST(FlatObjectCreate, IdGoesByTheKeysOfTheMap) {
+TEST(FlatObjectCreate, IdIsComputedFromTheKeysOfTheMap) {
     FlatObject document;
     document.objects[7] = object("A", 100);
     EXPECT_EQ(*document.createObject("B"), object("B", 8));
@@ -85,7 +85,7 @@ TEST(FlatObjectCreate, IdIsAnUnsignedNumber) {
     EXPECT_TRUE((*document.createObject("A"))["@meta"]["object_id"].is_number_unsigned());
 }
 
-TEST(FlatObjectCreate, PointersStayGood) {
+TEST(FlatObjectCreate, PointersStayValid) {
     FlatObject document;
     json* first = document.createObject("A");
     for (int i = 0; i < 1000; ++i)
@@ -124,7 +124,7 @@ TEST(FlatObjectSelect, ByExactClass) {
     FlatObject document = documentOf(
         {{"Effect::Lut", 1}, {"Effect::Object", 2}, {"Effect::Objects", 3}, {"Effect::Object", 4}});
     document.objects[1]["Effect::Object"] = document.createRef(Id{2});
-    // The base parts are objects of their own: the effect that refers to one is not among them.
+    // Base parts are objects of their own: the effect that refers to one is not selected.
     EXPECT_THAT(document.objectsByClassName("Effect::Object"),
                 UnorderedElementsAre(&document.objects.at(2), &document.objects.at(4)));
     EXPECT_THAT(document.objectsByClassName("effect::object"), IsEmpty());
@@ -139,7 +139,7 @@ TEST(FlatObjectSelect, ByClassesIsTheUnion) {
     EXPECT_THAT(document.objectsByClassNames({}), IsEmpty());
 }
 
-TEST(FlatObjectSelect, SeesObjectsAsTheyStandNow) {
+TEST(FlatObjectSelect, ReadsTheCurrentObjects) {
     FlatObject document = documentOf({{"A", 1}, {"A", 2}});
     document.objects.at(1)["@meta"]["class_name"] = "B";
     document.objects.erase(2);
@@ -148,7 +148,7 @@ TEST(FlatObjectSelect, SeesObjectsAsTheyStandNow) {
     EXPECT_EQ(document.firstObjectByClassName("B"), &document.objects.at(1));
 }
 
-TEST(FlatObjectSelect, WhatHasNoClassIsPassedOver) {
+TEST(FlatObjectSelect, ObjectsWithoutAClassAreSkipped) {
     FlatObject document;
     document.objects[1] = json::array({1, 2});
     document.objects[2] = nullptr;
@@ -235,7 +235,7 @@ TEST(FlatObjectIds, OfAnythingElseAreEmpty) {
     }
 }
 
-TEST(FlatObjectIds, AreReadWithoutLeavingAKey) {
+TEST(FlatObjectIds, AreReadWithoutCreatingAKey) {
     json value = {{"field", 1}};
     getObjectId(value);
     getReferenceObjectId(value);
@@ -294,7 +294,7 @@ TEST(FlatObjects, MissingIdHasOneText) {
     EXPECT_EQ(document.objects.size(), 1U);
 }
 
-TEST(FlatObjects, MemberIsReadWithoutLeavingAKey) {
+TEST(FlatObjects, MemberIsReadWithoutCreatingAKey) {
     const json value = {{"a", 1}, {"n", nullptr}};
     EXPECT_EQ(Archive::Internal::memberOf(value, "a"), json(1));
     EXPECT_TRUE(Archive::Internal::memberOf(value, "n").is_null());
@@ -304,9 +304,9 @@ TEST(FlatObjects, MemberIsReadWithoutLeavingAKey) {
     EXPECT_EQ(value.size(), 2U);
 }
 
-// The toolkit proper.
+// Functions on the flat document.
 
-TEST(CloneObject, HasANewIdAndAllElseOfTheSource) {
+TEST(CloneObject, HasANewIdAndTheRestOfTheSource) {
     FlatObject document = documentOf({{"Timeline::Track", 3}, {"Timeline::Clip", 8}});
     json& source = document.objects.at(3);
     source["@meta"]["extra"] = "kept";
@@ -330,14 +330,14 @@ TEST(CloneObject, ById) {
     EXPECT_EQ(clone, &document.objects.at(4));
 }
 
-TEST(CloneObject, OfAnUnknownIdMakesNothing) {
+TEST(CloneObject, OfAnUnknownIdCreatesNothing) {
     FlatObject document = documentOf({{"A", 3}});
     EXPECT_EQ(Archive::cloneObject(document, 4), nullptr);
     EXPECT_EQ(Archive::cloneObject(document, greatestId), nullptr);
     EXPECT_EQ(document.objects.size(), 1U);
 }
 
-TEST(CloneObject, WithoutAClassNameThrowsAndMakesNothing) {
+TEST(CloneObject, WithoutAClassNameThrowsAndCreatesNothing) {
     const auto throwsText =
         ThrowsMessage<std::invalid_argument>(StrEq("Have not class_name tag in json object"));
     for (const json& bad : {json{{"field", 1}}, json(), json::array(), json{{"@meta", {{"object_id", 1}}}},
@@ -365,7 +365,7 @@ TEST(CloneObject, OfAnObjectOutsideTheDocument) {
     EXPECT_EQ(outside["@meta"]["object_id"], 90);
 }
 
-TEST(CreateRef, OfATransformMakesAnObject) {
+TEST(CreateRef, OfATransformCreatesAnObject) {
     FlatObject document = documentOf({{"A", 3}});
     const Stored::V14::Transform transform{1, 0.5, -0.25, 2, 3, 4, 5, 6, 7};
     EXPECT_EQ(Archive::createRef(document, transform), json({{"@meta_reference", 4}}));
@@ -406,7 +406,7 @@ TEST(RenameChild, OfANullValueIsARenameToo) {
     EXPECT_EQ(value.dump(), "{\"new\":null}");
 }
 
-TEST(RenameChild, TakesNamesThatAreParts) {
+TEST(RenameChild, AcceptsNamesThatAreParts) {
     json value = {{"fadeInDuraion", 1}};
     const std::string_view text = "fadeInDuraion, fadeInDuration";
     Archive::renameChild(value, text.substr(0, 13), text.substr(15));

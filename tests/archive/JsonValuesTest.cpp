@@ -10,7 +10,7 @@ using nlohmann::json;
 
 namespace {
 
-TEST(CopiedValue, HoldsAllThatTheValueHolds) {
+TEST(CopiedValue, HasTheWholeContent) {
     for (const char* text :
          {"null", "true", "-2", "18446744073709551615", "1.0", "\"text\"", "[]", "{}",
           R"({"a":[1,[2,[],{}],{"b":null,"c":{"d":[false,0.5]}}],"b":"","z":{"y":[[[3]]]}})"}) {
@@ -32,7 +32,7 @@ bool equal(const char* left, const char* right) {
     return areEqual(json::parse(left), json::parse(right));
 }
 
-TEST(EqualValues, AreLikeInEverything) {
+TEST(EqualValues, AreEqualInEveryPart) {
     EXPECT_TRUE(equal(R"({"a":[1,{"b":[]}],"c":null})", R"({"c":null,"a":[1,{"b":[]}]})"));
     EXPECT_TRUE(equal("[1, 2]", "[1.0, 2]"));
     EXPECT_TRUE(equal("null", "null"));

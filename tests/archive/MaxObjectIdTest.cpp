@@ -1,5 +1,5 @@
-// The greatest object id: scanning a text for it, and searching the tree, which gives what scanning the written text
-// gives, whatever a tree holds.
+// The greatest object id: scanning a text for it, and searching the tree, which must give the same as
+// scanning the written text, for any tree.
 
 #include "Archive/Internal/ArchiveEditor.h"
 #include "Archive/Xml.h"
@@ -26,7 +26,7 @@ TEST(MaxObjectId, StartsAtOne) {
     EXPECT_EQ(Archive::getMaxObjectId("no xml"), 1);
 }
 
-TEST(MaxObjectId, LooksAtEveryElementAndOnlyAtObjectId) {
+TEST(MaxObjectId, ReadsObjectIdOfEveryElement) {
     EXPECT_EQ(Archive::getMaxObjectId("<a objectId='3'><b><c objectId='12'/></b><d objectId='5'/></a>"), 12);
     EXPECT_EQ(Archive::getMaxObjectId("<a objectId='3' oid='90'><oid value='91'/><poid value='92'/></a>"), 3);
     EXPECT_EQ(Archive::getMaxObjectId("<a objectid='9' ObjectId='9' objectIds='9'/>"), 1);
@@ -51,7 +51,7 @@ TEST(MaxObjectId, StopsAtTheFirstError) {
     EXPECT_EQ(Archive::getMaxObjectId("<a objectId='4'><b objectId='5'"), 4);
 }
 
-/// What the tree gives must be what the text gives.
+/// Searching the tree must give the same as scanning the text.
 void expectSame(const QDomDocument& document, const std::string& what) {
     const QByteArray text = document.toByteArray(1);
     EXPECT_EQ(Archive::Internal::ArchiveEditor(document).greatestId(), Archive::getMaxObjectId(text))
@@ -63,7 +63,7 @@ QDomDocument sample() {
     return xml("<a objectId='5'><b objectId='6'/></a>");
 }
 
-TEST(MaxObjectId, TreeAndTextAgreeOnWhatWasRead) {
+TEST(MaxObjectId, TreeAndTextAgreeOnParsedDocuments) {
     const char* const texts[] = {
         "<a/>",
         "<a objectId='5'><b objectId='9'/></a>",
@@ -105,9 +105,9 @@ TEST(MaxObjectId, TreeAndTextAgreeOnWhatWasRead) {
     }
 }
 
-TEST(MaxObjectId, TreeAndTextAgreeOnWhatTheDomAloneCanHold) {
+TEST(MaxObjectId, TreeAndTextAgreeOnContentThatOnlyTheDomCanHave) {
     const auto document = [] { return xml("<a objectId='5'><b objectId='6'/></a>"); };
-    // Texts that no parser gives, but a step may have set.
+    // Texts that no parser gives, but that a step may set.
     for (const int unit : {0x0, 0x1, 0x8, 0xB, 0x1F, 0x7F, 0x85, 0xD800, 0xDC00, 0xFFFD, 0xFFFE, 0xFFFF}) {
         QDomDocument inAttribute = document();
         inAttribute.documentElement().setAttribute("n",
@@ -167,7 +167,7 @@ TEST(MaxObjectId, TreeAndTextAgreeOnDeclarations) {
     expectSame(late, "declaration inside");
 }
 
-TEST(MaxObjectId, RunningIdsAreSearchedForOnce) {
+TEST(MaxObjectId, TheGreatestIdIsSearchedForOnce) {
     QDomDocument document = xml("<a objectId='5'/>");
     Archive::Internal::ArchiveEditor archive(document);
     EXPECT_EQ(archive.nextId(), 6);
@@ -227,11 +227,11 @@ TEST(MaxObjectIdOfTree, LongNamesEndTheScan) {
     }
 }
 
-TEST(MaxObjectIdOfTree, LongTextsAndMuchOfThemDoNot) {
+TEST(MaxObjectIdOfTree, LongTextsDoNotEndTheScan) {
     QDomDocument document = sample();
     document.documentElement().setAttribute("n",
                                             QString(200000, 'x') + QString::fromUtf8("\xf0\x9f\x8e\xac"));
-    for (int shift = 0; shift < 4; ++shift) { // halves of a character on either side of a buffer's end
+    for (int shift = 0; shift < 4; ++shift) { // a character that is split at the end of a buffer
         QString text(shift, 'x');
         for (int i = 0; i < 40000; ++i)
             text += QString::fromUtf8("\xf0\x9f\x8e\xac");
@@ -308,7 +308,7 @@ TEST(MaxObjectIdOfTree, NumbersAsTextsWriteThem) {
     }
 }
 
-/// A tree of nodes of all kinds with texts that a file may not hold, most of it plain.
+/// A tree of nodes of all kinds, most of them plain, with texts that a file can't contain.
 class RandomTree {
 public:
     explicit RandomTree(unsigned seed) : m_random(seed) {}

@@ -1,4 +1,4 @@
-// Portable paths where the working directory plays a part, and there and back again.
+// Portable paths that depend on the working directory, and conversion in both directions.
 
 #include "Adaptors/Project/PortableLoadAdaptor.h"
 #include "Adaptors/Project/PortableSaveAdaptor.h"
@@ -37,12 +37,12 @@ protected:
     }
 };
 
-TEST_F(PortablePaths, ARootThatIsNotAbsoluteHereIsMadeSoAtLoad) {
+TEST_F(PortablePaths, ARelativeRootIsMadeAbsoluteAtLoad) {
     setFolders({}, "C:/models", {});
     EXPECT_EQ(loaded("#AI_MODELS_ROOT#/net.bin"), QDir::currentPath() + "/C:/models/net.bin");
 }
 
-TEST_F(PortablePaths, ALocationThatIsRelativeCountsFromTheWorkingDirectory) {
+TEST_F(PortablePaths, ARelativeLocationIsRelativeToTheWorkingDirectory) {
     const QString here = QDir::currentPath();
     EXPECT_EQ(loaded("media/a.mp4", "film/project.json"), here + "/film/media/a.mp4");
     EXPECT_EQ(loaded("media/a.mp4", "project.json"), here + "/media/a.mp4");
@@ -50,13 +50,13 @@ TEST_F(PortablePaths, ALocationThatIsRelativeCountsFromTheWorkingDirectory) {
     EXPECT_EQ(saved(here + "/a.mp4", "film/project.json"), QString("../a.mp4"));
 }
 
-TEST_F(PortablePaths, ARelativePathBelowARootByTheWorkingDirectoryTakesItsMarker) {
+TEST_F(PortablePaths, ARelativePathBelowARootInTheWorkingDirectoryGetsItsMarker) {
     setFolders(QDir::currentPath(), {}, {});
     EXPECT_EQ(saved("media/a.mp4"), QString("#PACKAGES_ROOT#/media/a.mp4"));
-    EXPECT_EQ(saved(""), QString()); // an empty path lies nowhere, not even here
+    EXPECT_EQ(saved(""), QString()); // an empty path is in no folder, not even in the working directory
 }
 
-TEST_F(PortablePaths, EachCallAsksTheSettingsAnew) {
+TEST_F(PortablePaths, EachCallReadsTheSettingsAgain) {
     Project::PortableSaveAdaptor save("/projects/project.json");
     Project::PortableLoadAdaptor load("/projects/project.json");
     setFolders("/one", {}, {});
@@ -76,7 +76,7 @@ TEST_F(PortablePaths, ACopyHasThePathOfItsSource) {
     EXPECT_EQ(through(Project::PortableSaveAdaptor(source), "/projects/holiday/a"), QString("a"));
 }
 
-TEST_F(PortablePaths, BelowARootThereAndBackIsTheNormalForm) {
+TEST_F(PortablePaths, BelowARootSavingAndLoadingGivesTheNormalForm) {
     setFolders("/opt/editor/packages", "/opt/editor/packages/models", "/home/user/downloads/");
     for (const QString path : {"/opt/editor/packages/a.svg", "/opt/editor//packages/./a/../b.svg",
                                "/opt/editor/packages/models/net.bin", "/home/user/downloads/music/",
@@ -84,20 +84,20 @@ TEST_F(PortablePaths, BelowARootThereAndBackIsTheNormalForm) {
                                "/opt/editor/packages/#AI_MODELS_ROOT#/a", "/home/user/downloads/..."}) {
         EXPECT_EQ(loaded(saved(path)), QDir::cleanPath(path)) << path.toStdString();
         EXPECT_EQ(saved(saved(path)), saved(path)) << path.toStdString();
-        // Not only in this folder: the marker moves along.
+        // Not only in this folder: the marker is resolved in another one.
         EXPECT_EQ(loaded(saved(path), "/other/project.json"), QDir::cleanPath(path)) << path.toStdString();
     }
 }
 
-TEST_F(PortablePaths, OutsideTheRootsThereAndBackIsTheSameFile) {
+TEST_F(PortablePaths, OutsideTheRootsSavingAndLoadingGivesTheSameFile) {
     for (const QString path : {"/projects/holiday/a.mp4", "/projects/a.mp4", "/media/x/../a.mp4", "/"})
         EXPECT_EQ(QDir::cleanPath(loaded(saved(path))), QDir::cleanPath(path)) << path.toStdString();
-    // It moves with the project.
+    // It is relative to the project, which may be moved.
     EXPECT_EQ(loaded(saved("/projects/holiday/a.mp4"), "/moved/project.json"), QString("/moved/a.mp4"));
     EXPECT_EQ(loaded(saved("")), QString());
 }
 
-TEST_F(PortablePaths, TheOldValueStaysWhereAFieldCannotBeRead) {
+TEST_F(PortablePaths, TheOldValueStaysIfAFieldCannotBeRead) {
     FlatObject document;
     json* object = document.createObject("Stabilization::Object");
     (*object)["pathStabilized"] = "/projects/holiday/a";
@@ -110,7 +110,7 @@ TEST_F(PortablePaths, TheOldValueStaysWhereAFieldCannotBeRead) {
         EXPECT_STREQ(error.what(), "[json.exception.type_error.302] type must be string, but is null");
     }
     EXPECT_EQ((*object)["pathStabilized"], "/projects/holiday/a");
-    EXPECT_FALSE(object->contains("pathOriginal")); // looked up, and no key is left behind
+    EXPECT_FALSE(object->contains("pathOriginal")); // the lookup created no key
 }
 
 } // namespace

@@ -8,7 +8,7 @@ using Tests::xml;
 
 namespace {
 
-TEST(StartIdsTest, CountsWhatWasAppended) {
+TEST(StartIdsTest, CountsAppendedObjects) {
     ArchiveEditor archive(xml("<Archive objectId='7'><b objectId='3'/></Archive>"));
     archive.startIds();
     EXPECT_EQ(archive.nextId(), 8);
@@ -19,7 +19,7 @@ TEST(StartIdsTest, CountsWhatWasAppended) {
     EXPECT_EQ(archive.nextId(), 13);
 }
 
-TEST(StartIdsTest, DoesNotCountWhatWasRemovedBefore) {
+TEST(StartIdsTest, DoesNotCountObjectsThatWereRemovedBefore) {
     ArchiveEditor archive(xml("<Archive objectId='7'><b objectId='9'/></Archive>"));
     archive.startIds();
     archive.removeField(archive.root(), "b");
@@ -28,7 +28,7 @@ TEST(StartIdsTest, DoesNotCountWhatWasRemovedBefore) {
     EXPECT_EQ(archive.nextId(), 8);
 }
 
-TEST(StartIdsTest, CountsWhatWasAppendedBesideAComment) {
+TEST(StartIdsTest, CountsAppendedObjectsNextToAComment) {
     ArchiveEditor archive(xml("<Archive objectId='7'><!-- by hand --></Archive>"));
     archive.startIds();
     EXPECT_EQ(archive.nextId(), 8);
@@ -40,8 +40,8 @@ TEST(StartIdsTest, CountsWhatWasAppendedBesideAComment) {
     EXPECT_EQ(archive.nextId(), 8);
 }
 
-// Reading the text stops at the prefix, which nothing declares.
-TEST(StartIdsTest, CountsNothingBehindAnErrorOfTheText) {
+// Reading the text stops at the prefix, which is not declared.
+TEST(StartIdsTest, CountsNothingAfterAnErrorInTheText) {
     ArchiveEditor archive(xml("<Archive objectId='7'><p:b objectId='9'/></Archive>"));
     archive.startIds();
     EXPECT_EQ(archive.nextId(), 8);

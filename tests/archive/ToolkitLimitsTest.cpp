@@ -1,4 +1,4 @@
-// The toolkits at their limits: null elements, the ends of 64 bits, and the integer types that callers hold.
+// The toolkits at their limits: null elements, the limits of 64 bits, and the integer types of callers.
 
 #include "Archive/Archive.h"
 #include "MTime/MTime.h"
@@ -29,7 +29,7 @@ QDomElement elementIn(QDomDocument& doc, const QByteArray& text) {
     return doc.documentElement();
 }
 
-// An overload for each integer that a caller may hold: int64_t is not long long everywhere.
+// Callers may use any integer type: int64_t is not long long everywhere.
 static_assert(std::is_same_v<decltype(Archive::extractValue(QString(), 5)), long long>);
 static_assert(std::is_same_v<decltype(Archive::extractValue(QString(), 5L)), long long>);
 static_assert(std::is_same_v<decltype(Archive::extractValue(QString(), 5LL)), long long>);
@@ -40,7 +40,7 @@ static_assert(std::is_same_v<decltype(Archive::extractValue(QString(), 5.0)), do
 static_assert(std::is_same_v<decltype(Archive::extractValue(QString(), 5.0F)), double>);
 static_assert(std::is_same_v<decltype(Archive::extractValue(QString(), MTime())), MTime>);
 
-TEST(ToolkitLimits, ExtractValueTakesAnyIntegerAsFallback) {
+TEST(ToolkitLimits, ExtractValueAcceptsAnyIntegerAsFallback) {
     const MTime time(minLong);
     EXPECT_EQ(Archive::extractValue("", time.count()), minLong);
     EXPECT_EQ(Archive::extractValue("7", time.count()), 7);
@@ -114,7 +114,7 @@ TEST(ToolkitLimits, ReferencesAndRecordsHoldAnyId) {
     EXPECT_TRUE(array.firstChildElement().isNull());
 }
 
-TEST(ToolkitLimits, ANewIdOutOfANegativeCounterIsTakenAsItIs) {
+TEST(ToolkitLimits, ANewIdFromANegativeCounterIsNotCorrected) {
     QDomDocument doc;
     QDomElement array = elementIn(doc, "<a/>");
     long long maxId = -5;
@@ -133,7 +133,7 @@ TEST(ToolkitLimits, RecordsOfABadIdAreThoseOfZero) {
     EXPECT_TRUE(array.firstChildElement().isNull());
 }
 
-TEST(ToolkitLimits, NotANumberIsStoredAsItIs) {
+TEST(ToolkitLimits, NotANumberIsStoredUnchanged) {
     QDomDocument doc;
     const QDomElement e = Archive::createDouble(doc, "x", nan);
     EXPECT_EQ(e.attribute("value"), QString("nan"));
@@ -144,7 +144,7 @@ TEST(ToolkitLimits, NotANumberIsStoredAsItIs) {
     EXPECT_EQ(negative.attribute("binaryData"), QString("AAAAAAAAAAA="));
 }
 
-TEST(ToolkitLimits, DoublesComeBackToTheLastBit) {
+TEST(ToolkitLimits, DoublesAreRestoredToTheLastBit) {
     for (const double number : {0.1, -1.0 / 3.0, std::numeric_limits<double>::max(), 5e-324, -0.0,
                                 std::nextafter(1.0, 2.0), 1e300, -123456789.987654321}) {
         const double back = Archive::extractValue(Archive::serializeValue(number), 9.0);
@@ -153,8 +153,8 @@ TEST(ToolkitLimits, DoublesComeBackToTheLastBit) {
     }
 }
 
-TEST(ToolkitLimits, BinaryDataOfOtherLettersIsReadAsBase64Does) {
-    // White space and what is no base64 letter is passed over; what is left is too short, or it is not.
+TEST(ToolkitLimits, BinaryDataOfOtherLettersIsReadAsInBase64) {
+    // White space and characters outside of base64 are skipped; the rest may be too short.
     EXPECT_EQ(Archive::extractValue(QString(" P+AA AAAA\nAAA= "), 9.0), 0.5);
     EXPECT_EQ(Archive::extractValue(QString("nonsense"), 9.0), 0.0);
     EXPECT_EQ(Archive::extractValue(QString("0.5"), 9.0), 0.0);
@@ -171,7 +171,7 @@ TEST(ToolkitLimits, CloneWhereNoIdIsLeftChangesNothing) {
     EXPECT_EQ(document.objects.at(greatest), before);
 }
 
-TEST(ToolkitLimits, CloneOfNoObjectThrowsAsOneWithoutAClassDoes) {
+TEST(ToolkitLimits, CloneOfNoObjectThrowsAsWithoutAClass) {
     FlatObject document;
     EXPECT_THAT([&] { Archive::cloneObject(document, static_cast<json*>(nullptr)); },
                 testing::ThrowsMessage<std::invalid_argument>(
@@ -189,12 +189,12 @@ TEST(ToolkitLimits, CloneSharesWhatItRefersTo) {
     EXPECT_EQ(document.objects.size(), 4U);
     EXPECT_EQ((*cloneOfClone)["range"], json({{"@meta_reference", 1}}));
     EXPECT_EQ(Serialize::Json::getObjectId(*cloneOfClone), 4U);
-    // What is changed in one is not changed in the other.
+    // A change of one does not change the other.
     (*clone)["list"][1] = 5;
     EXPECT_TRUE((*outer)["list"][1].is_null());
 }
 
-TEST(ToolkitLimits, CloneMendsAnIdThatIsNoNumber) {
+TEST(ToolkitLimits, CloneReplacesAnIdThatIsNoNumber) {
     FlatObject document;
     document.objects[3] = {{"@meta", {{"class_name", "A"}, {"object_id", "three"}}}};
     const json* clone = Archive::cloneObject(document, 3);
@@ -202,7 +202,7 @@ TEST(ToolkitLimits, CloneMendsAnIdThatIsNoNumber) {
     EXPECT_EQ(document.objects.at(3)["@meta"]["object_id"], "three");
 }
 
-TEST(ToolkitLimits, RenameChildTakesAnyKey) {
+TEST(ToolkitLimits, RenameChildAcceptsAnyKey) {
     json object = {{"", 1}, {"b", json::array({2})}};
     Archive::renameChild(object, "", "a");
     EXPECT_EQ(object.dump(), R"({"a":1,"b":[2]})");
@@ -215,7 +215,7 @@ TEST(ToolkitLimits, RenameChildTakesAnyKey) {
     EXPECT_EQ(object.dump(), R"({"a":1})");
 }
 
-TEST(ToolkitLimits, TextsBecomeJsonWhereverOneIsWanted) {
+TEST(ToolkitLimits, TextsConvertToJsonImplicitly) {
     const QString text = QString::fromUtf8("\xc3\xa4");
     json object = json::object();
     object["a"] = text;
@@ -230,7 +230,7 @@ TEST(ToolkitLimits, TextsBecomeJsonWhereverOneIsWanted) {
     EXPECT_EQ(withZero.get<std::string>(), std::string("a\0b", 3));
 }
 
-TEST(ToolkitLimits, AReferenceTakesAChangeablePointerToo) {
+TEST(ToolkitLimits, AReferenceAcceptsAMutablePointerToo) {
     FlatObject document;
     json* object = document.createObject("A");
     const json* same = object;

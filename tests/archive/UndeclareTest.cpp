@@ -64,7 +64,7 @@ void expectSameResult(const QList<long long>& ids, const QString& size, const st
     EXPECT_EQ(Tests::difference(expected, actual), "");
 }
 
-TEST(UndeclareTest, GivesWhatOneCallEachGives) {
+TEST(UndeclareTest, GivesTheSameAsSeparateCalls) {
     std::mt19937 random(1);
     const auto below = [&](int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); };
     const QString sizes[] = {"4", "0", "17", "-3", "none", "", "9223372036854775807"};
@@ -82,7 +82,7 @@ TEST(UndeclareTest, GivesWhatOneCallEachGives) {
     }
 }
 
-TEST(UndeclareTest, LeavesAListAloneWithoutEdits) {
+TEST(UndeclareTest, ChangesNothingWithoutCalls) {
     QDomDocument document = listOf({5}, "3");
     document.documentElement().firstChildElement().setAttribute("index", "7");
     applyTogether(document, {});

@@ -1,4 +1,4 @@
-// Keeping the arrays of an archive, and among them the predeclarations.
+// Changing the arrays of an archive, including the predeclarations.
 
 #include "Archive/Internal/Predeclarations.h"
 #include "Archive/Xml.h"
@@ -21,7 +21,7 @@ using Tests::Texts;
 constexpr long long maxLong = std::numeric_limits<long long>::max();
 constexpr long long minLong = std::numeric_limits<long long>::min();
 
-TEST(XmlArrays, AppendCountsSizeUp) {
+TEST(XmlArrays, AppendIncrementsSize) {
     QDomElement array = rootOf("<a size='2'><Item index='1'/><Item index='2'/></a>");
     QDomDocument doc = array.ownerDocument();
     QDomElement item = Archive::appendArrayElement(doc, array);
@@ -29,7 +29,7 @@ TEST(XmlArrays, AppendCountsSizeUp) {
     EXPECT_EQ(textOf(array), "a size=3 [Item index=1, Item index=2, Item id=new index=3 type=Item]");
 }
 
-TEST(XmlArrays, AppendGoesBySizeNotByItems) {
+TEST(XmlArrays, AppendUsesSizeNotTheItems) {
     QDomElement none = rootOf("<a/>");
     QDomElement wrong = rootOf("<a size='7'><Item index='1'/></a>");
     QDomElement bad = rootOf("<a size='many'/>");
@@ -41,11 +41,11 @@ TEST(XmlArrays, AppendGoesBySizeNotByItems) {
     EXPECT_EQ(textOf(wrong), "a size=8 [Item index=1, Item index=8 type=Item]");
     Archive::appendArrayElement(doc, bad);
     EXPECT_EQ(textOf(bad), "a size=1 [Item index=1 type=Item]");
-    Archive::appendArrayElement(doc, greatest); // wraps, and nothing overflows
+    Archive::appendArrayElement(doc, greatest); // wraps instead of overflowing
     EXPECT_EQ(textOf(greatest), "a size=-9223372036854775808 [Item index=-9223372036854775808 type=Item]");
 }
 
-TEST(XmlArrays, AppendByNameTakesTheFirstChildOrMakesIt) {
+TEST(XmlArrays, AppendByNameUsesTheFirstChildOrCreatesIt) {
     QDomElement parent =
         rootOf("<p><in><list size='5'/></in><list size='1'><Item index='1'/></list><list/></p>");
     QDomDocument doc = parent.ownerDocument();
@@ -56,7 +56,7 @@ TEST(XmlArrays, AppendByNameTakesTheFirstChildOrMakesIt) {
     EXPECT_EQ(textOf(parent.lastChildElement()), "other size=1 type=Array [Item index=1 type=Item]");
 }
 
-TEST(XmlArrays, PrependMovesAllIndexesUp) {
+TEST(XmlArrays, PrependIncrementsAllIndexes) {
     QDomElement array = rootOf("<a size='3'><Item index='1'/><Item index='2'/><Item index='3'/></a>");
     QDomDocument doc = array.ownerDocument();
     QDomElement item = Archive::prependArrayElement(doc, array);
@@ -65,7 +65,7 @@ TEST(XmlArrays, PrependMovesAllIndexesUp) {
               "a size=4 [Item id=new index=1 type=Item, Item index=2, Item index=3, Item index=4]");
 }
 
-TEST(XmlArrays, PrependKeepsGapsAndStandsBeforeAnyElement) {
+TEST(XmlArrays, PrependKeepsGapsAndInsertsBeforeAnyElement) {
     QDomElement array =
         rootOf("<a size='9'>text<x/><Item index='5'/><Item index='bad'/><Item/><Item index='-3'/></a>");
     QDomDocument doc = array.ownerDocument();
@@ -83,7 +83,7 @@ TEST(XmlArrays, PrependToAnEmptyArray) {
     EXPECT_EQ(textOf(array), "a size=1 [Item index=1 type=Item]");
 }
 
-TEST(XmlArrays, PrependByNameTakesTheFirstChildOrMakesIt) {
+TEST(XmlArrays, PrependByNameUsesTheFirstChildOrCreatesIt) {
     QDomElement parent = rootOf("<p><list size='1'><Item index='1'/></list><list size='5'/></p>");
     QDomDocument doc = parent.ownerDocument();
     Archive::prependArrayElement(doc, parent, "list");
@@ -92,7 +92,7 @@ TEST(XmlArrays, PrependByNameTakesTheFirstChildOrMakesIt) {
                               "other size=1 type=Array [Item index=1 type=Item]]");
 }
 
-TEST(XmlArrays, NullArraysAreQuietlyPassedOver) {
+TEST(XmlArrays, NullArraysAreIgnored) {
     const Tests::QtMessages messages;
     QDomDocument doc;
     QDomElement none;
@@ -104,16 +104,16 @@ TEST(XmlArrays, NullArraysAreQuietlyPassedOver) {
     EXPECT_EQ(messages.count(), 0);
 }
 
-TEST(XmlArrays, RemoveItemsRenumbersEvenWhereNothingGoes) {
+TEST(XmlArrays, RemoveItemsRenumbersEvenIfNothingIsRemoved) {
     QDomElement array = rootOf("<a size='2'><Item index='5'/><Item index='6'/></a>");
     EXPECT_FALSE(Archive::removeItemsFromList(array, [](QDomElement&) { return false; }));
     EXPECT_EQ(textOf(array), "a size=2 [Item index=1, Item index=2]");
     QDomElement bare = rootOf("<a><Item/></a>");
     EXPECT_FALSE(Archive::removeItemsFromList(bare, [](QDomElement&) { return false; }));
-    EXPECT_EQ(textOf(bare), "a [Item index=1]"); // no size is made
+    EXPECT_EQ(textOf(bare), "a [Item index=1]"); // no size is added
 }
 
-TEST(XmlArrays, RemoveItemsCountsTheOldSizeDown) {
+TEST(XmlArrays, RemoveItemsReducesTheOldSize) {
     QDomElement array = rootOf("<a size='3'><Item><Data id='1'/></Item><Item><Data id='2'/></Item></a>");
     EXPECT_TRUE(Archive::removeItemsFromList(array, [](QDomElement& data) { return idOf(data) == "1"; }));
     EXPECT_EQ(textOf(array), "a size=2 [Item index=1 [Data id=2]]");
@@ -125,7 +125,7 @@ TEST(XmlArrays, RemoveItemsCountsTheOldSizeDown) {
     EXPECT_EQ(textOf(least), "a size=9223372036854775807");
 }
 
-TEST(XmlArrays, RemoveItemsAsksForTheFirstDataOfEachDirectItem) {
+TEST(XmlArrays, RemoveItemsTestsTheFirstDataOfEachDirectItem) {
     QDomElement array =
         rootOf("<a size='4'><Item><Data id='1'/><Data id='x'/></Item><Item/><Other/>"
                "<wrap><Item><Data id='y'/></Item></wrap>"
@@ -141,9 +141,9 @@ TEST(XmlArrays, RemoveItemsAsksForTheFirstDataOfEachDirectItem) {
               "wrap [Item [Data id=y]], Item index=2 [Key, in [Data id=z]], Item index=3 [Data id=2]]");
 }
 
-// Keeping predeclarations.
+// Predeclarations.
 
-TEST(XmlPredeclarations, NewObjectTakesTwoNumbers) {
+TEST(XmlPredeclarations, NewObjectUsesTwoIds) {
     QDomElement array = rootOf("<predeclarations size='4'><Item index='1'/></predeclarations>");
     QDomDocument doc = array.ownerDocument();
     long long maxId = 10;
@@ -155,7 +155,7 @@ TEST(XmlPredeclarations, NewObjectTakesTwoNumbers) {
               "oid type=ObjectRef value=11, poid type=ObjectRef value=3, refs size=0 type=Array]]]");
 }
 
-TEST(XmlPredeclarations, ObjectWithAnIdTakesOneNumber) {
+TEST(XmlPredeclarations, ObjectWithAnIdUsesOneId) {
     QDomElement array = rootOf("<predeclarations/>");
     QDomDocument doc = array.ownerDocument();
     long long maxId = 10;
@@ -179,7 +179,7 @@ TEST(XmlPredeclarations, IdZeroIsNoId) {
     EXPECT_EQ(maxId, 14);
 }
 
-TEST(XmlPredeclarations, MissingPredeclarationsStillTakeTheNumbers) {
+TEST(XmlPredeclarations, MissingPredeclarationsStillUseUpIds) {
     const Tests::QtMessages messages;
     QDomDocument doc;
     QDomElement none;
@@ -208,7 +208,7 @@ const char* const records = "<predeclarations size='6'>"
                             "<Item index='5'/>"
                             "<Item index='6'><Data><poid value='5'/></Data></Item></predeclarations>";
 
-TEST(XmlPredeclarations, RemovePredeclareTakesAllRecordsOfTheObject) {
+TEST(XmlPredeclarations, RemovePredeclareRemovesAllRecordsOfTheObject) {
     QDomElement array = rootOf(records);
     EXPECT_TRUE(Archive::removePredeclare(array, 5));
     EXPECT_EQ(textOf(array),

@@ -1,5 +1,5 @@
-// Creating elements of an archive. Texts of doubles were computed apart from the library, as base64 of the eight
-// bytes with the most significant first.
+// Creating elements of an archive. The texts of doubles were computed without the library: base64 of the
+// eight bytes, the most significant one first.
 
 #include "Archive/Xml.h"
 #include "support/Elements.h"

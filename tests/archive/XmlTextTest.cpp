@@ -1,4 +1,4 @@
-// Parsing of texts that a document holds, with a limit to their depth.
+// Parsing of XML text that is stored in a document, with a limit of its depth.
 
 #include "Archive/Internal/XmlText.h"
 
@@ -24,7 +24,7 @@ TEST(XmlText, NestingIsBounded) {
     EXPECT_FALSE(document.documentElement().isNull());
 }
 
-TEST(XmlText, OfABrokenTextCountsWhatStandsInFrontOfTheFault) {
+TEST(XmlText, OfABrokenTextThePartBeforeTheErrorIsKept) {
     const auto childrenOf = [](const char* text) {
         QDomDocument document;
         Archive::Internal::parseXml(document, QStringLiteral("<old/>"));

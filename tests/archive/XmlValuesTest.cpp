@@ -1,5 +1,5 @@
-// Reading and writing single values. Texts of doubles were computed apart from the library, as base64 of the eight
-// bytes with the most significant first.
+// Reading and writing single values. The texts of doubles were computed without the library: base64 of the
+// eight bytes, the most significant one first.
 
 #include "Archive/Xml.h"
 #include "support/Elements.h"
@@ -40,7 +40,7 @@ TEST(XmlValues, ObjectIdOf) {
     EXPECT_EQ(Archive::objectIdOf(QDomElement()), 0U);
 }
 
-TEST(XmlValues, ValueOfTakesTheFirstChild) {
+TEST(XmlValues, ValueOfReadsTheFirstChild) {
     const QDomElement e = rootOf("<a><in><b value='deep'/></in><b value='1'/><b value='2'/><c/></a>");
     EXPECT_EQ(Archive::valueOf(e, "b"), QString("1"));
     EXPECT_EQ(Archive::valueOf(e, "c"), QString());
@@ -95,7 +95,7 @@ TEST(XmlValues, ExtractDouble) {
     EXPECT_EQ(Archive::extractValue(QString("P+AAAAAAAAD/////"), 9.0), 0.5);
 }
 
-TEST(XmlValues, ReadValueLooksAtTypeAndBinaryDataOnly) {
+TEST(XmlValues, ReadValueReadsTypeAndBinaryDataOnly) {
     EXPECT_EQ(Archive::readValue(rootOf("<x type='double' value='7' binaryData='P+AAAAAAAAA='/>"), 9.0), 0.5);
     EXPECT_EQ(Archive::readValue(rootOf("<x type='double' value='7'/>"), 9.0), 0.0);
     EXPECT_EQ(Archive::readValue(rootOf("<x type='double' binaryData='f/AAAAAAAAA='/>"), 9.0), 9.0);

@@ -101,12 +101,12 @@ TEST(XmlWalk, IterateArrayFetchesTheNextItemAfterTheCall) {
         added.setAttribute("id", "new");
         item.appendChild(added);
         array.insertAfter(item, data.parentNode());
-        data.parentNode().removeChild(data); // the entry may go, its item may not
+        data.parentNode().removeChild(data); // the data may be removed, its item may not
     });
     EXPECT_THAT(met, ElementsAre("1", "new", "2"));
 }
 
-TEST(XmlWalk, RemoveFirstChildTakesADirectChild) {
+TEST(XmlWalk, RemoveFirstChildRemovesADirectChild) {
     QDomElement e = rootOf("<a><in><b id='deep'/></in><b id='1'/><b id='2'/></a>");
     Archive::removeFirstChild(e, "b");
     Archive::removeFirstChild(e, "none");

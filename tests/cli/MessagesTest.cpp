@@ -1,4 +1,4 @@
-// What the program says of each error: exit code, a word for programs, and a sentence with a remedy.
+// The message for each kind of error: exit code, a name for programs, and a sentence with a remedy.
 
 #include "Messages.h"
 
@@ -34,7 +34,7 @@ std::string textFor(ErrorKind kind, const ErrorFacts& facts) {
     return messageFor(Error(kind, facts)).text;
 }
 
-TEST(Messages, EachKindHasACodeAWordAndARemedy) {
+TEST(Messages, EachKindHasACodeANameAndARemedy) {
     std::set<std::string> words;
     for (const ErrorKind kind : allKinds()) {
         const Message message = messageFor(Error(kind, someFacts()));
@@ -75,7 +75,7 @@ TEST(Messages, CodesAreThoseOfTheTable) {
     EXPECT_EQ(Messages::outOfMemory(film).code, 18);
 }
 
-TEST(Messages, PlacesComeFirst) {
+TEST(Messages, PositionsComeFirst) {
     const Message xml = messageFor(Error(
         ErrorKind::BrokenXml, {.file = film, .line = 3, .column = 7, .reason = "Opening tag mismatch."}));
     EXPECT_EQ(xml.text,
@@ -121,7 +121,7 @@ TEST(Messages, TheLibraryNamesNeitherOptionsNorCommands) {
     }
 }
 
-TEST(Messages, AMessageIsALineForPeople) {
+TEST(Messages, AMessageIsOneLine) {
     EXPECT_EQ(
         Messages::asText(Messages::notOneProject(QStringLiteral("old"), 2)),
         "adaptors: error: old: a project's folder holds one .xml or .json file, this one 2; name the file\n");

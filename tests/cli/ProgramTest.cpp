@@ -17,13 +17,13 @@ using Tests::sample;
 
 namespace {
 
-/// A project that is nothing but an item of a title, with that text or the name of the side file that holds it.
+/// A project with a single item of a title, with that text or the name of its side file.
 QByteArray title(const QByteArray& text) {
     return jsonProject(R"({"@meta":{"class_name":"Overlay::Item","object_id":2},"encodedText":")" + text +
                        "\"}");
 }
 
-TEST_F(ProgramTest, MigratesBesideTheInput) {
+TEST_F(ProgramTest, WritesNextToTheInput) {
     write("film.xml", sample("holiday-v27.xml"));
     const Outcome outcome = run({"migrate", "film.xml"});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
@@ -48,7 +48,7 @@ TEST_F(ProgramTest, TheSameInputGivesTheSameBytes) {
               run({"migrate", "film.xml", "-o", "-", "--to", "50"}).out);
 }
 
-TEST_F(ProgramTest, NothingIsWrittenOverWithoutForce) {
+TEST_F(ProgramTest, NothingIsReplacedWithoutForce) {
     write("film.xml", archive());
     write(migratedName("film"), "precious");
     expectFailure({"migrate", "film.xml"}, 16, "--force");
@@ -69,7 +69,7 @@ TEST_F(ProgramTest, InPlaceKeepsEveryBackup) {
     EXPECT_EQ(run({"migrate", "--in-place", "film.xml"}).exitCode, 0);
     EXPECT_EQ(read("film.xml.bak"), archive()); // an earlier backup is never replaced
     EXPECT_EQ(read("film.xml.bak2"), migrated);
-    EXPECT_EQ(read("film.xml"), migrated); // the newest version stays what it is
+    EXPECT_EQ(read("film.xml"), migrated); // a document of the newest version is not changed
     EXPECT_EQ(run({"migrate", "--in-place", "-"}, archive()).exitCode, 2);
     EXPECT_EQ(run({"migrate", "--in-place", "film.xml", "-o", "x"}).exitCode, 2);
 }
@@ -85,7 +85,7 @@ TEST_F(ProgramTest, StopsAtAVersion) {
     EXPECT_EQ(run({"migrate", "film.xml", "--to", QString::number(currentVersion + 1)}).exitCode, 2);
 }
 
-TEST_F(ProgramTest, VersionsThatCannotBe) {
+TEST_F(ProgramTest, ImpossibleVersions) {
     write("old.xml", archive({}, ""));
     expectFailure({"migrate", "old.xml"}, 11, "--from N");
     EXPECT_EQ(run({"migrate", "old.xml", "--from", "29"}).exitCode, 0);
@@ -119,7 +119,7 @@ TEST_F(ProgramTest, BadInputHasItsOwnExitCodes) {
     EXPECT_EQ(files().filter(".v").size(), 0);
 }
 
-TEST_F(ProgramTest, ARootThatIsNotThereIsNoProject) {
+TEST_F(ProgramTest, AMissingRootObjectIsAnError) {
     write("film.xml",
           archive({}, " schemaVersion='29'").replace("ObjectRef' value='2'", "ObjectRef' value='44'"));
     expectFailure({"migrate", "film.xml"}, 8, "44");
@@ -133,7 +133,7 @@ TEST_F(ProgramTest, AStepThatThrowsIsNamed) {
 }
 
 TEST_F(ProgramTest, LostClipsAreNamedAndStrictStops) {
-    // The second timeline is nested nowhere: its clip is listed and nothing reaches it.
+    // The second timeline is not nested in another: its clip is listed, but can't be reached.
     write("film.xml",
           archive(
               "<RootObject type='Timeline::Object' objectId='7'><clips type='Array' size='1'><Item>"
@@ -153,7 +153,7 @@ TEST_F(ProgramTest, LostClipsAreNamedAndStrictStops) {
 }
 
 TEST_F(ProgramTest, LogLinesAreShownWithTheirStep) {
-    // Version 35 can't do its work without predeclarations, and says so.
+    // Version 35 needs predeclarations and logs an error without them.
     write("film.xml", archive({}, " schemaVersion='34'").replace("'Predeclarator'", "'Other'"));
     const QStringList migrate = {"migrate", "film.xml", "--to", "40", "--force"};
     const Outcome outcome = run(migrate);
@@ -171,7 +171,7 @@ TEST_F(ProgramTest, LogLinesAreShownWithTheirStep) {
 }
 
 TEST_F(ProgramTest, TheMainTimelineComesFirstForEveryStep) {
-    // Written behind a nested timeline: version 35 takes the first that it finds as the project's.
+    // The main timeline comes after a nested one: version 35 uses the first that it finds as the project's.
     write("film.xml", "<Archive schemaVersion='34'><RootRef type='ObjectRef' value='2'/>"
                       "<RootObject type='Timeline::Object' objectId='7'/>"
                       "<RootObject type='Timeline::Object' objectId='2'/>"
@@ -212,7 +212,7 @@ TEST_F(ProgramTest, MarkersSurviveWithoutTheirFolders) {
     EXPECT_EQ(pathOf(migratedName("film")), "#AI_MODELS_ROOT#/net.bin");
     EXPECT_EQ(run({"migrate", "film.json", "--force", "--ai-models-root", path("models")}).exitCode, 0);
     EXPECT_EQ(pathOf(migratedName("film")), "#AI_MODELS_ROOT#/net.bin");
-    // A relative path counts from the project's folder, wherever the project goes.
+    // A relative path is relative to the project's folder, also if the result is written to another one.
     write("film.json", file("media/a.mp4"));
     ASSERT_TRUE(QDir(m_folder.path()).mkdir("moved"));
     EXPECT_EQ(run({"migrate", "film.json", "-o", "moved/film.json"}).exitCode, 0);
@@ -225,7 +225,7 @@ TEST_F(ProgramTest, OutputThatCannotBeWritten) {
     ASSERT_TRUE(QDir(m_folder.path()).mkdir("folder"));
     expectFailure({"migrate", "film.xml", "-o", "folder", "--force"}, 15, "folder");
     expectFailure({"migrate", "film.xml", "-o", "/dev/full", "--force"}, 15, "/dev/full");
-    EXPECT_FALSE(QFileInfo("/dev/full").isFile()); // a device is written into, never replaced
+    EXPECT_FALSE(QFileInfo("/dev/full").isFile()); // a device is written directly, never replaced
 }
 
 TEST_F(ProgramTest, BundlesAreReadAndWritten) {
@@ -241,7 +241,7 @@ TEST_F(ProgramTest, BundlesAreReadAndWritten) {
     EXPECT_EQ(run({"migrate", "old", "--bundle", "new"}).exitCode, 0);
     EXPECT_EQ(textOf("new/" + migratedName("film")), "content_1.svg");
     EXPECT_EQ(read("new/content_1.svg"), "<svg/>");
-    // A side file that exists is not written over: the text stays in the document, and that is reported.
+    // An existing side file is not replaced: the text stays in the document, and that is reported.
     QFile::remove(path("new/" + migratedName("film")));
     const Outcome again = run({"migrate", "old", "--bundle", "new"});
     EXPECT_EQ(again.exitCode, 0);
@@ -251,9 +251,9 @@ TEST_F(ProgramTest, BundlesAreReadAndWritten) {
     expectFailure({"migrate", "old"}, 3, "name the file");
 }
 
-TEST_F(ProgramTest, ABundleTravelsToAnotherAndIsReadAgain) {
+TEST_F(ProgramTest, ABundleIsWrittenToAnotherAndReadAgain) {
     const QString sample = QString::fromStdString((Tests::samplesFolder() / "holiday-v20-bundle").string());
-    ASSERT_TRUE(QDir(m_folder.path()).mkdir("new")); // the other is made
+    ASSERT_TRUE(QDir(m_folder.path()).mkdir("new")); // the last folder is created
     const Outcome first = run({"migrate", sample, "--bundle", "new"});
     EXPECT_EQ(first.exitCode, 0) << first.err.toStdString();
     EXPECT_TRUE(first.err.contains("Need quiz overlay preset")) << first.err.toStdString();
@@ -325,7 +325,7 @@ TEST_F(ProgramTest, OneStepShowsWhatItLogged) {
     const Outcome outcome = run({"run", "V4_TrackValueAdaptor", "-"}, "<Archive><RootRef/></Archive>");
     EXPECT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
     EXPECT_FALSE(outcome.err.contains("V4_TrackValueAdaptor")) << outcome.err.toStdString();
-    // Version 35 can't do its work without predeclarations, and says so.
+    // Version 35 needs predeclarations and logs an error without them.
     const Outcome logged = run({"run", "V35_UserCollectionAdaptor", "-"},
                                archive({}, " schemaVersion='34'").replace("'Predeclarator'", "'Other'"));
     EXPECT_EQ(logged.exitCode, 0);

@@ -1,4 +1,4 @@
-// Nothing that happens to the program, to its disk or to its files costs anyone a project.
+// No project is lost by a killed process, a full disk, or other processes that change the files.
 
 #include "Reader/Error.h"
 #include "Reader/Files.h"
@@ -35,7 +35,7 @@ namespace {
 
 class SafetyTest : public Tests::ProgramTest {
 protected:
-    /// Runs the program by way of a shell that does `first` before; "$@" is the program's call there.
+    /// Runs the program in a shell that runs `first` before. In the shell, "$@" is the call of the program.
     Outcome runAfter(const QString& first, const QStringList& arguments) const {
         return Tests::runCommand(QStringLiteral("/bin/sh"),
                                  QStringList{"-c", first + "exec \"$@\"", "sh",
@@ -50,7 +50,7 @@ protected:
     }
 };
 
-/// A project in JSON that grows on its way.
+/// A project in JSON that becomes larger by the migration.
 QByteArray growing() {
     QByteArray clips;
     for (int id = 10; id < 210; ++id)
@@ -65,8 +65,8 @@ QByteArray growing() {
 
 using Milliseconds = std::chrono::duration<double, std::milli>;
 
-/// Starts an in-place migration in a folder, kills it after a while, and gives whether it was still running. With
-/// `onWrite` the while begins when the first new file appears.
+/// Starts an in-place migration in a folder and kills it after a delay. Returns whether it was still running.
+/// With `onWrite` the delay starts when the first new file appears.
 bool killMidway(const QString& folder, bool onWrite, Milliseconds wait) {
     QProcess process;
     process.setWorkingDirectory(folder);
@@ -80,7 +80,7 @@ bool killMidway(const QString& folder, bool onWrite, Milliseconds wait) {
     return process.exitStatus() == QProcess::CrashExit;
 }
 
-TEST_F(SafetyTest, AKillLeavesTheOldFileOrTheNewOne) {
+TEST_F(SafetyTest, AKilledProcessLeavesTheOldFileOrTheNewOne) {
     const QByteArray old = archive("<RootObject type='Note' objectId='6'><text type='String' value='" +
                                        QByteArray(2000000, 'x') + "'/></RootObject>",
                                    " schemaVersion='60'")
@@ -108,7 +108,7 @@ TEST_F(SafetyTest, AKillLeavesTheOldFileOrTheNewOne) {
         const QByteArray now = read(QString::number(number) + "/film.xml");
         kept += now == old;
         ASSERT_TRUE(now == old || now == migrated) << "kill " << number << ", seed " << seed;
-        if (now == migrated) { // and what it was is whole beside it
+        if (now == migrated) { // and the backup has the complete old content
             EXPECT_EQ(read(QString::number(number) + "/film.xml.bak"), old);
         }
     }
@@ -155,7 +155,7 @@ TEST_F(SafetyTest, AReadOnlyFolderIsAnErrorAndChangesNothing) {
     write("film.xml", archive());
     ASSERT_EQ(chmod(QFile::encodeName(m_folder.path()).constData(), 0555), 0);
     ASSERT_EQ(chmod(QFile::encodeName(path("film.xml")).constData(), 0444), 0);
-    // Root may write everywhere: another user runs the program then.
+    // Root may write everywhere: then the program runs as another user.
     const QString asOther =
         geteuid() == 0 ? "set -- setpriv --reuid=65534 --regid=65534 --clear-groups \"$@\"; " : "";
     if (runAfter(asOther, {"--version"}).exitCode != 0)
@@ -166,7 +166,7 @@ TEST_F(SafetyTest, AReadOnlyFolderIsAnErrorAndChangesNothing) {
     EXPECT_EQ(files(), QStringList{"film.xml"});
     EXPECT_EQ(read("film.xml"), archive());
 
-    // A file that may not be written in a folder that may.
+    // A read-only file in a writable folder.
     ASSERT_EQ(chmod(QFile::encodeName(m_folder.path()).constData(), 0777), 0);
     expectWriteError(runAfter(asOther, {"migrate", "film.xml", "--in-place"}), "film.xml", "permissions");
     EXPECT_EQ(files(), QStringList{"film.xml"});
@@ -176,9 +176,9 @@ TEST_F(SafetyTest, AReadOnlyFolderIsAnErrorAndChangesNothing) {
     EXPECT_EQ(runAfter(asOther, {"migrate", "film.xml"}).exitCode, 3);
 }
 
-// Nothing there
+// Missing files
 
-TEST_F(SafetyTest, AMissingOutputFolderIsNamedAndNotMade) {
+TEST_F(SafetyTest, AMissingOutputFolderIsNamedAndNotCreated) {
     write("film.xml", archive());
     expectWriteError(run({"migrate", "film.xml", "-o", "new/film.json"}), "new/film.json", "make its folder");
     expectWriteError(run({"migrate", "film.xml", "-o", "new/film.json", "--force"}), "new/film.json",
@@ -201,7 +201,7 @@ TEST_F(SafetyTest, AVanishedInputIsNamed) {
     EXPECT_EQ(files(), QStringList());
 }
 
-// Several at once
+// Several processes at once
 
 TEST_F(SafetyTest, ASecondRunOnAFileIsRefused) {
     write("film.xml", archive());
@@ -214,7 +214,7 @@ TEST_F(SafetyTest, ASecondRunOnAFileIsRefused) {
     EXPECT_EQ(run({"migrate", "film.xml", "--in-place"}).exitCode, 0);
 }
 
-TEST_F(SafetyTest, RunsAtOnceLoseNothing) {
+TEST_F(SafetyTest, ConcurrentRunsLoseNothing) {
     write("film.xml", archive());
     ASSERT_EQ(run({"migrate", "film.xml", "-o", "new.json"}).exitCode, 0);
     std::vector<std::unique_ptr<QProcess>> processes;
@@ -239,7 +239,7 @@ TEST_F(SafetyTest, RunsAtOnceLoseNothing) {
     EXPECT_EQ(files().filter("tmp"), QStringList());
 }
 
-// Too much
+// Too much input
 
 #if defined(__SANITIZE_ADDRESS__)
 constexpr bool isSanitized = true;
@@ -247,9 +247,10 @@ constexpr bool isSanitized = true;
 constexpr bool isSanitized = false;
 #endif
 
-/// A shell's line that holds what comes behind it to so many bytes of memory.
+/// A shell command that limits the memory of the following commands to that many bytes.
 QString withMemory(qint64 bytes) {
-    // A sanitizer reserves address space without end; it watches what is used itself, and needs several times of that.
+    // A sanitizer reserves unlimited address space. It has a limit of its own for used memory, which must be
+    // several times higher.
     if (isSanitized)
         return QStringLiteral("export ASAN_OPTIONS=quarantine_size_mb=1:hard_rss_limit_mb=%1; ")
             .arg(bytes * 5 >> 20);
@@ -266,7 +267,7 @@ QByteArray inProject(const QByteArray& content) {
     return jsonProject(R"({"@meta":{"class_name":"Note","object_id":2},"a":)" + content + "}");
 }
 
-/// A document of about a million bytes of the same thing.
+/// A document of about a million bytes that repeats the same part.
 QByteArray many(const QByteArray& part) {
     return part.repeated(1000000 / part.size());
 }
@@ -311,7 +312,7 @@ TEST_F(SafetyTest, ReadingTakesMemoryInProportionToTheFile) {
     }
 }
 
-TEST_F(SafetyTest, AHostileDocumentGetsNoMoreMemoryThanItsSizeAllows) {
+TEST_F(SafetyTest, MemoryIsLimitedByTheSizeOfTheDocument) {
     if (isSanitized)
         GTEST_SKIP() << "a sanitizer's own memory would count";
     // Each of these gets six tracks, each with a predeclaration.
@@ -324,7 +325,7 @@ TEST_F(SafetyTest, AHostileDocumentGetsNoMoreMemoryThanItsSizeAllows) {
     expectFailure({"migrate", "film.xml", "--in-place"}, 18, "more memory");
     EXPECT_EQ(files(), QStringList{"film.xml"});
     EXPECT_EQ(read("film.xml"), timelines);
-    // One track, listed again and again, with a level for each of many clips: each level is listed as often.
+    // One track, listed many times, with a level for each of many clips: each level is listed as many times.
     QByteArray levels =
         R"({"version":"1.0","schemaVersion":76,"data":{"@meta":{"class_name":"Timeline::Object","object_id":2},
         "tracks":[{"@meta":{"class_name":"Timeline::Track","object_id":3},"type":1,"used":true,"timeline":{"@meta_reference":2}})";
@@ -339,7 +340,7 @@ TEST_F(SafetyTest, AHostileDocumentGetsNoMoreMemoryThanItsSizeAllows) {
     EXPECT_EQ(files(), QStringList{"film.xml"});
 }
 
-TEST_F(SafetyTest, AnInputWithoutEndIsRefused) {
+TEST_F(SafetyTest, AnEndlessInputIsRefused) {
     if (isSanitized)
         GTEST_SKIP() << "takes a sanitizer long";
     expectFailure({"info", "/dev/zero"}, 3, "1 GiB");
@@ -358,7 +359,7 @@ protected:
     }
 };
 
-TEST_F(FilesTest, WhatOthersWroteMeanwhileStands) {
+TEST_F(FilesTest, ConcurrentChangesAreNotOverwritten) {
     write("film.xml", "old");
     FileInPlace file(path("film.xml"));
     EXPECT_EQ(file.bytes(), "old");
@@ -386,7 +387,7 @@ TEST_F(FilesTest, OnlyRegularFilesAreReplaced) {
     EXPECT_EQ(kindOf([&] { FileInPlace(m_folder.path()); }), ErrorKind::NoRegularFile);
 }
 
-TEST_F(FilesTest, AFileThatAppearedMeanwhileStands) {
+TEST_F(FilesTest, AFileThatAppearsMeanwhileIsNotReplaced) {
     write("film.json", "precious");
     EXPECT_EQ(kindOf([&] { Reader::writeFile(path("film.json"), "new", Reader::Existing::Refuse); }),
               ErrorKind::OutputExists);
@@ -397,13 +398,13 @@ TEST_F(FilesTest, AFileThatAppearedMeanwhileStands) {
     Reader::writeFile(path("other.json"), "new", Reader::Existing::Refuse);
     EXPECT_EQ(read("other.json"), "new");
     EXPECT_EQ(files(), (QStringList{"film.json", "other.json"}));
-    // A link that leads nowhere is there too.
+    // A link to a missing file exists as well.
     ASSERT_EQ(symlink("nowhere", QFile::encodeName(path("link.json")).constData()), 0);
     EXPECT_EQ(kindOf([&] { Reader::writeFile(path("link.json"), "new", Reader::Existing::Refuse); }),
               ErrorKind::OutputExists);
 }
 
-TEST_F(FilesTest, ALinkLeadsToTheFileThatIsReplaced) {
+TEST_F(FilesTest, TheTargetOfALinkIsReplaced) {
     write("film.json", "old");
     ASSERT_EQ(symlink("film.json", QFile::encodeName(path("first.json")).constData()), 0);
     ASSERT_EQ(symlink("first.json", QFile::encodeName(path("second.json")).constData()), 0);
@@ -411,14 +412,14 @@ TEST_F(FilesTest, ALinkLeadsToTheFileThatIsReplaced) {
     EXPECT_TRUE(QFileInfo(path("first.json")).isSymLink());
     EXPECT_TRUE(QFileInfo(path("second.json")).isSymLink());
     EXPECT_EQ(read("film.json"), "new");
-    // Also where it leads to a file that is yet to be made.
+    // Also if it leads to a file that does not exist yet.
     ASSERT_EQ(symlink("later.json", QFile::encodeName(path("third.json")).constData()), 0);
     Reader::writeFile(path("third.json"), "newer");
     EXPECT_TRUE(QFileInfo(path("third.json")).isSymLink());
     EXPECT_EQ(read("later.json"), "newer");
 }
 
-TEST_F(FilesTest, APipeTakesTheBytesItself) {
+TEST_F(FilesTest, APipeIsWrittenDirectly) {
     const QByteArray pipe = QFile::encodeName(path("pipe"));
     ASSERT_EQ(mkfifo(pipe.constData(), 0600), 0);
     const int end = open(pipe.constData(), O_RDONLY | O_NONBLOCK);
@@ -433,7 +434,7 @@ TEST_F(FilesTest, APipeTakesTheBytesItself) {
     EXPECT_TRUE(S_ISFIFO(status.st_mode));
 }
 
-TEST_F(FilesTest, ATemporaryFileOfAnotherRunStands) {
+TEST_F(FilesTest, ATemporaryFileOfAnotherRunIsKept) {
     const QString left = QStringLiteral("film.json.%1-1.tmp").arg(getpid());
     write(left, "left over");
     Reader::writeFile(path("film.json"), "new");
@@ -456,7 +457,7 @@ TEST_F(FilesTest, WithoutABackupNothingIsReplaced) {
 }
 
 TEST_F(FilesTest, AFileThatOpensAndCannotBeReadIsAnError) {
-    // The first page of a process is nobody's.
+    // The first page of a process can't be read.
     EXPECT_EQ(kindOf([] { Reader::readFile(QStringLiteral("/proc/self/mem")); }), ErrorKind::Unreadable);
 }
 

@@ -10,7 +10,7 @@ using Tests::sample;
 
 namespace {
 
-TEST_F(ProgramTest, VerifySaysNothingOfASoundProject) {
+TEST_F(ProgramTest, VerifyFindsNothingInAProjectWithoutFaults) {
     write("film.xml", sample("holiday-v27.xml"));
     write("film.json", sample("holiday-v63.json"));
     EXPECT_EQ(run({"verify", "film.xml"}).out, "film.xml: no findings\n");
@@ -38,7 +38,7 @@ TEST_F(ProgramTest, VerifyNamesFaultAndPlace) {
         "text": "refers to 9, and there is no such object", "to": 9}])"));
 }
 
-TEST_F(ProgramTest, VerifyOfWhatIsNoProjectIsAnError) {
+TEST_F(ProgramTest, VerifyOfAnotherFileIsAnError) {
     write("film.json", "{}");
     expectFailure({"verify", "film.json"}, 10, "version");
     expectFailure({"verify", "none.json"}, 3, "none.json");
@@ -50,7 +50,7 @@ TEST_F(ProgramTest, TraceWritesTheDocumentAfterEachStepThatChangedIt) {
     write("film.xml", archive({}, " schemaVersion='27'"));
     const Outcome outcome = run({"trace", "film.xml", "--output-dir", "steps", "--to", "29"});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
-    // The two adaptors for loading find nothing to do here; versions 28 and 29 add a field each.
+    // The two adaptors for loading change nothing here; versions 28 and 29 add a field each.
     EXPECT_EQ(QDir(path("steps")).entryList(QDir::Files, QDir::Name),
               (QStringList{"03-V28_ClipLabelAdaptor.xml", "04-V29_ClipTimingModeAdaptor.xml"}));
     EXPECT_TRUE(outcome.out.contains("1  OverlayFileContentReadAdaptor")) << outcome.out.toStdString();
@@ -63,7 +63,7 @@ TEST_F(ProgramTest, TraceWritesTheDocumentAfterEachStepThatChangedIt) {
     EXPECT_EQ(read("film.xml"), archive({}, " schemaVersion='27'"));
 }
 
-TEST_F(ProgramTest, TraceGoesAllTheWay) {
+TEST_F(ProgramTest, TraceCoversAllAdaptors) {
     write("film.xml", sample("holiday-v27.xml"));
     EXPECT_EQ(run({"trace", "film.xml", "--output-dir", "steps"}).exitCode, 0);
     const QStringList names = QDir(path("steps")).entryList(QDir::Files, QDir::Name);
@@ -74,7 +74,7 @@ TEST_F(ProgramTest, TraceGoesAllTheWay) {
     EXPECT_EQ(run({"verify", "steps/" + names.back()}).exitCode, 0);
 }
 
-TEST_F(ProgramTest, TraceShowsWhatLedUpToAFailure) {
+TEST_F(ProgramTest, TraceShowsTheStepsBeforeAFailure) {
     write("film.xml", archive("<RootObject type='File' objectId='4'/>", " schemaVersion='61'")
                           .replace("<name ", "<file type='ObjectRef' value='4'/><name "));
     const Outcome outcome = run({"trace", "film.xml", "--output-dir", "steps"});
@@ -84,7 +84,7 @@ TEST_F(ProgramTest, TraceShowsWhatLedUpToAFailure) {
     EXPECT_FALSE(outcome.out.contains("PortableLoadAdaptor"));
 }
 
-TEST_F(ProgramTest, TraceWritesOverNothing) {
+TEST_F(ProgramTest, TraceReplacesNoFile) {
     write("film.xml", archive({}, " schemaVersion='27'"));
     const QStringList trace = {"trace", "film.xml", "--output-dir", "steps", "--to", "28"};
     ASSERT_EQ(run(trace).exitCode, 0);

@@ -1,4 +1,4 @@
-// Any archive is converted, taken apart into a flat document and nested again, or is refused.
+// Any archive is converted, flattened and nested again, or is refused.
 
 #include "Fuzz.h"
 #include "Mutate.h"
@@ -14,7 +14,7 @@ FUZZ_MUTATE_BY(Fuzz::mutateXml)
 
 namespace {
 
-/// What the conversion gives. It throws std::exception for what it can't convert.
+/// The result of the conversion. Throws std::exception for an archive that can't be converted.
 nlohmann::json convert(const QByteArray& bytes) {
     QDomDocument xml = Reader::parseXml(bytes, QStringLiteral("fuzz"));
     return Reader::Conversion().convert(xml).second;

@@ -5,25 +5,25 @@
 #include <cstddef>
 #include <cstdint>
 
-/// What the fuzz targets share.
+/// Functions that the fuzz targets share.
 namespace Fuzz {
 
-/// Log lines of steps and Qt's warnings go nowhere, and the hash has a fixed seed.
+/// Discards log lines of steps and Qt's warnings, and sets a fixed seed for Qt's hash.
 void initialize(const char* name);
 
-/// Ends the run, which keeps the text as a finding.
+/// Aborts the run unless the condition holds, so that the input is saved as a finding.
 void check(bool holds, const char* what);
 
 QByteArray bytesOf(const std::uint8_t* data, std::size_t size);
 
-/// Takes a document to the newest version and saves it. What is refused is refused by Reader::Error and by nothing
-/// else; what is saved can be read again and is saved again as the same bytes.
+/// Migrates a document to the newest version and saves it. Fails if it throws anything but Reader::Error, or
+/// if the saved document can't be read and saved again as the same bytes.
 void migrate(const QByteArray& bytes);
 
-/// The same bytes come out of a saved document that is read and saved once more.
+/// Fails unless a saved document that is read and saved again gives the same bytes.
 void checkReadsAgain(const QByteArray& saved);
 
-/// What the parser saw of an archive is what a search of it finds.
+/// Fails unless the facts that the parser collects agree with a search of the archive.
 void checkFacts(const QByteArray& archive);
 
 } // namespace Fuzz

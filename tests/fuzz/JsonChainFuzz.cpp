@@ -1,4 +1,4 @@
-// Any JSON project of any version goes all the way to the newest, or is refused.
+// Any JSON project of any version is migrated to the newest version, or is refused.
 
 #include "Fuzz.h"
 #include "Mutate.h"

@@ -26,7 +26,7 @@ const auto& anyOf(const List& list, Random& random) {
     return list[below(std::size(list), random)];
 }
 
-// Infinity, NaN and half a double, texts at the edges of numbers, a markup, a time and a pair.
+// Infinity, NaN and an incomplete double, texts at the limits of number types, markup, a time and a pair.
 const char* const texts[] = {"0",
                              "1",
                              "-1",
@@ -86,7 +86,7 @@ bool isBelow(QDomNode node, const QDomNode& top) {
     return !node.isNull();
 }
 
-/// Puts an element into many of its like.
+/// Nests an element in many copies of itself.
 void bury(QDomElement e, std::size_t depth) {
     QDomNode parent = e.parentNode();
     QDomElement top = e.cloneNode(false).toElement();
@@ -259,7 +259,7 @@ void changeJson(json& document, const std::vector<json*>& donors, Random& random
     }
 }
 
-/// Copying a value takes stack for each level.
+/// Copying a value needs stack for each level.
 bool isDeep(const QByteArray& bytes) {
     constexpr int greatest = 3000;
     int depth = 0;

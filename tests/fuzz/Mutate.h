@@ -7,13 +7,14 @@
 #include <random>
 #include <span>
 
-/// Changes to whole parts of documents. Changed bytes alone seldom leave a document that gets past the parser.
+/// Changes of whole parts of documents. With changes of single bytes, few documents would be accepted by the
+/// parser.
 namespace Fuzz {
 
 using Random = std::minstd_rand;
 
-/// Some parts moved, copied, removed, given other ids, types and values; from `donor`, where that is a document,
-/// parts are taken too. Empty where `bytes` is no document.
+/// A document in which some parts are moved, copied or removed, or get other ids, types and values. Some
+/// parts are copied from `donor` if that is a document. Empty if `bytes` is no document.
 QByteArray mutateXml(const QByteArray& bytes, const QByteArray& donor, Random& random);
 QByteArray mutateJson(const QByteArray& bytes, const QByteArray& donor, Random& random);
 
@@ -26,7 +27,8 @@ std::size_t crossOver(Mutation mutate, std::span<const std::uint8_t> first,
 
 } // namespace Fuzz
 
-/// Defines libFuzzer's hooks by one of the functions above; each third change is libFuzzer's own, on bytes.
+/// Defines libFuzzer's hooks with one of the functions above. One in three changes is libFuzzer's own change
+/// of bytes.
 #define FUZZ_MUTATE_BY(mutate)                                                                               \
     extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t most,   \
                                                    unsigned int seed) {                                      \

@@ -1,4 +1,4 @@
-// Any bytes at all are read, looked through and saved again, or refused.
+// Any bytes are read, checked and saved again, or are refused.
 
 #include "Fuzz.h"
 
@@ -12,7 +12,7 @@
 
 namespace {
 
-/// The tree is the one that Qt builds.
+/// Fails unless the tree is the same as Qt's.
 void checkTree(const QDomDocument& document, const QByteArray& bytes) {
     QXmlStreamReader reader(bytes);
     reader.setNamespaceProcessing(false);

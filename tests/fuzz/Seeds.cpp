@@ -1,5 +1,5 @@
-// Writes the seeds of the fuzz targets on documents: what the step cases start from, each at the version below its
-// step, and the samples, thinned out. Use: Seeds CASES SAMPLES OUTPUT
+// Writes the seeds of the fuzz targets on documents: the inputs of the step cases, each at the version below
+// its step, and reduced samples. Usage: Seeds CASES SAMPLES OUTPUT
 
 #include "Reader/JsonText.h"
 #include "Reader/XmlText.h"
@@ -29,12 +29,12 @@ void write(const fs::path& file, const QByteArray& bytes) {
     std::ofstream(file, std::ios::binary).write(bytes.constData(), bytes.size());
 }
 
-/// The version that a step's documents have before it; the newest for adaptors outside the numbering.
+/// The version of documents before a step; the newest version for other adaptors.
 int versionBefore(const std::string& className, int otherwise) {
     return className[0] == 'V' ? std::stoi(className.substr(1)) - 1 : otherwise;
 }
 
-/// A flat document of a step's case as a project that holds all its objects.
+/// A project that contains all objects of a flat document from a step's case.
 json projectOf(const json& flat, int version) {
     json objects = json::array();
     for (const json& object : flat)
@@ -46,7 +46,7 @@ json projectOf(const json& flat, int version) {
               {"objects", std::move(objects)}}}};
 }
 
-/// Leaves two entries of each list and the first object of each class.
+/// Reduces a document to two entries of each list and the first object of each class.
 void thinOut(QDomDocument& document) {
     std::set<QString> classes;
     QDomElement e = document.documentElement().firstChildElement();

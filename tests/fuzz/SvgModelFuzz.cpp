@@ -1,4 +1,4 @@
-// Any text at all goes through the SVG model and back: no crash, no hang, no memory without bound, and a second round
+// Any text is read into the SVG model and written: no crash, no hang, bounded memory, and a second pass
 // changes nothing more.
 
 #include "Fuzz.h"
@@ -23,7 +23,7 @@ void checkPlaces(const SvgDocument& document) {
     }
 }
 
-/// What is written differs from Qt's own in the order alone.
+/// The written text differs from Qt's own only in the order.
 void checkWriting(const QString& text) {
     QDomDocument dom;
     Internal::parse(dom, text);

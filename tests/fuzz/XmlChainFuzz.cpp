@@ -1,4 +1,4 @@
-// Any archive of any version goes all the way to the newest, or is refused.
+// Any archive of any version is migrated to the newest version, or is refused.
 
 #include "Fuzz.h"
 #include "Mutate.h"

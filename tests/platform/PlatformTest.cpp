@@ -27,7 +27,7 @@ TEST(MTime, CountsMilliseconds) {
     EXPECT_EQ(MTime(minCount).toMs(), minCount);
 }
 
-TEST(MTime, IsNotMadeFromANumberUnasked) {
+TEST(MTime, IsNotCreatedFromANumberImplicitly) {
     static_assert(!std::is_convertible_v<std::int64_t, MTime>);
     static_assert(!std::is_convertible_v<MTime, std::int64_t>);
     static_assert(std::is_same_v<decltype(MTime().count()), std::int64_t>);
@@ -85,7 +85,7 @@ TEST(FS, FromRelativePath) {
     EXPECT_EQ(FS::fromRelativePath("/film", "/music/a.mp3"), QString("/music/a.mp3"));
 }
 
-TEST(FS, SubPathLiesStrictlyBelow) {
+TEST(FS, SubPathIsStrictlyBelow) {
     EXPECT_TRUE(FS::isSubPath("/models", "/models/net.bin"));
     EXPECT_TRUE(FS::isSubPath("/models", "/models/a/b/net.bin"));
     EXPECT_TRUE(FS::isSubPath("/", "/models"));
@@ -101,7 +101,7 @@ TEST(FS, SubPathIsNoMereCommonPrefix) {
     EXPECT_FALSE(FS::isSubPath("/models/net", "/models/net.bin"));
 }
 
-TEST(FS, SubPathIsToldOnCleanedPaths) {
+TEST(FS, SubPathIsComputedOnCleanedPaths) {
     EXPECT_TRUE(FS::isSubPath("/models/", "/models/net.bin"));
     EXPECT_TRUE(FS::isSubPath("/models/./x/..", "//models//net.bin"));
     EXPECT_FALSE(FS::isSubPath("/models", "/models/../net.bin"));
@@ -109,14 +109,14 @@ TEST(FS, SubPathIsToldOnCleanedPaths) {
     EXPECT_TRUE(FS::isSubPath("/models", "/other/../models/net.bin"));
 }
 
-TEST(FS, SubPathIsToldOnAbsolutePaths) {
+TEST(FS, SubPathIsComputedOnAbsolutePaths) {
     EXPECT_TRUE(FS::isSubPath(QDir::currentPath(), "film/a.mp4"));
     EXPECT_TRUE(FS::isSubPath("film", "film/a.mp4"));
     EXPECT_TRUE(FS::isSubPath("film", QDir::currentPath() + "/film/a.mp4"));
     EXPECT_FALSE(FS::isSubPath("film", "other/a.mp4"));
 }
 
-TEST(FS, NothingLiesBelowAnEmptyRootAndAnEmptyPathLiesNowhere) {
+TEST(FS, NothingIsBelowAnEmptyRootAndAnEmptyPathIsNowhere) {
     EXPECT_FALSE(FS::isSubPath("", "/models"));
     EXPECT_FALSE(FS::isSubPath("", "film"));
     EXPECT_FALSE(FS::isSubPath("/", ""));

@@ -1,4 +1,4 @@
-// The table of all adaptors: their order, names and forms, and that CHANGES.md says the same of the steps.
+// The table of all adaptors: their order, names and forms, and its agreement with CHANGES.md.
 
 #include "Reader/AdaptorTable.h"
 #include "support/Files.h"
@@ -20,7 +20,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// A row of the history that people read: version, sentence, class.
+/// A row of the table in CHANGES.md: version, sentence, class.
 using Row = std::tuple<int, std::string, std::string>;
 
 std::vector<Row> history() {
@@ -62,14 +62,14 @@ std::vector<std::string> classNames(int number) {
     return names;
 }
 
-TEST(AdaptorTable, IsTheHistoryThatPeopleRead) {
+TEST(AdaptorTable, AgreesWithTheHistoryInTheDocumentation) {
     std::vector<Row> rows;
     for (const Reader::AdaptorRow& step : steps())
         rows.emplace_back(step.number, step.summary, step.className);
     EXPECT_EQ(rows, history());
 }
 
-TEST(AdaptorTable, GoesByNumberThenByClassName) {
+TEST(AdaptorTable, IsSortedByNumberThenByClassName) {
     const auto rows = steps();
     ASSERT_FALSE(rows.empty());
     for (std::size_t i = 1; i < rows.size(); ++i) {
@@ -81,8 +81,8 @@ TEST(AdaptorTable, GoesByNumberThenByClassName) {
     }
 }
 
-TEST(AdaptorTable, VersionSeventySevenGoesByNeed) {
-    // A track that the titles step makes has no `used`, so the step that prunes by it comes first.
+TEST(AdaptorTable, VersionSeventySevenIsSortedByDependency) {
+    // A track that the titles step creates has no `used`, so the step that reads `used` runs first.
     EXPECT_THAT(classNames(77),
                 ElementsAre("V77_TrackUsedAdaptor", "V77_TitlesTrackAdaptor", "V77_TrackLevelAdaptor"));
 }
@@ -107,7 +107,7 @@ TEST(AdaptorTable, SummariesAreSentencesOfTheirOwn) {
     }
 }
 
-TEST(AdaptorTable, EachStepHasAFormThatIsMade) {
+TEST(AdaptorTable, EachStepHasAFormThatCanBeCreated) {
     for (const Reader::AdaptorRow& step : steps()) {
         EXPECT_TRUE(step.hasXml() || step.hasJson()) << step.className;
         if (step.hasXml()) {
@@ -116,8 +116,8 @@ TEST(AdaptorTable, EachStepHasAFormThatIsMade) {
         if (step.hasJson()) {
             EXPECT_TRUE(step.makeJson()) << step.className;
         }
-        // The conversion is between the two: what an archive needs is XML up to its last version, all later
-        // steps are JSON. Two steps take both.
+        // The conversion is between the two: steps up to the last version of archives have an XML form, later
+        // ones a JSON form. Two steps have both.
         const bool isForArchives = step.number <= Reader::lastXmlVersion;
         EXPECT_EQ(step.hasXml(), isForArchives) << step.className;
         EXPECT_EQ(step.hasJson(), !isForArchives || step.number == 60 || step.number == 61) << step.className;
@@ -126,12 +126,12 @@ TEST(AdaptorTable, EachStepHasAFormThatIsMade) {
     EXPECT_EQ(Reader::currentVersion, steps().back().number);
 }
 
-TEST(AdaptorTable, NumbersWithoutAStepAreFree) {
+TEST(AdaptorTable, NumbersWithoutAStepAreUnused) {
     for (const int number : {1, 2, 3, 6, 10, 19, 30, 31, 39, 43, 45, 65, 66, 70, 73, 74, 75, 76})
         EXPECT_THAT(classNames(number), IsEmpty()) << number;
 }
 
-TEST(AdaptorTable, AllOthersRunAtAStage) {
+TEST(AdaptorTable, AllOtherAdaptorsRunAtAStage) {
     using Reader::Stage;
     EXPECT_THAT(namesOf(Stage::AfterLoading), ElementsAre("OverlayFileContentReadAdaptor"));
     EXPECT_THAT(namesOf(Stage::BeforeSteps), ElementsAre("ThemeTransitionsAndSceneAdaptor"));
@@ -171,7 +171,7 @@ TEST(AdaptorTable, FindsAnAdaptorWithAndWithoutItsNamespace) {
     }
 }
 
-TEST(AdaptorTable, FindsNothingByAnotherName) {
+TEST(AdaptorTable, FindsNothingUnderAnotherName) {
     for (const char* name :
          {"", "Project::", "V28", "28", "ClipLabelAdaptor", "V28_ClipLabelAdaptor ", " V28_ClipLabelAdaptor",
           "v28_ClipLabelAdaptor", "V28_ClipLabelAdapto", "Project::Project::V28_ClipLabelAdaptor",

@@ -1,4 +1,4 @@
-// A project that is a folder: some of its titles' texts lie in files beside the document.
+// A bundle, which is a project in a folder: some texts of titles are in side files.
 
 #include "Archive/Internal/Walk.h"
 #include "Archive/Xml.h"
@@ -38,8 +38,8 @@ namespace {
 constexpr int sampleVersion = 20;
 
 // clang-format off
-/// Only clips of type 4 leave the primary track, for a titles track of their own before the one in use. The two upper
-/// levels of that one have become tracks. The first track is that of the quizzes.
+/// Only clips of type 4 move from the primary track to a new titles track, before the one in use. The two
+/// upper levels of the latter have become tracks. The first track is that of the quizzes.
 const std::vector<ExpectedTimeline> titlesCut = {
     {"Holiday", {8, 16, 16, 16, 16, 4, 1}, {
         {"Intro", 8, 0, 2000, 6, {}},
@@ -69,7 +69,7 @@ const std::vector<ExpectedTimeline> titlesCut = {
 };
 // clang-format on
 
-/// Of an item that holds no SVG the whole text, of one that does the type.
+/// The text of an item; only the type if the item holds SVG.
 const std::map<std::string, Strings> titleTexts = {
     {"Intro", {"Sea & Sand Films"}},
     {"Summer by the sea",
@@ -86,7 +86,7 @@ const std::map<std::string, Strings> titleTexts = {
     {"Welcome", {"Welcome", "SVG"}},
 };
 
-/// Its colour has come from the outline of the item.
+/// Its colour is that of the item's former outline.
 constexpr const char* sun =
     "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"100\" height=\"100\" fill=\"#ffcc00\" "
     "stroke=\"#ffcc00\"><defs><linearGradient id=\"gradient_solid_white_retain\"><stop offset=\"0\" "
@@ -100,7 +100,7 @@ QByteArray readFile(const QString& folder, const QString& name) {
     return QByteArray::fromStdString(Tests::readFile(QDir(folder).filePath(name).toStdString()));
 }
 
-/// The shape that a side file of the sample holds, in the colours that it has gained since.
+/// The shape in a side file of the sample, with the colours that the migration adds.
 QByteArray coloured(const QString& name, const QByteArray& before, const QByteArray& after) {
     QByteArray svg = readFile(sampleFolder(), name);
     EXPECT_EQ(svg.count(before), 1);
@@ -115,7 +115,7 @@ std::string svgDifference(const QByteArray& expected, const QByteArray& actual) 
     return Tests::difference(first.documentElement(), second.documentElement());
 }
 
-/// Reads a project out of a folder, and saves it into another one; without that, texts stay in the document.
+/// Reads a project from a folder and saves it to another one. If that is empty, texts stay in the document.
 Result migrated(const QByteArray& bytes, const QString& source, const QString& target = {},
                 int to = Reader::currentVersion) {
     Reader::MigrationOptions options = Tests::optionsTo(to);
@@ -131,7 +131,7 @@ Strings logOf(const MigrationReport& report) {
     return lines;
 }
 
-/// The main quiz is one by its clip alone: its preset has no type of its own.
+/// The main quiz is a quiz only by the type of its clip: its preset has no type.
 constexpr const char* untypedQuiz = "V40_RemoveQuizFromOverlayAdaptor: Need quiz overlay preset";
 
 class BundleMigrationTest : public testing::Test {
@@ -156,7 +156,7 @@ private:
     QTemporaryDir m_folder;
 };
 
-TEST_F(BundleMigrationTest, TheSampleItselfIsSound) {
+TEST_F(BundleMigrationTest, TheSampleHasNoFaults) {
     const Document document = Reader::parse(sample(), QStringLiteral("holiday"));
     EXPECT_EQ(document.version(), sampleVersion);
     EXPECT_THAT(Tests::linesOf(Reader::verify(document)), IsEmpty());
@@ -196,7 +196,7 @@ TEST_F(BundleMigrationTest, TimelinesKeepTheirLengths) {
     EXPECT_EQ(Tests::lengthOf(project(), "Village"), 5000);
 }
 
-TEST_F(BundleMigrationTest, TransitionsEndWithoutTheTitle) {
+TEST_F(BundleMigrationTest, TransitionsNoLongerReferToTheTitle) {
     const Project film = project();
     const auto halves = [&](const char* name) {
         const json& timing = Tests::timingOf(film, "Holiday", name);
@@ -238,7 +238,7 @@ TEST_F(BundleMigrationTest, PresetsHaveTheirTypesAndItemsTheirFeatures) {
             const json& item = film.follow(preset.at("items").at(n));
             EXPECT_EQ(item.at("type"), isSvg ? 2 : 1) << name;
             EXPECT_EQ(item.at("features"), isSvg && isCallout ? 1 : 0) << name;
-            // The colour has moved into the text, but for callouts.
+            // The colour has moved into the text, except for callouts.
             EXPECT_EQ(film.follow(item, "outline").at("color"), isSvg && !isCallout ? 0 : 4278190080U)
                 << name;
         }
@@ -288,8 +288,8 @@ TEST_F(BundleMigrationTest, NoQuizIsLeft) {
     EXPECT_THAT(filler.front(), HasSubstr(">Quiz</span>"));
 }
 
-// The step that takes quizzes out of overlays needs the text of the question, which lies in a side file.
-TEST_F(BundleMigrationTest, QuizzesAreObjectsOfTheirOwnInBetween) {
+// The step that removes quizzes from overlays needs the text of the question, which is in a side file.
+TEST_F(BundleMigrationTest, QuizzesAreSeparateObjectsBetweenVersions) {
     const Result result = migrated(sample(), sampleFolder(), {}, 40);
     const Document document = Reader::parse(result.bytes, QStringLiteral("holiday"));
     std::map<QString, QDomElement> objects;
@@ -312,7 +312,7 @@ TEST_F(BundleMigrationTest, QuizzesAreObjectsOfTheirOwnInBetween) {
     EXPECT_EQ(Archive::valueOf(questions.front(), QStringLiteral("question")), "How old is the church?");
 }
 
-TEST_F(BundleMigrationTest, NoReferenceIsDanglingAndNoIdIsTwice) {
+TEST_F(BundleMigrationTest, NoReferenceIsDanglingAndNoIdIsDuplicate) {
     const Project film = project();
     EXPECT_THAT(Tests::linesOf(Reader::verify(film.document())), IsEmpty());
     EXPECT_THAT(whole().report.duplicateIds, IsEmpty());
@@ -335,7 +335,7 @@ TEST_F(BundleMigrationTest, SvgTextsAreSavedBesideTheDocument) {
     EXPECT_EQ(result.bytes.count("content_"), 4);
 
     EXPECT_EQ(files(), QStringList({"content_1.svg", "content_2.svg", "content_3.svg", "content_4.svg"}));
-    // A gradient stays where the colour was to go; a callout keeps its text to the letter.
+    // A gradient is not replaced by the colour; a callout keeps its text unchanged.
     EXPECT_EQ(svgDifference(coloured("content_3.svg", "fill=\"url(#cloth)\"",
                                      "fill=\"url(#cloth)\" stroke=\"#204080\""),
                             readFile(folder(), "content_1.svg")),
@@ -376,7 +376,7 @@ TEST_F(BundleMigrationTest, ATextWhoseFileCannotBeWrittenStaysInTheDocument) {
     EXPECT_EQ(migrated(saved.bytes, folder()).bytes, whole().bytes);
 }
 
-TEST_F(BundleMigrationTest, ATextWhoseFileIsMissingIsReadAsNothing) {
+TEST_F(BundleMigrationTest, ATextWhoseFileIsMissingIsReadAsEmpty) {
     for (const char* name : {"content_1.svg", "content_3.svg", "content_4.html", "content_5.quiz"})
         write(QString::fromLatin1(name), readFile(sampleFolder(), QString::fromLatin1(name)));
     const Result result = migrated(sample(), folder());
@@ -389,12 +389,12 @@ TEST_F(BundleMigrationTest, ATextWhoseFileIsMissingIsReadAsNothing) {
         Tests::expectClips(film, timeline, sampleVersion);
 }
 
-TEST_F(BundleMigrationTest, StoppingAnywhereLeadsToTheSameProject) {
+TEST_F(BundleMigrationTest, StoppingAtAnyVersionGivesTheSameProject) {
     const json atOnce = Tests::renumbered(whole().bytes);
     for (const int stop : {sampleVersion, 21, 25, 38, 40, 50, 62, 63, 69, Reader::currentVersion}) {
         const QTemporaryDir halfway;
         const Result half = migrated(sample(), sampleFolder(), halfway.path(), stop);
-        // An archive holds its texts itself.
+        // An archive contains its texts.
         EXPECT_EQ(QDir(halfway.path()).entryList(QDir::Files).size(), stop > 62 ? 4 : 0)
             << "stopped at " << stop;
         const Result rest = migrated(half.bytes, halfway.path());

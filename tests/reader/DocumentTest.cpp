@@ -15,7 +15,7 @@ namespace {
 
 const QString name = QStringLiteral("film.xml");
 
-/// The kind and the text of the error that reading ends in; fails where it does not.
+/// The kind and the text of the error that reading throws; the test fails if there is none.
 std::pair<ErrorKind, std::string> failure(const QByteArray& bytes) {
     try {
         Reader::parse(bytes, name);
@@ -75,7 +75,7 @@ TEST(Parse, DocumentTypesAreRefused) {
         "<!-- <!DOCTYPE a> --><Archive a='&lt;!DOCTYPE'><![CDATA[<!DOCTYPE]]></Archive>", name));
 }
 
-TEST(Parse, HostileNumbersOfAttributesAreRefused) {
+TEST(Parse, TooManyAttributesAreRefused) {
     const auto element = [](int count) {
         QByteArray text = "<Archive";
         for (int number = 0; number < count; ++number)
@@ -94,13 +94,13 @@ TEST(Parse, ForeignEncodingsAreRefused) {
     EXPECT_NO_THROW(Reader::parse("\xEF\xBB\xBF<Archive/>", name));
     EXPECT_NO_THROW(Reader::parse("<?xml version='1.0' encoding='Windows-1252'?><Archive a='\x80'/>", name));
     EXPECT_NO_THROW(Reader::parse("<?xml version='1.0' encoding='us-ascii'?><Archive/>", name));
-    // A mark of the byte order shows UTF-16 before any '<'.
+    // A byte order mark shows UTF-16 before the first '<'.
     expectFailure(QByteArray("\xFF\xFE<\0A\0", 6), ErrorKind::UnknownForm, "neither");
     EXPECT_THROW(Reader::parseXml(QByteArray("\xFF\xFE<\0A\0/\0>\0", 10), name), Reader::Error);
     EXPECT_THROW(Reader::parseXml(QByteArray("\xFE\xFF\0<\0A\0/\0>", 10), name), Reader::Error);
 }
 
-TEST(Parse, HostileDepthIsRefused) {
+TEST(Parse, TooGreatADepthIsRefused) {
     const auto nested = [](int depth) {
         return "<Archive>" + QByteArray("<a b='/>'>").repeated(depth) + "<c/>" +
                QByteArray("</a>").repeated(depth) + "</Archive>";
@@ -176,7 +176,7 @@ TEST(Document, CountsFollowAChangeOfTheArchive) {
     EXPECT_EQ(Reader::countObjects(document), after);
 }
 
-TEST(Serialize, ArchivesKeepAllThatTheyHold) {
+TEST(Serialize, ArchivesKeepTheirContent) {
     const QByteArray text =
         "<?xml version='1.0'?><!-- kept --><Archive z='1' a='&lt;&quot;&#10;&amp;'><!-- c --><b>te&lt;xt</b>"
         "<x:y x:z='1'/><![CDATA[a<b]]><?go on?></Archive>";
@@ -193,7 +193,7 @@ TEST(Serialize, ArchivesKeepAllThatTheyHold) {
     EXPECT_LT(once.indexOf(" schemaVersion="), once.indexOf(" z="));
 }
 
-TEST(Serialize, TextsComeBack) {
+TEST(Serialize, TextsAreReadAgain) {
     for (const char* text :
          {"plain", "", "\\u007f", "\\u0000", "\\n\\t", "\\\"", "\\\\", "caf\u00e9", "~ "}) {
         SCOPED_TRACE(text);

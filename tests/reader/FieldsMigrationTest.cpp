@@ -1,4 +1,4 @@
-// What the samples are made of at the newest version: classes and fields of the newest version, none of older ones.
+// The classes and fields of the samples after migration: those of the newest version, and none of older ones.
 
 #include "support/Holiday.h"
 
@@ -23,7 +23,7 @@ namespace {
 
 class FieldsMigrationTest : public Tests::HolidayTest {};
 
-TEST_P(FieldsMigrationTest, NothingOfWhatVersionsDroppedIsLeft) {
+TEST_P(FieldsMigrationTest, NothingThatVersionsRemovedIsLeft) {
     const Project film = project();
     for (const json* clip : film.all("Timeline::Clip")) {
         for (const char* key : {"angle", "preview", "transition"})
@@ -32,7 +32,7 @@ TEST_P(FieldsMigrationTest, NothingOfWhatVersionsDroppedIsLeft) {
             EXPECT_TRUE(clip->contains(key)) << clip->at("name") << ' ' << key;
         EXPECT_NE(clip->at("type"), 32);
     }
-    std::size_t empty = 0; // in place of what an entry referred to when the archive was converted
+    std::size_t empty = 0; // class objects without a class: dangling references of the archive
     for (const auto& [id, object] : film.objects()) {
         const std::string name = Project::classOf(object);
         empty += name.empty() ? 1 : 0;
@@ -42,7 +42,7 @@ TEST_P(FieldsMigrationTest, NothingOfWhatVersionsDroppedIsLeft) {
         for (const char* plain : {"VideoEffect", "AutoEnhance", "Crossfade", "Ripple"})
             EXPECT_NE(name, plain);
     }
-    EXPECT_EQ(empty, version() == reelVersion ? 2u : 0u); // on the clips that say so
+    EXPECT_EQ(empty, version() == reelVersion ? 2u : 0u); // a second zoom and an enhancement without a flag
     for (const json* file : film.all("File"))
         EXPECT_FALSE(file->contains("composition"));
     for (const json* video : film.all("Video"))
@@ -132,7 +132,7 @@ std::map<std::string, std::set<std::string>> newestFields() {
 TEST_P(FieldsMigrationTest, ObjectsHaveTheFieldsOfTheNewestVersion) {
     if (!isLong())
         return;
-    // References that only clips with something to refer to got, and what the title in place of a quiz goes without.
+    // References that only some clips have, and fields that the title in place of a quiz lacks.
     std::map<std::string, std::set<std::string>> optional = {
         {"Timeline::Clip", {"cropEnvelope", "stabilization", "volumeNormalize"}},
         {"Overlay::Item", {"envelope"}},
@@ -151,7 +151,7 @@ TEST_P(FieldsMigrationTest, ObjectsHaveTheFieldsOfTheNewestVersion) {
         fields["Effect::FindEdges"] = {"@meta", "Effect::VideoEffect", "sensibility", "type"};
         fields[""] = {"@meta"};
         optional["Effect::Mask"] = {"highlightFrames", "backgroundFill", "backgroundOpacity",
-                                    "backgroundSmoothness"}; // one that only hides
+                                    "backgroundSmoothness"}; // a mask that only conceals
     }
     const Project film = project();
     for (const auto& [id, object] : film.objects()) {

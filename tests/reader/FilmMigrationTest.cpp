@@ -1,4 +1,4 @@
-// What a user sees of the samples at the newest version: clips, transitions, tracks, titles and effects.
+// The visible content of the samples after migration: clips, transitions, tracks, titles and effects.
 
 #include "support/Holiday.h"
 
@@ -82,7 +82,7 @@ TEST_P(FilmMigrationTest, TimelinesKeepTheirLengths) {
     }
 }
 
-TEST_P(FilmMigrationTest, TracksSayWhatTheyAre) {
+TEST_P(FilmMigrationTest, TracksHaveTheirTypesAndFlags) {
     const Project film = project();
     const json& timeline = film.timeline("Holiday");
     for (const json& reference : timeline.at("tracks")) {
@@ -222,7 +222,7 @@ TEST_P(FilmMigrationTest, ZoomsAreEnvelopesOfTheirClips) {
         return;
     const Project film = project();
     const auto steps = [&](const char* clip) {
-        std::vector<std::pair<double, double>> found; // with the enlargement
+        std::vector<std::pair<double, double>> found; // position and enlargement
         for (const json& reference : film.follow(clipNamed(film, clip), "cropEnvelope").at("keyValues")) {
             const json& key = film.follow(reference);
             found.emplace_back(key.at("step").get<double>(),

@@ -47,7 +47,7 @@ void expectSame(const json& expected, const json& actual) {
     EXPECT_EQ(Tests::difference(expected, actual), "");
 }
 
-TEST(Flatten, EachClassObjectGoesUnderItsIdAndLeavesALink) {
+TEST(Flatten, EachClassObjectIsStoredUnderItsIdAndReplacedByALink) {
     const FlatDocument document = flattened(
         object("A", 2, {{"b", object("B", 7, {{"x", 1}})}, {"list", {object("C", 3), link(7), 5}}}));
     EXPECT_EQ(document.root, 2u);
@@ -69,14 +69,15 @@ TEST(Flatten, ClassObjectsInPlainObjectsAreFound) {
 TEST(Flatten, OnlyAnObjectUnderMetaMakesAClassObject) {
     const json plain = {{"@meta", "text"}, {"x", 1}};
     expectSame({{"2", object("A", 2, {{"p", plain}})}}, objectsOf(flattened(object("A", 2, {{"p", plain}}))));
-    // Without a class name it is one all the same, and what is inside "@meta" is none.
+    // An object without a class name is a class object, too; a value inside "@meta" is none.
     const json nameless = {{"@meta", {{"object_id", 3}, {"more", object("X", 9)}}}};
     expectSame({{"2", object("A", 2, {{"p", link(3)}})}, {"3", nameless}},
                objectsOf(flattened(object("A", 2, {{"p", nameless}}))));
 }
 
-TEST(Flatten, ObjectsWithoutAnIdGetFreshOnesInWalkingOrder) {
-    // Keys are walked sorted by bytes, an object before what it holds; 50 is the greatest id, of a dangling link.
+TEST(Flatten, ObjectsWithoutAnIdGetNewOnesDepthFirst) {
+    // Keys are visited sorted by bytes, an object before its members. 50 is the greatest id, from a dangling
+    // link.
     FlattenNotes notes;
     const FlatDocument document = flatten(object("A", 2,
                                                  {{"a", object("B", nullptr, {{"c", object("C", 0)}})},
@@ -122,8 +123,8 @@ TEST(Flatten, AnIdThatIsTakenIsReplacedAndLinksGoToTheFirst) {
 }
 
 TEST(Flatten, LinksPreferAnObjectOfItsOwnToABasePart) {
-    // The part keeps the id that it had first, and the link to it stays; links of the document move on, whether
-    // they are before, inside or behind the object.
+    // The part keeps the id that it had first, and the link to it stays. All other links are redirected,
+    // whether they are before, inside or after the object.
     FlattenNotes notes;
     const FlatDocument document = flatten(object("A", 2,
                                                  {{"Mid", object("Mid", 5)},
@@ -165,7 +166,7 @@ TEST(Flatten, NoIdIsLeftAboveTheGreatestOne) {
     EXPECT_NO_THROW(flattened(object("A", 2, {{"b", link(18446744073709551615ULL)}})));
 }
 
-TEST(Nest, EachObjectStandsInFullAtItsFirstReferenceInWalkingOrder) {
+TEST(Nest, EachObjectIsWrittenInFullAtItsFirstReferenceDepthFirst) {
     FlatDocument document;
     document.root = 2;
     document.flat.objects = {{2, object("A", 2, {{"Z", link(4)}, {"b", {link(3), link(4)}}, {"c", link(3)}})},
@@ -188,7 +189,7 @@ TEST(Nest, AnEmbeddedObjectCountsAsAReferenceToItsEntry) {
                nested(std::move(document)));
 }
 
-TEST(Nest, AnEmbeddedObjectWithoutAnEntryStandsWhereItIs) {
+TEST(Nest, AnEmbeddedObjectWithoutAnEntryIsKept) {
     FlatDocument document;
     document.root = 2;
     document.flat.objects = {{2, object("A", 2, {{"a", object("B", 9, {{"c", link(3)}})}})},
@@ -211,8 +212,8 @@ TEST(Nest, WhatIsNoObjectStaysALink) {
         {3, nullptr},
         {4, 7},
         {5, {{"x", 1}}}};
-    // An entry without "@meta" gets its id, so that reading finds it again. An embedded object outlives an entry
-    // that is none.
+    // An entry without "@meta" gets its id, so that it is found when the text is read. An embedded object is
+    // kept if the entry is no object.
     expectSame(object("A", 2,
                       {{"a", link(3)},
                        {"b", link(4)},

@@ -1,4 +1,4 @@
-// What the fuzz targets once found is kept in tests/fuzz/corpus and goes through the reader here too.
+// Runs the former findings of the fuzz targets, in tests/fuzz/corpus, through the reader.
 
 #include "Reader/Error.h"
 #include "Reader/Migration.h"
@@ -29,7 +29,7 @@ std::vector<fs::path> findings() {
     return files;
 }
 
-/// The bytes of a document that went as far as it can; empty for one that is refused.
+/// The bytes of the migrated document; empty if it is refused.
 QByteArray saved(const QByteArray& bytes) {
     Reader::MigrationOptions options;
     options.name = options.location = options.target = QStringLiteral("film");

@@ -1,4 +1,5 @@
-// The projects that the benchmarks measure: as sound as the samples that they are made of, and as large as asked for.
+// The generated projects of the benchmarks: they have no more faults than the samples that they are made of,
+// and the requested size.
 
 #include "bench/Generator.h"
 #include "Reader/Migration.h"
@@ -22,7 +23,7 @@ std::size_t elementsOf(const QByteArray& text) {
 
 class GeneratorTest : public testing::TestWithParam<int> {};
 
-TEST_P(GeneratorTest, TheProjectIsAsSoundAsTheSample) {
+TEST_P(GeneratorTest, TheProjectHasNoMoreFaultsThanTheSample) {
     const auto faultsOf = [](const QByteArray& text) {
         std::map<std::pair<Reader::Fault, std::string>, std::size_t> faults;
         for (const Reader::Finding& finding : Reader::verify(Reader::parse(text, name)))
@@ -60,7 +61,7 @@ TEST_P(GeneratorTest, ItMigratesWithAllItsClips) {
 
 INSTANTIATE_TEST_SUITE_P(Versions, GeneratorTest, testing::Values(3, 12, 27, 34, 45, 62));
 
-TEST(Generator, ProjectsAreAsLargeAsAskedFor) {
+TEST(Generator, ProjectsHaveTheRequestedSize) {
     const std::size_t further =
         elementsOf(Bench::generateProject(3, {5000})) - elementsOf(Bench::generateProject(3, {}));
     for (const std::size_t elements : {10000, 50000, 300000}) {
@@ -72,7 +73,7 @@ TEST(Generator, ProjectsAreAsLargeAsAskedFor) {
     EXPECT_GE(Bench::generateProject(28, {0, 0, 500}).count("type=\"Timeline::Clip\""), 500);
 }
 
-TEST(Generator, EachCopyStartsWhenTheOneBeforeEnds) {
+TEST(Generator, EachCopyStartsAtTheEndOfThePrevious) {
     Reader::MigrationOptions options;
     options.name = name;
     Reader::Migration migration(Reader::parse(Bench::generateProject(45, {15000}), name), options);

@@ -1,5 +1,5 @@
-// What the checker finds between the steps: steps leave a document as sound as it was, but for what some of them are meant
-// to leave behind. That is listed here, with the reason.
+// Runs verify() between the steps: steps cause no new faults, except those that some steps cause on purpose.
+// These are listed here with the reason.
 
 #include "Reader/Migration.h"
 #include "Reader/Verify.h"
@@ -21,7 +21,7 @@ using Reader::Finding;
 
 namespace {
 
-/// A fault that a step is meant to leave, at all places of a kind.
+/// A fault that a step causes on purpose, at all places of the same path.
 struct MeantFault {
     const char* step;
     Fault fault;
@@ -36,41 +36,44 @@ struct MeantFault {
 constexpr const char* refs = "refs/Item[#]/Data";
 
 const MeantFault meantFaults[] = {
-    // These take objects out with their own predeclarations. The records of those who referred to them keep the
-    // numbers in their `refs`: nothing reads those.
+    // These remove objects and their predeclarations. The records of objects that referred to them keep the
+    // ids in their `refs`, which nothing reads.
     {"V16_PanZoomAdaptor", Fault::StalePredeclaration, "Predeclare", refs},
     {"V24_CompositionRemoveAdaptor", Fault::StalePredeclaration, "Predeclare", refs},
     {"V32_ColorFiltersAdaptor", Fault::StalePredeclaration, "Predeclare", refs},
     {"V34_NoPreviewAdaptor", Fault::StalePredeclaration, "Predeclare", refs},
     {"V40_RemoveQuizFromOverlayAdaptor", Fault::StalePredeclaration, "Predeclare", refs},
     {"V51_MaskEffectAdaptor", Fault::StalePredeclaration, "Predeclare", refs},
-    // One pass forward over the records: an envelope's matrix is declared before the value that holds it, so its
-    // record stays when the overlay goes.
+    // There is a single pass over the records: an envelope's matrix is declared before the value that
+    // contains it, so its record stays when the overlay is removed.
     {"V40_RemoveQuizFromOverlayAdaptor", Fault::StalePredeclaration, "Predeclare", "oid"},
     {"V40_RemoveQuizFromOverlayAdaptor", Fault::StalePredeclaration, "Predeclare", "poid"},
-    // The entries of a clip's second zoom, and of an enhancement without a flag, outlast their effects.
+    // The entries of a clip's second zoom, and of an enhancement without a flag, stay after their effects
+    // were removed.
     {"V16_PanZoomAdaptor", Fault::DanglingReference, "Timeline::Clip", "effects/Item[#]/Data"},
     {"V32_ColorFiltersAdaptor", Fault::DanglingReference, "Timeline::Clip", "effects/Item[#]/Data"},
-    // Effects that no clip lists are converted like the others, and stay without one.
+    // Effects that no clip lists are converted like all others and remain unlisted.
     {"V4_EffectNamespaceAdaptor", Fault::Unreachable, "Effect::AutoEnhance", ""},
     {"V18_NoiseRemovalAdaptor", Fault::Unreachable, "Effect::AudioNoiseSuppress", ""},
     {"V20_HighlightConcealAdaptor", Fault::Unreachable, "Effect::MaskConceal", ""},
     {"V20_HighlightConcealAdaptor", Fault::Unreachable, "Effect::MaskHighlight", ""},
     {"V32_ColorFiltersAdaptor", Fault::Unreachable, "Effect::AutoSaturation", ""},
     {"V32_ColorFiltersAdaptor", Fault::Unreachable, "Effect::MagicEnhance", ""},
-    // The two items of a title change their numbers and not their places.
+    // The two items of a title exchange their indices, but not their positions.
     {"V17_TitleAdaptorSunLabel", Fault::WrongIndex, "Overlay::Preset", "items/Item[#]"},
-    // The effect gives way to one without fields, and what its fields referred to stays.
+    // The effect is replaced by one without fields, but the objects that its fields referred to stay.
     {"V18_NoiseRemovalAdaptor", Fault::Unreachable, "Effect::NoiseProfile", ""},
-    // The record of an overlay item gets `size` 1 and an item number 1, whatever it had; the shadow counts on from there.
+    // The record of an overlay item gets `size` 1 and an item with index 1, without regard to its old
+    // entries; the shadow continues from there.
     {"V25_OverlayAnimationAdaptor", Fault::WrongSize, "Predeclare", "refs"},
     {"V25_OverlayAnimationAdaptor", Fault::WrongIndex, "Predeclare", "refs/Item[#]"},
     {"V38_OverlayDropShadowAdaptor", Fault::WrongIndex, "Predeclare", "refs/Item[#]"},
     // Tracks are listed from the topmost, number 6, down.
     {"V27_MultitrackAdaptor", Fault::WrongIndex, "Timeline::Object", "tracks/Item[#]"},
-    // Every clip loses its transition, and only those of the primary track are listed on.
+    // Every clip loses its transition, and only those of the primary track are listed afterwards.
     {"V46_TransitionToClipPairAdaptor", Fault::Unreachable, "Transition::Crossfade", ""},
-    // Quiz clips and dropped tracks leave their lists and stay as objects, with all that they hold; saving drops them.
+    // Quiz clips and removed tracks are removed from their lists, but stay as objects with all their parts;
+    // they are not saved.
     {"V69_RemoveQuizzesAdaptor", Fault::Unreachable, "Timeline::Clip", ""},
     {"V69_RemoveQuizzesAdaptor", Fault::Unreachable, "Timeline::ClipTiming", ""},
     {"V69_RemoveQuizzesAdaptor", Fault::Unreachable, "Timeline::CollectionItemInfo", ""},
@@ -94,7 +97,7 @@ Counts countsOf(const Document& document) {
 
 using Left = std::set<decltype(meantFaults[0].key())>;
 
-/// What each adaptor leaves that was not there before it.
+/// The new faults after each adaptor.
 Left leftBehind(const QByteArray& bytes, int to = Reader::currentVersion) {
     Left left;
     Counts before;
@@ -118,7 +121,7 @@ std::string lineOf(const Left::value_type& entry) {
     return step + ": " + std::string(Reader::nameOf(fault)) + ' ' + className + ' ' + path;
 }
 
-TEST(MigrationFindings, StepsLeaveWhatIsMeantAndNothingElse) {
+TEST(MigrationFindings, StepsCauseOnlyTheExpectedFaults) {
     Left allowed;
     for (const MeantFault& entry : meantFaults)
         allowed.insert(entry.key());
@@ -152,7 +155,7 @@ QByteArray film(int version, const std::string& clip, const std::string& objects
                                      clip + "</RootObject>" + objects + "</Archive>");
 }
 
-// The first zoom of a clip becomes its envelope; the item of the second stays and leads nowhere.
+// The first zoom of a clip becomes its envelope. The item of the second one stays as a dangling reference.
 TEST(MigrationFindings, ASecondZoomLeavesAReference) {
     const std::string zoom = "<RootObject type='Effect::Zoom' objectId='";
     const Left left =
@@ -166,7 +169,7 @@ TEST(MigrationFindings, ASecondZoomLeavesAReference) {
         {"V16_PanZoomAdaptor", Fault::DanglingReference, "Timeline::Clip", "effects/Item[#]/Data"}));
 }
 
-// A quiz overlay that no clip uses loses its predeclaration and stays.
+// A quiz overlay that no clip uses loses its predeclaration, but stays.
 TEST(MigrationFindings, AnUnusedQuizStaysUndeclared) {
     const Left left = leftBehind(film(39, "",
                                       "<RootObject type='Overlay::Preset' objectId='5'><type type='int32_t' "

@@ -1,4 +1,4 @@
-// The whole migration as such: which steps run, what they report, and that it leads to the same place every time.
+// The whole migration: which steps run, what they report, and that the result is always the same.
 
 #include "support/Compare.h"
 #include "support/Findings.h"
@@ -49,7 +49,7 @@ TEST_P(MigrationTest, RunsTheStepsOfTheTableInItsOrder) {
     EXPECT_EQ(result().report.to, Reader::currentVersion);
 }
 
-TEST_P(MigrationTest, ReportsTheArchiveStepThatJsonBelow62PassesBy) {
+TEST_P(MigrationTest, ReportsTheArchiveStepThatJsonBelow62Skips) {
     if (!GetParam().isXml && version() < 62)
         EXPECT_THAT(result().report.skipped, ElementsAre("V62_CollectionItemPayloadAdaptor"));
     else
@@ -70,13 +70,13 @@ TEST_P(MigrationTest, OnlyQuizzesAreLost) {
                                : std::set<std::string>());
 }
 
-TEST_P(MigrationTest, TheResultIsSound) {
+TEST_P(MigrationTest, TheResultHasNoFaults) {
     const Project film = project();
     EXPECT_THAT(Tests::linesOf(Reader::verify(film.document())), IsEmpty());
     EXPECT_THAT(result().report.duplicateIds, IsEmpty());
 }
 
-TEST_P(MigrationTest, TheSampleItselfIsSound) {
+TEST_P(MigrationTest, TheSampleHasNoFaults) {
     const Document document = Reader::parse(bytesOf(GetParam()), QStringLiteral("holiday"));
     EXPECT_EQ(document.version(), version());
     EXPECT_EQ(document.isXml(), GetParam().isXml);
@@ -95,7 +95,7 @@ TEST_P(MigrationTest, TheSameSampleGivesTheSameBytes) {
     EXPECT_EQ(migrated(bytesOf(GetParam())).bytes, result().bytes);
 }
 
-TEST_P(MigrationTest, StoppingAnywhereLeadsToTheSameProject) {
+TEST_P(MigrationTest, StoppingAtAnyVersionGivesTheSameProject) {
     const json atOnce = Tests::renumbered(result().bytes);
     const QByteArray bytes = bytesOf(GetParam());
     const int first = GetParam().isXml ? version() : std::max(version(), Reader::lastXmlVersion + 1);
@@ -109,7 +109,7 @@ TEST_P(MigrationTest, StoppingAnywhereLeadsToTheSameProject) {
     }
 }
 
-TEST_P(MigrationTest, TheOrderOfRootObjectsMeansNothing) {
+TEST_P(MigrationTest, TheOrderOfRootObjectsDoesNotMatter) {
     if (!GetParam().isXml)
         return;
     QDomDocument document;
@@ -125,7 +125,7 @@ TEST_P(MigrationTest, TheOrderOfRootObjectsMeansNothing) {
     EXPECT_EQ(Tests::difference(Tests::renumbered(result().bytes), Tests::renumbered(reversed.bytes)), "");
 }
 
-/// The id of the track that a clip of the main timeline lies on.
+/// The id of the track of the first clip of that name in an archive.
 QString trackOf(const QDomDocument& xml, const QString& clipName) {
     std::map<QString, QString> names; // by id of the clip
     const QDomNodeList objects = xml.elementsByTagName(QStringLiteral("RootObject"));
@@ -145,8 +145,8 @@ QString trackOf(const QDomDocument& xml, const QString& clipName) {
     return {};
 }
 
-// The question of a quiz comes out of an archive of its own, whose ids know nothing of the project's.
-TEST(QuizMigrationTest, AnswersWithIdsOfTheProjectTakeNoReferencesAway) {
+// The question of a quiz is moved from an archive of its own, which may use ids of the project.
+TEST(QuizMigrationTest, AnswersWithIdsOfTheProjectGetNoReferencesOfIt) {
     const Tests::Sample& sample = sampleOf(34);
     const Document document = Reader::parse(bytesOf(sample), QStringLiteral("holiday"));
     const QString track = trackOf(document.xml(), QStringLiteral("Where was the boat?"));
@@ -162,8 +162,8 @@ TEST(QuizMigrationTest, AnswersWithIdsOfTheProjectTakeNoReferencesAway) {
     expectClips(Project(result.bytes), filmOf(sample).front(), sample.version);
 }
 
-// A theme has no version of its own, and that of the archive does not matter.
-TEST(ThemeMigrationTest, ThemesOfEveryArchiveAreBroughtUpToDate) {
+// A theme has no schema version, and the version of the archive does not matter.
+TEST(ThemeMigrationTest, ThemesOfEveryArchiveAreUpdated) {
     for (const int version : {3, 62}) {
         const QByteArray archive =
             "<Archive schemaVersion='" + QByteArray::number(version) +

@@ -66,7 +66,7 @@ TEST_F(ReelMigrationTest, SharedEffectsStayShared) {
     EXPECT_EQ(idAt("Dunes", 0), idAt("Rain", 1));
     EXPECT_EQ(idAt("Window", 0), idAt("Door", 1)); // the inset
     EXPECT_EQ(idAt("Window", 1), idAt("Door", 0)); // the key
-    EXPECT_NE(idAt("Window", 2), idAt("Door", 2)); // what is behind it is each clip's own
+    EXPECT_NE(idAt("Window", 2), idAt("Door", 2)); // what follows belongs to each clip alone
     EXPECT_EQ(idAt("Cave", 3), idAt("Ship to shore", 1));
 }
 
@@ -123,11 +123,11 @@ TEST_F(ReelMigrationTest, MasksKeepTheirFrames) {
     EXPECT_THAT(frames("Porthole", "concealFrames"), ElementsAre(ElementsAre(0.5, 0, 0, 0, 0.5, 0, 0, 0, 1)));
     for (const char* key : {"highlightFrames", "backgroundFill", "backgroundOpacity", "backgroundSmoothness"})
         EXPECT_FALSE(effectAt("Porthole", 0).contains(key)) << key;
-    // Of the two sizes that a frame had in the archive the later one came through.
+    // A frame had two sizes in the archive; the later one is kept.
     EXPECT_EQ(film().follow(effectAt("Porthole", 0).at("concealFrames").at(0)).at("pixelSize"), 0);
 }
 
-TEST_F(ReelMigrationTest, PicturesAreInTheirPlaces) {
+TEST_F(ReelMigrationTest, PicturesKeepTheirPositions) {
     EXPECT_THAT(placeAt("Window", 0), ElementsAre(0.25, 0, 0, 0, 0.25, 0, -0.375, -0.375, 1));
     for (const char* clip : {"Window", "Door"}) {
         EXPECT_THAT(placeAt(clip, 2), ElementsAre(1, 0, 0, 0, 1, 0, 0, 0, 1));
@@ -149,7 +149,7 @@ TEST_F(ReelMigrationTest, PicturesAreInTheirPlaces) {
     EXPECT_EQ(steady.at("sourceDurationOriginal"), 500);
 }
 
-TEST_F(ReelMigrationTest, SoundEffectsAreOnesOfTheirOwn) {
+TEST_F(ReelMigrationTest, SoundEffectsHaveIdsOfTheirOwn) {
     const char* const echo = "23426fc3-a681-413a-a9fe-340503101431";
     const char* const reverberation = "e738de79-e6e1-4d25-9ae2-6bec3b427525";
     const char* const muffle = "5899d84f-ec6c-4896-b9b9-8c2556468536";
@@ -162,7 +162,7 @@ TEST_F(ReelMigrationTest, SoundEffectsAreOnesOfTheirOwn) {
     EXPECT_EQ(uniqueIdAt("Ship to shore", 3), radio);
     EXPECT_EQ(uniqueIdAt("Ship to shore", 4), phone);
     EXPECT_EQ(uniqueIdAt("Ship to shore", 5), pitch);
-    // It was in no group, so it keeps what it had.
+    // It was in no group, so it keeps its id.
     EXPECT_EQ(uniqueIdAt("Puppets", 3), "523d41e0-d692-4e08-817a-cc69788c6ab2");
 
     EXPECT_THAT(intensitiesOf("Ship to shore"), ElementsAre(1, 1, 1, 1, 0.67, 0.5));
@@ -201,14 +201,14 @@ std::map<QString, QDomElement> unlistedEffects(const QDomDocument& xml) {
     return found;
 }
 
-TEST_F(ReelMigrationTest, EffectsOfNoClipTakeTheRoadToo) {
+TEST_F(ReelMigrationTest, EffectsOfNoClipAreConvertedToo) {
     const Document document =
         Reader::parse(migrated(bytes(), Reader::lastXmlVersion).bytes, QStringLiteral("holiday"));
     const auto effects = unlistedEffects(document.xml());
     Strings names;
     for (const auto& [name, effect] : effects)
         names.push_back(name.toStdString());
-    // No zoom is left, no cutaway was made, and without a clip masks stay apart.
+    // No zoom is left, no cutaway was created, and masks without a clip are not merged.
     EXPECT_THAT(names, ElementsAre("Effect::AudioNoiseSuppress", "Effect::AudioPhone", "Effect::AudioPitch",
                                    "Effect::AutoSaturation", "Effect::Blur", "Effect::ChromaKey",
                                    "Effect::Crop", "Effect::MagicEnhance", "Effect::ManualEnhance",
@@ -246,10 +246,10 @@ TEST_F(ReelMigrationTest, OnlyTwoEntriesDangle) {
         if (finding.fault == Reader::Fault::DanglingReference)
             dangling.push_back(finding.className + ' ' + names[finding.id]);
     }
-    // The second zoom of one, the enhancement without a flag of the other.
+    // The second zoom of one clip, the enhancement without a flag of the other.
     EXPECT_THAT(dangling, testing::UnorderedElementsAre("Timeline::Clip Mole", "Timeline::Clip Fog"));
 
-    // Every effect is declared once under its class; a frame alone differs, and nothing that is gone is declared.
+    // Every effect is declared once with its class, except a frame. No removed object is declared.
     std::map<QString, QString> declared;
     const QDomElement list = Archive::Internal::firstDescendant(document.xml(), "predeclarations");
     Archive::iterateArray(list, [&](QDomElement& record) {

@@ -23,7 +23,7 @@ using Reader::SideFiles;
 
 namespace {
 
-/// Collects what is logged while it lives.
+/// Collects log lines for as long as it exists.
 class Log {
 public:
     const std::vector<Reader::LogLine>& lines() const { return m_lines; }
@@ -33,7 +33,7 @@ private:
     Reader::StepLog m_log{"", m_lines};
 };
 
-/// A folder with a bundle in it, and files beside the bundle.
+/// A folder that contains a bundle and, outside of the bundle, further files.
 class SideFilesTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -59,7 +59,7 @@ protected:
         return QDir(bundle()).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
                                         QDir::Name);
     }
-    /// The only line of a log, less the name that it begins with.
+    /// The only line of a log, without the name at its start.
     static std::string reasonIn(const Log& log, const QString& name) {
         if (log.lines().size() != 1 || !log.lines().front().isError())
             return std::to_string(log.lines().size()) + " lines";
@@ -106,7 +106,8 @@ TEST_F(SideFilesTest, TheFolderMayItselfBeNamedByALink) {
 TEST_F(SideFilesTest, NamesThatLeaveTheFolderAreRefused) {
     expectRefused(QStringLiteral("../secret.svg"), outside);
     expectRefused(QStringLiteral("sub/../../secret.svg"), outside);
-    expectRefused(QStringLiteral("../film2/secret.svg"), outside); // though its path begins as the folder's
+    expectRefused(QStringLiteral("../film2/secret.svg"),
+                  outside); // although its path starts with the folder's
     expectRefused(QStringLiteral("../nowhere.svg"), outside);
     expectRefused(QStringLiteral("../film/content_1.svg"), outside);
     expectRefused(QStringLiteral(".."), outside);
@@ -120,7 +121,7 @@ TEST_F(SideFilesTest, AbsoluteNamesAreRefused) {
     expectRefused(QStringLiteral(":/resource"), outside);
 }
 
-TEST_F(SideFilesTest, LinksThatPointOutAreRefused) {
+TEST_F(SideFilesTest, LinksOutOfTheFolderAreRefused) {
     ASSERT_TRUE(QFile::link(QStringLiteral("../secret.svg"), path("film/near.svg")));
     ASSERT_TRUE(QFile::link(path("secret.svg"), path("film/far.svg")));
     ASSERT_TRUE(QFile::link(QStringLiteral("near.svg"), path("film/twice.svg")));
@@ -130,7 +131,7 @@ TEST_F(SideFilesTest, LinksThatPointOutAreRefused) {
         expectRefused(QString::fromLatin1(name), outside);
 }
 
-TEST_F(SideFilesTest, WhatIsNoFileIsRefused) {
+TEST_F(SideFilesTest, OnlyRegularFilesAreRead) {
     ASSERT_EQ(mkfifo(QFile::encodeName(path("film/pipe.svg")).constData(), 0600), 0);
     expectRefused(QStringLiteral("pipe.svg"), noFile);
     expectRefused(QStringLiteral("sub"), noFile);
@@ -148,14 +149,14 @@ TEST_F(SideFilesTest, WhatIsNoFileIsRefused) {
     close(number);
 }
 
-TEST_F(SideFilesTest, AFileBeyondAllMeasureIsRefused) {
+TEST_F(SideFilesTest, ATooLargeFileIsRefused) {
     QFile file(path("film/huge.svg"));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    ASSERT_TRUE(file.resize((qint64(256) << 20) + 1)); // takes no space on the disk
+    ASSERT_TRUE(file.resize((qint64(256) << 20) + 1)); // a sparse file: uses no disk space
     expectRefused(QStringLiteral("huge.svg"), noFile);
 }
 
-TEST_F(SideFilesTest, AFileThatIsNotThereIsRefused) {
+TEST_F(SideFilesTest, AMissingFileIsRefused) {
     expectRefused(QStringLiteral("content_2.svg"), "missing");
     expectRefused(QStringLiteral("content_1.svg/content_2.svg"), "missing");
     ASSERT_TRUE(QFile::link(QStringLiteral("nowhere.svg"), path("film/broken.svg")));
@@ -173,7 +174,7 @@ TEST_F(SideFilesTest, WithoutAFolderNothingIsReadOrWritten) {
     EXPECT_FALSE(none.write(QStringLiteral("content_1.svg"), "<svg/>"));
 }
 
-TEST_F(SideFilesTest, FilesAreWrittenAsTheyAre) {
+TEST_F(SideFilesTest, FilesAreWrittenUnchanged) {
     const Log log;
     EXPECT_TRUE(SideFiles(bundle()).write(QStringLiteral("content_2.svg"), "<svg>\r\n\xc3\xa9</svg>"));
     EXPECT_EQ(get("film/content_2.svg"), "<svg>\r\n\xc3\xa9</svg>");
@@ -183,7 +184,7 @@ TEST_F(SideFilesTest, FilesAreWrittenAsTheyAre) {
     EXPECT_TRUE(log.lines().empty());
 }
 
-TEST_F(SideFilesTest, AFileThatIsThereStaysUnlessToldOtherwise) {
+TEST_F(SideFilesTest, AnExistingFileIsNotReplacedByDefault) {
     expectNotWritten(SideFiles(bundle()), "exists already");
     EXPECT_EQ(get("film/content_1.svg"), "<svg/>");
 }
@@ -207,13 +208,13 @@ TEST_F(SideFilesTest, NothingIsWrittenThroughALinkOrIntoAPipe) {
     expectNotWritten(SideFiles(bundle(), true), "refused, since no regular file is there");
 }
 
-TEST_F(SideFilesTest, AFolderThatIsNotThereTakesNoFile) {
+TEST_F(SideFilesTest, AMissingFolderGetsNoFile) {
     expectNotWritten(SideFiles(path("nowhere")), "not written");
     EXPECT_FALSE(QFileInfo::exists(path("nowhere")));
     expectNotWritten(SideFiles(path("secret.svg")), "not written");
 }
 
-TEST_F(SideFilesTest, AWriteThatEndsHalfwayLeavesTheOldFile) {
+TEST_F(SideFilesTest, AnInterruptedWriteKeepsTheOldFile) {
     rlimit before = {};
     ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
     const auto handler = std::signal(SIGXFSZ, SIG_IGN);

@@ -10,7 +10,7 @@
 
 namespace {
 
-TEST(StepLog, KeepsWarningsAndErrorsWithTheirStep) {
+TEST(StepLog, RecordsWarningsAndErrorsWithTheirStep) {
     std::vector<Reader::LogLine> lines;
     {
         const Reader::StepLog log("first", lines);
@@ -34,7 +34,7 @@ TEST(StepLog, KeepsWarningsAndErrorsWithTheirStep) {
     EXPECT_TRUE(lines[1].place.starts_with("tests/reader/StepLogTest.cpp:")) << lines[1].place;
 }
 
-TEST(StepLog, LeavesTheLinesOfOtherThreadsToThem) {
+TEST(StepLog, IgnoresLinesOfOtherThreads) {
     std::vector<Reader::LogLine> here;
     std::vector<Reader::LogLine> there;
     const Reader::StepLog log("here", here);
@@ -50,7 +50,7 @@ TEST(StepLog, LeavesTheLinesOfOtherThreadsToThem) {
     EXPECT_EQ(there[0].text, "wrong there");
 }
 
-TEST(Conversion, LeadsToTheLastVersionOfArchives) {
+TEST(Conversion, GivesTheLastVersionOfArchives) {
     Reader::Conversion conversion;
     EXPECT_EQ(conversion.actualVersion(), 62);
     QDomDocument document;

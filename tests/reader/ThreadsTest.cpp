@@ -1,5 +1,5 @@
-// Many migrations at once in one process: each gives the report and the bytes that it gives alone. `./dev
-// test-threads` runs this under ThreadSanitizer.
+// Many migrations at once in one process: each gives the same report and the same bytes as when it runs
+// alone. `./dev test-threads` runs this under ThreadSanitizer.
 
 #include "Reader/Error.h"
 #include "Reader/Migration.h"
@@ -27,7 +27,7 @@ constexpr int threadCount = 8;
 
 struct Sample {
     QByteArray bytes;
-    QString folder; ///< of its side files; empty for none
+    QString folder; ///< of its side files; empty if it has none
 };
 
 std::vector<Sample> readSamples() {
@@ -43,7 +43,7 @@ std::vector<Sample> readSamples() {
     return samples;
 }
 
-/// What a migration gave.
+/// The result of a migration.
 struct Outcome {
     std::string error;
     std::string report;
@@ -73,7 +73,7 @@ std::string textOf(const Reader::MigrationReport& report) {
     return text.dump(1);
 }
 
-/// The bytes of a project. Some are cut off, and some steps log errors on others.
+/// The bytes of a project. Some are truncated; on others some steps log errors.
 QByteArray bytesOf(int number, const Sample& sample) {
     QByteArray bytes = sample.bytes;
     if (number % 29 == 28)
@@ -83,7 +83,7 @@ QByteArray bytesOf(int number, const Sample& sample) {
     return bytes;
 }
 
-/// Migrates the project of that number. Its folders, its place and the version that it is brought to are its own.
+/// Migrates the project of that number, with folders, a location and a target version of its own.
 Outcome migrate(int number, const std::vector<Sample>& samples, const QString& outputFolder) {
     static constexpr int versions[] = {Reader::currentVersion, 40, 62, 63, Reader::currentVersion, 70};
     const Sample& sample = samples[static_cast<std::size_t>(number) % samples.size()];
@@ -109,7 +109,7 @@ Outcome migrate(int number, const std::vector<Sample>& samples, const QString& o
     return outcome;
 }
 
-TEST(Threads, MigrationsAtOnceGiveWhatTheyGiveAlone) {
+TEST(Threads, MigrationsAtOnceGiveTheSameAsAlone) {
     const std::vector<Sample> samples = readSamples();
     const QTemporaryDir alone;
     const QTemporaryDir atOnce;
@@ -143,7 +143,7 @@ TEST(Threads, MigrationsAtOnceGiveWhatTheyGiveAlone) {
         logged += expected[number].logLines > 0;
         marked += expected[number].bytes.contains("#PACKAGES_ROOT#");
     }
-    // Each of these could be mixed up between threads, so that there must be some.
+    // Each of these could be confused between threads, so there must be some.
     EXPECT_GT(failed, 5);
     EXPECT_GT(logged, 20);
     EXPECT_GT(marked, 50);

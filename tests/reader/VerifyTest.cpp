@@ -55,13 +55,13 @@ TEST(VerifyArchive, ASoundOneHasNoFindings) {
                 IsEmpty());
 }
 
-TEST(VerifyArchive, WhatStandsInNoObject) {
+TEST(VerifyArchive, ElementsOutsideOfObjects) {
     const QByteArray stray = "<list type='Array' size='5'><Item index='3'/></list>";
     EXPECT_THAT(linesIn(archive({2}, "<RootObject type='Timeline::Object' objectId='2'/>" + stray)),
                 ElementsAre("wrong-size  0 Archive/list", "wrong-index  0 Archive/list/Item[1]"));
 }
 
-TEST(VerifyArchive, ReferencesThatLeadNowhere) {
+TEST(VerifyArchive, DanglingReferences) {
     const auto findings = findingsIn(archive(
         {2, 4}, "<RootObject type='Timeline::Object' objectId='2'>"
                 "<BaseOfObject type='Base' objectId='2'><scene type='ObjectRef' value='9'/></BaseOfObject>"
@@ -79,7 +79,7 @@ TEST(VerifyArchive, ReferencesThatLeadNowhere) {
                 ElementsAre("dangling-reference  0 Archive/RootRef"));
 }
 
-TEST(VerifyArchive, IdsThatTwoObjectsHave) {
+TEST(VerifyArchive, IdsOfTwoObjects) {
     EXPECT_THAT(
         linesIn(archive({2, 3}, "<RootObject type='Timeline::Object' objectId='2'>"
                                 "<a type='ObjectRef' value='3'/><b type='Range' objectId='3'/></RootObject>"
@@ -110,7 +110,7 @@ TEST(VerifyArchive, Predeclarations) {
                     "stale-predeclaration Predeclare 902 oid"));
 }
 
-TEST(VerifyArchive, ObjectsThatNothingReaches) {
+TEST(VerifyArchive, UnreachableObjects) {
     EXPECT_THAT(linesIn(archive({2, 3, 4, 5}, "<RootObject type='Timeline::Object' objectId='2'>"
                                               "<a type='ObjectRef' value='3'/></RootObject>"
                                               "<RootObject type='File' objectId='3'/>"
@@ -141,7 +141,7 @@ TEST(VerifyJson, ASoundOneHasNoFindings) {
         IsEmpty());
 }
 
-TEST(VerifyJson, ReferencesThatLeadNowhere) {
+TEST(VerifyJson, DanglingReferences) {
     const auto findings = findingsIn(project(R"(,"clips":[{"clip":null},{"clip":{"@meta_reference":9}}],
                     "file":{"@meta":{"class_name":"File","object_id":3},"path":{"@meta_reference":8}})"));
     EXPECT_THAT(Tests::linesOf(findings), ElementsAre("dangling-reference Timeline::Object 2 clips/1/clip",
@@ -149,13 +149,13 @@ TEST(VerifyJson, ReferencesThatLeadNowhere) {
     EXPECT_EQ(findings[0].to, 9u);
 }
 
-TEST(VerifyJson, IdsThatTwoObjectsHave) {
+TEST(VerifyJson, IdsOfTwoObjects) {
     EXPECT_THAT(linesIn(project(R"(,"a":{"@meta":{"class_name":"File","object_id":3}},
                                     "b":{"@meta":{"class_name":"Clip","object_id":3}})")),
                 ElementsAre("duplicate-id File 3"));
 }
 
-TEST(VerifyJson, ObjectsThatNothingReaches) {
+TEST(VerifyJson, UnreachableObjects) {
     Reader::Document document = Reader::parse(project(""), QStringLiteral("film"));
     document.json().flat.objects[7] =
         nlohmann::json::parse(R"({"@meta":{"class_name":"File","object_id":7}})");

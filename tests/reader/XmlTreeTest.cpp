@@ -61,7 +61,7 @@ void expectTreeOfQt(const QByteArray& text) {
     EXPECT_EQ(qtTreeOf(text).doctype().name(), treeOf(text).doctype().name());
 }
 
-TEST(XmlTree, IsTheOneOfQt) {
+TEST(XmlTree, IsTheSameAsQts) {
     for (const char* text : {
              "<a/>",
              "<?xml version='1.0'?><a/>",
@@ -88,8 +88,8 @@ TEST(XmlTree, IsTheOneOfQt) {
         expectTreeOfQt(text);
 }
 
-// Many more strings than any pool has places for.
-TEST(XmlTree, MixesNoStringsUp) {
+// Many more strings than a cache can hold.
+TEST(XmlTree, DoesNotConfuseStrings) {
     QByteArray text = "<a>";
     for (int number = 0; number < 20000; ++number) {
         const QByteArray digits = QByteArray::number(number);
@@ -135,12 +135,12 @@ std::vector<QByteArray> xmlSamples() {
     return texts;
 }
 
-TEST(XmlTree, OfEverySampleIsTheOneOfQt) {
+TEST(XmlTree, OfEverySampleIsTheSameAsQts) {
     for (const QByteArray& text : xmlSamples())
         expectTreeOfQt(text);
 }
 
-/// Takes the facts down and compares them with what a search of the tree finds.
+/// Collects the facts and compares them with a search of the tree.
 TreeFacts factsOf(const QByteArray& text) {
     SCOPED_TRACE(text.left(500).toStdString());
     QXmlStreamReader reader(text);
@@ -151,7 +151,7 @@ TreeFacts factsOf(const QByteArray& text) {
     return facts;
 }
 
-TEST(XmlTree, FactsAreWhatASearchFinds) {
+TEST(XmlTree, FactsAgreeWithASearch) {
     for (const QByteArray& text : xmlSamples())
         factsOf(text);
     const TreeFacts facts = factsOf(
@@ -167,7 +167,7 @@ TEST(XmlTree, FactsAreWhatASearchFinds) {
     EXPECT_EQ(facts.greatest->holder.tagName(), "x");
 }
 
-TEST(XmlTree, FactsLeaveTheGreatestIdOpenWhereOnlyTheTextCanTell) {
+TEST(XmlTree, FactsHaveNoGreatestIdIfItNeedsAScanOfTheText) {
     QByteArray many;
     for (int number = 0; number < 100; ++number)
         many += " a" + QByteArray::number(number) + "=''";
@@ -191,7 +191,7 @@ TEST(XmlTree, FactsLeaveTheGreatestIdOpenWhereOnlyTheTextCanTell) {
         EXPECT_FALSE(factsOf(text).greatest) << text.toStdString();
 }
 
-TEST(XmlTree, FactsTellWhetherTypesAreShownByTheirAttributes) {
+TEST(XmlTree, FactsSayWhetherTypesAreOnlyInTheirAttributes) {
     for (const char* text : {
              "<a type='StringPtr' value='x &lt;&amp;&gt;&quot;'/>",
              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a>\n <b type='StringPtr'/>\n</a>",

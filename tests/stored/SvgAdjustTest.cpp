@@ -1,4 +1,4 @@
-// What a change of style does to a document: adjustable points, attributes and gradients.
+// Changes of style in a document: adjustable points, attributes and gradients.
 
 #include "Stored/V21/SvgDocument.h"
 #include "support/Svg.h"
@@ -51,7 +51,7 @@ TEST(SvgAdjustablePoints, AreFilledInWhereAnimationsNameThem) {
     EXPECT_TRUE(inner->freeze);
     EXPECT_FALSE(inner->interpolated);
     EXPECT_THAT(inner->element.path, ElementsAre(1));
-    // The live document itself still names them.
+    // The live document itself still has the names.
     EXPECT_EQ(document.content(), pointed.toUtf8());
     EXPECT_EQ(document.dom().elementsByTagName("animate").item(0).toElement().attribute("values"),
               "p.posX;p.posY");
@@ -69,7 +69,7 @@ TEST(SvgAdjustablePoints, AreFilledIntoNumberLists) {
 }
 
 TEST(SvgAdjustablePoints, AreFilledInOneAfterTheOther) {
-    // "a.posX" becomes "b.posX", and the next point finds it.
+    // "a.posX" becomes "b.posX", which the next point replaces.
     const SvgDocument document(
         "<svg><adjustablePoint id='a' posX='b.posX' posY='1'/><adjustablePoint id='b' posX='7' "
         "posY='1'/><line><animate attributeName='x1' values='a.posX;2'/></line></svg>");
@@ -78,7 +78,7 @@ TEST(SvgAdjustablePoints, AreFilledInOneAfterTheOther) {
 }
 
 TEST(SvgAdjustablePoints, AreFilledInWhereverTheirNamesOccur) {
-    // "ba.posX" holds "a.posX", and "a" comes first.
+    // "ba.posX" contains "a.posX", and "a" is the first point.
     const SvgDocument document(
         "<svg><adjustablePoint id='a' posX='10' posY='20'/><adjustablePoint id='ba' posX='7' posY='8'/>"
         "<path><animate attributeName='d' values='M ba.posX ba.posY;M 1 2'/></path></svg>");
@@ -90,7 +90,7 @@ TEST(SvgAdjustablePoints, AreFilledInWhereverTheirNamesOccur) {
     EXPECT_THAT(inner->values[0], ElementsAre(10, 20));
 }
 
-TEST(SvgAdjustablePoints, MayHaveNamesAndPlacesInAnyScript) {
+TEST(SvgAdjustablePoints, MayHaveNamesAndPositionsInAnyScript) {
     SvgDocument document(QString::fromUtf8(
         "<svg><adjustablePoint id='\xc3\xa9' posX='10' posY='\xe4\xb8\xad 5'/><path>"
         "<animate attributeName='d' values='M \xc3\xa9.posX \xc3\xa9.posY'/></path></svg>"));
@@ -112,7 +112,7 @@ TEST(SvgAdjustablePoints, OneCoordinateMayBeNamedAlone) {
     }
 }
 
-TEST(SvgAdjustablePoints, AChangeIsSeenByTheAnimations) {
+TEST(SvgAdjustablePoints, AChangeUpdatesTheAnimations) {
     SvgDocument document(pointed);
     document.collectAdjustableAttributes({"posX", "posY"});
     document.setAttributeValue("posX", "33", "p");
@@ -124,7 +124,7 @@ TEST(SvgAdjustablePoints, AChangeIsSeenByTheAnimations) {
 }
 
 TEST(SvgAdjustablePoints, AreRefreshedWheneverTheNameHasAnEntry) {
-    // No element has the attribute, so that nothing is set; the animations are read again all the same.
+    // No element has the attribute, so nothing is set, but the animations are read again.
     SvgDocument document("<svg><line><animate attributeName='x1' values='1;p.posX'/></line></svg>");
     const auto* point = leaf<AnimatableAttributeAdjustablePoint>(document.animations().at(0));
     document.setAttributeValue("posX", "5", "");
@@ -137,14 +137,14 @@ TEST(SvgAdjustablePoints, AreRefreshedWheneverTheNameHasAnEntry) {
     EXPECT_THAT(leaf<AnimatableAttributeFloat>(point->inner)->values, ElementsAre(1, 0));
 }
 
-TEST(SvgAdjustablePoints, OneThatBreaksTheCopyLeavesTheDocumentAlone) {
+TEST(SvgAdjustablePoints, OneThatBreaksTheCopyDoesNotChangeTheDocument) {
     const SvgDocument document("<svg><adjustablePoint id='p' posX='&lt;&quot;' posY='1'/><line><animate "
                                "attributeName='x1' values='p.posX;p.posY'/></line></svg>");
     EXPECT_EQ(document.dom().documentElement().childNodes().length(), 2);
     EXPECT_TRUE(leaf<AnimatableAttributeAdjustablePoint>(document.animations().at(0))->inner);
 }
 
-TEST(SvgAdjustablePoints, OneThatBreaksTheCopyBeforeTheAnimationLeavesItNoPlace) {
+TEST(SvgAdjustablePoints, OneThatBreaksTheCopyBeforeTheAnimationRemovesItsPosition) {
     const SvgDocument document("<svg><adjustablePoint id='p' posX='&lt;&quot;' posY='1'/><g title='p.posX'/>"
                                "<line><animate attributeName='x1' values='p.posX;p.posY'/></line></svg>");
     const auto* point = leaf<AnimatableAttributeAdjustablePoint>(document.animations().at(0));
@@ -162,20 +162,20 @@ TEST(SvgAdjustablePoints, CollectingNeedsTheTagInTheTextAsGiven) {
 
 // Adjustable attributes.
 
-TEST(SvgAdjustable, ListsTheRootAndAllBelowInDocumentOrder) {
+TEST(SvgAdjustable, ListsTheRootAndAllDescendantsInDocumentOrder) {
     SvgDocument document(
         "<svg id='s' fill='red'><g id='g' fill=''><a id='a' fill='#123'/></g><b id='b' fill='blue' "
         "stroke='red'/></svg>");
     document.collectAdjustableAttributes({"fill", "stroke", "posX"});
     EXPECT_THAT(namesOf(document, "fill"), ElementsAre("s", "g", "a", "b"));
     EXPECT_THAT(namesOf(document, "stroke"), ElementsAre("b"));
-    EXPECT_THAT(namesOf(document, "posX"), IsEmpty()); // an entry all the same
+    EXPECT_THAT(namesOf(document, "posX"), IsEmpty()); // an entry without attributes
     EXPECT_EQ(document.adjustable().at("fill")[2]->value, "#123");
     EXPECT_EQ(document.adjustable().at("fill")[2]->name, "fill");
     EXPECT_THAT(document.adjustable().at("fill")[2]->element.path, ElementsAre(0, 0));
 }
 
-TEST(SvgAdjustable, CollectingAgainStartsAnew) {
+TEST(SvgAdjustable, CollectingAgainReplacesTheList) {
     SvgDocument document("<svg fill='red'/>");
     document.collectAdjustableAttributes({"fill", "fill"});
     EXPECT_THAT(document.adjustable().at("fill"), SizeIs(1));
@@ -203,7 +203,7 @@ TEST(SvgAdjustable, TheFillOfAnAnimationIsNoPaint) {
     EXPECT_THAT(namesOf(document, "stroke"), ElementsAre("1"));
 }
 
-TEST(SvgAdjustable, PaintsThatStandForAnotherAreKept) {
+TEST(SvgAdjustable, PaintsThatAreReferencesAreKept) {
     SvgDocument document(
         "<svg><a fill='none'/><a fill='currentColor'/><a fill='inherit'/><a fill='url(#g)'/>"
         "<a id='1' fill='None'/><a id='2' fill=' url(#g)'/><a id='3' fill-opacity='inherit'/>"
@@ -228,7 +228,7 @@ TEST(SvgAdjustable, ClipPathsKeepTheirStyleAndDefsDoNot) {
     EXPECT_THAT(namesOf(document, "posY"), ElementsAre("1"));
 }
 
-TEST(SvgAdjustable, SettingGoesToAllOrToOneId) {
+TEST(SvgAdjustable, SettingChangesAllOrOneId) {
     SvgDocument document(
         "<svg id='s' fill='red'><a id='x' fill='red'/><b id='x' fill='red'/><c fill='red'/></svg>");
     document.collectAdjustableAttributes({"fill"});
@@ -244,7 +244,7 @@ TEST(SvgAdjustable, SettingGoesToAllOrToOneId) {
     EXPECT_EQ(live(document, "s", "fill"), "lime");
     EXPECT_EQ(document.dom().documentElement().lastChildElement().attribute("fill"), "lime");
     EXPECT_EQ(document.content().count("lime"), 4);
-    // The entry keeps what it found.
+    // The entry keeps the value that it has read.
     EXPECT_EQ(document.adjustable().at("fill")[0]->value, "red");
 }
 
@@ -261,7 +261,7 @@ TEST(SvgAdjustable, SettingWithoutAHitSavesNothing) {
 
 // Gradients.
 
-TEST(SvgGradients, EachStopKnowsItsDifferenceToTheOneBefore) {
+TEST(SvgGradients, EachStopHasItsDifferenceToThePreviousOne) {
     SvgDocument document("<svg><linearGradient id='g'><stop stop-color='#102030'/><stop/><g><stop "
                          "stop-color='#203010'/></g><stop stop-color='#213111'/></linearGradient></svg>");
     document.collectGradientStops();
@@ -277,7 +277,7 @@ TEST(SvgGradients, EachStopKnowsItsDifferenceToTheOneBefore) {
     EXPECT_THAT(offsets["#213111"], ElementsAre(1, 1, 1)); // not (17, 17, -31)
 }
 
-TEST(SvgGradients, EachGradientStartsAnewAndAnInvalidColourDoesToo) {
+TEST(SvgGradients, DifferencesRestartAtEachGradientAndInvalidColour) {
     SvgDocument document(
         "<svg><linearGradient><stop stop-color='#101010'/></linearGradient><linearGradient>"
         "<stop stop-color='#202020'/><stop stop-color='currentColor'/><stop stop-color='#303030'/>"
@@ -291,7 +291,7 @@ TEST(SvgGradients, EachGradientStartsAnewAndAnInvalidColourDoesToo) {
     EXPECT_THAT(offsets["#303030"], ElementsAre(0, 0, 0));
 }
 
-TEST(SvgGradients, RetainInTheIdAndRadialOnesAreLeftAlone) {
+TEST(SvgGradients, RetainInTheIdAndRadialOnesAreSkipped) {
     SvgDocument document("<svg><linearGradient id='gRETAINx'><stop stop-color='red'/></linearGradient>"
                          "<radialGradient><stop stop-color='red'/></radialGradient></svg>");
     document.collectGradientStops();
@@ -301,7 +301,7 @@ TEST(SvgGradients, RetainInTheIdAndRadialOnesAreLeftAlone) {
     EXPECT_EQ(document.content(), before);
 }
 
-TEST(SvgGradients, TakeAColourWithTheirDifferences) {
+TEST(SvgGradients, AreSetToAColourPlusTheirDifferences) {
     SvgDocument document(
         "<svg><linearGradient><stop id='1' stop-color='#102030'/><stop id='2' stop-color='#203010'/>"
         "<stop id='3' stop-color='#ffffff'/></linearGradient></svg>");
@@ -313,15 +313,16 @@ TEST(SvgGradients, TakeAColourWithTheirDifferences) {
     EXPECT_TRUE(document.content().contains("#90ff00"));
 }
 
-TEST(SvgGradients, CollectingAgainStartsAnew) {
+TEST(SvgGradients, CollectingAgainReplacesTheList) {
     SvgDocument document("<svg><linearGradient><stop stop-color='red'/></linearGradient></svg>");
     document.collectGradientStops();
     document.collectGradientStops();
     EXPECT_THAT(document.gradientStops(), SizeIs(1));
 }
 
-TEST(SvgGradients, AStopInTwoGradientsTakesThatOfTheInnerOne) {
-    // The outer gradient sees the stop behind another, with a difference; the inner one sees it first.
+TEST(SvgGradients, AStopInTwoGradientsUsesTheInnerOne) {
+    // In the outer gradient the stop follows another one and has a difference; in the inner one it is the
+    // first.
     SvgDocument document("<svg><linearGradient><stop stop-color='#000000'/><linearGradient><stop id='i' "
                          "stop-color='#010101'/></linearGradient></linearGradient></svg>");
     document.collectGradientStops();

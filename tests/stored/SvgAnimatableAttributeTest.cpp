@@ -44,7 +44,7 @@ TEST(SvgTime, WhatIsNoNumberIsZero) {
         EXPECT_EQ(Internal::timeMs(text), 0) << text;
 }
 
-TEST(SvgTime, BeyondThirtyTwoBitsIsTheNearestThatFits) {
+TEST(SvgTime, OutOfThirtyTwoBitsIsTheNearestInRange) {
     EXPECT_EQ(Internal::timeMs("1e300"), std::numeric_limits<int>::max());
     EXPECT_EQ(Internal::timeMs("-99999999999s"), std::numeric_limits<int>::min());
     EXPECT_EQ(Internal::timeMs("inf"), std::numeric_limits<int>::max());
@@ -73,7 +73,7 @@ TEST(SvgAnimatableAttribute, RefreshDoesNothing) {
     EXPECT_THAT(attribute.values, ElementsAre(1, 2));
 }
 
-TEST(SvgAnimatableAttribute, TakesTheValueThatTheElementHas) {
+TEST(SvgAnimatableAttribute, ReadsTheValueOfTheElement) {
     QDomDocument dom;
     dom.setContent(QStringLiteral("<svg><rect width='7'/></svg>"));
     const QDomElement root = dom.documentElement();
@@ -118,7 +118,7 @@ TEST(SvgNumberList, PathThatEndsInANumber) {
 TEST(SvgNumberList, PathThatEndsInALetter) {
     const auto list = listOf({"1 2 Z", "3 4 Z"});
     EXPECT_TRUE(list.startsWithNumber);
-    EXPECT_THAT(list.separators, ElementsAre(" ", " Z")); // the last one is closed by the sentinel
+    EXPECT_THAT(list.separators, ElementsAre(" ", " Z")); // the sentinel ends the last one
     ASSERT_EQ(list.values.size(), 2);
     EXPECT_THAT(list.values[1], ElementsAre(3, 4));
 }
@@ -128,9 +128,10 @@ TEST(SvgNumberList, ASeparatorIsAWholeRun) {
 }
 
 TEST(SvgNumberList, TheFirstValueDecidesHowTheOthersEnd) {
-    // The first ends in a letter, so that "0" is put behind: the second's last number becomes 40 and is never closed.
+    // The first ends in a letter, so "0" is appended: the last number of the second becomes 40 and has no
+    // end.
     EXPECT_THAT(listOf({"1 2Z", "3 4"}).values, IsEmpty());
-    // The first ends in a number, so that "#" is put behind, which does no harm behind a letter.
+    // The first ends in a number, so "#" is appended, which is harmless after a letter.
     EXPECT_EQ(listOf({"1 2", "3 4Z"}).valueCount, 2);
 }
 
@@ -168,7 +169,7 @@ TEST(SvgNumberList, AnEmptyFirstValueHasNoNumberAtEitherEnd) {
     const auto list = listOf({"", "5 "});
     EXPECT_FALSE(list.startsWithNumber);
     EXPECT_THAT(list.separators, IsEmpty());
-    // The sentinel is "0": nothing is closed in "0" and "50".
+    // The sentinel is "0": no number ends in "0" and "50".
     ASSERT_EQ(list.values.size(), 2);
     EXPECT_THAT(list.values[0], IsEmpty());
     EXPECT_THAT(list.values[1], IsEmpty());

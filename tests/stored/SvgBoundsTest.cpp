@@ -1,4 +1,5 @@
-// What no bound may bite on: drawings that are unusual and harmless. SvgHostileTest.cpp holds their counterparts.
+// Unusual but harmless drawings, which no bound may refuse. SvgHostileTest.cpp has their harmful
+// counterparts.
 
 #include "Stored/V21/Internal/PointReferences.h"
 #include "Stored/V21/SvgImage.h"
@@ -20,7 +21,7 @@ using Tests::leaf;
 
 namespace {
 
-/// The result text of a drawing that nothing is said of.
+/// The result text of a drawing; fails if anything is logged.
 QString taken(const QString& text) {
     const Tests::Log log;
     QString result = SvgImage(text).toString();
@@ -50,14 +51,14 @@ TEST(SvgBounds, AnEntityMayNameOneThatIsDeclaredLater) {
 }
 
 TEST(SvgBounds, AnEntityMayNameOthersByCharactersThatAreEscaped) {
-    // "&#38;" is a "&" as soon as the entity is declared.
+    // "&#38;" becomes "&" when the entity is declared.
     EXPECT_EQ(taken("<!DOCTYPE svg [<!ENTITY a \"red\"><!ENTITY b \"&#38;a;\">]><svg>" +
                     QString("<g id=\"&b;\"/>").repeated(100) + "</svg>"),
               "<!DOCTYPE svg>\n<svg>\n" + QString(" <g id=\"red\"/>\n").repeated(100) + "</svg>\n");
 }
 
-TEST(SvgBounds, EntitiesMayStandInOneAnother) {
-    // Each of 900 entities names the one before, so that the last one expands to the first one's text alone.
+TEST(SvgBounds, EntitiesMayBeNested) {
+    // Each of 900 entities names the previous one, so the last one expands to the text of the first.
     QString text = "<!DOCTYPE svg [<!ENTITY e0 'x'>";
     for (int number = 1; number < 900; ++number)
         text += QString("<!ENTITY e%1 '&e%2;'>").arg(number).arg(number - 1);
@@ -75,10 +76,10 @@ TEST(SvgBounds, ALongEntityMayBeUsedMoreThanOnce) {
                   "</svg>\n");
 }
 
-TEST(SvgBounds, ParameterEntitiesMayStandUnused) {
+TEST(SvgBounds, ParameterEntitiesMayBeUnused) {
     EXPECT_EQ(taken("<!DOCTYPE svg [<!ENTITY % p \"ignored\"><!ENTITY e \"v\">]><svg a=\"&e;\"/>"),
               "<!DOCTYPE svg>\n<svg a=\"v\"/>\n");
-    // Qt keeps the declaration of one that stands elsewhere.
+    // Qt keeps the declaration of an entity in an external file.
     EXPECT_TRUE(taken("<!DOCTYPE svg [<!ENTITY % p SYSTEM \"p.ent\"><!ENTITY e \"v\">]><svg a=\"&e;\"/>")
                     .endsWith("]>\n<svg a=\"v\"/>\n"));
 }
@@ -91,13 +92,13 @@ TEST(SvgBounds, ParameterEntitiesAreFilledIntoEntities) {
         "<!DOCTYPE svg>\n<svg>(x)(x)</svg>\n");
 }
 
-TEST(SvgBounds, ParameterEntitiesMayBringInDeclarations) {
+TEST(SvgBounds, ParameterEntitiesMayContainDeclarations) {
     EXPECT_EQ(taken("<!DOCTYPE svg [<!ENTITY % d \"<!ENTITY e 'v'>\"> %d; ]><svg a=\"&e;\"/>"),
               "<!DOCTYPE svg>\n<svg a=\"v\"/>\n");
     EXPECT_EQ(taken("<!DOCTYPE svg [<!ENTITY % d \"&#60;!ENTITY e 'v'><!ELEMENT svg (a|(b,c)*)>\"> %d; "
                     "]><svg a=\"&e;\"/>"),
               "<!DOCTYPE svg>\n<svg a=\"v\"/>\n");
-    // One that brings in another, which brings in an entity: "&#37;" is a "%" as soon as it is declared.
+    // One declares another, which declares an entity: "&#37;" becomes "%" when it is declared.
     EXPECT_EQ(taken("<!DOCTYPE svg [<!ENTITY % p \"<!ENTITY e 'v'>\"><!ENTITY % q '&#37;p;'> %q; ]><svg "
                     "a=\"&e;\"/>"),
               "<!DOCTYPE svg>\n<svg a=\"v\"/>\n");
@@ -115,14 +116,14 @@ int durationOf(const QString& documentType, const QString& attributes = "dur='1s
         .durationMs();
 }
 
-TEST(SvgBounds, EntitiesMayHoldTheTiming) {
+TEST(SvgBounds, EntitiesMayContainTheTiming) {
     EXPECT_EQ(durationOf("<!ENTITY d '2s'>", "dur='&d;'"), 2000);
     EXPECT_EQ(durationOf("<!ENTITY d '&two;s'><!ENTITY two '2'>", "dur='&d;'"), 2000);
 }
 
-TEST(SvgBounds, ADocumentTypeWithoutDangerLeavesTheTimingAlone) {
+TEST(SvgBounds, AHarmlessDocumentTypeDoesNotChangeTheTiming) {
     EXPECT_EQ(durationOf("<!ENTITY % p 'ignored'>"), 1000);
-    EXPECT_EQ(durationOf("<!ENTITY a '&b;'><!ENTITY b '&a;'>"), 1000); // a circle that nobody enters
+    EXPECT_EQ(durationOf("<!ENTITY a '&b;'><!ENTITY b '&a;'>"), 1000); // a cycle that is not used
     EXPECT_EQ(durationOf("<!ATTLIST svg a CDATA 'a &amp; b &#38; c'><!ENTITY e 'v'>"), 1000);
     QString chain = "<!ENTITY e0 'x'>";
     for (int number = 1; number < 900; ++number)
@@ -133,7 +134,7 @@ TEST(SvgBounds, ADocumentTypeWithoutDangerLeavesTheTimingAlone) {
 // Depth.
 
 TEST(SvgBounds, AThousandLevels) {
-    // In a thread with less stack than threads have anywhere.
+    // In a thread with less stack than the default of any system.
     class Thread : public QThread {
     public:
         void run() override {
@@ -158,8 +159,8 @@ TEST(SvgBounds, AThousandLevels) {
     thread.wait();
 }
 
-TEST(SvgBounds, PlacesInTheDepth) {
-    // The path goes over first children alone, but for one at every hundredth level.
+TEST(SvgBounds, PositionsAtGreatDepth) {
+    // The path leads through first children only, except at every hundredth level.
     QString text = "<svg>";
     QList<int> path;
     QString key;
@@ -209,7 +210,7 @@ TEST(SvgBounds, ThousandsOfPointsInAMegabyte) {
 }
 
 TEST(SvgBounds, SomePointsMayNameOthers) {
-    // One stands where the next one is, and so do 100 more.
+    // The position of one names the next one, and so on for 100 more.
     QString text = pointed(1000);
     for (int number = 0; number < 100; ++number)
         text.replace(QString("posX='%1'").arg(number), QString("posX='p%1q.posX'").arg(number + 100));
@@ -221,8 +222,8 @@ TEST(SvgBounds, SomePointsMayNameOthers) {
     EXPECT_THAT(leaf<AnimatableAttributeFloat>(point->inner)->values, ElementsAre(103, 7));
 }
 
-TEST(SvgBounds, PointsWithoutValuesInTheCopyAreNoHindrance) {
-    // None of 20000 points is the one that is named.
+TEST(SvgBounds, PointsThatAreNotNamedAreHarmless) {
+    // 20,000 points, none of which is named.
     QString text = "<svg>";
     for (int number = 0; number < 20000; ++number)
         text += QString("<adjustablePoint id='a%1' posX='%1' posY='1'/>").arg(number);
@@ -234,7 +235,7 @@ TEST(SvgBounds, PointsWithoutValuesInTheCopyAreNoHindrance) {
     EXPECT_THAT(log.lines(), IsEmpty());
 }
 
-/// Point after point, X before Y, every occurrence in what the ones before have left.
+/// Replaces point after point, X before Y, each in the result of the previous ones.
 QByteArray replacedOneByOne(QByteArray text, const std::vector<Internal::Point>& points) {
     for (const Internal::Point& point : points) {
         text.replace(point.id + ".posX", point.x);
@@ -271,14 +272,14 @@ TEST(SvgPointReferences, AreReplacedAsIfOneByOne) {
         ASSERT_TRUE(filledIn);
         ASSERT_EQ(*filledIn, expected) << "round " << round << ": " << text.constData();
         changed += expected != text;
-        // Where the order of the points matters, one has brought in what another one found.
+        // If the order of the points matters, one has inserted a reference that another one replaced.
         nested += replacedOneByOne(text, {points.rbegin(), points.rend()}) != expected;
     }
     EXPECT_GT(changed, 10'000);
     EXPECT_GT(nested, 1'000);
 }
 
-TEST(SvgPointReferences, MayComeIntoBeingWhereAValueIsPut) {
+TEST(SvgPointReferences, MayBeCreatedByInsertedValues) {
     const auto filledIn = [](const QByteArray& text, const QByteArray& valueOfA) {
         return Internal::withPointsFilledIn(text, {{"a", valueOfA, "1"}, {"b", "7", "8"}})
             .value_or("nothing");
@@ -289,7 +290,7 @@ TEST(SvgPointReferences, MayComeIntoBeingWhereAValueIsPut) {
     EXPECT_EQ(filledIn("a.posXsY", "b.po"), "8");
     EXPECT_EQ(filledIn("a.posXposX", "b."), "7");
     EXPECT_EQ(filledIn("a.posX.posY", "b"), "8");
-    EXPECT_EQ(filledIn("a.posX", "b.posX b.posY a.posX"), "7 8 a.posX"); // the turn of "a" is over
+    EXPECT_EQ(filledIn("a.posX", "b.posX b.posY a.posX"), "7 8 a.posX"); // "a" was replaced before
 }
 
 TEST(SvgPointReferences, MayMakeATextLargerWithinBounds) {
@@ -307,7 +308,7 @@ TEST(SvgPointReferences, MayMakeATextLargerWithinBounds) {
     EXPECT_FALSE(doubledPerPoint(20)); // a million names
 }
 
-TEST(SvgPointReferences, AreNotComparedForEver) {
+TEST(SvgPointReferences, AreComparedInBoundedTime) {
     const QByteArray endings = QByteArray(".posX").repeated(100'000);
     EXPECT_FALSE(Internal::withPointsFilledIn(endings, {{"b" + endings, "1", "1"}}));
     EXPECT_EQ(Internal::withPointsFilledIn("a.posX" + endings, {{"a", "1", "1"}, {"c", "1", "1"}}),

@@ -1,4 +1,4 @@
-// An SVG text becomes a document: its colours, its durations, its encoding, and saving it.
+// Reading an SVG text as a document: colours, durations, encoding; and saving it.
 
 #include "Stored/V21/SvgDocument.h"
 #include "Stored/V21/Internal/Markup.h"
@@ -47,21 +47,21 @@ TEST(SvgRgba, FivePartsStopTheRewrite) {
               R"~(<svg b="rgba(1,2,3,4,5)" c="rgba(255,255,255,1)"/>)~");
 }
 
-TEST(SvgRgba, OneCloseBehindAnotherIsSteppedOver) {
-    // The first gets 12 characters shorter, and the search goes on 12 characters further than it should.
+TEST(SvgRgba, OneCloseAfterAnotherIsSkipped) {
+    // The first becomes 12 characters shorter, so the search skips 12 characters.
     EXPECT_EQ(rewritten(R"~(a="rgba(255,255,255,1)" b="rgba(255,255,255,1)")~"),
               R"~(<svg a="#ffffff" b="rgba(255,255,255,1)"/>)~");
 }
 
-TEST(SvgRgba, OneJustFarEnoughBehindIsReplaced) {
-    // From the ")" of the first to the quotation mark of the second it takes 12 characters, and not one less.
+TEST(SvgRgba, OneJustFarEnoughAfterIsReplaced) {
+    // From the ")" of the first to the quotation mark of the second there must be at least 12 characters.
     EXPECT_EQ(rewritten(R"~(a="rgba(255,255,255,1)" bbbbbbbb="rgba(255,255,255,1)")~"),
               R"~(<svg a="#ffffff" bbbbbbbb="#ffffff"/>)~");
     EXPECT_EQ(rewritten(R"~(a="rgba(255,255,255,1)" bbbbbbb="rgba(255,255,255,1)")~"),
               R"~(<svg a="#ffffff" bbbbbbb="rgba(255,255,255,1)"/>)~");
 }
 
-TEST(SvgRgba, SingleQuotesAreNotLookedFor) {
+TEST(SvgRgba, SingleQuotesAreNotSearchedFor) {
     EXPECT_EQ(rewritten("fill='rgba(255,255,255,1)'"), "<svg fill='rgba(255,255,255,1)'/>");
 }
 
@@ -70,7 +70,7 @@ TEST(SvgRgba, WithoutEndNothingChanges) {
     EXPECT_EQ(SvgDocument("\"rgba(").content(), "\"rgba(");
 }
 
-TEST(SvgRgba, TheEndMayStandInAnotherAttribute) {
+TEST(SvgRgba, TheEndMayBeInAnotherAttribute) {
     EXPECT_EQ(rewritten(R"~(a="rgba(1,2" b="3,4,5)")~"), R"~(<svg a="#104"/>)~");
 }
 
@@ -78,7 +78,7 @@ TEST(SvgRgba, TheNearestEndCounts) {
     EXPECT_EQ(rewritten(R"~(a="rgba()" b=",,,)")~"), R"~(<svg a="rgba()" b=",,,)"/>)~");
 }
 
-TEST(SvgRgba, HappensInTextsThatAreNoXml) {
+TEST(SvgRgba, IsDoneInTextsThatAreNoXml) {
     EXPECT_EQ(SvgDocument("junk \"rgba(16,16,16,1)\"").content(), "junk \"#101010\"");
 }
 
@@ -121,7 +121,7 @@ TEST(SvgDocument, IsLeftOpenOnItsContent) {
     EXPECT_EQ(document.reader().device(), &document);
 }
 
-TEST(SvgDocument, TakesTheDurationThatQtSvgReports) {
+TEST(SvgDocument, UsesTheDurationFromQtSvg) {
     EXPECT_EQ(
         SvgDocument("<svg><rect><animateTransform attributeName='transform' type='rotate' from='0' to='9' "
                     "begin='1s' dur='7s'/></rect></svg>")
@@ -131,11 +131,11 @@ TEST(SvgDocument, TakesTheDurationThatQtSvgReports) {
                           "dur='1.5s'/></rect></svg>")
                   .durationMs(),
               2000);
-    // A plain animation is nothing to Qt SVG, and none of ours without `animate`.
+    // Qt SVG ignores this animation, and without `animate` the model does, too.
     EXPECT_EQ(SvgDocument("<svg><rect><animateMotion begin='0' dur='9s'/></rect></svg>").durationMs(), 0);
 }
 
-TEST(SvgDocument, TakesTheGreaterOfTheTwoDurations) {
+TEST(SvgDocument, UsesTheGreaterOfTheTwoDurations) {
     const QString text =
         "<svg><rect><animateTransform attributeName='transform' type='rotate' from='0' to='9' "
         "dur='3s'/><animate attributeName='x' from='0' to='1' begin='1s' dur='%1'/></rect></svg>";
@@ -199,11 +199,11 @@ TEST(SvgDocument, GivesTheDurationThatTheRendererGivesForTheWholeText) {
         const QString text = QString::fromUtf8(pattern).replace("%1", animation);
         QSvgRenderer renderer;
         renderer.setFramesPerSecond(0);
-        QXmlStreamReader reader(text.toUtf8()); // a reader of our own is read up to the first </svg> only
+        QXmlStreamReader reader(text.toUtf8()); // a new reader: it is read up to the first </svg> only
         renderer.load(&reader);
         const int expected = renderer.isValid() ? renderer.animationDuration() : 0;
         EXPECT_EQ(SvgDocument(text).durationMs(), expected) << pattern;
-        // With an `animate` of a second the document shows whether the parse gave a document at all.
+        // The duration of `animate` shows whether parsing gave a document.
         QString marked = text;
         marked.replace("<svg", "<?mark <animate ?><svg");
         if (marked.startsWith("<?mark")) {
@@ -217,15 +217,15 @@ TEST(SvgDocument, IsAnimatedByAnAnimateTagInTheText) {
     EXPECT_TRUE(SvgDocument("<svg><animate attributeName='x'/></svg>").animated());
     EXPECT_FALSE(SvgDocument("<svg><animateMotion/></svg>").animated());
     EXPECT_FALSE(SvgDocument("<svg><g animate=''/></svg>").animated());
-    // The mark must stand behind a character that is no part of a word.
+    // The tag must follow a character that is not part of a word.
     EXPECT_FALSE(SvgDocument("<svg>word<animate/></svg>").animated());
     EXPECT_TRUE(SvgDocument("<svg>word <animate/></svg>").animated());
     EXPECT_TRUE(SvgDocument("<svg><!-- <animate> --></svg>").animated());
-    // The text as it came counts, not what the rewrite of rgba() leaves of it.
+    // The original text is used, not the one after replacing rgba().
     EXPECT_TRUE(SvgDocument("<svg><!-- \"rgba(1,2,3, <animate )\" --></svg>").animated());
 }
 
-TEST(SvgDocument, SignsInACommentAreNoAttributes) {
+TEST(SvgDocument, EqualsSignsInACommentAreNoAttributes) {
     const SvgDocument document("<svg><!-- " + QString("=").repeated(3000) + QString(" a = b").repeated(2000) +
                                " --><animate attributeName='x' from='1' to='2' dur='2s'/></svg>");
     EXPECT_TRUE(document.animated());
@@ -241,7 +241,7 @@ TEST(SvgDocument, WithoutAQtSvgDocumentHasNoAnimationData) {
     EXPECT_EQ(document.durationMs(), 0);
     EXPECT_THAT(document.animations(), IsEmpty());
     EXPECT_THAT(document.adjustablePoints(), IsEmpty());
-    // The rest runs on what the DOM parser kept.
+    // The rest uses what the DOM parser read.
     EXPECT_THAT(document.useElements(), SizeIs(1));
     EXPECT_EQ(document.conclusionMs(), -1000);
     EXPECT_EQ(live(document, "u", "visibility"), "visible");
@@ -281,7 +281,7 @@ TEST(SvgDocument, DecodesAsTheDomParserDoesFromADevice) {
     }
 }
 
-TEST(SvgDocument, SavingLeavesTheEndOfALongerTextBehind) {
+TEST(SvgDocument, SavingKeepsTheEndOfALongerText) {
     const QByteArray text =
         "<svg>" + QByteArray(300, ' ') +
         "<animate id='a' dur='2s' begin='1s'/><animate attributeName='x' begin='a.end'/></svg>";
@@ -292,7 +292,7 @@ TEST(SvgDocument, SavingLeavesTheEndOfALongerTextBehind) {
                              "</svg>\n";
     const SvgDocument document(QString::fromUtf8(text));
     EXPECT_EQ(document.content(), saved + text.mid(saved.size()));
-    // What stands behind the root is an error that leaves the root alone.
+    // Text after the root is an error, but the root is kept.
     EXPECT_THAT(document.animations(), SizeIs(1));
     EXPECT_EQ(document.animations()[0]->beginMs, 3000);
 }

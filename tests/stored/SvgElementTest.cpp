@@ -25,7 +25,7 @@ TEST(SvgElement, CountsSiblingsOfEveryKindBefore) {
     EXPECT_EQ(element.id, "r");
 }
 
-TEST(SvgElement, NumbersInTheKeyStandWithoutSeparator) {
+TEST(SvgElement, NumbersInTheKeyHaveNoSeparator) {
     std::string text = "<svg><g>";
     for (int i = 0; i < 12; ++i)
         text += "<a/>";
@@ -62,7 +62,7 @@ TEST(SvgElement, VisibilityOfTheRootCounts) {
     EXPECT_TRUE(SvgElement(first(dom, "rect"), dom.documentElement()).underVisibility);
 }
 
-TEST(SvgElement, KnowsThatItStandsUnderDefs) {
+TEST(SvgElement, ReportsThatItIsBelowDefs) {
     const auto dom = xml("<svg><defs><g><rect/></g></defs><line/></svg>");
     EXPECT_TRUE(SvgElement(first(dom, "rect"), dom.documentElement()).underDefs);
     EXPECT_FALSE(SvgElement(first(dom, "defs"), dom.documentElement()).underDefs);
@@ -84,7 +84,7 @@ TEST(SvgElement, IsFoundAgainAfterANewParse) {
     EXPECT_EQ(element.resolve(again.documentElement()).toElement().attribute("id"), "wanted");
 }
 
-TEST(SvgElement, BeyondTheTreeResolvesToNull) {
+TEST(SvgElement, OutsideOfTheTreeResolvesToNull) {
     const auto dom = xml("<svg><g/></svg>");
     for (const QList<int>& path : {QList<int>{1}, QList<int>{0, 0}, QList<int>{5, 7}}) {
         SvgElement element;
@@ -95,7 +95,7 @@ TEST(SvgElement, BeyondTheTreeResolvesToNull) {
     EXPECT_TRUE(SvgElement().resolve(QDomNode()).isNull());
 }
 
-TEST(NodeTable, GivesEachNodeThePlaceThatSvgElementGives) {
+TEST(NodeTable, GivesEachNodeTheSamePositionAsSvgElement) {
     const auto dom = xml("<svg id='s'>text<defs visibility='x'><g id='a'>t<clipPath><rect id='b'/></clipPath>"
                          "</g><!-- c --></defs><g/><g><line/><line id='z'/></g><?pi data?></svg>");
     const Internal::NodeTable nodes(dom.documentElement());
@@ -113,7 +113,7 @@ TEST(NodeTable, GivesEachNodeThePlaceThatSvgElementGives) {
     }
 }
 
-TEST(NodeTable, KnowsWhatStandsBelowAnElement) {
+TEST(NodeTable, ListsTheElementsBelowAnElement) {
     const auto dom = xml("<svg><g><g/><a><g/></a></g><g/></svg>");
     const Internal::NodeTable nodes(dom.documentElement());
     EXPECT_THAT(nodes.elements("g"), ElementsAre(1, 2, 4, 5));

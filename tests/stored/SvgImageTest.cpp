@@ -70,13 +70,13 @@ TEST(SvgStrokeWidth, UpToFourIsWrittenBack) {
     EXPECT_EQ(attributeOfResult(imageOf("stroke-width=' 3 '"), "stroke-width"), "3");
 }
 
-TEST(SvgStrokeWidth, FiveAndMoreStayAsTheTextHasThem) {
+TEST(SvgStrokeWidth, FiveAndMoreAreNotWritten) {
     EXPECT_EQ(imageOf("stroke-width='7'").strokeWidth(), 7);
     EXPECT_EQ(attributeOfResult(imageOf("stroke-width='7'"), "stroke-width"), "7");
     EXPECT_EQ(attributeOfResult(imageOf("stroke-width=' 05 '"), "stroke-width"), " 05 ");
 }
 
-TEST(SvgStrokeWidth, BelowZeroStaysAsTheTextHasIt) {
+TEST(SvgStrokeWidth, BelowZeroIsNotWritten) {
     EXPECT_EQ(imageOf("stroke-width='-2'").strokeWidth(), -2);
     EXPECT_EQ(attributeOfResult(imageOf("stroke-width=' -2'"), "stroke-width"), " -2");
     EXPECT_EQ(attributeOfResult(imageOf("stroke-width=' -1'"), "stroke-width"), " -1");
@@ -96,20 +96,20 @@ TEST(SvgStrokeWidth, EmptyOrMissingIsUnset) {
     EXPECT_EQ(attributeOfResult(imageOf(""), "stroke-width"), "(none)");
 }
 
-TEST(SvgStrokeWidth, GoesToAllElementsOfTheLiveDocument) {
+TEST(SvgStrokeWidth, IsSetOnAllElementsOfTheLiveDocument) {
     const SvgImage image("<svg stroke-width='7'><g stroke-width='2'/></svg>");
     EXPECT_EQ(image.document()->dom().documentElement().firstChildElement().attribute("stroke-width"), "7");
     EXPECT_EQ(rootOf(image.toString()).firstChildElement().attribute("stroke-width"), "2");
 }
 
-TEST(SvgStrokeWidth, OfMinusOneIsThatOfAnUnsetOneAndGoesNowhere) {
+TEST(SvgStrokeWidth, OfMinusOneMeansUnsetAndIsNotWritten) {
     const SvgImage image("<svg stroke-width='-1'><g stroke-width='9'/></svg>");
     EXPECT_EQ(image.document()->dom().documentElement().firstChildElement().attribute("stroke-width"), "9");
 }
 
 // Opacity.
 
-TEST(SvgOpacity, OfTheRootGoesToAllElementsOfTheLiveDocument) {
+TEST(SvgOpacity, OfTheRootIsSetOnAllElementsOfTheLiveDocument) {
     const SvgImage image("<svg fill-opacity='0.5' stroke-opacity='0.2'><g fill-opacity='1' "
                          "stroke-opacity='1'/></svg>");
     const QDomElement live = image.document()->dom().documentElement().firstChildElement();
@@ -120,7 +120,7 @@ TEST(SvgOpacity, OfTheRootGoesToAllElementsOfTheLiveDocument) {
     EXPECT_EQ(result.attribute("stroke-opacity"), "1");
 }
 
-TEST(SvgOpacity, IsCutOnTheWayInAndHasTwoDecimalsOnTheWayOut) {
+TEST(SvgOpacity, IsTruncatedWhenReadAndHasTwoDecimalsWhenWritten) {
     const SvgImage image = imageOf("fill-opacity='0.5' stroke-opacity='0.25'");
     EXPECT_EQ(image.fillOpacity(), 127);
     EXPECT_EQ(image.strokeOpacity(), 63);
@@ -148,7 +148,7 @@ TEST(SvgOpacity, IsClamped) {
         EXPECT_EQ(imageOf(QString("stroke-opacity='%1'").arg(text)).strokeOpacity(), 255) << text;
 }
 
-TEST(SvgOpacity, ThatCutsToMinusOneWasReadAllTheSame) {
+TEST(SvgOpacity, ThatTruncatesToMinusOneWasRead) {
     EXPECT_EQ(imageOf("fill-opacity='-0.004'").fillOpacity(), 0); // -1.02 is cut to -1
 }
 
@@ -199,7 +199,7 @@ TEST(SvgPaint, ANewColourReplacesWhatIsAbsentOrAColour) {
     }
 }
 
-TEST(SvgPaint, ANewColourDoesNotReplaceWhatStandsForAnother) {
+TEST(SvgPaint, ANewColourDoesNotReplaceAReference) {
     for (const char* paint : {"none", "currentColor", "inherit", "url(#g)", "urlaub"}) {
         SvgImage image = imageOf(QString("fill='%1' stroke='%1'").arg(paint));
         image.setFillColor(Qt::red);
@@ -219,7 +219,7 @@ TEST(SvgPaint, ANewColourIsOpaque) {
     EXPECT_EQ(attributeOfResult(image, "stroke"), "#050607");
 }
 
-TEST(SvgPaint, GoesToTheLiveDocumentAndOnlyTheRootsToTheText) {
+TEST(SvgPaint, IsSetInTheLiveDocumentAndOnlyOnTheRootInTheText) {
     SvgImage image(
         "<svg fill='red'><g fill='blue' stroke='blue'/><clipPath><g fill='blue'/></clipPath></svg>");
     image.setFillColor(QColor("#123456"));
@@ -236,7 +236,7 @@ TEST(SvgPaint, GoesToTheLiveDocumentAndOnlyTheRootsToTheText) {
     EXPECT_EQ(result.firstChildElement().attribute("fill"), "blue");
 }
 
-TEST(SvgPaint, OfTheRootGoesToTheLiveDocumentFromTheStart) {
+TEST(SvgPaint, OfTheRootIsSetInTheLiveDocumentFromTheStart) {
     const SvgImage image("<svg fill='red' stroke='lime'><g fill='blue' stroke='blue'/><linearGradient><stop "
                          "stop-color='blue'/></linearGradient></svg>");
     const QDomElement live = image.document()->dom().documentElement();
@@ -246,7 +246,7 @@ TEST(SvgPaint, OfTheRootGoesToTheLiveDocumentFromTheStart) {
     EXPECT_EQ(rootOf(image.toString()).firstChildElement().attribute("fill"), "blue");
 }
 
-TEST(SvgPaint, AFillGoesToTheGradientsAndAStrokeDoesNot) {
+TEST(SvgPaint, AFillChangesTheGradientsAndAStrokeDoesNot) {
     SvgImage image("<svg><linearGradient><stop stop-color='#000000'/></linearGradient></svg>");
     const auto stopColor = [&] {
         return image.document()->dom().elementsByTagName("stop").item(0).toElement().attribute("stop-color");
@@ -299,7 +299,7 @@ TEST(SvgImageText, ResolvedTimingStaysInTheLiveDocument) {
     EXPECT_EQ(image.toString(), "<svg>\n <animate begin=\"a.end+1s\"/>\n</svg>\n");
 }
 
-TEST(SvgImageText, TheFirstSvgMayStandAtAnyDepth) {
+TEST(SvgImageText, TheFirstSvgMayBeAtAnyDepth) {
     SvgImage image("<doc fill='blue'><a><svg fill='red'/></a><svg fill='lime'/></doc>");
     EXPECT_EQ(image.fill(), QColor(255, 0, 0));
     image.setStrokeColor(QColor("#123456"));
@@ -330,7 +330,7 @@ TEST(SvgImageText, UnparsableTextIsEmpty) {
     }
 }
 
-TEST(SvgImageText, OfABrokenTextWhatTheParserKeptCounts) {
+TEST(SvgImageText, OfABrokenTextThePartThatTheParserReadIsUsed) {
     SvgImage image("<svg fill='red'><g/><rect></svg>");
     EXPECT_EQ(image.fill(), QColor(255, 0, 0));
     EXPECT_EQ(image.toString(), "<svg fill=\"#ff0000\">\n <g/>\n <rect/>\n</svg>\n");
@@ -353,7 +353,7 @@ TEST(SvgImageText, ResolvesTheEntitiesOfItsDocumentType) {
 
 // Adjustable points.
 
-TEST(SvgImagePoints, TakeTheirPlacesFromTheLiveDocument) {
+TEST(SvgImagePoints, GetTheirPositionsFromTheLiveDocument) {
     SvgImage image(
         "<svg><adjustablePoint id='a' posX='1' posY='2'/><g><adjustablePoint id='b' posX='3' posY='4'/>"
         "</g></svg>");
@@ -362,12 +362,12 @@ TEST(SvgImagePoints, TakeTheirPlacesFromTheLiveDocument) {
                                 "  <adjustablePoint id=\"b\" posX=\"30\" posY=\"4\"/>\n </g>\n</svg>\n");
 }
 
-TEST(SvgImagePoints, GetAnEmptyCoordinateWhereTheLiveOneHasNone) {
+TEST(SvgImagePoints, GetAnEmptyCoordinateIfTheLiveOneHasNone) {
     const SvgImage image("<svg><adjustablePoint id='a' posY='2'/></svg>");
     EXPECT_EQ(image.toString(), "<svg>\n <adjustablePoint id=\"a\" posX=\"\" posY=\"2\"/>\n</svg>\n");
 }
 
-TEST(SvgImagePoints, AreTakenOverWithoutAnSvgElementToo) {
+TEST(SvgImagePoints, AreCopiedWithoutAnSvgElementToo) {
     const SvgImage image("<doc><adjustablePoint/></doc>");
     EXPECT_EQ(image.toString(), "<doc>\n <adjustablePoint posX=\"\" posY=\"\"/>\n</doc>\n");
 }
@@ -380,8 +380,8 @@ TEST(SvgImagePoints, ADeclaredEncodingIsThatOfTheLiveDocument) {
     EXPECT_EQ(point.attribute("posX"), QString::fromUtf8("\xc3\x83\xc2\xa9"));
 }
 
-TEST(SvgImagePoints, StayAsTheyAreWhereTheLiveDocumentHasNone) {
-    // In the encoding that it declares the text is none, so that the live document is empty.
+TEST(SvgImagePoints, StayUnchangedIfTheLiveDocumentHasNone) {
+    // In the declared encoding the text is not XML, so the live document is empty.
     const SvgImage image("<?xml version='1.0' encoding='UTF-16'?><svg><adjustablePoint posX='1'/></svg>");
     EXPECT_TRUE(image.document()->dom().documentElement().isNull());
     EXPECT_EQ(image.toString(), "<?xml version='1.0' encoding='UTF-16'?>\n"
@@ -390,7 +390,7 @@ TEST(SvgImagePoints, StayAsTheyAreWhereTheLiveDocumentHasNone) {
 
 // Writing.
 
-/// No element has more than one attribute, so that Qt's hash has nothing to say.
+/// No element has more than one attribute, so that the order of Qt's hash has no influence.
 const char* const texts[] = {
     "",
     "<svg/>",
@@ -420,7 +420,7 @@ const char* const texts[] = {
     "<a:b c:d='e'/>",
 };
 
-TEST(SvgWriting, IsThatOfQtButForTheOrder) {
+TEST(SvgWriting, IsTheSameAsQtsExceptForTheOrder) {
     for (const char* text : texts) {
         QDomDocument dom;
         dom.setContent(QString::fromUtf8(text), false);
@@ -441,7 +441,7 @@ TEST(SvgWriting, ACommentThatEndsInADashEndsWhereItShould) {
     EXPECT_EQ(Internal::toText(dom), "<svg>\n <!--x- -->\n</svg>\n");
 }
 
-TEST(SvgWriting, ManyAttributesAreWrittenAsFewAre) {
+TEST(SvgWriting, ManyAttributesAreWrittenLikeFew) {
     const auto element = [](int attributes, const QString& more) {
         QString text = "<svg";
         for (int number = 0; number < attributes; ++number)

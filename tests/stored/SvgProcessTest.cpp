@@ -1,4 +1,4 @@
-// The model works in a process without any Qt application, as this one, and beside one with a user interface.
+// The model works in a process without a Qt application, as this one, and in one with a user interface.
 
 #include "Stored/V21/SvgImage.h"
 
@@ -33,7 +33,7 @@ TEST(SvgProcess, NeedsNoApplication) {
     EXPECT_TRUE(works());
 }
 
-// Each kind of application lives in a process of its own, which ends without tidying it up.
+// Each kind of application runs in a child process, which exits without destroying it.
 
 template <class Application>
 [[noreturn]] void workBeside() {

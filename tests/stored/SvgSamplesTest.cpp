@@ -1,4 +1,4 @@
-// Sends the drawings of tests/stored/svg/ through the model and back.
+// Reads the drawings of tests/stored/svg/ into the model and writes them.
 
 #include "Stored/V21/SvgImage.h"
 #include "support/Compare.h"
@@ -23,13 +23,13 @@ namespace {
 
 const fs::path folder = Tests::drawingsFolder();
 
-/// What the drawings hold, counted by hand.
+/// The contents of the drawings, counted by hand.
 struct Sample {
     const char* name;
     int durationMs;
     int conclusionMs;
     std::size_t animations;
-    std::size_t fills; ///< that may be changed, as the strokes
+    std::size_t fills; ///< those that may be changed; likewise strokes
     std::size_t strokes;
     std::size_t stops;
     std::size_t uses;
@@ -68,7 +68,7 @@ QString textOf(const std::string& name) {
     return QString::fromStdString(Tests::readFile(folder / (name + ".svg")));
 }
 
-/// Without what the model may write, so that all else can be compared.
+/// Removes the parts that the model may change, so that the rest can be compared.
 QDomDocument withoutStyle(QDomDocument dom) {
     QDomElement root = dom.documentElement();
     for (const char* name : {"fill", "stroke", "stroke-width", "fill-opacity", "stroke-opacity"})
@@ -93,7 +93,7 @@ protected:
     QString text() const { return textOf(GetParam().name); }
 };
 
-TEST_P(SvgSample, HoldsWhatWasCounted) {
+TEST_P(SvgSample, HasTheCountedContents) {
     const Tests::Log log;
     const SvgImage image(text());
     const SvgDocument& document = *image.document();
@@ -124,7 +124,7 @@ TEST_P(SvgSample, LastsAtLeastAsLongAsQtSvgSays) {
     EXPECT_EQ(document.durationMs(), expected);
 }
 
-TEST_P(SvgSample, PlacesLeadToTheElements) {
+TEST_P(SvgSample, PositionsResolveToTheElements) {
     const SvgImage image(text());
     const QDomElement root = image.document()->dom().documentElement();
     const auto check = [&](const SvgElement& place) {
@@ -158,7 +158,7 @@ TEST_P(SvgSample, PlacesLeadToTheElements) {
         check(animation->element);
 }
 
-TEST_P(SvgSample, ComesBackWithNothingButItsStyleChanged) {
+TEST_P(SvgSample, ChangesOnlyInItsStyle) {
     SvgImage image(text());
     image.setFillColor(QColor("#fedcba"));
     image.setStrokeColor(QColor("#abcdef"));
@@ -172,7 +172,7 @@ TEST_P(SvgSample, ComesBackWithNothingButItsStyleChanged) {
     EXPECT_EQ(Tests::difference(withoutStyle(before), withoutStyle(after)), "");
 }
 
-TEST_P(SvgSample, ComesBackTheSameFromASecondRound) {
+TEST_P(SvgSample, IsTheSameAfterASecondPass) {
     const QString once = SvgImage(text()).toString();
     EXPECT_EQ(SvgImage(once).toString(), once);
 }
@@ -188,7 +188,7 @@ TEST_P(SvgSample, IsRecolouredInTheLiveDocument) {
     }
     for (const auto& [stop, offsets] : image.document()->gradientStops())
         EXPECT_TRUE(QColor(stop->element.resolve(root).toElement().attribute("stop-color")).isValid());
-    // What was saved last stands at the front of the buffer.
+    // The text that was saved last is at the start of the buffer.
     if (GetParam().strokes > 0 || GetParam().fills > 0) {
         EXPECT_TRUE(image.document()->content().startsWith("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"));
     }
@@ -261,14 +261,14 @@ TEST(SvgSamples, AnimatedChainHasAbsoluteTimes) {
                                    std::pair(750, 1000)));
 }
 
-TEST(SvgSamples, AnimatedColourHasColoursAndOneStrokeThatWasSteppedOver) {
+TEST(SvgSamples, AnimatedColourHasColoursAndOneSkippedStroke) {
     const SvgImage image(textOf("animated-colour"));
     EXPECT_THAT(animation<AnimatableAttributeColor>(image, 0).values,
                 ElementsAre(QColor(255, 0, 0), QColor(0, 255, 0), QColor(0, 0, 255)));
     EXPECT_EQ(image.document()->adjustable().at("fill")[0]->value, "#102030");
     EXPECT_EQ(image.document()->adjustable().at("fill")[1]->value, "#ff00");
     EXPECT_EQ(image.document()->adjustable().at("stroke")[0]->value, "rgba( 170 , 187 , 204 , 1 )");
-    EXPECT_FALSE(image.fill().isValid()); // the text itself still says rgba(16,32,48,1)
+    EXPECT_FALSE(image.fill().isValid()); // the text itself still has rgba(16,32,48,1)
 }
 
 TEST(SvgSamples, AnimatedOpacityHasItsTiming) {
@@ -297,7 +297,7 @@ TEST(SvgSamples, PathMorphHasNumberLists) {
     EXPECT_EQ(points.valueCount, 0); // three points and two
 }
 
-TEST(SvgSamples, VisibilityGoesToTheUses) {
+TEST(SvgSamples, VisibilityIsCarriedToTheUses) {
     const SvgImage image(textOf("visibility-in-defs"));
     const QDomNodeList uses = image.document()->dom().elementsByTagName("use");
     EXPECT_EQ(uses.item(0).toElement().attribute("visibility"), "visible");

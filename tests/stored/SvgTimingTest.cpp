@@ -1,4 +1,4 @@
-// When things move in a drawing: timing that refers to other animations, the animations, the closing part.
+// Timing in a drawing: times that refer to other animations, the animations, the closing part.
 
 #include "Stored/V21/SvgDocument.h"
 #include "support/Log.h"
@@ -40,7 +40,7 @@ TEST(SvgConditionalTiming, AMissingReferenceIsZero) {
     EXPECT_EQ(beginOf("<animate id='x' begin='missing.end-1s'/>", "x"), "-1000ms");
 }
 
-TEST(SvgConditionalTiming, AReferenceMayStandFurtherDownAndReferOnwards) {
+TEST(SvgConditionalTiming, AReferenceMayComeLaterAndReferToAnother) {
     const QString animations =
         "<animate id='x' begin='y.end+1s' dur='1s'/><animate id='y' begin='z.end' dur='1s'/>"
         "<animate id='z' begin='500ms' dur='250ms'/>";
@@ -48,7 +48,7 @@ TEST(SvgConditionalTiming, AReferenceMayStandFurtherDownAndReferOnwards) {
     EXPECT_EQ(beginOf(animations, "x"), "2750ms");
 }
 
-TEST(SvgConditionalTiming, AllThreeTagsTakePart) {
+TEST(SvgConditionalTiming, AllThreeTagsAreResolved) {
     const QString animations =
         "<animate attributeName='k'/><animateColor id='c' begin='t.end' dur='1s'/>"
         "<animateTransform id='t' begin='1s' dur='3s'/><animateMotion id='m' begin='c.end'/>"
@@ -60,7 +60,7 @@ TEST(SvgConditionalTiming, AllThreeTagsTakePart) {
 }
 
 TEST(SvgConditionalTiming, TheFirstOfAnIdWinsInTheOrderOfTheTags) {
-    // All `animate` elements come before all `animateColor` elements, wherever they stand.
+    // All `animate` elements come before all `animateColor` elements, in any document order.
     EXPECT_EQ(beginOf("<animateColor id='d' begin='9s'/><animate id='d' begin='1s'/>"
                       "<animate id='d' begin='5s'/><animate id='x' begin='d.begin'/>",
                       "x"),
@@ -73,18 +73,18 @@ TEST(SvgConditionalTiming, TheFirstOfAnIdWinsInTheOrderOfTheTags) {
 }
 
 TEST(SvgConditionalTiming, ASignInTheIdDecides) {
-    // The first "-" stands in the id, and "1.end-500ms" is no time.
+    // The first "-" is in the id, and "1.end-500ms" is no time.
     EXPECT_EQ(beginOf("<animate id='a-1' begin='1s' dur='2s'/><animate id='x' begin='a-1.end-500ms'/>", "x"),
               "3000ms");
     EXPECT_EQ(beginOf("<animate id='a+b' begin='1s' dur='2s'/><animate id='x' begin='a+b.end-500ms'/>", "x"),
               "3000ms");
-    // A "+" anywhere goes before a "-".
+    // A "+" anywhere takes precedence over a "-".
     EXPECT_EQ(beginOf(a + "<animate id='x' begin='a.end-500ms+1s'/>", "x"), "4000ms");
     EXPECT_EQ(beginOf("<animate id='a-1' begin='1s' dur='2s'/><animate id='x' begin='a-1.end+500ms'/>", "x"),
               "3500ms");
 }
 
-TEST(SvgConditionalTiming, BeginIsLookedForBeforeEnd) {
+TEST(SvgConditionalTiming, BeginIsSearchedForBeforeEnd) {
     EXPECT_EQ(beginOf("<animate id='a.end' begin='4s'/><animate id='x' begin='a.end.begin'/>", "x"),
               "4000ms");
 }
@@ -98,7 +98,7 @@ TEST(SvgConditionalTiming, AnEmptyIdIsNoReference) {
     EXPECT_EQ(beginOf(a + "<animate id='x' begin='.end+1s'/>", "x"), ".end+1s");
 }
 
-TEST(SvgConditionalTiming, AnEventIsATimeThatCanNotBeRead) {
+TEST(SvgConditionalTiming, AnEventCanNotBeReadAsATime) {
     EXPECT_EQ(beginOf(a + "<animate id='x' begin='click'/>", "x"), "click");
 }
 
@@ -108,7 +108,7 @@ TEST(SvgConditionalTiming, MinusOneMillisecondOnlyLooksUnresolved) {
               "999ms");
 }
 
-TEST(SvgConditionalTiming, ACircleIsReportedOnceAndReadsAsMissing) {
+TEST(SvgConditionalTiming, ACycleIsReportedOnceAndReadsAsMissing) {
     const Tests::Log log;
     const SvgDocument document(
         "<svg><animate id='a' begin='b.end' dur='1s'/><animate id='b' begin='a.end+1s' "
@@ -125,7 +125,7 @@ TEST(SvgConditionalTiming, AReferenceToItselfReadsAsMissing) {
     EXPECT_EQ(live(document, "a", "begin"), "2000ms");
 }
 
-TEST(SvgConditionalTiming, EachCircleIsReported) {
+TEST(SvgConditionalTiming, EachCycleIsReported) {
     const Tests::Log log;
     const SvgDocument document("<svg><animate id='a' begin='a.end'/><animate id='b' begin='c.end'/>"
                                "<animate id='c' begin='d.end'/><animate id='d' begin='b.end'/>"
@@ -161,7 +161,7 @@ TEST(SvgConditionalTiming, SumsWrap) {
               "2147483645ms");
 }
 
-TEST(SvgConditionalTiming, WithoutReferencesTheTextStaysAsItCame) {
+TEST(SvgConditionalTiming, WithoutReferencesTheTextIsUnchanged) {
     const QString text = "<svg  ><animate   id='a' begin='1s'/></svg>";
     EXPECT_EQ(SvgDocument(text).content(), text.toUtf8());
 }
@@ -172,7 +172,7 @@ std::vector<std::shared_ptr<AnimatableAttribute>> animationsOf(const QString& at
     return SvgDocument("<svg><g/><rect x='5'><animate " + attributes + "/></rect></svg>").animations();
 }
 
-TEST(SvgAnimations, AddressTheAnimatedElement) {
+TEST(SvgAnimations, ReferToTheAnimatedElement) {
     const auto animations = animationsOf("attributeName='x' from='1' to='2'");
     ASSERT_THAT(animations, SizeIs(1));
     EXPECT_THAT(animations[0]->element.path, ElementsAre(1));
@@ -194,7 +194,7 @@ TEST(SvgAnimations, OfTheOtherTagsAreNotParsed) {
                 IsEmpty());
 }
 
-TEST(SvgAnimations, StandInDocumentOrder) {
+TEST(SvgAnimations, AreInDocumentOrder) {
     const SvgDocument document(
         "<svg><g><animate attributeName='one'/></g><animate attributeName='two'/></svg>");
     ASSERT_THAT(document.animations(), SizeIs(2));
@@ -227,7 +227,7 @@ TEST(SvgAnimations, FreezeAndCalcMode) {
     EXPECT_TRUE(animationsOf("attributeName='x'")[0]->interpolated);
 }
 
-TEST(SvgAnimations, ValuesGoBeforeFromAndTo) {
+TEST(SvgAnimations, ValuesTakePrecedenceOverFromAndTo) {
     const auto animation = animationsOf("attributeName='x' values='1;2;;3' from='8' to='9'")[0];
     ASSERT_TRUE(leaf<AnimatableAttributeFloat>(animation));
     EXPECT_THAT(leaf<AnimatableAttributeFloat>(animation)->values,
@@ -265,13 +265,14 @@ TEST(SvgAnimations, AnyKeyValueMayNameAPoint) {
     EXPECT_TRUE(leaf<AnimatableAttributeText>(animationsOf("attributeName='x' values='posx;posZ'")[0]));
     EXPECT_TRUE(leaf<AnimatableAttributeAdjustablePoint>(
         animationsOf("attributeName='x' from='red' to='p.posY'")[0]));
-    // With `values` the others do not count.
+    // If there are `values`, the others are ignored.
     EXPECT_TRUE(leaf<AnimatableAttributeColor>(
         animationsOf("attributeName='x' values='red' from='p.posX' to='p.posY'")[0]));
 }
 
 TEST(SvgAnimations, AnAnimationThatIsTheRootHasNoElement) {
-    // The step runs for what Qt SVG takes, so the root is an `svg`; an `animate` always has a parent element.
+    // This runs only for text that Qt SVG accepts, so the root is an `svg`, and an `animate` always has a
+    // parent element.
     const SvgDocument document("<animate attributeName='x' to='1'/>");
     EXPECT_THAT(document.animations(), IsEmpty());
 }
@@ -282,7 +283,7 @@ int conclusionOf(const QString& animations) {
     return SvgDocument("<svg><animate attributeName='k' dur='10s'/>" + animations + "</svg>").conclusionMs();
 }
 
-TEST(SvgConclusion, IsWhatIsLeftBehindItsBegin) {
+TEST(SvgConclusion, IsTheRestAfterItsBegin) {
     EXPECT_EQ(conclusionOf("<animate id='CONCLUSION' begin='7s'/>"), 3000);
     EXPECT_EQ(conclusionOf("<animateTransform id='CONCLUSION' begin='7.5s'/>"), 2500);
     EXPECT_EQ(conclusionOf("<animate id='conclusion' begin='7s'/>"), 0);
@@ -290,14 +291,14 @@ TEST(SvgConclusion, IsWhatIsLeftBehindItsBegin) {
     EXPECT_EQ(conclusionOf(""), 0);
 }
 
-TEST(SvgConclusion, ABeginOfZeroIsPassedOver) {
+TEST(SvgConclusion, ABeginOfZeroIsIgnored) {
     EXPECT_EQ(conclusionOf("<animate id='CONCLUSION' begin='0s'/><animate id='CONCLUSION' begin='6s'/>"),
               4000);
     EXPECT_EQ(conclusionOf("<animate id='CONCLUSION' begin='-3s'/>"), 0);
 }
 
 TEST(SvgConclusion, TheFirstOfATagEndsTheSearchForTheTag) {
-    // It begins with the end, which leaves 0, so that the next tag is searched, and not the second `animate`.
+    // It starts at the end, so its length is 0. Then the next tag is searched, not the second `animate`.
     EXPECT_EQ(conclusionOf("<animate id='CONCLUSION' begin='10s'/><animate id='CONCLUSION' begin='6s'/>"
                            "<animateMotion id='CONCLUSION' begin='9s'/>"),
               1000);
@@ -313,7 +314,7 @@ TEST(SvgConclusion, TheTagsHaveAnOrder) {
               8000);
 }
 
-TEST(SvgConclusion, SeesTheResolvedTiming) {
+TEST(SvgConclusion, UsesTheResolvedTiming) {
     EXPECT_EQ(conclusionOf("<animate id='m' begin='1s' dur='1s'/><animate id='CONCLUSION' begin='m.end'/>"),
               8000);
 }

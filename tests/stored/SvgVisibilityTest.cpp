@@ -1,4 +1,4 @@
-// `use` elements, and the visibility that they take over.
+// `use` elements and the visibility that they inherit from `defs`.
 
 #include "Stored/V21/SvgDocument.h"
 #include "support/Svg.h"
@@ -54,7 +54,7 @@ TEST(SvgVisibility, UnderAnotherVisibilityIsNotSet) {
     const SvgDocument document("<svg><defs><path id='a' visibility='visible'/></defs><g visibility='hidden'>"
                                "<use id='u' xlink:href='#a'/></g></svg>");
     EXPECT_EQ(live(document, "u", "visibility"), "(none)");
-    EXPECT_TRUE(document.content().startsWith("<?xml")); // it counts as a hit
+    EXPECT_TRUE(document.content().startsWith("<?xml")); // the document was saved
 }
 
 TEST(SvgVisibility, TheDefsElementItselfCounts) {
@@ -69,8 +69,8 @@ TEST(SvgVisibility, OfTwoElementsOfAnIdTheLastWins) {
     EXPECT_EQ(live(document, "u", "visibility"), "hidden");
 }
 
-TEST(SvgVisibility, TakenOverByAUseInDefsGoesOnFromThere) {
-    // First "u" takes over from "a"; then, being an element in the defs itself, it hands on to "v".
+TEST(SvgVisibility, SetOnAUseInDefsIsCarriedFurther) {
+    // First "u" gets the value of "a". Since "u" is itself an element in the defs, "v" then gets it, too.
     const SvgDocument document(
         "<svg><defs><path id='a' visibility='visible'/><use id='u' xlink:href='#a'/></defs>"
         "<use id='v' xlink:href='#u'/></svg>");
@@ -78,7 +78,7 @@ TEST(SvgVisibility, TakenOverByAUseInDefsGoesOnFromThere) {
     EXPECT_EQ(live(document, "v", "visibility"), "visible");
 }
 
-TEST(SvgVisibility, InTheOtherOrderTheUseHasNothingYet) {
+TEST(SvgVisibility, InTheOtherOrderTheUseHasNoValueYet) {
     const SvgDocument document(
         "<svg><defs><use id='u' xlink:href='#a'/><path id='a' visibility='visible'/></defs>"
         "<use id='v' xlink:href='#u'/></svg>");
@@ -86,15 +86,15 @@ TEST(SvgVisibility, InTheOtherOrderTheUseHasNothingYet) {
     EXPECT_EQ(live(document, "v", "visibility"), "(none)");
 }
 
-TEST(SvgVisibility, InnerDefsAreGoneThroughAgain) {
-    // As above, but the inner defs come once more, when "u" has its visibility.
+TEST(SvgVisibility, InnerDefsAreReadAgain) {
+    // As above, but the inner defs are read a second time, when "u" already has its visibility.
     const SvgDocument document(
         "<svg><defs><defs><use id='u' xlink:href='#a'/><path id='a' visibility='visible'/>"
         "</defs></defs><use id='v' xlink:href='#u'/></svg>");
     EXPECT_EQ(live(document, "v", "visibility"), "visible");
 }
 
-TEST(SvgVisibility, UsesThatReferToEachOtherComeToAnEnd) {
+TEST(SvgVisibility, UsesThatReferToEachOtherTerminate) {
     const SvgDocument document("<svg><defs><use id='a' visibility='visible' xlink:href='#b'/>"
                                "<use id='b' visibility='hidden' xlink:href='#a'/>"
                                "<use id='c' visibility='collapse' xlink:href='#c'/></defs></svg>");

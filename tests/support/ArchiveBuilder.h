@@ -6,12 +6,13 @@
 
 namespace Tests {
 
-/// An archive that grows object by object: for tests on thousands of them. Starts with a Predeclarator of the id 1.
+/// Builds an archive object by object, for tests with thousands of objects. Starts with a Predeclarator of
+/// the id 1.
 struct ArchiveBuilder {
     QDomDocument document;
     QDomElement archive;
     QDomElement predeclarations;
-    long long greatestRecordId = 1'000'000'000; // beyond the ids of all objects
+    long long greatestRecordId = 1'000'000'000; // above the ids of all objects
 
     ArchiveBuilder() {
         archive = document.createElement("Archive");

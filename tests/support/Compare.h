@@ -8,7 +8,7 @@
 
 namespace Tests {
 
-/// The first place where two documents differ, as a sentence; empty where they are the same. Attributes have no
+/// The first difference between two documents, as a sentence; empty if there is none. Attributes have no
 /// order, children have one, white space between elements does not count.
 std::string difference(const QDomNode& expected, const QDomNode& actual);
 

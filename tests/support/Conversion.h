@@ -12,20 +12,20 @@
 #include <utility>
 #include <vector>
 
-/// What tests of the conversion make archives of, and how they look at the result.
+/// Functions for tests of the conversion: creating archives and reading the result.
 namespace Tests {
 
 inline nlohmann::json convert(const QDomDocument& document) {
     return Util::XmlToJsonAdaptor().adapt(document);
 }
 
-/// The root object of an archive whose object 2 holds these fields.
+/// The converted root object of an archive whose object 2 has these fields.
 inline nlohmann::json dataOf(const std::string& fields, const std::string& others = {}) {
     return convert(archive("<RootRef type='ObjectRef' value='2'/><RootObject type='A' objectId='2'>" +
                            fields + "</RootObject>" + others))["data"];
 }
 
-/// What one element becomes as the field "f".
+/// The value of a converted element with the tag "f".
 inline nlohmann::json valueOf(const std::string& attributes, const std::string& content = {},
                               const std::string& others = {}) {
     return dataOf("<f " + attributes + ">" + content + "</f>", others)["f"];

@@ -22,7 +22,7 @@ inline QDomDocument xml(const std::string& text, bool processNamespaces = false)
     return document;
 }
 
-/// The same for what stands inside <Archive>.
+/// The same for the content of <Archive>.
 inline QDomDocument archive(const std::string& content) {
     return xml("<Archive>" + content + "</Archive>");
 }
@@ -30,7 +30,8 @@ inline QDomDocument archive(const std::string& content) {
 /// A flat document from a text such as {"1": {...}, "2": {...}}.
 inline Serialize::Json::FlatObject flatDocument(const std::string& text) {
     Serialize::Json::FlatObject document;
-    const nlohmann::json objects = nlohmann::json::parse(text); // items() borrows: a temporary would be gone
+    const nlohmann::json objects =
+        nlohmann::json::parse(text); // items() keeps a reference: a temporary would be destroyed
     for (const auto& [id, object] : objects.items())
         document.objects.emplace(std::stoull(id), object);
     return document;

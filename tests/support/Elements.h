@@ -8,12 +8,12 @@
 #include <string>
 #include <vector>
 
-/// What tests of the XML toolkit make elements of and say of them.
+/// Functions for creating and describing elements, for tests of the XML toolkit.
 namespace Tests {
 
 using Texts = std::vector<std::string>;
 
-/// What must stand in an element, as "name attribute=value ... [child, ...]", attributes by name.
+/// The content of an element as "name attribute=value ... [child, ...]", with attributes sorted by name.
 inline std::string textOf(const QDomElement& e) {
     if (e.isNull())
         return "null";
@@ -30,14 +30,14 @@ inline std::string textOf(const QDomElement& e) {
     return children.empty() ? text : text + " [" + children + ']';
 }
 
-/// The document element of a text.
+/// The document element of an XML text.
 inline QDomElement rootOf(const char* text) {
     static QList<QDomDocument> kept; // an element does not keep its document alive
     kept.append(xml(text));
     return kept.last().documentElement();
 }
 
-/// The `id` of an element that a walk met, "null" for a null element.
+/// The `id` of an element; "null" for a null element.
 inline std::string idOf(const QDomElement& e) {
     return e.isNull() ? "null" : e.attribute("id").toStdString();
 }

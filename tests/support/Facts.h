@@ -23,7 +23,7 @@ inline bool showsTypes(const QDomDocument& document) {
            Archive::Internal::showsTypes(document.documentElement());
 }
 
-/// What the facts hold otherwise than a search of the document gives; empty where all is the same.
+/// The first difference between the facts and a search of the document; empty if there is none.
 inline std::string difference(const Archive::Internal::TreeFacts& facts, const QDomDocument& document) {
     namespace Words = Archive::Words;
     if (facts.archives != Archive::Internal::elements(document, Words::Archive).size())

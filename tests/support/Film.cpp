@@ -23,7 +23,7 @@ Strings effectsSince(const ExpectedClip& clip, int version) {
     return effects;
 }
 
-/// The type of a clip in a sample of that version: what is a scene was a video before there were any.
+/// The type of a clip in a sample of that version: before there were scenes, a scene was a video.
 int typeSince(const ExpectedClip& clip, int version) {
     if (clip.type == 0)
         return version < sinceScenes ? 1 : 64;
@@ -37,7 +37,7 @@ Strings effectsOf(const Project& project, const json& clip) {
     return names;
 }
 
-/// The nested value of a saved project with the ids of its objects counted in walking order.
+/// The nested value of a saved project in which objects are numbered anew, depth-first.
 class Renumbered {
 public:
     static json of(const QByteArray& bytes) {

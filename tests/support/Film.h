@@ -12,21 +12,22 @@
 #include <string>
 #include <vector>
 
-/// What tests of whole projects share: a saved project as a user looks at it, and how a film ought to look.
+/// Types for tests of whole projects: access to a saved project, and the expected content of a film.
 namespace Tests {
 
 using Strings = std::vector<std::string>;
 
-/// The samples at some of whose versions something is there that earlier ones do not have.
+/// The versions from which the samples contain further things.
 constexpr int always = 0;
 constexpr int sinceScenes = 12;      // nested timelines
-constexpr int sinceQuizzes = 21;     // and gates, phones and pitches
-constexpr int sinceCollections = 35; // and LUTs
+constexpr int sinceQuizzes = 21;     // also noise gates, phone and pitch effects
+constexpr int sinceCollections = 35; // also LUTs
 
-/// The one sample with every class of effect on several clips, shared ones and some that no clip lists.
+/// The version of the sample with every class of effect: on several clips, shared by clips, and listed by no
+/// clip.
 constexpr int reelVersion = 3;
 
-/// A saved project at the newest version, read the way that a user looks at it.
+/// A saved project at the newest version, with access by names.
 class Project {
 public:
     explicit Project(const QByteArray& bytes) : m_document(Reader::parse(bytes, QStringLiteral("holiday"))) {}
@@ -38,7 +39,7 @@ public:
     }
     const nlohmann::json& at(unsigned long long id) const { return objects().at(id); }
 
-    /// What a reference leads to; the value itself where it is no reference.
+    /// The object that a reference refers to; the value itself if it is no reference.
     const nlohmann::json& follow(const nlohmann::json& value) const {
         const auto id = Serialize::Json::getReferenceObjectId(value);
         return id ? at(*id) : value;
@@ -68,7 +69,7 @@ public:
         return Serialize::Json::getClassName(object).value_or(std::string());
     }
 
-    /// The part of an object that its innermost base class holds.
+    /// The innermost base class part of an object.
     const nlohmann::json& innermost(const nlohmann::json& object) const {
         const nlohmann::json* part = &object;
         for (bool isFound = true; isFound;) {
@@ -89,7 +90,7 @@ private:
     Reader::Document m_document;
 };
 
-// The film as a user knows it. Lanes count the timeline's tracks from the first.
+// The visible content of a film. Lanes are the timeline's tracks by number, from the first.
 
 struct ExpectedClip {
     const char* name;
@@ -97,7 +98,7 @@ struct ExpectedClip {
     std::int64_t timestamp;
     std::int64_t duration;
     std::size_t lane;
-    Strings effects; ///< an empty text for one that is not there any more
+    Strings effects; ///< an empty text for one that was removed
     int since = always;
     bool isOfReel = false;
 };
@@ -108,7 +109,7 @@ inline bool isThere(const ExpectedClip& clip, int version) {
 
 struct ExpectedTransition {
     const char* className;
-    const char* from; ///< null for none
+    const char* from; ///< null if there is none
     const char* to;
     int since = always;
 };
@@ -134,7 +135,7 @@ std::int64_t lengthOf(const Project& project, const std::string& timeline);
 /// The texts of a title's items.
 Strings textsOf(const Project& project, const nlohmann::json& clip);
 
-/// The nested value of a saved project with the ids of its objects counted in walking order.
+/// The nested value of a saved project in which objects are numbered anew, depth-first.
 nlohmann::json renumbered(const QByteArray& bytes);
 
 } // namespace Tests

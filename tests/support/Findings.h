@@ -7,7 +7,7 @@
 
 namespace Tests {
 
-/// Findings as lines, "dangling-reference Timeline::Object 2 clips/Item[1]/Key".
+/// Findings as lines such as "dangling-reference Timeline::Object 2 clips/Item[1]/Key".
 inline std::vector<std::string> linesOf(const std::vector<Reader::Finding>& findings) {
     std::vector<std::string> lines;
     for (const Reader::Finding& finding : findings)

@@ -4,7 +4,7 @@
 
 namespace Tests {
 
-/// The folders of the editor that portable paths are marked by; an empty one is none.
+/// The folders of the editor for portable paths; an empty one is not set.
 inline void setFolders(const QString& packages, const QString& models, const QString& downloads) {
     Settings::setLegacyPackageDeploymentPath(packages);
     Settings::setAiModelsPath(models);

@@ -26,8 +26,8 @@ const std::vector<ExpectedTimeline> shortCut = {
     }, {{"Transition::Fade", "Beach", "Harbour"}}},
 };
 
-/// The titles track was in use, so that the titles of the primary track have one of their own before it. Its four
-/// levels, and those of the pictures, have become tracks; those of the sound share theirs.
+/// The titles track was in use, so the titles of the primary track got a new track before it. Its four
+/// levels, and those of the pictures, have become tracks; the levels of the sound share one track.
 const std::vector<ExpectedTimeline> longCut = {
     {"Holiday", {8, 16, 16, 16, 16, 16, 8, 8, 8, 8, 4, 1}, {
         {"Summer by the sea", 4, 0, 4000, 1, {}},
@@ -55,10 +55,10 @@ const std::vector<ExpectedTimeline> longCut = {
         {"Rain", 1, 21500, 500, 9, {"Erosion", "Blur", "FindEdges", "HalfTone", "MotionBlur", "TiltShift", "AddNoize", "Sharpen"}, always, true},
         {"Pier", 1, 22000, 500, 9, {"PopArt"}, always, true},
         {"Dock", 1, 22500, 500, 9, {"PopArt"}, always, true},
-        {"Mole", 1, 23000, 500, 9, {"", "PopArt"}, always, true}, // a second zoom goes, and its entry stays
-        {"Lamp", 1, 23500, 500, 9, {"AddNoize"}, always, true}, // the later clip alone keeps a shared enhancement
+        {"Mole", 1, 23000, 500, 9, {"", "PopArt"}, always, true}, // the second zoom is removed, but its entry stays
+        {"Lamp", 1, 23500, 500, 9, {"AddNoize"}, always, true}, // only the later clip keeps a shared enhancement
         {"Lens", 1, 24000, 500, 9, {"Sharpen", "MagicEnhance", "AutoContrast", "AutoSaturation", "WhiteBalance", "ManualEnhance"}, always, true},
-        {"Fog", 1, 24500, 500, 9, {""}, always, true}, // an enhancement without a flag goes, and its entry stays
+        {"Fog", 1, 24500, 500, 9, {""}, always, true}, // the enhancement without a flag is removed, but its entry stays
         {"Keyhole", 1, 25000, 500, 9, {"Mask"}, always, true},
         {"Porthole", 1, 25500, 500, 9, {"Mask"}, always, true},
         {"Window", 1, 26000, 500, 9, {"PictureInPicture", "ChromaKey", "PictureInPicture"}, always, true},
@@ -71,7 +71,7 @@ const std::vector<ExpectedTimeline> longCut = {
         {"Ship to shore", 3, 21500, 500, 10, {"AudioNormalize", "AudioNoiseSuppress", "AudioEqualizer", "AudioRadio", "AudioPhone", "AudioPitch"}, always, true},
         {"Puppets", 3, 22000, 500, 10, {"AudioPitch", "AudioPitch", "AudioPhone", "AudioEcho", "AudioReverberation", "AudioMuffle", "AudioRadio", "AudioNoiseSuppress"}, always, true},
     }, {
-        {"Transition::Crossfade", nullptr, "Beach"}, // from a title, which has moved away
+        {"Transition::Crossfade", nullptr, "Beach"}, // from a title, which has moved to another track
         {"Transition::Ripple", "Beach", "Harbour"},
         {"Transition::DirectCrossFade", "Boat", "Lighthouse"},
         {"Transition::Blinds", "Sunset", nullptr},

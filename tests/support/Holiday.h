@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-/// The samples that are files: one film, in two cuts, as the editor saved it at many versions.
+/// The samples that are single files: one film in two variants, saved by the editor at many versions.
 namespace Tests {
 
 enum class Cut { Short, Long };
@@ -36,10 +36,10 @@ const Sample& sampleOf(int version);
 
 QByteArray bytesOf(const Sample& sample);
 
-/// How the film of a sample ought to look at the newest version.
+/// The expected film of a sample at the newest version.
 const std::vector<ExpectedTimeline>& filmOf(const Sample& sample);
 
-/// For a project called "holiday", without side files.
+/// The options for a project named "holiday", without side files.
 Reader::MigrationOptions optionsTo(int version);
 
 struct Result {
@@ -51,14 +51,14 @@ struct Result {
 Result migrated(const QByteArray& bytes, const Reader::MigrationOptions& options, bool toBundle = false);
 Result migrated(const QByteArray& bytes, int to = Reader::currentVersion);
 
-/// An effect of a clip, by its class without "Effect::". Throws where there is none.
+/// An effect of a clip, by its class without "Effect::". Throws if there is none.
 const nlohmann::json& effectOf(const Project& project, const std::string& clip, const std::string& className);
 double intensityOf(const Project& project, const std::string& clip, const std::string& className);
 
 /// The nine numbers of a matrix, row by row.
 std::vector<double> matrixOf(const Project& project, const nlohmann::json& holder, const std::string& key);
 
-/// Tests of every sample at the newest version.
+/// Base class of tests of every sample after migration.
 class HolidayTest : public testing::TestWithParam<Sample> {
 protected:
     static bool isLong() { return GetParam().cut == Cut::Long; }

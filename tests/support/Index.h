@@ -10,8 +10,8 @@
 
 namespace Tests {
 
-/// What the index of an editor holds otherwise than a search of its document gives; empty where all is the same. Brings
-/// the index up to date.
+/// The first difference between the index of an editor and a search of its document; empty if there is none.
+/// Updates the index.
 inline std::string indexDifference(Archive::Internal::ArchiveEditor& archive) {
     using namespace Archive::Internal;
     const QDomDocument& document = archive.document();

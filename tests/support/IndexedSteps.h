@@ -8,8 +8,8 @@
 
 namespace Tests {
 
-/// Runs all steps that an archive needs in one context, on a copy. Gives the first step after which the index holds
-/// anything otherwise than a search of the document, and what; empty where there is none, and for JSON.
+/// Runs all steps that an archive needs with one editor, on a copy. Gives the first step after which the
+/// index differs from a search of the document, and the difference. Empty if there is none, and for JSON.
 inline std::string indexDifferenceAfterSteps(const Reader::Document& document) {
     if (!document.isXml())
         return {};

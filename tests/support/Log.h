@@ -7,7 +7,7 @@
 
 namespace Tests {
 
-/// Collects what is logged while it lives, a line each, as "ERROR text".
+/// Collects log lines for as long as it exists, as "ERROR text".
 class Log : private google::LogSink {
 public:
     Log() { google::AddLogSink(this); }

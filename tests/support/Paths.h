@@ -2,13 +2,13 @@
 
 #include <filesystem>
 
-/// Where the tests' files stand in this checkout, and the program under test.
+/// Paths of the tests' files in this checkout, and of the program under test.
 namespace Tests {
 
 std::filesystem::path casesFolder();
 std::filesystem::path drawingsFolder(); ///< SVG texts
 std::filesystem::path samplesFolder();
-std::filesystem::path changesFile();      ///< the history of the schema as people read it
+std::filesystem::path changesFile();      ///< CHANGES.md, the history of the schema
 std::filesystem::path fuzzCorpusFolder(); ///< seeds and findings, a folder for each fuzz target
 std::filesystem::path program();
 

@@ -13,7 +13,7 @@
 
 namespace Tests {
 
-/// Runs the program in a folder of its own.
+/// Base class of tests that run the program in a temporary folder.
 class ProgramTest : public testing::Test {
 protected:
     Outcome run(const QStringList& arguments, const QByteArray& input = {}) const {
@@ -45,7 +45,7 @@ inline QByteArray sample(const char* name) {
     return QByteArray::fromStdString(readFile(samplesFolder() / name));
 }
 
-/// What a migration calls its result, beside the input: "film.v77.json" for "film".
+/// The default name of a migration's result: "film.v77.json" for "film".
 inline QString migratedName(const QString& name) {
     return name + ".v" + QString::number(Reader::currentVersion) + ".json";
 }

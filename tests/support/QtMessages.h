@@ -4,7 +4,7 @@
 
 namespace Tests {
 
-/// Counts what Qt prints while it lives, such as "Calling appendChild() on a null node".
+/// Counts Qt's messages for as long as it exists, such as "Calling appendChild() on a null node".
 class QtMessages {
 public:
     QtMessages() {

@@ -1,4 +1,4 @@
-// What the conversion makes of arrays: lists, tuples, pairs and maps.
+// Conversion of arrays: lists, tuples, pairs and maps.
 
 #include "support/Conversion.h"
 
@@ -26,27 +26,27 @@ TEST(XmlToJson, Arrays) {
                valueOf("type='Array'", "<Other><Data type='int32_t' value='2'/></Other>" + one));
 }
 
-TEST(XmlToJson, NullEntriesLeaveNoTrace) {
+TEST(XmlToJson, NullEntriesAreLeftOut) {
     const std::string text = item("<Data type='String' value='a'/>");
     expectSame(json::array({"a", "a"}), valueOf("type='Array' size='3'", text + item(ref("Data", 0)) + text));
     expectSame(json::array(), valueOf("type='Array' size='2'", item(ref("Data", 0)) + item("")));
     expectSame(json::array(), valueOf("type='Array' size='1'", item("<Data type='Point' value='1'/>")));
 }
 
-TEST(XmlToJson, ANullDataFallsBackToTheOtherFormsOfAnEntry) {
+TEST(XmlToJson, ANullDataIsFollowedByTheOtherFormsOfAnEntry) {
     const std::string pair = "<First type='int32_t' value='1'/><Second type='int32_t' value='2'/>";
     expectSame(json::array({{{"first", 1}, {"second", 2}}}),
                valueOf("type='Array'", item(ref("Data", 0) + pair)));
     const std::string entry = "<Key type='int32_t' value='3'/><Value type='int32_t' value='4'/>";
     expectSame(json::array({{{"first", 3}, {"second", 4}}}), valueOf("type='Array'", item(pair + entry)));
-    // The null may come from anywhere; the id that led to it stays visited.
+    // A null of any origin is left out; the id of the reference stays visited.
     const json data = dataOf("<f type='Array'>" + item(ref("Data", 3) + pair) + "</f>" + ref("g", 3),
                              "<RootObject type='Point' objectId='3' value='1'/>");
     expectSame(json::array({{{"first", 1}, {"second", 2}}}), data["f"]);
     expectSame({{"@meta_reference", 3}}, data["g"]);
 }
 
-TEST(XmlToJson, UnlikeValuesMakeATuple) {
+TEST(XmlToJson, ValuesOfDifferentTypesBecomeATuple) {
     const std::string text = item("<Data type='String' value='a'/>");
     const std::string number = item("<Data type='int32_t' value='1'/>");
     const std::string natural = item("<Data type='uint32_t' value='1'/>");
@@ -87,16 +87,17 @@ TEST(XmlToJson, MapsOfClipsHaveReadableNames) {
                entryWith("<Value type='Timeline::TrackingLinkInfo' objectId='8'/>"));
     expectSame({{"first", clip}, {"second", 5}}, entryWith("<Value type='int32_t' value='5'/>"));
     expectSame({{"first", clip}, {"second", nullptr}}, entryWith(ref("Value", 0)));
-    // The class comes from the predeclarations alone.
+    // The class is read from the predeclarations only.
     expectSame({{"first", clip},
                 {"second", {{"@meta", {{"class_name", "Timeline::ClipTiming"}, {"object_id", 8}}}}}},
                entryWith("<Value type='Timeline::ClipTiming' objectId='8'/>", "Effect::Blur"));
 }
 
-TEST(XmlToJson, TransitionsStandBetweenTwoClips) {
+TEST(XmlToJson, TransitionsAreBetweenTwoClips) {
     const json from = {{"@meta", {{"class_name", "Timeline::Clip"}, {"object_id", 4}}}};
     const json to = {{"@meta", {{"class_name", "Timeline::Clip"}, {"object_id", 5}}}};
-    // The clips come before the transition: the one that it refers to is full in the pair.
+    // The clips are converted before the transition: the clip that it refers to is written in full in the
+    // pair.
     const json fade = {{"@meta", {{"class_name", "Transition::Fade"}, {"object_id", 3}}},
                        {"clip", {{"@meta_reference", 4}}}};
     expectSame({{"clipFrom", from}, {"clipTo", to}, {"transition", fade}}, transitionEntry(ref("Second", 5)));
@@ -104,7 +105,7 @@ TEST(XmlToJson, TransitionsStandBetweenTwoClips) {
                transitionEntry(ref("Second", 0)));
 }
 
-TEST(XmlToJson, OtherTransitionEntriesFallToFirstAndSecond) {
+TEST(XmlToJson, OtherTransitionEntriesHaveFirstAndSecond) {
     const json fade = {{"@meta", {{"class_name", "Transition::Fade"}, {"object_id", 3}}},
                        {"clip", {{"@meta", {{"class_name", "Timeline::Clip"}, {"object_id", 4}}}}}};
     const json to = {{"@meta", {{"class_name", "Timeline::Clip"}, {"object_id", 5}}}};
@@ -124,7 +125,7 @@ TEST(XmlToJson, OtherTransitionEntriesFallToFirstAndSecond) {
 TEST(XmlToJson, KeyAndFirstComeBeforeValueAndSecond) {
     const json full = {{"@meta", {{"class_name", "B"}, {"object_id", 3}}}};
     const json link = {{"@meta_reference", 3}};
-    // Whatever their order in the file.
+    // In any order in the file.
     expectSame(
         json::array({{{"first", full}, {"second", link}}}),
         dataOf("<f type='Array'>" + item(ref("Value", 3) + ref("Key", 3)) + "</f>", object("B", 3))["f"]);
@@ -137,17 +138,18 @@ TEST(XmlToJson, EntriesOfEachKindAreAlikeOrATuple) {
     const std::string list = item("<Data type='Array'>" + item("<Data type='bool' value='1'/>") + "</Data>");
     const std::string none = item("<Data type='Array' size='0'/>");
     const std::string embedded = item("<Data type='B' objectId='5'/>");
-    const std::string link = item(ref("Data", 2)); // of the object under way: a link, and so an object too
+    const std::string link =
+        item(ref("Data", 2)); // to the object that is being converted: a link, which is an object, too
     const std::string yes = item("<Data type='bool' value='1'/>");
     expectSame(json::array({json::array({true}), json::array()}), valueOf("type='Array'", list + none));
     const json b = {{"@meta", {{"class_name", "B"}, {"object_id", 5}}}};
     expectSame(json::array({b, {{"@meta_reference", 2}}}), valueOf("type='Array'", embedded + link));
     expectSame({{"element_0", b}, {"element_1", true}}, valueOf("type='Array'", embedded + yes));
     expectSame({{"element_0", json::array()}, {"element_1", true}}, valueOf("type='Array'", none + yes));
-    // A null entry takes no position.
+    // A null entry has no position.
     expectSame({{"element_0", true}, {"element_1", "a"}},
                valueOf("type='Array'", yes + item(ref("Data", 0)) + item("<Data type='String' value='a'/>")));
-    // A tuple inside an array is an object like others.
+    // A tuple inside an array counts as an object.
     const std::string tuple = item("<Data type='Array'>" + yes + none + "</Data>");
     expectSame(json::array({{{"element_0", true}, {"element_1", json::array()}}, b}),
                valueOf("type='Array'", tuple + embedded));
@@ -175,12 +177,12 @@ TEST(XmlToJson, ClipPairsWhoseClipsAreMissingOrEmbedded) {
                entry(fade, pair(ref("First", 0) + ref("Second", 0))));
     const std::string embedded = "<First type='Timeline::Clip' objectId='31'/>";
     EXPECT_EQ(entry(fade, pair(ref("Second", 0) + embedded))["clipFrom"]["@meta"]["object_id"], 31);
-    // Further items of the pair's array leave no trace, as long as its size says one.
+    // Further items of the pair's array are ignored if its size is 1.
     EXPECT_EQ(entry(fade, "<Value type='Array' size='1'>" + item(ref("First", 0) + ref("Second", 0)) +
                               item(embedded + ref("Second", 0)) + "</Value>")
                   .size(),
               3U);
-    // Each of these is an entry like others.
+    // Each of these is converted like any other entry.
     const std::string nulls = ref("First", 0) + ref("Second", 0);
     for (const std::string& value : {std::string("<Value type='Array' size='1'/>"),
                                      "<Value type='List' size='1'>" + item(nulls) + "</Value>",
@@ -192,7 +194,7 @@ TEST(XmlToJson, ClipPairsWhoseClipsAreMissingOrEmbedded) {
         const json general = entry(fade, value);
         EXPECT_TRUE(general.contains("first") && general.contains("second")) << value;
     }
-    // The prefix decides, to the letter.
+    // Only the prefix is compared, case-sensitively.
     EXPECT_TRUE(entry("<Key type='Transition::'/>", pair(nulls)).contains("transition"));
     for (const char* key :
          {"<Key type='Transition'/>", "<Key type='transition::Fade'/>", "<Key type='X::Transition::Fade'/>",

@@ -1,4 +1,5 @@
-// The conversion of an archive to JSON: objects, references, values. Arrays have a file of their own.
+// The conversion of an archive to JSON: objects, references, values. Arrays are tested in
+// ConverterArraysTest.cpp.
 
 #include "support/Conversion.h"
 
@@ -100,12 +101,12 @@ TEST(XmlToJson, ImagesAndBlobs) {
 TEST(XmlToJson, UnknownTypesBecomeClassObjects) {
     expectSame({{"@meta", {{"class_name", "Foo::Bar"}, {"object_id", 0}}}}, valueOf("type='Foo::Bar'"));
     expectSame({{"@meta", {{"class_name", ""}, {"object_id", 7}}}}, valueOf("objectId='7'"));
-    // Why "StringPtr" has to go before: it is no value.
+    // The conversion does not know "StringPtr": it must have been replaced before.
     expectSame({{"@meta", {{"class_name", "StringPtr"}, {"object_id", 0}}}},
                valueOf("type='StringPtr' value='lost'"));
 }
 
-TEST(XmlToJson, EmbeddedObjectsStandInPlaceWithTheirId) {
+TEST(XmlToJson, EmbeddedObjectsKeepTheirPlaceAndId) {
     expectSame({{"@meta", {{"class_name", "B"}, {"object_id", 5}}}, {"x", 1}, {"n", nullptr}},
                valueOf("type='B' objectId='5'", "<x type='int32_t' value='1'/>" + ref("n", 0)));
     expectSame({{"@meta", {{"class_name", "B"}, {"object_id", -5}}}}, valueOf("type='B' objectId='-5'"));
@@ -122,7 +123,7 @@ TEST(XmlToJson, BasePartsGetIdsAboveTheGreatestPredeclaredId) {
     const json data = convert(archive(ref("RootRef", 2) + predeclarator({{"A", 2}, {"B", 40}, {"C", 3}}) +
                                       object("A", 2, base + ref("b", 60)) +
                                       object("B", 60, "<BaseOfObject type='Mid' objectId='60'/>")))["data"];
-    // In order of the walk; the id 60, which is not predeclared, and those of the records play no part.
+    // In document order. The id 60, which is not predeclared, and those of the records are not considered.
     expectSame({{"@meta", {{"class_name", "A"}, {"object_id", 2}}},
                 {"Mid",
                  {{"@meta", {{"class_name", "Mid"}, {"object_id", 41}}},
@@ -137,7 +138,7 @@ TEST(XmlToJson, BasePartsCountFromOneWithoutPredeclarations) {
     EXPECT_EQ(dataOf("<BaseOfObject type='Mid' objectId='2'/>")["Mid"]["@meta"]["object_id"], 1);
 }
 
-TEST(XmlToJson, TheKeyOfABasePartIsItsTypeWhateverThatIs) {
+TEST(XmlToJson, TheKeyOfABasePartIsAnyType) {
     const json data = dataOf("<BaseOfObject type='int32_t' value='7'/>");
     expectSame(7, data["int32_t"]);
     const json odd = dataOf("<BaseOfObject type='@meta' objectId='2'/>");
@@ -150,7 +151,7 @@ TEST(XmlToJson, CyclesEndInALink) {
                dataOf(ref("b", 3), object("B", 3, ref("a", 2))));
 }
 
-TEST(XmlToJson, AnObjectIsFullAtItsFirstReferenceWhereverItStands) {
+TEST(XmlToJson, AnObjectIsFullAtItsFirstReferenceAtAnyPosition) {
     const std::string late = object("Timeline::Clip", 3, "<x type='int32_t' value='1'/>");
     const json data = dataOf("<p type='Array' size='1'>" + item(ref("Data", 3)) +
                                  "</p><q type='Array' size='1'>" + item(ref("Data", 3)) + "</q>",
@@ -164,7 +165,7 @@ TEST(XmlToJson, UnreachedObjectsAndThePredeclaratorDoNotAppear) {
     const json result = convert(
         archive(ref("RootRef", 2) + predeclarator({{"A", 2}, {"B", 3}}) + object("A", 2) + object("B", 3)));
     expectSame({{"data", {{"@meta", {{"class_name", "A"}, {"object_id", 2}}}}}, {"version", "1.0"}}, result);
-    // The Predeclarator can't be referred to either.
+    // The Predeclarator can't be referred to, either.
     expectSame({{"@meta", {{"class_name", ""}, {"object_id", 0}}}},
                convert(archive(ref("RootRef", 1) + predeclarator({})))["data"]);
 }
@@ -248,7 +249,7 @@ TEST(XmlToJson, AllPredeclaratorsCountAndOfEachTheFirstList) {
 }
 
 TEST(XmlToJson, APredeclaratorIsNoObjectWhateverItsId) {
-    // Both have the id 3; the one that is no object does not hide the other.
+    // Both have the id 3; the one that is no object is ignored.
     EXPECT_EQ(dataOf(ref("b", 3), object("B", 3) + object("Predeclarator", 3))["b"]["@meta"]["class_name"],
               "B");
 }
@@ -256,22 +257,23 @@ TEST(XmlToJson, APredeclaratorIsNoObjectWhateverItsId) {
 TEST(XmlToJson, IdsAreReadSigned) {
     EXPECT_EQ(dataOf(ref("b", -3), object("B", -3))["b"]["@meta"]["object_id"], -3);
     EXPECT_EQ(dataOf(ref("b", -3) + ref("c", -3), object("B", -3))["c"]["@meta_reference"], -3);
-    // One that is no number is 0, and nothing leads to 0.
+    // A reference that is no number is 0, and no object has the id 0.
     expectSame(nullptr, dataOf("<b type='ObjectRef' value='18446744073709551615'/>", object("B", 0))["b"]);
     expectSame(nullptr, valueOf("type='ObjectRef'"));
 }
 
-TEST(XmlToJson, FieldsAreMetInDocumentOrderAndDepthFirst) {
-    // The inner object is full inside the first field, though a later field refers to it directly.
+TEST(XmlToJson, FieldsAreVisitedInDocumentOrderAndDepthFirst) {
+    // The inner object is written in full inside the first field, although a later field refers to it
+    // directly.
     const json data = dataOf(ref("z", 3) + ref("a", 4), object("B", 3, ref("inner", 4)) + object("C", 4));
     expectSame({{"@meta", {{"class_name", "C"}, {"object_id", 4}}}}, data["z"]["inner"]);
     expectSame({{"@meta_reference", 4}}, data["a"]);
-    // Also a field that a later one of the same tag overwrites has been met.
+    // A field that a later one of the same tag overwrites counts as visited.
     expectSame({{"@meta_reference", 3}}, dataOf(ref("f", 3) + ref("f", 3), object("B", 3))["f"]);
 }
 
 TEST(XmlToJson, ABasePartIsOneByItsTagAlone) {
-    // The root itself and an entry's Data are none, whatever they hold.
+    // The root itself and an entry's Data are no base parts, whatever they contain.
     const json data =
         convert(archive("<RootRef type='A' objectId='8'><BaseOfObject objectId='8'/></RootRef>"))["data"];
     expectSame({{"@meta", {{"class_name", "A"}, {"object_id", 8}}},
@@ -307,7 +309,7 @@ TEST(XmlToJson, NumbersAtTheirLimitsAndBeyond) {
     EXPECT_EQ(valueOf("type='Point' value='1;2'")["x"].type(), json::value_t::number_integer);
 }
 
-TEST(XmlToJson, TypesAreMatchedToTheLetter) {
+TEST(XmlToJson, TypesAreMatchedExactly) {
     for (const char* type :
          {"Bool", "int", "int32", "INT32_T", "string", "array", " String", "Double", "float"})
         EXPECT_EQ(valueOf("type='" + std::string(type) + "' value='1'")["@meta"]["class_name"], type);
@@ -315,7 +317,7 @@ TEST(XmlToJson, TypesAreMatchedToTheLetter) {
 
 TEST(XmlToJson, ValuesHaveNoFields) {
     expectSame("a", valueOf("type='String' value='a'", "<x type='int32_t' value='1'/>"));
-    // What stands below a value is not met.
+    // Children of a value are ignored.
     const json data = dataOf("<f type='String'>" + ref("x", 3) + "</f>" + ref("g", 3), object("B", 3));
     expectSame({{"@meta", {{"class_name", "B"}, {"object_id", 3}}}}, data["g"]);
 }
@@ -379,7 +381,7 @@ TEST(XmlToJson, ElementsNestedAHundredThousandDeepConvert) {
     constexpr int depth = 100000;
     QDomDocument document;
     QDomElement inner;
-    for (int level = 0; level < depth; ++level) { // from inside out: Qt's tree is slow the other way round
+    for (int level = 0; level < depth; ++level) { // from the inside out: the other order is slow in Qt's tree
         QDomElement e = document.createElement("f");
         e.setAttribute("type", "A");
         if (!inner.isNull())

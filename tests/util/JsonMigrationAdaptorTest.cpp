@@ -1,4 +1,4 @@
-// The step from the archive to JSON as a reader sees it.
+// The step from the archive to JSON, as a document reader uses it.
 
 #include "Archive/Internal/ArchiveEditor.h"
 #include "Reader/Conversion.h"
@@ -36,7 +36,7 @@ TEST(JsonMigrationAdaptor, IsNeverNeededForJson) {
     EXPECT_FALSE(conversion.needAdaptForActualVersion({{"version", "0.1"}, {"data", nullptr}}));
 }
 
-TEST(JsonMigrationAdaptor, HandsItsNumberBackAndNotesThatItRan) {
+TEST(JsonMigrationAdaptor, GivesItsVersionAndRemembersThatItRan) {
     struct Numbered : Util::JsonMigrationAdaptor {
         using JsonMigrationAdaptor::JsonMigrationAdaptor;
         int actualVersion() const override { return 0; }
@@ -54,7 +54,7 @@ TEST(JsonMigrationAdaptor, HandsItsNumberBackAndNotesThatItRan) {
     EXPECT_TRUE(adaptor.converted());
 }
 
-/// What is left of a document when it is consumed, and what that gave.
+/// The rest of a document after consume(), and the result.
 struct Consumed {
     explicit Consumed(const std::string& content) : document(Tests::archive(content)) {
         value = Util::XmlToJsonAdaptor().consume(Archive::Internal::ArchiveEditor(document), idsTaken);
@@ -65,7 +65,7 @@ struct Consumed {
     std::set<unsigned long long> idsTaken;
 };
 
-TEST(ConsumingConversion, GivesWhatTheOtherGives) {
+TEST(ConsumingConversion, GivesTheSameAsTheOther) {
     const std::string pair =
         "<Value type='Array' size='1'>" + item(ref("First", 4) + ref("Second", 5)) + "</Value>";
     const std::vector<std::string> contents = {
@@ -88,7 +88,7 @@ TEST(ConsumingConversion, GivesWhatTheOtherGives) {
     }
 }
 
-// An object inside another is converted in its place, and once more by the first reference.
+// An object inside another is converted where it is, and once more at the first reference.
 TEST(ConsumingConversion, ConvertsNestedRootObjectsTwice) {
     const std::string content =
         ref("RootRef", 2) +
@@ -109,7 +109,7 @@ TEST(ConsumingConversion, FreesWhatItConverts) {
     EXPECT_TRUE(left.nextSiblingElement("RootObject").isNull());
 }
 
-TEST(ConsumingConversion, TakesIdsOfRootObjectsFromEmbeddedObjects) {
+TEST(ConsumingConversion, RemovesIdsOfRootObjectsFromEmbeddedObjects) {
     const std::string content = ref("RootRef", 2) +
                                 object("A", 2,
                                        "<own type='E' objectId='8'/><other type='E' objectId='3'/>"

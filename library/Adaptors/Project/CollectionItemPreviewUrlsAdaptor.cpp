@@ -5,7 +5,7 @@
 namespace Project {
 
 void CollectionItemPreviewUrlsAdaptor::adapt(Serialize::Json::FlatObject& document) {
-    // Urls that are there already go: the field is set, not filled in.
+    // Quirk: existing URLs are removed, because the field is always set.
     for (const auto& item : Archive::Internal::selectObjects(document, "Collection::Item"))
         (*item.object)["previewUrls"] = nlohmann::json::array();
 }

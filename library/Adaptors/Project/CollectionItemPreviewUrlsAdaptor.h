@@ -4,7 +4,8 @@
 
 namespace Project {
 
-/// As the reader chooses: gives every "Collection::Item" an empty `previewUrls`, which old files may lack.
+/// Runs on request only: sets `previewUrls`, which old files may lack, of every "Collection::Item" to an
+/// empty list.
 class CollectionItemPreviewUrlsAdaptor : public Bundle::AbstractAdaptorJson {
 public:
     void adapt(Serialize::Json::FlatObject& document) override;

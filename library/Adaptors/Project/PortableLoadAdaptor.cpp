@@ -14,7 +14,7 @@ QString toAbsolute(const QString& path, const QString& base, const PathRoots& ro
     for (const auto& root : roots) {
         if (path.startsWith(root.marker)) {
             QString expanded = path;
-            expanded.replace(root.marker, root.path); // wherever it stands, not only in front
+            expanded.replace(root.marker, root.path); // Quirk: anywhere, not only at the start
             return FS::absoluteFilePath(expanded);
         }
     }

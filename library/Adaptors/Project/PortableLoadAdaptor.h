@@ -9,16 +9,16 @@
 
 namespace Project {
 
-/// After loading: expands path markers and relative paths to absolute paths of this machine.
+/// Runs after loading: replaces path markers and relative paths by absolute paths of this machine.
 ///
-/// Threads: adaptors of different threads do not disturb each other, if they were made with folders of their own.
-/// The settings belong to the process.
+/// Threads: adaptors that were created with folders of their own may run in different threads at once. The
+/// settings belong to the process.
 class PortableLoadAdaptor : public Bundle::AbstractAdaptorJson {
 public:
-    /// `location` is the project's own path; relative paths count from its folder. The editor's folders are those of
-    /// the settings at each call of adapt().
+    /// `location` is the path of the project file; relative paths are relative to its folder. The editor's
+    /// folders are read from the settings at each call of adapt().
     explicit PortableLoadAdaptor(const QString& location);
-    /// The same with other folders than those of the settings.
+    /// The same with these folders instead of those in the settings.
     PortableLoadAdaptor(const QString& location, const Bundle::PortableFolders& folders);
     PortableLoadAdaptor(const PortableLoadAdaptor&) = default;
     PortableLoadAdaptor& operator=(const PortableLoadAdaptor&) = default;
@@ -27,7 +27,7 @@ public:
 
 private:
     QString m_location;
-    std::optional<Bundle::PortableFolders> m_folders; ///< none for those of the settings
+    std::optional<Bundle::PortableFolders> m_folders; ///< without a value: those of the settings
 };
 
 } // namespace Project

@@ -9,17 +9,17 @@
 
 namespace Project {
 
-/// Before saving: makes paths portable, by a marker below one of the editor's roots and relative to the project
-/// elsewhere.
+/// Runs before saving: makes paths portable. A path below one of the editor's folders starts with its marker;
+/// any other becomes relative to the project.
 ///
-/// Threads: adaptors of different threads do not disturb each other, if they were made with folders of their own.
-/// The settings belong to the process.
+/// Threads: adaptors that were created with folders of their own may run in different threads at once. The
+/// settings belong to the process.
 class PortableSaveAdaptor : public Bundle::AbstractAdaptorJson {
 public:
-    /// `location` is the project's own path; relative paths count from its folder. The editor's folders are those of
-    /// the settings at each call of adapt().
+    /// `location` is the path of the project file; relative paths are relative to its folder. The editor's
+    /// folders are read from the settings at each call of adapt().
     explicit PortableSaveAdaptor(const QString& location);
-    /// The same with other folders than those of the settings.
+    /// The same with these folders instead of those in the settings.
     PortableSaveAdaptor(const QString& location, const Bundle::PortableFolders& folders);
     PortableSaveAdaptor(const PortableSaveAdaptor&) = default;
     PortableSaveAdaptor& operator=(const PortableSaveAdaptor&) = default;
@@ -28,7 +28,7 @@ public:
 
 private:
     QString m_location;
-    std::optional<Bundle::PortableFolders> m_folders; ///< none for those of the settings
+    std::optional<Bundle::PortableFolders> m_folders; ///< without a value: those of the settings
 };
 
 } // namespace Project

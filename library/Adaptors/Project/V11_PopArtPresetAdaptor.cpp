@@ -28,7 +28,7 @@ QString tagOf(const QDomElement& effect) {
 
 void V11_PopArtPresetAdaptor::convert(ArchiveEditor& archive) {
     for (const QDomElement& effect : archive.rootObjects("Effect::PopArt")) {
-        if (const Preset* preset = findRow(presets, &Preset::tag, tagOf(effect))) // the effect keeps its tag
+        if (const Preset* preset = findRow(presets, &Preset::tag, tagOf(effect))) // the tag is kept
             archive.settingFields(effect).int32("preset", preset->value);
     }
 }

@@ -22,12 +22,13 @@ long long addImageObject(ArchiveEditor& archive, const QString& imageRef) {
 void V12_ClipPreviewAdaptor::convert(ArchiveEditor& archive) {
     const Elements clips = archive.rootObjects("Timeline::Clip");
     if (!clips.empty())
-        archive.startIds(); // before a `preview` is removed that may have an id of its own
+        archive.startIds(); // before removing a `preview`, which may have an id of its own
     for (const QDomElement& clip : clips) {
         const QDomElement old = firstDescendant(clip, "preview");
         const QString imageRef = old.attribute(Words::ref);
         archive.remove(old);
-        // Quirk: a clip without a preview is not one with the preview "empty". It gets an object of no image.
+        // Quirk: a clip without a preview does not count as one with the preview "empty". It gets an object
+        // without an image.
         const bool isEmpty = imageRef == QLatin1String("empty");
         archive.fields(clip).reference("preview", isEmpty ? 0 : addImageObject(archive, imageRef));
     }

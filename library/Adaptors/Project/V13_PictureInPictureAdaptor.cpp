@@ -15,8 +15,8 @@ constexpr const char* pictureFields[] = {
     "fadeInTime", "fadeOutTime", "offsetX", "offsetY", "scaleX", "scaleY",
 };
 
-/// The offsets are those of the picture's top left corner in the unit frame; the matrix moves its centre, counted from
-/// the centre of the frame.
+/// The offsets are the position of the picture's top left corner, with the frame from 0 to 1. The matrix
+/// holds the position of its centre relative to the centre of the frame.
 QTransform transformOf(const QDomElement& effect) {
     const double offsetX = doubleIn(effect, "offsetX");
     const double offsetY = doubleIn(effect, "offsetY");
@@ -26,7 +26,7 @@ QTransform transformOf(const QDomElement& effect) {
            QTransform::fromTranslate(scaleX * 0.5 + (offsetX - 0.5), scaleY * 0.5 + (offsetY - 0.5));
 }
 
-/// Fades of the picture have no successor.
+/// Quirk: the fades of the picture are lost; they are only logged.
 void reportFades(const QDomElement& effect) {
     const long long fadeIn = int64In(effect, "fadeInTime");
     const long long fadeOut = int64In(effect, "fadeOutTime");

@@ -4,8 +4,8 @@
 
 namespace Project {
 
-/// Version 13: `Effect::PictureInPicture` holds its place as a `transform` in place of offsets and scales,
-/// and fades no more.
+/// Version 13: `Effect::PictureInPicture` describes its position by a `transform` in place of offsets and
+/// scales, and has no fades any more.
 class V13_PictureInPictureAdaptor : public Bundle::ArchiveStep {
 protected:
     void convert(Archive::Internal::ArchiveEditor& archive) override;

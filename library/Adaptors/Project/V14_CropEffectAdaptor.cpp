@@ -9,8 +9,8 @@ using namespace Archive::Internal;
 namespace Project {
 namespace {
 
-/// The matrix that brings the part of the frame in the rectangle to the whole frame. Each axis has its own scale. A
-/// rectangle without extent gives the identity.
+/// The matrix that enlarges the rectangle to the whole frame. Each axis has its own scale. The identity if
+/// the rectangle is empty.
 QTransform transformOf(const QDomElement& rect) {
     const double left = doubleIn(rect, "left");
     const double top = doubleIn(rect, "top");
@@ -29,10 +29,10 @@ void V14_CropEffectAdaptor::convert(ArchiveEditor& archive) {
         const QDomElement rect = effect.firstChildElement("rect");
         const auto transform = toStored(transformOf(rect));
         archive.remove(rect);
-        archive.undeclare(idOf(rect)); // 0 where there is no rectangle
+        archive.undeclare(idOf(rect)); // 0 if there is no rectangle
 
         const long long id = crops.declareTransform(effect);
-        // What referred to the rectangle refers to the matrix.
+        // Quirk: the first reference is taken for the one to the rectangle and now refers to the matrix.
         archive.setField(childAt(crops.recordOf(effect), {Words::refs, Words::Item}), Words::Data, id);
         archive.fields(effect).transform("transform", transform, id);
     }

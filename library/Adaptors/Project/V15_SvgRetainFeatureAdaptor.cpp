@@ -11,7 +11,8 @@ namespace {
 void retainGradient(ArchiveEditor& archive, const QDomElement& item) {
     const QDomElement text = firstDescendant(item, "text");
     QString svg = textOf(text);
-    // Quirk: the new name contains the old one, so a text that has it already gets the word once more.
+    // Quirk: the new name contains the old one, so a text that already has the new name gets the word a
+    // second time.
     if (svg.contains("gradient_solid_white"))
         archive.setText(text, svg.replace("gradient_solid_white", "gradient_solid_white_retain"));
 }
@@ -20,7 +21,7 @@ void retainGradient(ArchiveEditor& archive, const QDomElement& item) {
 
 void V15_SvgRetainFeatureAdaptor::convert(ArchiveEditor& archive) {
     for (const QDomElement& preset : archive.rootObjects("Overlay::Preset")) {
-        // Quirk: every element in the array is an item, whatever its tag.
+        // Quirk: every element in the array counts as an item, with any tag.
         for (const QDomElement& item : children(firstDescendant(preset, "items"), QString()))
             retainGradient(archive, item);
     }

@@ -8,7 +8,7 @@ using namespace Archive::Internal;
 namespace Project {
 namespace {
 
-/// What a clip says of its stabilization, at any depth; an empty text for what it lacks.
+/// The fields of a clip's stabilization, at any depth; a missing one is an empty text.
 struct Stabilization {
     explicit Stabilization(const QDomElement& clip)
         : original(textOf(firstDescendant(clip, "pathOriginal"))),
@@ -41,7 +41,7 @@ long long addObject(ArchiveEditor& archive, const Stabilization& stabilization) 
 } // namespace
 
 void V15_TwoPassStabilizationAdaptor::convert(ArchiveEditor& archive) {
-    // Quirk: the records are the first descendant of that name.
+    // Quirk: the records are those in the first descendant of that name, not in the first child.
     archive.setPredeclarations(firstDescendant(archive.root(), Words::predeclarations));
     const Elements clips = archive.rootObjects("Timeline::Clip");
     for (const QDomElement& clip : clips) {
@@ -49,8 +49,8 @@ void V15_TwoPassStabilizationAdaptor::convert(ArchiveEditor& archive) {
         if (stabilization.isComplete())
             archive.fields(clip).reference("stabilization", addObject(archive, stabilization));
     }
-    // Last, so that ids in what is removed count for the new ids. Quirk: direct children are removed, also where the
-    // values were deeper.
+    // Removed last, so that new ids are above the ids in the removed fields. Quirk: direct children are
+    // removed, also if the values were found at a greater depth.
     for (const QDomElement& clip : clips) {
         archive.removeField(clip, "pathStabilized");
         archive.removeField(clip, "pathOriginal");

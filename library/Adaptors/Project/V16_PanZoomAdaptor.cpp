@@ -15,7 +15,7 @@ using Stored::V14::Transform;
 namespace Project {
 namespace {
 
-/// A matrix and its position on the envelope, from 0 to 1.
+/// A matrix and its position in the envelope: 0 is the start, 1 the end.
 struct KeyValue {
     double step;
     Transform matrix;
@@ -23,7 +23,7 @@ struct KeyValue {
 
 using KeyValues = std::vector<KeyValue>;
 
-/// In milliseconds.
+/// All times are in milliseconds.
 struct ClipTiming {
     long long duration = 0;
     long long sourcePosition = 0;
@@ -35,24 +35,25 @@ struct KeyValueIds {
     TransformationIds value;
 };
 
-/// The matrix that brings the rectangle up to fill the frame. Quirk: the width counts for both axes, and the vertical
-/// centre is half a width above `bottom`; `top` is not read.
+/// The matrix that enlarges the rectangle to the whole frame. Quirk: the width is used for both axes, and the
+/// vertical centre is half a width above `bottom`; `top` is not read.
 Transform frameFilling(const QDomElement& rectangle) {
     const double right = doubleIn(rectangle, "right");
     const double bottom = doubleIn(rectangle, "bottom");
     const double width = right - doubleIn(rectangle, "left");
     const QTransform scale = QTransform::fromScale(width, width);
     const QTransform move = QTransform::fromTranslate(right - width * 0.5 - 0.5, bottom - width * 0.5 - 0.5);
-    return toStored((scale * move).inverted()); // a rectangle without width gives the identity
+    return toStored((scale * move).inverted()); // the identity if the width is 0
 }
 
-/// Keeps the order of steps; a key value is placed ahead of those of the same step.
+/// Inserts a key value by step. Quirk: it is placed before those of the same step.
 void insert(KeyValues& keyValues, const KeyValue& keyValue) {
     const auto place = std::ranges::lower_bound(keyValues, keyValue.step, {}, &KeyValue::step);
     keyValues.insert(place, keyValue);
 }
 
-/// Quirk: without ramps there are no key values, and the rectangle is lost: the clip shows the whole frame.
+/// Quirk: if there are no ramps, there are no key values, and the rectangle is lost: the clip shows the whole
+/// frame.
 KeyValues zoomKeyValues(const QDomElement& zoom) {
     const double partIn = doubleIn(zoom, "partIn");
     const double partOut = doubleIn(zoom, "partOut");
@@ -76,8 +77,8 @@ KeyValues panAndZoomKeyValues(const QDomElement& panAndZoom) {
     return keyValues;
 }
 
-/// An effect ran over its clip, an envelope runs over the clip's source. Quirk: for a source without a duration the
-/// steps are infinite or no numbers.
+/// Converts steps relative to the clip, as in effects, to steps relative to the clip's source, as in
+/// envelopes. Quirk: if the source has no duration, the steps are infinite or NaN.
 KeyValues retimed(const KeyValues& keyValues, const ClipTiming& timing) {
     const auto sourceDuration = static_cast<double>(timing.sourceDuration);
     const double factor = static_cast<double>(timing.duration) / sourceDuration;
@@ -114,7 +115,7 @@ private:
 
     ArchiveEditor& m_archive;
     Elements m_effects;
-    QSet<long long> m_staleIds;              ///< of the effects and of what they refer to
+    QSet<long long> m_staleIds;              ///< ids of the effects and of the objects that they refer to
     QHash<long long, KeyValues> m_keyValues; ///< by effect
     QHash<long long, ClipTiming> m_timings;  ///< by clip
 };
@@ -126,7 +127,7 @@ void EnvelopeConversion::collectEffects() {
         collectEffect(effect, panAndZoomKeyValues(effect));
     collectReferenced(m_archive.records(), m_staleIds, targetsOf);
     if (!m_effects.empty())
-        m_archive.startIds(); // ids of objects that are removed count as well
+        m_archive.startIds(); // so that ids of removed objects are not used again
 }
 
 void EnvelopeConversion::collectEffect(const QDomElement& effect, const KeyValues& keyValues) {
@@ -137,7 +138,7 @@ void EnvelopeConversion::collectEffect(const QDomElement& effect, const KeyValue
 
 void EnvelopeConversion::collectTimings() {
     for (const QDomElement& timeline : m_archive.rootObjects("Timeline::Object")) {
-        // Quirk: items at any depth count, also those of an array in a timing.
+        // Quirk: items at any depth are read, also those of an array in a timing.
         for (const QDomElement& item : elements(timeline.firstChildElement("clips"), Words::Item)) {
             const QDomElement timing = item.firstChildElement(Words::Value);
             m_timings[int64In(item, Words::Key)] = {int64In(timing, "duration"),
@@ -158,16 +159,16 @@ void EnvelopeConversion::convertClip(const QDomElement& clip) {
     const long long effectId = convertibleEffect(effects);
     if (effectId == 0)
         return;
-    // Quirk: the entry of a second zoom stays, although its object was removed.
+    // Quirk: the entry of a second zoom stays, although its object is removed.
     m_archive.removeItems(effects, [&](QDomElement& data) { return int64Of(data) == effectId; });
-    // Quirk: kept with the effect, so that a second clip that shares it times the new steps once more.
+    // Quirk: the new steps are stored for the effect. A second clip that shares it converts them once more.
     KeyValues& keyValues = m_keyValues[effectId];
     keyValues = retimed(keyValues, m_timings.value(idOf(clip)));
     const long long envelopeId = appendCropEnvelope(keyValues);
     m_archive.fields(clip).reference("cropEnvelope", envelopeId);
 }
 
-/// The first entry that refers to a zoom counts; 0 where there is none or its id is 0.
+/// The id in the first entry that refers to a zoom; 0 if there is none.
 long long EnvelopeConversion::convertibleEffect(const QDomElement& effects) const {
     for (const QDomElement& item : children(effects, Words::Item)) {
         const long long id = int64In(item, Words::Data);
@@ -217,7 +218,7 @@ void EnvelopeConversion::declareEnvelope(long long id, const std::vector<KeyValu
 } // namespace
 
 void V16_PanZoomAdaptor::convert(ArchiveEditor& archive) {
-    // Quirk: the records are the first descendant of that name.
+    // Quirk: the records are those in the first descendant of that name, not in the first child.
     const QDomElement predeclarator = archive.lastRootObject(Words::Predeclarator);
     archive.setPredeclarations(firstDescendant(predeclarator, Words::predeclarations));
     const Elements clips = archive.rootObjects("Timeline::Clip");

@@ -4,8 +4,9 @@
 
 namespace Project {
 
-/// Version 16: cropping and zooming is no effect any more; a clip that had `Effect::Zoom` or `Effect::PanAndZoom`
-/// owns a `TransformationEnvelope` of timed matrices, which its `cropEnvelope` refers to.
+/// Version 16: cropping and zooming is no longer an effect. A clip that had `Effect::Zoom` or
+/// `Effect::PanAndZoom` gets a `TransformationEnvelope`, matrices over time, to which its `cropEnvelope`
+/// refers.
 class V16_PanZoomAdaptor : public Bundle::ArchiveStep {
 protected:
     void convert(Archive::Internal::ArchiveEditor& archive) override;

@@ -12,7 +12,7 @@ bool isSunLabel(const QDomElement& preset) {
     return textOf(firstDescendant(preset, "tag")) == "SunLabel";
 }
 
-/// Quirk: the items keep their order in the document, and a single one gets its new index all the same.
+/// Quirk: only the indices change, not the order of the items. A single item gets the index 2.
 void exchangeIndices(ArchiveEditor& archive, const QDomElement& preset) {
     const Elements items = elements(preset, Words::Item);
     if (!items.empty())

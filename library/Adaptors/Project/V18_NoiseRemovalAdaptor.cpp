@@ -21,8 +21,8 @@ Elements collectEffects(ArchiveEditor& archive) {
     return effects;
 }
 
-/// Makes the effects' records those of noise suppressions, which refer to nothing. Gives the ids of the effects that
-/// have a record.
+/// Changes the effects' records to records of noise suppressions without references. Gives the ids of the
+/// effects that have a record.
 QSet<long long> convertRecords(ArchiveEditor& archive, const Elements& effects) {
     QSet<long long> ids;
     for (const QDomElement& effect : effects)
@@ -39,13 +39,13 @@ QSet<long long> convertRecords(ArchiveEditor& archive, const Elements& effects) 
     return declared;
 }
 
-/// Removes the records of all that belongs to the effects.
+/// Removes the records whose parent is one of the effects.
 void removeRecordsOfParts(ArchiveEditor& archive, const QSet<long long>& effectIds) {
     archive.undeclareIf(
         [&](const Record& record) { return effectIds.contains(int64In(record.data, Words::poid)); });
 }
 
-/// Puts a noise suppression behind all that is beside the effect, and removes the effect.
+/// Removes the effect and appends a noise suppression as the last child of the same parent.
 void convertEffect(ArchiveEditor& archive, const QDomElement& effect) {
     const EffectObject created =
         newEffect(archive, "Effect::AudioNoiseSuppress", "Effect::AudioFilter", idOf(effect));
@@ -53,7 +53,7 @@ void convertEffect(ArchiveEditor& archive, const QDomElement& effect) {
         .uint32("id", 57)
         .string("tag", "effect_noisesuppress")
         .uint32("uniqueId", 32773)
-        .string("uniqueId", QString()); // Quirk: a second one, where other effects have `description`
+        .string("uniqueId", QString()); // Quirk: a second `uniqueId` in place of `description`
     archive.fields(created.root).int32("levelPercent", 50);
 
     const QDomElement parent = effect.parentNode().toElement();
@@ -67,7 +67,7 @@ void V18_NoiseRemovalAdaptor::convert(ArchiveEditor& archive) {
     const Elements effects = collectEffects(archive);
     const QSet<long long> declared = convertRecords(archive, effects);
     if (declared.isEmpty())
-        return; // Quirk: where no effect has a record, all effects stay
+        return; // Quirk: if no effect has a record, all effects stay
     removeRecordsOfParts(archive, declared);
     for (const QDomElement& effect : effects)
         convertEffect(archive, effect);

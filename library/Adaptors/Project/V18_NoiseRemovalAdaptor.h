@@ -4,7 +4,7 @@
 
 namespace Project {
 
-/// Version 18: one noise suppression, of fixed strength, replaces the old noise reduction and noise gate.
+/// Version 18: a noise suppression of fixed strength replaces each noise reduction and each noise gate.
 class V18_NoiseRemovalAdaptor : public Bundle::ArchiveStep {
 protected:
     void convert(Archive::Internal::ArchiveEditor& archive) override;

@@ -33,7 +33,7 @@ constexpr const char* oldFields[] = {
 
 constexpr double pixelSize = 0.5;
 
-/// What an "Effect::Mask" says.
+/// The fields of an "Effect::Mask".
 struct Mask {
     explicit Mask(const QDomElement& effect);
 
@@ -45,10 +45,10 @@ struct Mask {
     bool isInverted;
     double width;
     double opacity;
-    Stored::V14::Transform transform; ///< the place of its rectangle in the frame
+    Stored::V14::Transform transform; ///< the position of its rectangle in the frame
 };
 
-/// Not inverted, and width and height scale apart.
+/// The matrix that reduces the whole frame to the rectangle. Each axis has its own scale.
 QTransform placement(const QDomElement& rect) {
     const double left = doubleIn(rect, "left");
     const double top = doubleIn(rect, "top");
@@ -76,14 +76,14 @@ void addOpacityAndSmoothness(Fields fields, const Mask& mask) {
     fields.number("opacity", mask.opacity).number("smoothness", mask.hasOutline ? 0.0 : mask.width);
 }
 
-/// Adds the list of frames with its only frame.
+/// Adds the list of frames with a single frame, which is returned.
 QDomElement appendFrame(ArchiveEditor& archive, const QDomElement& effect, const Kind& kind,
                         long long frameId) {
     const QDomElement frames = archive.fields(effect).array("frames").last();
     return archive.appendObject(archive.appendItem(frames), Words::Data, kind.frameClass, frameId);
 }
 
-/// A highlight has method, opacity and smoothness in the effect, a conceal in the frame.
+/// A highlight has method, opacity and smoothness in the effect, a conceal has them in the frame.
 void addFields(ArchiveEditor& archive, const QDomElement& effect, const Mask& mask, long long frameId,
                long long transformId) {
     if (mask.isInverted) {
@@ -114,24 +114,25 @@ void convertMask(ArchiveEditor& archive, const QDomElement& effect, long long ef
     addFields(archive, effect, mask, frameId, transformId);
 
     archive.declareAs(effectId, mask.kind().effectClass, 0, {frameId});
-    // Quirk: a conceal frame, too, is declared as a highlight frame, against what its object says.
+    // Quirk: a conceal frame is declared as a highlight frame, too, unlike the type of its object.
     archive.declareAs(frameId, highlight.frameClass, effectId, {transformId});
     archive.declareAs(transformId, transformClass, frameId);
 
-    archive.append(archive.root(), effect); // from its old place to the end
+    archive.append(archive.root(), effect); // moves it to the end
 }
 
 } // namespace
 
 void V20_HighlightConcealAdaptor::convert(ArchiveEditor& archive) {
     QDomElement predeclarator = archive.lastRootObject(Words::Predeclarator);
-    // Quirk: the records are the first descendant of that name.
+    // Quirk: the records are those in the first descendant of that name, not in the first child.
     archive.setPredeclarations(firstDescendant(predeclarator, Words::predeclarations));
-    std::map<unsigned long long, QDomElement> effects; // by id, the order of conversion; of several the last
+    std::map<unsigned long long, QDomElement>
+        effects; // by id, the order of conversion; if an id occurs twice, the last one
     for (const QDomElement& effect : archive.rootObjects("Effect::Mask"))
         effects[Archive::objectIdOf(effect)] = effect;
     if (!effects.empty())
-        archive.startIds(); // ids of objects that are removed count as well
+        archive.startIds(); // so that ids of removed objects are not used again
     for (const auto& [id, effect] : effects)
         convertMask(archive, effect, static_cast<long long>(id));
 }

@@ -12,19 +12,19 @@ namespace Project {
 namespace {
 
 constexpr int svgKind = 2;
-constexpr int specialKind = 3; ///< becomes the SVG kind with a feature
+constexpr int specialKind = 3; ///< becomes `svgKind` with a feature
 
 constexpr int ordinaryPreset = 1;
-constexpr int specialPreset = 2; ///< has an item of the special kind
+constexpr int specialPreset = 2; ///< has an item of `specialKind`
 
-/// Makes the outline's colour, an ARGB number, fill and stroke of the text's root element, and 0 in its old place.
-/// Quirk: a missing colour counts as 0, too.
+/// Sets fill and stroke of the text's root element to the colour of the outline, an ARGB number, and that
+/// colour to 0. Quirk: a missing colour counts as 0.
 void moveOutlineColorIntoText(ArchiveEditor& archive, const QDomElement& item) {
     const QDomElement color = childAt(item, {"outline", "color"});
     const QColor paint = QColor::fromRgba(textOf(color).toUInt());
     archive.setText(color, "0");
 
-    // Quirk: unlike outline and type the text may be deeper.
+    // Quirk: the text may be at any depth, unlike outline and type.
     const QDomElement text = firstDescendant(item, "text");
     if (text.isNull())
         return;
@@ -34,7 +34,7 @@ void moveOutlineColorIntoText(ArchiveEditor& archive, const QDomElement& item) {
     archive.setText(text, image.toString());
 }
 
-/// Adds the features of an item; true for one of the special kind.
+/// Adds the features of an item. Returns whether it is of `specialKind`.
 bool convertItem(ArchiveEditor& archive, const QDomElement& item) {
     const int kind = int32In(item, Words::type);
     const bool isSpecial = kind == specialKind;

@@ -16,15 +16,15 @@ namespace Project {
 namespace {
 
 constexpr long long primaryTrack = 16;
-constexpr long long fixedTrack = 48; // what is linked there keeps its time
+constexpr long long fixedTrack = 48; // linked clips on this track keep their times
 
-/// Shifts the timings of the primary track and of what is linked to it.
+/// Changes the timings of the primary track and of the clips that are linked to it.
 class TimingShift {
 public:
     explicit TimingShift(ArchiveEditor& archive) : m_archive(archive) {}
 
-    // Quirk: an `Item` at any depth is an entry. One without `Key` and `Value` is the clip 0 with a null timing, also
-    // where there is a clip 0.
+    // Quirk: an `Item` at any depth counts as an entry. One without `Key` and `Value` counts as the clip 0
+    // with a null timing, also if there is a clip 0.
     void collectLinks(const QDomElement& links);
     void collectClips(const QDomElement& clips);
     void convertClips();
@@ -37,7 +37,7 @@ private:
 
     ArchiveEditor& m_archive;
     QHash<long long, QDomElement> m_links;
-    QHash<long long, std::set<long long>> m_linkedClips; ///< by their master
+    QHash<long long, std::set<long long>> m_linkedClips; ///< by the id of their master
     QHash<long long, QDomElement> m_timings;
     std::multimap<long long, long long> m_primaryClips; ///< by timestamp; equal ones in document order
 };
@@ -57,7 +57,7 @@ void TimingShift::collectClips(const QDomElement& clips) {
         const long long id = int64In(item, Words::Key);
         const QDomElement timing = item.firstChildElement(Words::Value);
         m_timings[id] = timing;
-        // Quirk: an id with two entries is listed twice and converted twice, by its last timing.
+        // Quirk: an id with two entries is listed and converted twice, both times with its last timing.
         if (int64In(timing, "track") == primaryTrack)
             primaryClips.push_back(id);
     }
@@ -102,7 +102,7 @@ void TimingShift::subtract(const QDomElement& parent, const QString& name, long 
 }
 
 void addStrategies(ArchiveEditor& archive) {
-    // Quirk: transitions outside the archive get one as well.
+    // Quirk: transitions outside of the archive get one as well.
     for (const QDomElement& transition : ofType(archive.baseParts(Scope::Document), "Transition::Object"))
         archive.fields(transition).int32("strategy", 0);
 }

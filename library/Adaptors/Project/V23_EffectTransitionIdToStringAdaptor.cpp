@@ -132,7 +132,7 @@ constexpr Identifier transitionIdentifiers[] = {
 
 QString identifierOf(int number, std::span<const Identifier> identifiers) {
     const auto row = std::ranges::find(identifiers, number, &Identifier::number);
-    // Quirk: an unknown number is lost. Its text is empty, not null, as in every other "String".
+    // Quirk: an unknown number is lost: it becomes an empty text, not a null one.
     return row == identifiers.end() ? QString("") : QString(row->text);
 }
 

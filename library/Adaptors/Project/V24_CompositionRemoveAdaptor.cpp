@@ -15,7 +15,7 @@ namespace {
 class CompositionRemoval {
 public:
     explicit CompositionRemoval(ArchiveEditor& archive) : m_archive(archive) {
-        // Quirk: ids are read in 32 bits, all beyond count as 0.
+        // Quirk: ids are read in 32 bits; greater ones read as 0.
         for (const auto& [object, type] : archive.rootObjects())
             m_objects[object.attribute(Words::objectId).toInt()] = object;
     }
@@ -30,7 +30,7 @@ private:
         if (id == 0)
             return;
         if (!m_objects.contains(id)) {
-            LOG(ERROR) << "Can not file composition object with id " << id; // Quirk: "file" is spelled so
+            LOG(ERROR) << "Can not file composition object with id " << id; // Quirk: "file" instead of "find"
             return;
         }
         const QDomElement composition = m_objects.value(id);
@@ -46,9 +46,10 @@ private:
     void removeObject(int id) {
         if (id == 0)
             return;
-        // Quirk: an object that is no child of `Archive` stays in the tree, while its id and its record go.
+        // Quirk: an object that is no child of `Archive` stays in the tree, but is not found again, and its
+        // record is removed.
         m_archive.removeChild(m_archive.root(), m_objects.take(id));
-        m_archive.undeclare(id); // also where there is no such object
+        m_archive.undeclare(id); // Quirk: also if there is no such object
     }
 
     ArchiveEditor& m_archive;

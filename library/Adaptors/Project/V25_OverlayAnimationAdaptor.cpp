@@ -11,7 +11,7 @@ using namespace Archive::Internal;
 namespace Project {
 namespace {
 
-/// Quirk: from the inside out, unlike declareTransformation().
+/// Quirk: inner objects are declared first, unlike in declareTransformation().
 void declareEnvelope(ArchiveEditor& archive, long long id, const TransformationIds& defaultValue,
                      long long itemId) {
     archive.declareAs(defaultValue.matrix, transformClass, defaultValue.object);
@@ -26,7 +26,7 @@ void V25_OverlayAnimationAdaptor::convert(ArchiveEditor& archive) {
     for (const OverlayItem& item : overlays.items()) {
         const long long id = archive.nextId();
         const TransformationIds defaultValue{archive.nextId(), archive.nextId()};
-        // Quirk: for an entry without `Data` an envelope is declared all the same.
+        // Quirk: an envelope is declared also for an entry without `Data`, which gets none.
         if (!item.data.isNull())
             appendEnvelope(archive, item.data, "envelope", id, defaultValue, Aspect::Absent);
         declareEnvelope(archive, id, defaultValue, item.id);

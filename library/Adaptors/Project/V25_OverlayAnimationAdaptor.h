@@ -4,7 +4,7 @@
 
 namespace Project {
 
-/// Version 25: overlay items can move, so each gets an `envelope` that leaves it where it is.
+/// Version 25: overlay items can move, so each gets an `envelope` without movement.
 class V25_OverlayAnimationAdaptor : public Bundle::XmlStep {
 protected:
     void convert(Archive::Internal::ArchiveEditor& archive) override;

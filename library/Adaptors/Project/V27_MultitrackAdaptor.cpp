@@ -14,10 +14,11 @@ struct TrackRow {
     int number;
     int type;
     bool isLinked;
-    bool isAlwaysUsed; ///< else it is used where a clip is on it
+    bool isAlwaysUsed; ///< otherwise it is used if a clip is on it
 };
 
-// From the top down, as tracks are made and listed. Quirk: track 96 has the type of track 64.
+// From the topmost track down, the order in which they are created and listed. Quirk: track 96 has the type
+// of track 64.
 // clang-format off
 constexpr TrackRow trackRows[] = {
     {96, 64, false, true},
@@ -30,11 +31,12 @@ constexpr TrackRow trackRows[] = {
 // clang-format on
 constexpr int numberStep = 16;
 
-/// The first `track` below each `Item`, at any depth; one that is the first of several items as often.
+/// The first `track` below each `Item`, at any depth. A track that is the first one of several nested items
+/// is listed once for each.
 Elements tracksOfItems(const QDomElement& clips) {
     Elements tracks;
-    std::size_t open = 0; // items around the current element
-    std::size_t done = 0; // those of them, the outer ones, whose first track was found
+    std::size_t open = 0; // items that contain the current element
+    std::size_t done = 0; // how many of these, from the outermost, have their first track
     walkElements(
         clips,
         [&](const QDomElement& e) {
@@ -78,7 +80,7 @@ QHash<int, QString> appendTracks(ArchiveEditor& archive, const QDomElement& time
     for (const TrackRow& row : trackRows) {
         const long long id = archive.declare("Timeline::Track");
         const QDomElement item = archive.appendItem(tracks);
-        archive.setIndex(item, row.number / numberStep); // counts down
+        archive.setIndex(item, row.number / numberStep); // Quirk: the index counts down
         archive.fields(item).reference(Words::Data, id);
         const bool isUsed = row.isAlwaysUsed || usedNumbers.contains(row.number);
         appendTrack(archive, row, id, isUsed, timeline.attribute(Words::objectId));
@@ -87,8 +89,8 @@ QHash<int, QString> appendTracks(ArchiveEditor& archive, const QDomElement& time
     return ids;
 }
 
-/// Quirk: a number without a track leaves an empty text. A `track` that two items share is read again as it was left,
-/// so that its new id is taken for a track number.
+/// Quirk: a number without a track becomes an empty text. A `track` that is listed twice is converted twice,
+/// so its new id is read as a track number.
 void referToTracks(ArchiveEditor& archive, const Elements& clipTracks, const QHash<int, QString>& ids) {
     for (const QDomElement& track : clipTracks) {
         archive.setType(track, Words::ObjectRef);
@@ -97,7 +99,8 @@ void referToTracks(ArchiveEditor& archive, const Elements& clipTracks, const QHa
 }
 
 void convertTimeline(ArchiveEditor& archive, const QDomElement& timeline) {
-    // Quirk: the greatest id is read again for each timeline. Ids of records that could not be added are given again.
+    // Quirk: the greatest id is read again for each timeline. Ids of records that were dropped are used
+    // again.
     archive.startIds();
     const Elements clipTracks = tracksOfItems(firstDescendant(timeline, "clips"));
     const auto ids = appendTracks(archive, timeline, numbersOf(clipTracks));
@@ -108,8 +111,8 @@ void convertTimeline(ArchiveEditor& archive, const QDomElement& timeline) {
 
 void V27_MultitrackAdaptor::convert(ArchiveEditor& archive) {
     if (archive.root().isNull())
-        return; // without a log line
-    // Quirk: the records are the first descendant of that name.
+        return; // Quirk: not logged
+    // Quirk: the records are those in the first descendant of that name, not in the first child.
     const QDomElement predeclarator = archive.lastRootObject(Words::Predeclarator);
     archive.setPredeclarations(firstDescendant(predeclarator, Words::predeclarations));
     for (const QDomElement& timeline : archive.rootObjects("Timeline::Object"))

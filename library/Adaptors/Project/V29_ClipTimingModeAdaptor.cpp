@@ -7,7 +7,7 @@ using namespace Archive::Internal;
 namespace Project {
 
 void V29_ClipTimingModeAdaptor::convert(ArchiveEditor& archive) {
-    // Quirk: only map values get a mode, and one that has a mode already gets a second.
+    // Quirk: only timings that are values of a map are found, and a timing that has a mode gets a second one.
     for (const QDomElement& timing : elements(archive.document(), Words::Value, "Timeline::ClipTiming"))
         archive.fields(timing).int32("timingMode", 0);
 }

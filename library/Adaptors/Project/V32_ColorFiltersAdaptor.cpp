@@ -35,7 +35,7 @@ QDomElement effectsOf(const QDomElement& clip) {
     return clip.firstChildElement("effects");
 }
 
-/// Replaces auto effects by one effect for each flag that they have set.
+/// Replaces each auto effect by one effect for each flag that is set in it.
 class AutoEnhanceSplit {
 public:
     explicit AutoEnhanceSplit(ArchiveEditor& archive) : m_archive(archive) {}
@@ -52,7 +52,7 @@ private:
         long long index;
     };
     struct NewReference {
-        long long index; // of the entry in front of which it is inserted
+        long long index; // of the entry before which it is inserted
         long long id;
     };
 
@@ -62,10 +62,11 @@ private:
 
     ArchiveEditor& m_archive;
     Elements m_autoEffects;
-    std::map<long long, std::vector<const ColorFilter*>> m_filters; ///< by auto effect; none without a flag
+    std::map<long long, std::vector<const ColorFilter*>>
+        m_filters; ///< by auto effect; no entry for one without flags
     std::map<long long, QDomElement> m_clips;
-    std::map<long long, long long> m_effectOfClip; ///< of several the last
-    std::map<long long, Place> m_placeOfEffect;    ///< on the last clip that lists it
+    std::map<long long, long long> m_effectOfClip; ///< if a clip lists several, the last one
+    std::map<long long, Place> m_placeOfEffect;    ///< in the last clip that lists it
 };
 
 void AutoEnhanceSplit::collectFlags() {
@@ -93,9 +94,9 @@ void AutoEnhanceSplit::collectClips() {
 }
 
 void AutoEnhanceSplit::removeAutoEffects() {
-    m_archive.startIds(); // ids of objects that are removed are not given again
+    m_archive.startIds(); // so that ids of removed objects are not used again
     undeclareAutoEffects();
-    // Quirk: an effect that is no child of the archive stays, while its record goes.
+    // Quirk: an effect that is no child of the archive stays, but its record is removed.
     for (const QDomElement& effect : m_autoEffects)
         m_archive.removeChild(m_archive.root(), effect);
     for (const auto& [clipId, effectId] : m_effectOfClip) {
@@ -106,7 +107,7 @@ void AutoEnhanceSplit::removeAutoEffects() {
 }
 
 void AutoEnhanceSplit::undeclareAutoEffects() {
-    // Quirk: entries at any depth count, and the first descendants of these names.
+    // Quirk: entries at any depth are read, and in them the first descendants of these names.
     for (const QDomElement& item : elements(m_archive.predeclarations(), Words::Item)) {
         if (textOf(firstDescendant(item, Words::typeName)) == QLatin1String("Effect::AutoEnhance"))
             m_archive.undeclare(int64Of(firstDescendant(item, Words::oid)));
@@ -117,10 +118,10 @@ void AutoEnhanceSplit::appendFilters() {
     std::map<long long, std::vector<NewReference>> referencesOfClip;
     for (const auto& [effectId, newFilters] : m_filters) {
         const auto place = m_placeOfEffect.find(effectId);
-        // The last comes first: each is inserted in front of the one before it, which restores the order.
+        // In reverse order: each is inserted before the previous one, which restores the order.
         for (auto filter = newFilters.rbegin(); filter != newFilters.rend(); ++filter) {
             const long long id = appendFilter(**filter);
-            // Quirk: filters of an effect that no clip lists are added all the same, and nothing refers to them.
+            // Quirk: filters of an effect that no clip lists are added, too, but nothing refers to them.
             if (place != m_placeOfEffect.end())
                 referencesOfClip[place->second.clip].push_back({place->second.index, id});
         }
@@ -141,12 +142,13 @@ long long AutoEnhanceSplit::appendFilter(const ColorFilter& filter) {
     return id;
 }
 
-/// Inserts one reference after the other where its index is by then, at the end where no entry has it. Removing the
-/// auto effects has numbered the entries from 1, and so does each insertion: an index is a position.
+/// Inserts references one after the other, each before the entry that has its index at that time, or at the
+/// end if none has. An index is a position here: removing the auto effects has numbered the entries from 1,
+/// and so does each insertion.
 void AutoEnhanceSplit::insertReferences(const QDomElement& effects,
                                         const std::vector<NewReference>& references) {
     const std::size_t oldCount = children(effects, Words::Item).size();
-    // The order of the old entries and of the new ones, which are appended for now.
+    // The final order of the old entries and of the new ones. New entries are appended first and moved below.
     std::vector<std::size_t> order(oldCount);
     std::iota(order.begin(), order.end(), std::size_t(0));
     for (const NewReference& reference : references) {
@@ -178,7 +180,7 @@ void V32_ColorFiltersAdaptor::convert(ArchiveEditor& archive) {
     AutoEnhanceSplit split(archive);
     split.collectFlags();
     split.collectClips();
-    // Quirk: where no clip lists an auto effect, all of them stay as they are.
+    // Quirk: if no clip lists an auto effect, all of them stay unchanged.
     if (split.isOnClips()) {
         split.removeAutoEffects();
         split.appendFilters();

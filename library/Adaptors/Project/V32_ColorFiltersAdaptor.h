@@ -4,8 +4,8 @@
 
 namespace Project {
 
-/// Version 32: each automatic colour correction is an effect of its own, where one `Effect::AutoEnhance` held a flag for
-/// each; `Effect::ManualEnhance` gets its lasting `uniqueId`.
+/// Version 32: each automatic colour correction is an effect of its own; before, one `Effect::AutoEnhance`
+/// had a flag for each. `Effect::ManualEnhance` gets its final `uniqueId`.
 class V32_ColorFiltersAdaptor : public Bundle::ArchiveStep {
 protected:
     void convert(Archive::Internal::ArchiveEditor& archive) override;

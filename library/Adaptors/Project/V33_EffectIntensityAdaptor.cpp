@@ -29,14 +29,15 @@ constexpr Strength strengths[] = {
 
 constexpr double full = 1.0;
 
-/// The intensity of an effect, whose own strength goes.
+/// Removes the strength of an effect and gives the intensity that replaces it.
 double takeIntensity(ArchiveEditor& archive, const QDomElement& effect) {
     if (effect.tagName() != Words::RootObject)
         return full;
     const Strength* strength = findRow(strengths, &Strength::className, Archive::typeOf(effect));
     if (!strength)
         return full;
-    // Quirk: a missing strength counts as 1 before the factor. A blur without `scale` gets the intensity 20.
+    // Quirk: a missing strength counts as 1 and is multiplied, too: a blur without `scale` gets the intensity
+    // 20.
     const double old = Archive::readValue(effect.firstChildElement(strength->field), full);
     archive.removeField(effect, strength->field);
     return old * strength->factor;

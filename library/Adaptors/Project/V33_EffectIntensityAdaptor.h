@@ -4,7 +4,7 @@
 
 namespace Project {
 
-/// Version 33: every effect has an `intensity`. Eight effects that had a strength of their own give it up for that.
+/// Version 33: every effect has an `intensity`. In eight effects it replaces a strength of their own.
 class V33_EffectIntensityAdaptor : public Bundle::XmlStep {
 protected:
     void convert(Archive::Internal::ArchiveEditor& archive) override;

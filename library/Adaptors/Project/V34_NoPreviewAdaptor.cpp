@@ -14,14 +14,15 @@ void removePreviewObjects(ArchiveEditor& archive, const QDomElement& top) {
             type != QLatin1String("StaticPreview::WaveformObject"))
             continue;
         archive.undeclare(wrappedIdOf(object));
-        archive.removeChild(top, object); // Quirk: one that is no child of the archive stays
+        archive.removeChild(top, object); // Quirk: an object that is no child of the archive stays
     }
 }
 
 } // namespace
 
 void V34_NoPreviewAdaptor::convert(ArchiveEditor& archive) {
-    // Quirk: the archive is the document element, also where there are others in it. That it is missing is not logged.
+    // Quirk: the archive is the document element, also if it contains further ones. A missing one is not
+    // logged.
     const QDomElement top = archive.document().firstChildElement(Words::Archive);
     if (top.isNull())
         return;

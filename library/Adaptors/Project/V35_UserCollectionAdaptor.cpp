@@ -19,7 +19,8 @@ struct Found {
     bool isComplete() const { return !predeclarations.isNull() && timelineId != unknownId; }
 };
 
-/// Quirk: the search ends as soon as both are known. Of several objects of a type, the last before that counts.
+/// Quirk: the search ends as soon as both are found. Of several objects of a type, the last one before that
+/// is used.
 Found find(ArchiveEditor& archive) {
     Found found;
     for (const auto& [object, type] : archive.rootObjects()) {

@@ -4,7 +4,8 @@
 
 namespace Project {
 
-/// Version 35: a project has a user collection beside its timeline, so "Project::Content" is the new root.
+/// Version 35: a project has a user collection in addition to its timeline, so a new root,
+/// "Project::Content", refers to both.
 class V35_UserCollectionAdaptor : public Bundle::ArchiveStep {
 protected:
     void convert(Archive::Internal::ArchiveEditor& archive) override;

@@ -26,7 +26,7 @@ bool isQuizPreset(const QDomElement& preset) {
     return int32In(preset, Words::type) == quizPresetType;
 }
 
-/// The texts of a preset's items, in order. An item without a text counts with an empty one.
+/// The texts of a preset's items, in order. Quirk: an item without a text counts as one with an empty text.
 QStringList itemTexts(const QDomElement& preset) {
     QStringList texts;
     for (const QDomElement& item : elements(preset.firstChildElement("items"), Words::Item)) {
@@ -37,7 +37,7 @@ QStringList itemTexts(const QDomElement& preset) {
     return texts;
 }
 
-/// A new quiz, not yet in the tree; null with the id 0 where there is none.
+/// A new quiz, not yet in the tree. If there is none, `preset` is null and `id` is 0.
 struct Quiz {
     QDomElement preset;
     long long id = 0;
@@ -61,7 +61,7 @@ private:
     void declare(const Quiz& quiz);
 
     ArchiveEditor& m_archive;
-    const QDomElement m_root; ///< kept, as a question may bring another `Archive` into the document
+    const QDomElement m_root; ///< stored, because a question may add another `Archive` to the document
     QMap<long long, QDomElement> m_presets; ///< quiz presets by id
     QSet<long long> m_removals;             ///< objects that lose their record
 };
@@ -82,7 +82,8 @@ void QuizConversion::collectRemovals() {
 
 void QuizConversion::convertClips() {
     const Elements clips = m_archive.rootObjects("Timeline::Clip");
-    // Now and not at the first new object: the search for ids stops at invalid text, which may change before that.
+    // Now, not at the first new object: the scan for ids stops at invalid text, and the change below may
+    // remove that.
     if (std::any_of(clips.begin(), clips.end(), isQuizClip))
         m_archive.startIds();
     for (const QDomElement& clip : clips) {
@@ -96,8 +97,8 @@ void QuizConversion::convertClip(const QDomElement& clip) {
     const QDomElement overlay = m_presets.value(int64In(clip, "overlay"));
     m_archive.setField(clip, "overlay", "0");
     const Quiz quiz = newQuiz(overlay);
-    // Quirk: of several clips that share a preset only the first finds it in the archive. The quizzes of the others are
-    // referred to and declared, but are not in the document.
+    // Quirk: of several clips that share a preset only the first finds it in the archive. The quizzes of the
+    // others are referred to and declared, but are missing in the document.
     m_archive.replaceChild(m_root, quiz.preset, overlay);
     m_archive.setField(clip, "quiz", quiz.id);
     declare(quiz);
@@ -120,9 +121,9 @@ Quiz QuizConversion::newQuiz(const QDomElement& overlay) {
     return quiz;
 }
 
-/// Moves the question that a text holds as a document of its own.
+/// Moves the question out of a text, which is an XML document of its own.
 void QuizConversion::moveQuestion(const QString& text, const QDomElement& item, Quiz& quiz) {
-    QDomDocument inner; // has to live until the question has moved out of it
+    QDomDocument inner; // must exist until the question was moved
     parseXml(inner, text);
     const Elements questions = rootObjects(inner, "Quiz::Question");
     if (questions.empty()) {
@@ -138,7 +139,7 @@ void QuizConversion::moveQuestion(const QString& text, const QDomElement& item, 
 }
 
 void QuizConversion::declare(const Quiz& quiz) {
-    // Quirk: without a quiz, the record declares a new id that no object has.
+    // Quirk: if there is no quiz, the record declares a new id that no object has.
     m_archive.declareAs(quiz.id, "Quiz::Preset", 0, quiz.questionIds);
     for (const long long questionId : quiz.questionIds)
         m_archive.declareAs(questionId, "Quiz::Question", quiz.id);
@@ -156,7 +157,7 @@ void V40_RemoveQuizFromOverlayAdaptor::convert(ArchiveEditor& archive) {
     conversion.collectPresets();
     conversion.collectRemovals();
     conversion.convertClips();
-    conversion.removeRecords(); // Quirk: also those of quiz presets that no clip uses, which stay
+    conversion.removeRecords(); // Quirk: also records of quiz presets that no clip uses, though these stay
 }
 
 } // namespace Project

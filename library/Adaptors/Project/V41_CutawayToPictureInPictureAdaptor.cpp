@@ -13,7 +13,7 @@ constexpr const char* pictureInPicture = "Effect::PictureInPicture";
 
 void convertClass(ArchiveEditor& archive, const QDomElement& effect) {
     archive.setType(effect, pictureInPicture);
-    // Quirk: `uniqueId` stays that of the cutaway, and the types of the fields stay what they were.
+    // Quirk: `uniqueId` of the cutaway and the types of the fields are kept.
     const QDomElement object = innerBase(effect);
     archive.setField(object, "id", "f60a32dd-2591-4cd3-859a-69f9c6a6838f");
     archive.setField(object, "tag", "effect_cutaway");

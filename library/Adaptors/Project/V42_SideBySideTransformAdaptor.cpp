@@ -60,7 +60,7 @@ void V42_SideBySideTransformAdaptor::convert(ArchiveEditor& archive) {
         const long long source = pairs.declareTransform(effect);
         const long long destination = pairs.declareTransform(effect);
         pairs.appendRefs(effect, {source, destination});
-        // Quirk: both matrices are the same, and `mode` stays beside them.
+        // Quirk: both matrices are the same, and `mode` is kept.
         archive.fields(effect)
             .transform("transformSrc", transform, source)
             .transform("transformDst", transform, destination);

@@ -11,13 +11,14 @@ using namespace Archive::Internal;
 namespace Project {
 namespace {
 
-// Quirk: the change is one of the text: a match counts anywhere, also at the end of a longer attribute name or in
-// running text, and what the text can't represent is lost. The attribute `isNull` stays.
-// Most trees show for certain what their text would become; writing and reading it costs more than loading it did.
+// Quirk: the change is defined on the document's text: a match counts anywhere, also at the end of a longer
+// attribute name or in running text, and content that the text can't represent is lost. The attribute
+// `isNull` stays. Writing and reading the text costs more than loading the document, so the tree is changed
+// directly where the result is certain to be the same.
 
 constexpr const char* newType = "String";
 
-/// For a document whose text has no matches but its types.
+/// For a document whose text has matches only in attributes `type`.
 void convertTypes(ArchiveEditor& archive) {
     const QDomDocument& document = archive.document();
     for (QDomNode node = document.firstChild(); !node.isNull(); node = nextInDocument(node, document)) {

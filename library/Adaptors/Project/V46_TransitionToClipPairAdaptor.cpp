@@ -28,7 +28,7 @@ struct PrimaryClip {
 struct Timeline {
     QDomElement object;
     unsigned long long primaryTrackId;
-    std::vector<PrimaryClip> primaryClips; ///< by time
+    std::vector<PrimaryClip> primaryClips; ///< sorted by time
     Elements timings;                      ///< of all clips
 };
 
@@ -43,7 +43,7 @@ class TimelineCollection {
 public:
     explicit TimelineCollection(ArchiveEditor& archive) : m_objects(archive.rootObjects()) {}
 
-    /// Collects the timelines. False where a clip is incomplete, and the document stays as it is.
+    /// Collects the timelines. False if a clip is incomplete; then the document must not be changed.
     bool collect();
     const std::vector<Timeline>& timelines() const { return m_timelines; }
 
@@ -53,7 +53,7 @@ private:
     bool collectClip(Timeline& timeline, const QDomElement& item);
 
     TypedElements m_objects;
-    QHash<unsigned long long, QDomElement> m_objectsById;          ///< of several the last, as below
+    QHash<unsigned long long, QDomElement> m_objectsById; ///< if an id occurs twice, the last one; as below
     QHash<unsigned long long, unsigned long long> m_primaryTracks; ///< track by timeline
     std::vector<Timeline> m_timelines;
 };
@@ -125,7 +125,7 @@ void setTime(ArchiveEditor& archive, const QDomElement& timing, const QString& n
 /// `second` is null for the transition of the last clip.
 void appendTransition(ArchiveEditor& archive, const QDomElement& transitions, const PrimaryClip& first,
                       const PrimaryClip* second) {
-    const long long half = transitionHalfOf(first); // Quirk: that of the first clip counts for both
+    const long long half = transitionHalfOf(first); // Quirk: the half of the first clip is used for both
     setTime(archive, first.timing, "transitionOut", half);
     if (second)
         setTime(archive, second->timing, "transitionIn", half);
@@ -149,8 +149,8 @@ void appendTransitions(ArchiveEditor& archive, const Timeline& timeline) {
     }
 }
 
-/// Finds the records of timelines. A search goes through the entries of the predeclarations at any depth and logs those
-/// without `Data`. These and the records are kept between searches.
+/// Finds the records of timelines. Quirk: each search walks through the entries of the predeclarations at any
+/// depth and logs those without `Data`. The relevant entries are cached between searches.
 class TimelineRecords {
 public:
     TimelineRecords(ArchiveEditor& archive, const QDomElement& top);
@@ -158,7 +158,7 @@ public:
     /// The position of the first record of that timeline.
     std::optional<std::size_t> find(unsigned long long timelineId);
 
-    /// Makes the record at that position refer to an object.
+    /// Adds a reference to an object to the record at that position.
     void appendReference(std::size_t position, long long id);
 
 private:
@@ -186,8 +186,8 @@ TimelineRecords::TimelineRecords(ArchiveEditor& archive, const QDomElement& top)
 
 std::optional<std::size_t> TimelineRecords::find(unsigned long long timelineId) {
     if (!m_hasPredeclarator)
-        return std::nullopt; // without a log line
-    // With nested root objects, records may have been removed with a field of a timing.
+        return std::nullopt; // Quirk: not logged
+    // If root objects are nested, records may have been removed together with a field of a timing.
     if (!m_isCollected || !m_isFlat)
         collect();
     for (std::size_t position = 0; position < m_entries.size(); ++position) {
@@ -223,7 +223,7 @@ void TimelineRecords::appendReference(std::size_t position, long long id) {
     m_archive.fields(entry).reference(Words::Value, id);
     const auto next = m_entries.begin() + static_cast<std::ptrdiff_t>(position) + 1;
     if (next != m_entries.end() && isBelow(next->item, found.item))
-        m_isCollected = false; // the new entry may be behind that one
+        m_isCollected = false; // the new entry may come after that one
     else
         m_entries.insert(next, {entry, {}, 0});
 }
@@ -242,14 +242,14 @@ void appendTitleTiming(ArchiveEditor& archive, const Timeline& timeline, long lo
         .int64("duration", transitionHalfOf(last))
         .int64("transitionIn", 0)
         .int64("transitionOut", 0)
-        .int64("fadeInDuraion", 0) // Quirk: misspelled so, as the next one, up to version 77
+        .int64("fadeInDuraion", 0) // Quirk: misspelled up to version 77, as is the next one
         .int64("fadeOutDuraion", 0)
         .boolean("reversed", false)
         .int32("timingMode", 0);
 }
 
-/// Appends a title behind the last clip, for its transition to lead to. Quirk: the pair is not completed: its `Second`
-/// stays 0, and so does the `transitionIn` of the title.
+/// Appends a title after the last clip, as the target of its transition. Quirk: the pair is not completed:
+/// its `Second` stays 0, and so does the `transitionIn` of the title.
 void appendTitle(ArchiveEditor& archive, const QDomElement& top, const Timeline& timeline,
                  TimelineRecords& records) {
     const auto record = records.find(Archive::objectIdOf(timeline.object));
@@ -263,7 +263,7 @@ void appendTitle(ArchiveEditor& archive, const QDomElement& top, const Timeline&
     appendTitleTiming(archive, timeline, clipId, timingId);
 }
 
-/// Leaves the two times in the place of the one.
+/// Replaces `transitionHalf` by the two times, 0 if they are not set.
 void completeTiming(ArchiveEditor& archive, const QDomElement& timing) {
     archive.removeField(timing, "transitionHalf");
     for (const char* name : {"transitionIn", "transitionOut"}) {
@@ -291,7 +291,7 @@ void V46_TransitionToClipPairAdaptor::convert(ArchiveEditor& archive) {
         for (const QDomElement& timing : timeline.timings)
             completeTiming(archive, timing);
     }
-    // Quirk: clips of other tracks and of skipped timelines lose their transition too, without a trace.
+    // Quirk: clips of other tracks and of skipped timelines lose their transition as well.
     for (const QDomElement& clip : archive.rootObjects("Timeline::Clip"))
         archive.removeField(clip, "transition");
 }

@@ -4,8 +4,8 @@
 
 namespace Project {
 
-/// Version 46: a timeline lists its transitions, each with the clips before and after it, where a clip of the
-/// primary track had named the transition behind it.
+/// Version 46: a timeline lists its transitions, each with the clips before and after it. Before, a clip of
+/// the primary track named the transition that follows it.
 class V46_TransitionToClipPairAdaptor : public Bundle::XmlStep {
 protected:
     void convert(Archive::Internal::ArchiveEditor& archive) override;

@@ -24,7 +24,7 @@ QString portablePathOf(const QDomElement& field) {
     return path.startsWith("/media/") ? '.' + path : path;
 }
 
-/// Whether the object has a portable path.
+/// Sets the path fields of an object to their portable paths. Returns whether there was any.
 bool convertPaths(ArchiveEditor& archive, const QDomElement& object, const QString& type) {
     bool isPortable = false;
     for (const PathField& row : pathFields) {

@@ -14,7 +14,7 @@ struct Renaming {
 };
 
 // clang-format off
-// Quirk: all but the first two become transitions, also an effect of such a name, as "Blur".
+// Quirk: all but the first two become transitions, also an effect with such a name, for example "Blur".
 constexpr Renaming renamings[] = {
     {"VideoEffect", "Effect::VideoEffect"},
     {"AutoEnhance", "Effect::AutoEnhance"},

@@ -14,7 +14,7 @@ struct TrackNumber {
 };
 
 // clang-format off
-// Quirk: no track becomes 32. Every other number stays as it is.
+// Quirk: no track becomes 32. Any other number is kept.
 constexpr TrackNumber trackNumbers[] = {
     {1, 16},
     {2, 48},
@@ -35,7 +35,7 @@ void renumber(ArchiveEditor& archive, const QDomElement& track) {
 } // namespace
 
 void V4_TrackValueAdaptor::convert(ArchiveEditor& archive) {
-    // Quirk: only the first `clips` counts, as documents of that time had one timeline.
+    // Quirk: only the first `clips` is converted: documents of that time had one timeline.
     for (const QDomElement& track : elements(firstDescendant(archive.root(), "clips"), "track"))
         renumber(archive, track);
 }

@@ -11,7 +11,7 @@ namespace {
 void encodeText(ArchiveEditor& archive, const QDomElement& item) {
     const QByteArray text = Archive::valueOf(item, "text").toUtf8();
     archive.removeField(item, "text");
-    // Quirk: an item without a text gets one as well, also beside an `encodedText` that it has.
+    // Quirk: an item without a text gets an `encodedText` as well, also if it already has one.
     archive.fields(item).string("encodedText", text.toBase64());
 }
 

@@ -25,7 +25,7 @@ struct Group {
     QDomElement conceal;
 };
 
-/// The mask that replaces the effects of a group, while it is built.
+/// The mask that replaces the effects of a group, not yet complete.
 struct NewMask {
     long long id;
     EffectObject levels;
@@ -44,7 +44,7 @@ public:
     explicit MaskMerge(ArchiveEditor& archive)
         : m_archive(archive), m_top(archive.document().firstChildElement(Words::Archive)) {}
 
-    /// False where there is no archive or it has no predeclarations.
+    /// False if there is no archive or it has no predeclarations.
     bool collect();
     void convert();
 
@@ -66,7 +66,8 @@ private:
 
     ArchiveEditor& m_archive;
     QDomElement m_top;
-    QHash<unsigned long long, QDomElement> m_highlights; ///< by id, as the next two; of several the last
+    QHash<unsigned long long, QDomElement>
+        m_highlights; ///< by id, as the next two; if an id occurs twice, the last one
     QHash<unsigned long long, QDomElement> m_conceals;
     QHash<long long, QDomElement> m_frameRecords;
     std::vector<Group> m_groups;
@@ -79,7 +80,7 @@ bool MaskMerge::collect() {
     }
     Elements clips;
     m_archive.setPredeclarations({});
-    // Quirk: only objects directly in the archive count.
+    // Quirk: only objects that are children of the archive are read.
     for (const QDomElement& object : children(m_top, Words::RootObject)) {
         const QString type = Archive::typeOf(object);
         if (type == Words::Predeclarator) {
@@ -107,7 +108,7 @@ void MaskMerge::collectFrameRecords() {
     const auto records = m_archive.records();
     for (const Record& record : records) {
         const QString typeName = Archive::valueOf(record.data, Words::typeName);
-        // Quirk: both names, as conceal frames are declared as highlight frames.
+        // Quirk: both names, because conceal frames may be declared as highlight frames.
         if (typeName == QLatin1String("Effect::FrameHighlight") ||
             typeName == QLatin1String("Effect::FrameConceal"))
             m_frameRecords[record.id] = record.data;
@@ -116,7 +117,7 @@ void MaskMerge::collectFrameRecords() {
 
 void MaskMerge::collectGroup(const QDomElement& clip) {
     Group group{clip, {}, {}};
-    // Quirk: of several effects of one kind the last one counts; the others stay as they are.
+    // Quirk: of several effects of one kind the last one is converted; the others stay unchanged.
     Archive::iterateArray(clip.firstChildElement("effects"), [&](const QDomElement& data) {
         const unsigned long long id = textOf(data).toULongLong();
         if (m_highlights.contains(id))
@@ -161,7 +162,7 @@ NewMask MaskMerge::newMask() {
     return {id, levels, {}, {}};
 }
 
-/// Quirk: from the readable texts, not from `binaryData`, so that only six digits of a number are kept.
+/// Quirk: numbers are read from `value`, not from `binaryData`, so only six digits are kept.
 void MaskMerge::appendBackground(const NewMask& mask, const QDomElement& highlight) {
     m_archive.fields(mask.levels.root)
         .int32("backgroundFill", int32In(highlight, "method"))
@@ -179,19 +180,20 @@ void MaskMerge::moveHighlightFrames(NewMask& mask, const QDomElement& highlight)
 void MaskMerge::moveConcealFrames(NewMask& mask, const QDomElement& conceal) {
     Archive::iterateArray(conceal.firstChildElement("frames"), [&](const QDomElement& frame) {
         appendTracking(frame);
-        // Quirk: that of the effect, which as a rule has none: a second `pixelSize` of 0 behind the frame's own.
+        // Quirk: the `pixelSize` of the effect, which normally has none: so a second one of 0 follows the
+        // frame's own.
         m_archive.fields(frame).number("pixelSize", Archive::valueOf(conceal, "pixelSize").toDouble());
         moveFrame(mask, "concealFrames", frame);
     });
 }
 
-/// Appends the part that all frames share, with the old fields that belong there. An entry without a frame gets the
-/// records all the same.
+/// Appends the base class part of frames and moves the old fields that belong there. Quirk: an entry without
+/// a frame gets the records as well.
 void MaskMerge::appendTracking(const QDomElement& frame) {
     const long long frameId = wrappedIdOf(frame);
     const long long transformId = m_archive.declare(transformClass, frameId);
     if (!frame.isNull()) {
-        // Quirk: the last child, not the first one as other base parts.
+        // Quirk: it is the last child; other base class parts are the first.
         const QDomElement base = m_archive.appendObject(frame, Words::BaseOfObject, "Effect::Frame", frameId);
         for (const char* name : frameBaseFields)
             m_archive.append(base, frame.firstChildElement(name));
@@ -209,7 +211,7 @@ void MaskMerge::moveFrame(NewMask& mask, const QString& arrayName, const QDomEle
     setParent(frameId, mask.id);
 }
 
-/// Quirk: logs each time that a missing record is wanted: twice for a frame.
+/// Quirk: logs each search for a missing record: twice for a frame.
 QDomElement MaskMerge::frameRecord(long long frameId) const {
     const QDomElement record = m_frameRecords.value(frameId);
     if (record.isNull())
@@ -233,7 +235,7 @@ void MaskMerge::removeEffect(NewMask& mask, const QDomElement& effect) {
 
 void MaskMerge::replaceReferences(const QDomElement& clip, const NewMask& mask) {
     const QDomElement effects = clip.firstChildElement("effects");
-    // Quirk: a text that is no number refers to the effect of id 0, but is not removed with it.
+    // Quirk: a text that is no number refers to the effect of id 0, but its entry is not removed.
     m_archive.removeItems(effects, [&mask](QDomElement& data) {
         return mask.replacedIds.contains(Archive::extractValue(textOf(data), -1LL));
     });

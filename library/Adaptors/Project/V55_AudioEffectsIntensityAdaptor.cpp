@@ -47,7 +47,7 @@ void convertPhone(ArchiveEditor& archive, const QDomElement& effect) {
     if (!preset)
         return;
     setIntensity(archive, effect, preset->intensity);
-    // Only the texts change: the two gains keep their types.
+    // Quirk: only the `value` of the two gains is set: their types and any `binaryData` are kept.
     archive.setField(effect, "gainUp", preset->gainUp);
     archive.setField(effect, "gainDown", preset->gainDown);
 }

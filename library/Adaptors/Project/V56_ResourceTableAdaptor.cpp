@@ -7,7 +7,7 @@ using namespace Archive::Internal;
 namespace Project {
 namespace {
 
-/// Inserts a table behind the child of the archive that is or contains the last root object.
+/// Inserts a table after the child of the archive that is or contains the last root object.
 void insertBehindLast(ArchiveEditor& archive, const QDomElement& table) {
     const TypedElements objects = archive.rootObjects();
     QDomNode previous;
@@ -21,7 +21,7 @@ void insertBehindLast(ArchiveEditor& archive, const QDomElement& table) {
 } // namespace
 
 void V56_ResourceTableAdaptor::convert(ArchiveEditor& archive) {
-    // Quirk: a table that is there already is not used, and the content gets a second reference.
+    // Quirk: an existing table is not used, and the content gets a second reference.
     const QString type = "ResourceTable::Object";
     const long long id = archive.declare(type);
     const QDomElement content = archive.lastRootObject("Project::Content");

@@ -15,9 +15,9 @@ QDomElement newTable(ArchiveEditor& archive) {
     return table;
 }
 
-/// The records of these objects get the new root as parent.
+/// Sets the parent in the records of these objects.
 void setParent(ArchiveEditor& archive, const QList<long long>& ids, long long parent) {
-    // Quirk: entries of `refs` are searched as well. They declare nothing, which counts as the object 0.
+    // Quirk: entries of `refs` are searched as well. They count as records of the object 0.
     for (const QDomElement& item : elements(archive.predeclarations(), Words::Item)) {
         const QDomElement record = item.firstChildElement(Words::Data);
         if (ids.contains(declaredId(record)))

@@ -4,7 +4,7 @@
 
 namespace Project {
 
-/// Version 57: content and resource table stand side by side in a new root, "Project::PersistentObject".
+/// Version 57: content and resource table are fields of a new root object, "Project::PersistentObject".
 class V57_ProjectPersistentObjectAdaptor : public Bundle::ArchiveStep {
 protected:
     void convert(Archive::Internal::ArchiveEditor& archive) override;

@@ -12,7 +12,7 @@ namespace {
 struct EnumField {
     const char* className;
     const char* field;
-    bool isDouble = false; ///< the others are unsigned numbers
+    bool isDouble = false; ///< false for an unsigned number
 };
 
 // clang-format off
@@ -51,12 +51,12 @@ void convertDouble(ArchiveEditor& archive, const QDomElement& e) {
 }
 
 void convertField(ArchiveEditor& archive, const QDomElement& object, const EnumField& row) {
-    // Quirk: at any depth, so the field of an embedded object is taken where it comes first.
+    // Quirk: at any depth, so a field of an embedded object is converted instead if it comes first.
     const QDomElement e = firstDescendant(object, row.field);
     if (e.isNull())
         return;
-    // Quirk: the element's own type does not count. An unsigned number keeps its text, even one that the new type
-    // can't hold.
+    // Quirk: the element's own type is ignored. An unsigned number keeps its text, also if the new type can't
+    // hold it.
     if (row.isDouble)
         convertDouble(archive, e);
     archive.setType(e, "int32_t");

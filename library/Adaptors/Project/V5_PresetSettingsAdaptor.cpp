@@ -16,7 +16,7 @@ struct Setting {
     int value;
 };
 
-// The settings of one preset are appended in this order.
+// The settings of a preset are appended in this order.
 // clang-format off
 constexpr Setting settings[] = {
     {"Transition::Matrix", "MatrixMediumBlocksSmooth", "blockCount", "uint32_t", 3},
@@ -54,7 +54,7 @@ QString tagOf(const QDomElement& object) {
     return textOf(firstDescendant(firstDescendant(object, Words::BaseOfObject), "tag"));
 }
 
-/// Sets a field, also one that is stored with another value.
+/// Sets a field; an existing one is replaced.
 void addSetting(Fields fields, const Setting& setting) {
     if (QLatin1String(setting.type) == QLatin1String("double"))
         fields.number(setting.name, setting.value);

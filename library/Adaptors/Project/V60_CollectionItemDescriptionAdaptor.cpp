@@ -16,8 +16,8 @@ using Serialize::Json::FlatObject;
 namespace Project {
 namespace {
 
-// Quirk: the two forms differ in how they find out whether imports take part, and in that only the JSON form excludes
-// effects and transitions of the themes.
+// Quirk: the two forms differ: each has another condition for converting imports, and only the JSON form
+// excludes effects and transitions of the themes.
 
 void describe(ArchiveEditor& archive, const QDomElement& object) {
     archive.setField(object, "description", Archive::valueOf(object, "tag"));
@@ -47,7 +47,7 @@ void describeRootObjects(ArchiveEditor& archive, const QString& type, const QSet
     }
 }
 
-/// An item without a reference excludes objects without an id.
+/// Quirk: an item without a reference excludes all objects without an id.
 using ExcludedIds = std::set<std::optional<unsigned long long>>;
 
 ExcludedIds themeIds(FlatObject& document) {

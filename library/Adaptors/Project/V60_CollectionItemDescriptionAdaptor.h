@@ -5,7 +5,7 @@
 
 namespace Project {
 
-/// Version 60: what a collection holds is shown by its `description`, which is taken from the `tag`.
+/// Version 60: the objects of a collection are shown by their `description`, which is copied from the `tag`.
 class V60_CollectionItemDescriptionAdaptor : public Bundle::XmlStep, public Bundle::AbstractAdaptorJson {
 public:
     using XmlStep::adapt;

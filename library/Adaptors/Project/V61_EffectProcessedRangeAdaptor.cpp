@@ -15,11 +15,11 @@ namespace {
 constexpr const char* effectClass = "Effect::Object";
 constexpr const char* rangeClass = "Types::Range";
 
-// From the start to -1, the end: all of the clip.
+// From 0 to -1, which means the end: the whole clip.
 constexpr int rangeFrom = 0;
 constexpr int rangeTo = -1;
 
-/// By id, of several the last.
+/// Effects by id; if an id occurs twice, the last one.
 QHash<long long, QDomElement> collectEffects(ArchiveEditor& archive) {
     QHash<long long, QDomElement> effects;
     for (const QDomElement& effect : archive.baseParts(effectClass))
@@ -36,8 +36,8 @@ void appendRange(ArchiveEditor& archive, const QDomElement& effect, long long id
 
 void V61_EffectProcessedRangeAdaptor::convert(ArchiveEditor& archive) {
     const auto effects = collectEffects(archive);
-    const auto records = archive.records(); // those of the ranges are added meanwhile
-    // Quirk: an effect with two records gets two ranges, one without a record gets none.
+    const auto records = archive.records(); // a snapshot: records of the ranges are added below
+    // Quirk: an effect with two records gets two ranges, an effect without a record gets none.
     for (const Record& record : records) {
         const QDomElement effect = effects.value(record.id);
         if (effect.isNull())

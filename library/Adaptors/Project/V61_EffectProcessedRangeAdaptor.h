@@ -5,7 +5,8 @@
 
 namespace Project {
 
-/// Version 61: an effect can work on a part of its clip, so every effect gets a `processedRange`: the whole.
+/// Version 61: an effect can work on a part of its clip, so every effect gets a `processedRange`, which is
+/// the whole clip.
 class V61_EffectProcessedRangeAdaptor : public Bundle::XmlStep, public Bundle::AbstractAdaptorJson {
 public:
     using XmlStep::adapt;

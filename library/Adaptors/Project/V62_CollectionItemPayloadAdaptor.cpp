@@ -15,7 +15,7 @@ struct Download {
     long long size = 0;
 };
 
-// Objects that have never had a file of their own.
+// Classes of objects that have no file of their own.
 constexpr const char* typesWithoutResource[] = {
     "Overlay::Preset",
     "Quiz::Preset",
@@ -56,7 +56,7 @@ public:
     }
 
 private:
-    /// Removes the download from its holder, which keeps the path of the file.
+    /// Removes URL and size from an object and renames the path of its file, which it keeps.
     Download takeDownload(const QDomElement& holder) {
         Download download = {Archive::valueOf(holder, "remoteUrl"), int64In(holder, "remoteSize")};
         m_archive.removeField(holder, "remoteUrl");

@@ -14,13 +14,13 @@ using Serialize::Json::FlatObject;
 namespace Project {
 namespace {
 
-/// As memberOf(), but a value that is neither an object nor null is no place to look in.
+/// As memberOf(), but throws the type error for a value that is neither an object nor null.
 const json& memberOrError(const json& value, const std::string& key) {
     return value.is_object() || value.is_null() ? memberOf(value, key) : value[key];
 }
 
 std::uint64_t toId(const json& number) {
-    // A fraction is cut off; what no id can hold is the id of no object.
+    // A fraction is cut off. A number out of range is the id of no object.
     if (number.is_number_float() && !(number.get<double>() > -1.0 && number.get<double>() < 0x1p64))
         throw std::out_of_range("invalid map<K, T> key");
     return number.get<std::uint64_t>();

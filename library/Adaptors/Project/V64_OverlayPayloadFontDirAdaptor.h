@@ -4,7 +4,7 @@
 
 namespace Project {
 
-/// Version 64: an overlay preset can bring fonts of its own, so each gets an empty `fontsDir`.
+/// Version 64: an overlay preset can have fonts of its own, so each gets an empty `fontsDir`.
 class V64_OverlayPayloadFontDirAdaptor : public Bundle::AbstractAdaptorJson {
 public:
     void adapt(Serialize::Json::FlatObject& document) override;

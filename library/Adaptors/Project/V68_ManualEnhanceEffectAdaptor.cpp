@@ -12,8 +12,8 @@ using Serialize::Json::FlatObject;
 namespace Project {
 namespace {
 
-/// A value as a 32-bit integer, fractions cut off. A number beyond 32 bits that is stored as a floating one
-/// counts as the nearest bound.
+/// A value as a 32-bit integer; a fraction is cut off. A floating number out of range becomes the nearest
+/// bound, an integer out of range wraps.
 int toInt(const json& value) {
     if (!value.is_number_float())
         return value.get<int>();
@@ -25,13 +25,13 @@ int toInt(const json& value) {
     return static_cast<int>(std::clamp(number, least, greatest));
 }
 
-/// Whole numbers from `low` over 0 to `high`; each side has its own slope.
+/// Maps integers from `low` to `high` to -1 to 1. 0 stays 0, so each side has its own slope.
 double aroundZero(const json& value, double low, double high) {
     const double number = std::clamp(static_cast<double>(toInt(value)), low, high);
     return number < 0.0 ? number / -low : number / high;
 }
 
-/// Numbers from `low` over 1 to `high`; each side has its own slope.
+/// Maps numbers from `low` to `high` to -1 to 1. 1 becomes 0, so each side has its own slope.
 double aroundOne(const json& value, double low, double high) {
     const double number = std::clamp(value.get<double>(), low, high);
     return number < 1.0 ? (number - low) / (1.0 - low) - 1.0 : (number - 1.0) / (high - 1.0);
@@ -45,7 +45,7 @@ struct Parameter {
 };
 
 // clang-format off
-// In the order of their keys: what stands before a value of the wrong type is converted already.
+// Sorted by key: if a value has the wrong type, the ones before it are already converted.
 constexpr Parameter parameters[] = {
     {"brightness", aroundZero, -255, 255},
     {"contrast", aroundZero, -80, 80},

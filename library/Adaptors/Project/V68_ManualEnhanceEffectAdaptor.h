@@ -4,7 +4,8 @@
 
 namespace Project {
 
-/// Version 68: the parameters of `Effect::ManualEnhance` go from -1 to 1, where each had a range of its own.
+/// Version 68: the parameters of `Effect::ManualEnhance` range from -1 to 1; before, each had a range of its
+/// own.
 class V68_ManualEnhanceEffectAdaptor : public Bundle::AbstractAdaptorJson {
 public:
     void adapt(Serialize::Json::FlatObject& document) override;

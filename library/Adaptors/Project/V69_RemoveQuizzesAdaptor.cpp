@@ -38,7 +38,7 @@ std::int64_t timeOf(const json& timing, const char* key) {
     return isBeyondTime ? 0 : value.get<std::int64_t>();
 }
 
-/// A timeline whose entries are being handled.
+/// A timeline in work: the entries of its clips are being read.
 struct Level {
     Level(unsigned long long timelineId, json& timelineObject)
         : id(timelineId), timeline(timelineObject), clips(timelineObject, "clips") {}
@@ -70,7 +70,7 @@ private:
 
     FlatObject& m_document;
     std::unordered_set<unsigned long long> m_entered;
-    std::deque<Level> m_levels; // not the stack: timelines may nest deeply
+    std::deque<Level> m_levels; // in place of recursion: timelines may be nested deeply
 };
 
 void QuizRemoval::removeFrom(unsigned long long timelineId) {
@@ -86,14 +86,14 @@ void QuizRemoval::removeFrom(unsigned long long timelineId) {
     }
 }
 
-/// False for a timeline that has been entered before: once is enough, also where it is nested in itself.
+/// Returns false if the timeline was entered before, for example because it is nested in itself.
 bool QuizRemoval::enter(unsigned long long timelineId) {
     json& timeline = objectAt(m_document, timelineId);
     if (!m_entered.insert(timelineId).second)
         return false;
     const json& clips = memberOf(timeline, "clips");
     if (clips.is_primitive() && !clips.is_null())
-        json(clips).push_back(nullptr); // raises the type error
+        json(clips).push_back(nullptr); // throws the type error
     m_levels.emplace_back(timelineId, timeline);
     return true;
 }
@@ -104,7 +104,7 @@ void QuizRemoval::handleEntry(Level& level) {
     const json& clip = objectAt(m_document, clipId);
     const json& nested = memberOf(clip, "nestedTimeline");
     if (!nested.is_null() && enter(targetOf(nested)))
-        return; // the same entry comes again when the nested timeline is done
+        return; // the same entry is read again after the nested timeline
     const MTime end = endOf(entry);
     if (memberOf(clip, "type") == quizClipType) {
         level.quizEnd = std::max(level.quizEnd, end);
@@ -120,7 +120,7 @@ MTime QuizRemoval::endOf(const json& entry) {
     const json& reference = memberOf(entry, "timing");
     const json& timing = reference.is_object() ? objectAt(m_document, targetOf(reference)) : reference;
     if (!timing.is_object())
-        static_cast<void>(timing["timestamp"]); // raises the type error
+        static_cast<void>(timing["timestamp"]); // throws the type error
     return MTime::fromMs(timeOf(timing, "timestamp")) + MTime::fromMs(timeOf(timing, "duration"));
 }
 
@@ -139,7 +139,7 @@ bool QuizRemoval::isOfType(const json& reference, int type) {
     return memberOf(objectAt(m_document, targetOf(reference)), "type") == type;
 }
 
-/// The removed clips had stretched the timeline: a title clip keeps its length.
+/// Adds a title clip at the end, so that the timeline keeps the length that the removed clips gave it.
 void QuizRemoval::fill(Level& level) {
     const MTime gap = level.quizEnd - level.normalEnd;
     const json* clip = Internal::createFillerClip(m_document, level.id, gap);
@@ -150,10 +150,10 @@ void QuizRemoval::fill(Level& level) {
     json entry = json::object();
     entry["clip"] = m_document.createRef(clip);
     entry["timing"] = m_document.createRef(timing);
-    level.timeline["clips"].push_back(entry); // raises the type error for an object
+    level.timeline["clips"].push_back(entry); // throws the type error for an object
 }
 
-/// Null where the timeline has no track for titles.
+/// A reference to the first track for titles; null if there is none.
 json QuizRemoval::trackForFiller(const json& timeline) {
     const json& tracks = memberOf(timeline, "tracks");
     if (!tracks.is_structured())

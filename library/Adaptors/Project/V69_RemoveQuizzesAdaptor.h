@@ -4,8 +4,8 @@
 
 namespace Project {
 
-/// Version 69: there are no quizzes any more; their clips leave the timelines, and a plain title fills the end where
-/// they made a timeline longer.
+/// Version 69: there are no quizzes any more. Their clips are removed from the timelines, and if that makes a
+/// timeline shorter, a title clip fills its end.
 class V69_RemoveQuizzesAdaptor : public Bundle::AbstractAdaptorJson {
 public:
     void adapt(Serialize::Json::FlatObject& document) override;

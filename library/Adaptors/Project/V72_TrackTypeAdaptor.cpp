@@ -20,12 +20,12 @@ constexpr TrackType trackTypes[] = {
     {16, 1},
     {32, 2},
     {48, 4},
-    {64, 8}, // also the former track number 96, whose type is 64
+    {64, 8}, // also for the former track number 96, which has the type 64
     {80, 16},
 };
 // clang-format on
 
-// A type of no row, and one that is no number, becomes 0.
+// Quirk: any other type, and one that is no number, becomes 0.
 int convert(const json& type) {
     if (!type.is_number())
         return 0;

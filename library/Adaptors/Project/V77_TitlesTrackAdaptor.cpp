@@ -53,7 +53,7 @@ public:
     }
 
 private:
-    /// Quirk: an id that the document lacks gets an empty entry, in which no field is found.
+    /// Quirk: an id that the document lacks gets an empty entry, without fields.
     json& entry(unsigned long long id) { return m_document.objects[id]; }
 
     long long typeOf(unsigned long long id) { return toInteger(memberOf(entry(id), "type")); }
@@ -64,7 +64,7 @@ private:
 
     const json::array_t& tracks() const { return entriesOf(*m_timeline.object, "tracks"); }
 
-    /// The place in `tracks` of the first track of that type, its length for none.
+    /// The position in `tracks` of the first track of that type; the length of `tracks` if there is none.
     std::size_t placeOf(long long type) {
         std::size_t place = 0;
         while (place < tracks().size() && typeOf(trackOf(tracks()[place])) != type)
@@ -91,7 +91,7 @@ private:
             return;
         json& timing = entry(idOf(memberOf(clip, "timing"), "timing id missed in flat map"));
         const auto track = trackOf(memberOf(timing, "track"));
-        // Quirk: a titles track that holds a title already is not used for the others.
+        // Quirk: a titles track that already has a title is not used for the others.
         if (m_titles && areEqual(*m_titles->object, entry(track)))
             m_titles.reset();
         if (typeOf(track) == primaryTrack) {
@@ -100,7 +100,7 @@ private:
         }
     }
 
-    /// The primary track gets gaps where titles were.
+    /// The titles leave gaps on the primary track.
     SelectedObject allowGaps() {
         const auto primary = trackAt(placeOf(primaryTrack));
         if (!primary)
@@ -109,7 +109,7 @@ private:
         return *primary;
     }
 
-    /// Quirk: without `used`. `hidden` is set by the caller.
+    /// Quirk: the track gets no `used`. The caller sets `hidden`.
     SelectedObject makeTitlesTrack() {
         json& track = *m_document.createObject("Timeline::Track");
         track["gapless"] = false;
@@ -131,7 +131,8 @@ private:
         }
     }
 
-    // Quirk: the entries stay, and so does the half of the transition that the clip at the other end holds.
+    // Quirk: the transitions stay in the list, and so does the half in the timing of the clip at the other
+    // end.
     void endTransitions() {
         auto* transitions = listOf(*m_timeline.object, "transitions");
         if (!transitions)

@@ -4,8 +4,8 @@
 
 namespace Project {
 
-/// Version 77: titles no longer lie on the primary track, so they move to a titles track, which is made where
-/// none can take them.
+/// Version 77: titles are no longer on the primary track, so they move to a titles track, which is created if
+/// there is no free one.
 class V77_TitlesTrackAdaptor : public Bundle::AbstractAdaptorJson {
 public:
     void adapt(Serialize::Json::FlatObject& document) override;

@@ -21,20 +21,20 @@ namespace {
 
 using Id = unsigned long long;
 
-constexpr long long levelledTrack = 4; // Quirk: its clips stay on it, and their levels are lost
+constexpr long long levelledTrack = 4; // Quirk: clips stay on this track and lose their levels
 
-/// Gives each level of a track a track of its own, a clone.
+/// Creates a clone of a track for each of its levels.
 class LevelTracks {
 public:
     explicit LevelTracks(FlatObject& document) : m_document(document) {}
 
-    /// Moves each timing that lies on a level to the clone for that level.
+    /// Moves each timing with a level to the clone for that level.
     void moveTimings() {
         for (const auto& timing : selectObjects(m_document, "Timeline::ClipTiming"))
             moveTiming(*timing.object);
     }
 
-    /// Puts the clones into `tracks` of the timelines that they name.
+    /// Adds the clones to `tracks` of their timelines.
     void listClones() {
         if (m_timelines.empty())
             return;
@@ -57,7 +57,7 @@ private:
         if (level == 0)
             return;
         const auto track = getAnyObjectId(memberOf(timing, "track"));
-        // Quirk: an id that the document lacks gets an empty entry, which has no number as its type.
+        // Quirk: an id that the document lacks gets an empty entry. Its type is no number, which throws.
         if (!track || toInteger(memberOf(m_document.objects[*track], "type")) == levelledTrack)
             return;
         timing["track"] = m_document.createRef(cloneFor(*track, level));
@@ -104,7 +104,7 @@ private:
             const auto clone = m_document.objects.find(id);
             if (clone == m_document.objects.end())
                 throw std::logic_error("V77_TrackLevelAdaptor logic error. Content data can be corrupted.");
-            // Copies of what holds copies would double in size with each.
+            // A copy that contains copies would double in size with each.
             if (m_rewritten.count(id) > 0)
                 throw std::logic_error(
                     "incorrect json flat map object: timeline with clones of tracks is a track itself");
@@ -114,8 +114,8 @@ private:
 
     FlatObject& m_document;
     std::unordered_map<Id, std::map<int, Id>> m_clones; ///< by track and level
-    std::unordered_set<Id> m_timelines;                 ///< those that got a clone
-    std::unordered_set<Id> m_rewritten;                 ///< those whose `tracks` list clones, or begin to
+    std::unordered_set<Id> m_timelines;                 ///< timelines with a clone
+    std::unordered_set<Id> m_rewritten;                 ///< timelines whose `tracks` contain clones
 };
 
 } // namespace

@@ -33,7 +33,7 @@ void renameFades(json& timing) {
     Archive::renameChild(timing, "fadeOutDuraion", "fadeOutDuration");
 }
 
-/// Repairs the timings on the way, and takes the tracks that they lie on out of `unused`.
+/// Renames the fields of the timings, and removes the tracks that they are on from `unused`.
 void keepOccupied(FlatObject& document, Ids& unused) {
     for (const auto& timing : selectObjects(document, "Timeline::ClipTiming")) {
         renameFades(*timing.object);
@@ -42,7 +42,8 @@ void keepOccupied(FlatObject& document, Ids& unused) {
     }
 }
 
-// Only the list forgets a track: the object stays, and `used` stays false on one that is kept.
+// Quirk: a track is removed from the lists only; its object stays. `used` stays false on a track that is
+// kept.
 void dropTracks(FlatObject& document, const Ids& unused) {
     for (const auto& timeline : selectObjects(document, "Timeline::Object")) {
         auto* tracks = Archive::Internal::listOf(*timeline.object, "tracks");

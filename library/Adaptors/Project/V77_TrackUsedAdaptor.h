@@ -4,8 +4,8 @@
 
 namespace Project {
 
-/// Version 77: a timeline lists the tracks that are in use, so those that are unused and empty leave its
-/// `tracks`; two misspelt fade fields of clip timings get their right names.
+/// Version 77: a timeline lists the tracks that are in use, so tracks that are unused and empty are removed
+/// from `tracks`. Two misspelt fade fields of clip timings get their right names.
 class V77_TrackUsedAdaptor : public Bundle::AbstractAdaptorJson {
 public:
     void adapt(Serialize::Json::FlatObject& document) override;

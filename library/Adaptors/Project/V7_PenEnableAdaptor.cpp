@@ -10,7 +10,7 @@ namespace {
 
 bool hasWidth(const QDomElement& pen) {
     const QDomElement width = firstDescendant(pen, "width");
-    // Quirk: the text is compared, not the number, so "0.0" is a width.
+    // Quirk: the text is compared, not the number, so "0.0" does not count as 0.
     return !width.isNull() && textOf(width) != "0";
 }
 

@@ -16,7 +16,7 @@ namespace {
 // Quirk: the tag is spelled "effet".
 constexpr NumberedEffect cutaway = {"Effect::Cutaway", 14, "effet_cutaway", 32769};
 
-/// Quirk: ids have 32 bits here, and all greater ones read as 0.
+/// Quirk: ids are read in 32 bits; greater ones read as 0.
 using Ids = QSet<int>;
 
 Ids collectIds(const Elements& objects) {
@@ -42,21 +42,21 @@ bool refersToAny(const QDomElement& list, const Ids& ids) {
 } // namespace
 
 void V8_ChromaKeyPiPAdaptor::convert(ArchiveEditor& archive) {
-    // Quirk: the records are the first descendant of that name.
+    // Quirk: the records are those in the first descendant of that name, not in the first child.
     const QDomElement predeclarator = archive.lastRootObject(Words::Predeclarator);
     archive.setPredeclarations(firstDescendant(predeclarator, Words::predeclarations));
 
     const Elements chromaKeys = archive.rootObjects("Effect::ChromaKey");
     if (chromaKeys.empty())
         return;
-    archive.startIds(); // before texts change: the search for ids ends at one that is not valid XML
+    archive.startIds(); // before texts change: a scan for ids ends at a text that is not valid XML
     for (const QDomElement& chromaKey : chromaKeys)
         setUniqueId(archive, chromaKey);
 
     const Ids ids = collectIds(chromaKeys);
     for (const QDomElement& clip : archive.rootObjects("Timeline::Clip")) {
         const QDomElement effects = firstDescendant(clip, "effects");
-        if (refersToAny(effects, ids)) // one cutaway is enough for any number of chroma keys
+        if (refersToAny(effects, ids)) // one cutaway for all chroma keys of a clip
             appendNumberedEffect(archive, cutaway, effects);
     }
 }

@@ -10,7 +10,7 @@ using namespace Archive::Internal;
 namespace Project {
 namespace {
 
-/// By the text of the file's id. Quirk: ids are compared as texts here, so "07" is not "7".
+/// Keyed by the text of the file's id. Quirk: ids are compared as texts here, so "07" is not "7".
 using Paths = QHash<QString, QString>;
 
 Paths collectPaths(ArchiveEditor& archive) {

@@ -4,7 +4,8 @@
 
 namespace Project {
 
-/// Version 9: stabilizing makes a second file, so a clip keeps the path of its source file in `pathOriginal`.
+/// Version 9: stabilizing creates a second file, so a clip stores the path of its source file in
+/// `pathOriginal`.
 class V9_StabilizationAdaptor : public Bundle::ArchiveStep {
 protected:
     void convert(Archive::Internal::ArchiveEditor& archive) override;

@@ -87,7 +87,7 @@ RecordList ArchiveEditor::records() {
     return m_index.records(predeclarations());
 }
 
-// Make.
+// Create.
 
 long long ArchiveEditor::greatestId() {
     if (const auto id = m_index.greatestId())
@@ -194,16 +194,17 @@ void ArchiveEditor::undeclare(const QSet<long long>& ids) {
         undeclare(id);
 }
 
-void ArchiveEditor::undeclareIf(const std::function<bool(const Record&)>& goes) {
+void ArchiveEditor::undeclareIf(const std::function<bool(const Record&)>& predicate) {
     applyUndeclared();
-    removeRecords(goes);
+    removeRecords(predicate);
 }
 
 void ArchiveEditor::applyUndeclared() {
     if (m_undeclared.isEmpty())
-        return; // no call, no new numbers
+        return; // without a call the entries are not numbered
 
-    // What was added after the last call keeps the index that it got, less the removals that `size` lacked then.
+    // An entry that was added after the last call got its index from a `size` that still counted the batched
+    // removals. So the index is reduced by their number.
     std::vector<long long> lateIndexes;
     for (std::size_t number = m_addedBeforeLastUndeclared; number < m_added.size(); ++number)
         lateIndexes.push_back(m_added[number].attribute(Words::index).toLongLong());
@@ -214,11 +215,11 @@ void ArchiveEditor::applyUndeclared() {
         const auto undeclared = m_undeclared.constFind(record.id);
         const bool isUndeclared = undeclared != m_undeclared.constEnd();
         const bool isNew = added < m_added.size() && record.item == m_added[added];
-        // An old record was there at every call, a new one only at those that came after it.
-        const bool goes = isUndeclared && (!isNew || *undeclared > added);
+        // A call removes only records that existed when it was made.
+        const bool isRemoved = isUndeclared && (!isNew || *undeclared > added);
         added += isNew ? 1 : 0;
-        removals += goes ? 1 : 0;
-        return goes;
+        removals += isRemoved ? 1 : 0;
+        return isRemoved;
     });
 
     for (std::size_t late = 0; late < lateIndexes.size(); ++late)
@@ -229,14 +230,14 @@ void ArchiveEditor::applyUndeclared() {
     m_addedBeforeLastUndeclared = 0;
 }
 
-void ArchiveEditor::removeRecords(const std::function<bool(const Record&)>& goes) {
+void ArchiveEditor::removeRecords(const std::function<bool(const Record&)>& predicate) {
     QDomElement array = predeclarations();
     const RecordList records = m_index.records(array);
     const std::size_t numbered = m_index.numberedRecords(array);
     const auto left = std::make_shared<Records>();
     Elements removals;
     for (const Record& record : records) {
-        if (goes(record)) {
+        if (predicate(record)) {
             removals.push_back(record.item);
             m_index.removed(array, record.item);
             continue;
@@ -246,9 +247,11 @@ void ArchiveEditor::removeRecords(const std::function<bool(const Record&)>& goes
         const bool hasPosition = left->size() + removals.size() <= numbered;
         if (!hasPosition)
             Internal::setIndex(item,
-                               static_cast<long long>(left->size())); // also where nothing goes in the end
+                               static_cast<long long>(left->size())); // also if nothing is removed
         else if (!removals.empty())
-            item.setAttribute(Words::index, QString::number(left->size())); // it is known to differ
+            item.setAttribute(
+                Words::index,
+                QString::number(left->size())); // the old one is known to differ: no need to read it
     }
     Internal::removeItems(array, removals);
     m_index.setRecords(array, left, left->size());
@@ -256,7 +259,7 @@ void ArchiveEditor::removeRecords(const std::function<bool(const Record&)>& goes
 
 // Change.
 
-void ArchiveEditor::takeFromItsPlace(const QDomElement& child) {
+void ArchiveEditor::notifyMove(const QDomElement& child) {
     if (child.ownerDocument() != m_document)
         m_index.imported(child);
     else if (const QDomNode parent = child.parentNode(); !parent.isNull())
@@ -264,14 +267,14 @@ void ArchiveEditor::takeFromItsPlace(const QDomElement& child) {
 }
 
 void ArchiveEditor::notifyRemoval(const QDomNode& parent, const QDomNode& child) {
-    predeclarations(); // a step takes those that were there before it removed anything
+    predeclarations(); // a step uses the array that existed before its first removal
     m_index.removed(parent, child);
 }
 
 void ArchiveEditor::append(QDomElement parent, const QDomElement& child) {
     if (parent.isNull() || child.isNull())
         return;
-    takeFromItsPlace(child);
+    notifyMove(child);
     parent.appendChild(child);
     m_index.inserted(parent, child, true);
 }
@@ -279,7 +282,7 @@ void ArchiveEditor::append(QDomElement parent, const QDomElement& child) {
 void ArchiveEditor::insertBefore(QDomElement parent, const QDomElement& child, const QDomElement& next) {
     if (parent.isNull() || child.isNull())
         return;
-    takeFromItsPlace(child);
+    notifyMove(child);
     parent.insertBefore(child, next);
     m_index.inserted(parent, child, false);
 }
@@ -287,7 +290,7 @@ void ArchiveEditor::insertBefore(QDomElement parent, const QDomElement& child, c
 void ArchiveEditor::insertAfter(QDomElement parent, const QDomElement& child, const QDomNode& previous) {
     if (parent.isNull() || child.isNull())
         return;
-    takeFromItsPlace(child);
+    notifyMove(child);
     parent.insertAfter(child, previous);
     m_index.inserted(parent, child, child.nextSibling().isNull());
 }
@@ -321,7 +324,7 @@ void ArchiveEditor::replace(const QDomNode& old, const QDomElement& created) {
 void ArchiveEditor::replaceChild(const QDomElement& parent, const QDomElement& created, const QDomNode& old) {
     if (parent.isNull() || created.isNull() || old.parentNode() != parent)
         return;
-    takeFromItsPlace(created);
+    notifyMove(created);
     notifyRemoval(parent, old);
     QDomNode(parent).replaceChild(created, old);
     m_index.inserted(parent, created, created.nextSibling().isNull());
@@ -374,7 +377,7 @@ void ArchiveEditor::removeBinaryData(QDomElement e) {
 
 void ArchiveEditor::setIndex(QDomElement item, long long index) {
     Internal::setIndex(item, index);
-    m_index.numberedAnew(item.parentNode());
+    m_index.renumbered(item.parentNode());
 }
 
 void ArchiveEditor::setSize(QDomElement array, long long size) {

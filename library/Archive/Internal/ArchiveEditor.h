@@ -16,18 +16,18 @@
 
 namespace Archive::Internal {
 
-/// Where a step looks for objects.
+/// Where a step searches for objects.
 enum class Scope {
-    Archive,  ///< below the document's only `Archive`; nowhere where there is none or several
+    Archive,  ///< below the document's only `Archive`; finds nothing if there is none or several
     Document, ///< in the whole document
 };
 
-/// The context that a step works in: an XML archive and an index of it. All changes of the tree go through this class,
-/// which keeps the index up to date. One editor serves all steps of a migration, so that not every step has to search
-/// the document again.
+/// The context of a step: an XML archive and an index of it. All changes of the tree are made through this
+/// class, which keeps the index up to date. All steps of a migration share one editor, so that not every step
+/// has to search the document again.
 ///
-/// Lists of elements are fetched at once and do not change with the document. A null element is accepted everywhere and
-/// gives a null element, an empty list or no change. Not safe for use by several threads at once.
+/// Lists of elements are snapshots: they do not change with the document. A null element is accepted
+/// everywhere; the result is then a null element, an empty list or no change. Not thread-safe.
 class ArchiveEditor {
 public:
     explicit ArchiveEditor(const QDomDocument& document) : m_document(document), m_index(document) {}
@@ -39,26 +39,26 @@ public:
     ArchiveEditor(ArchiveEditor&&) = default;
     ArchiveEditor& operator=(ArchiveEditor&&) = default;
 
-    /// For reading. Changes that are made to it directly must be followed by invalidate().
+    /// For reading. After a change that is made without this class, call invalidate().
     const QDomDocument& document() const { return m_document; }
 
-    /// Forgets all that is known of the document.
+    /// Discards the index. To be called after the document was changed without this class.
     void invalidate() { m_index.invalidate(); }
 
-    /// Replaces the whole document by what is read from that text.
+    /// Replaces the whole document by the one in that text.
     void setContent(const QString& text);
 
-    /// Starts a step that looks for objects in that scope. Its ids count from the greatest that the document has when
-    /// the first one is wanted, and its predeclarations are those of the last `Predeclarator`.
+    /// Starts a step that searches for objects in that scope. New ids start above the greatest id that the
+    /// document has when the step first needs one. The predeclarations are those of the last `Predeclarator`.
     void beginStep(Scope scope);
-    /// Completes what the step left pending.
+    /// Ends the step: applies pending calls of undeclare().
     void endStep();
 
     // Find.
 
-    /// The document's only `Archive`, at any depth; a null element where there is none or several.
+    /// The document's only `Archive`, at any depth; a null element if there is none or several.
     QDomElement root() { return m_index.archive(); }
-    /// The document element where it is an `Archive`, also if there are further ones in it; else a null element.
+    /// The document element if it is an `Archive`, also if it contains further ones; else a null element.
     QDomElement topArchive() const;
 
     /// All `RootObject` elements, at any depth, in document order; those of one type, or all with their types.
@@ -69,42 +69,43 @@ public:
     /// The last of that type.
     QDomElement lastRootObject(const QString& type);
 
-    /// All `BaseOfObject` elements, in the same way.
+    /// The same for `BaseOfObject` elements.
     Elements baseParts(const QString& type);
     TypedElements baseParts();
     TypedElements baseParts(Scope scope);
 
-    /// The array of records that declare() and undeclare() work on. Null where there is none: then new records are
-    /// lost, while their ids are used up all the same.
+    /// The array of records that declare() and undeclare() change. Null if there is none: then new records
+    /// are dropped, but still use up ids.
     QDomElement predeclarations();
-    /// Makes another array that one, until the step ends. To be called before anything is removed.
+    /// Uses another array as predeclarations() until the step ends. Must be called before anything is
+    /// removed.
     void setPredeclarations(const QDomElement& array);
-    /// Its entries, at this moment.
+    /// The entries of predeclarations(), as a snapshot.
     RecordList records();
-    /// How many of them, counted from the first, are known to have their position as `index`.
+    /// The number of leading entries whose `index` is known to be their position.
     std::size_t numberedRecords() { return m_index.numberedRecords(predeclarations()); }
     /// The entries of an array of records.
     RecordList recordsIn(const QDomElement& array) { return m_index.records(array); }
 
-    // Make.
+    // Create.
 
     /// The greatest object id that the document has now, at least 1.
     long long greatestId();
-    /// The next id. Ids are not given twice in a step, also where objects were removed.
+    /// The next new id. A step gets each id once, also if objects were removed.
     long long nextId();
-    /// Reads the greatest id now instead of when the first new id is wanted: ids of objects that are removed from now
-    /// on are not given again. A second call reads it again.
+    /// Reads the greatest id now instead of at the first new id, so that ids of objects that are removed
+    /// later are not used again. A second call reads it again.
     void startIds();
 
-    /// Appends fields to an object.
+    /// Appends fields to an object. See Fields.
     Fields fields(const QDomElement& object) { return {*this, object, Fields::Place::End}; }
-    /// The same, but a field takes the place of the first child that has its name.
+    /// The same, but a field replaces the first child that has its name.
     Fields settingFields(const QDomElement& object) { return {*this, object, Fields::Place::SameName}; }
-    /// The same, but the first one takes the place of `old`, a child of the object.
+    /// The same, but the first field replaces `old`, a child of the object.
     Fields fieldsInsteadOf(const QDomElement& old) {
         return {*this, old.parentNode().toElement(), Fields::Place::Instead, old};
     }
-    /// Inserts fields behind a child of the object; at the end where that is a null element.
+    /// Inserts fields after a child of the object; at the end if that is a null element.
     Fields fieldsBehind(const QDomElement& object, const QDomElement& child) {
         return {*this, object, Fields::Place::Behind, child};
     }
@@ -119,72 +120,77 @@ public:
     /// An element without attributes that is not yet in the tree.
     QDomElement newArray(const QString& name, long long size = 0);
 
-    /// Adds an empty entry at the end of an array and counts its `size` up. The form with a name creates a missing
-    /// array. The entry is not in the tree where the array is null.
+    /// Appends an empty entry to an array and increments its `size`. The form with a name creates the array
+    /// if it is missing. If the array is null, the entry is not in the tree.
     QDomElement appendItem(const QDomElement& array);
     QDomElement appendItem(const QDomElement& parent, const QString& name);
     /// Adds an entry whose `Data` refers to an object.
     void appendReference(const QDomElement& array, long long id);
-    /// The same in front of all entries, whose `index` counts up by one.
+    /// The same at the front. The `index` of all other entries is incremented.
     QDomElement prependItem(const QDomElement& array);
     void prependReference(const QDomElement& array, long long id);
 
-    /// Adds a record for a new object and gives its id. The record itself takes the id behind that.
+    /// Adds a record for a new object and gives the object's id. The record itself gets the next id.
     long long declare(const QString& type, long long parent = 0, const QList<long long>& refs = {});
-    /// Adds a record for an object that has an id, or gets one where `id` is below 1.
+    /// Adds a record for an object of that id, or of a new id if `id` is below 1. Gives the object's id.
     long long declareAs(long long id, const QString& type, long long parent = 0,
                         const QList<long long>& refs = {});
-    /// Removes all records of an object. The other entries get their position, from 1, as `index`, also where there is
-    /// no such record. Takes effect when records() is called or the step ends, with the same result.
+    /// Removes all records of an object. The other entries get their position, from 1, as `index`, also if
+    /// there is no such record. Batches removals until records() is called or the step ends; the result
+    /// equals removing them one by one.
     void undeclare(long long id);
     void undeclare(const QSet<long long>& ids);
-    /// Removes the records for which `goes` holds, at once. It is called on all, in order.
-    void undeclareIf(const std::function<bool(const Record&)>& goes);
+    /// Removes the records for which `predicate` holds, without batching. The predicate is called for every
+    /// record, in order.
+    void undeclareIf(const std::function<bool(const Record&)>& predicate);
 
     // Change.
 
-    /// Makes an element the last child of `parent`, from where it was in this document, in another, or in none.
+    /// Makes an element the last child of `parent`. It may be anywhere in this document, in another, or in
+    /// none.
     void append(QDomElement parent, const QDomElement& child);
     void insertBefore(QDomElement parent, const QDomElement& child, const QDomElement& next);
-    /// At the end where `previous` is null.
+    /// Inserts at the end if `previous` is null.
     void insertAfter(QDomElement parent, const QDomElement& child, const QDomNode& previous);
 
     /// Removes an element from its parent.
     void remove(const QDomElement& e);
-    /// Removes a child; nothing for an element with another parent.
+    /// Removes a child. Does nothing if the element has another parent.
     void removeChild(const QDomElement& parent, const QDomElement& child);
     /// Removes the first child of that name.
     void removeField(const QDomElement& object, const QString& name);
-    /// Removes the entries whose `Data` fulfils the predicate, numbers the others from 1 and counts `size` down.
+    /// Removes the entries for whose `Data` the predicate holds, numbers the others from 1 and reduces
+    /// `size`. Returns whether anything was removed.
     bool removeItems(QDomElement array, const std::function<bool(QDomElement&)>& predicate);
 
-    /// Puts an element in the place of another node.
+    /// Replaces a node by an element.
     void replace(const QDomNode& old, const QDomElement& created);
-    /// The same for a child; nothing for an element with another parent.
+    /// The same for a child. Does nothing if `old` has another parent.
     void replaceChild(const QDomElement& parent, const QDomElement& created, const QDomNode& old);
 
     void rename(QDomElement e, const QString& tag);
     void setType(QDomElement e, const QString& type);
-    /// Sets an attribute that names a type, whatever it is called.
+    /// Sets an attribute of any name whose value is a type.
     void setType(QDomAttr attribute, const QString& type);
     void setObjectId(QDomElement e, long long id);
 
     /// Sets the `value` of an element.
     void setText(QDomElement e, const QString& text);
-    /// Sets the `value` of the first child of that name; nothing where there is none.
+    /// Sets the `value` of the first child of that name. Does nothing if there is none.
     void setField(const QDomElement& object, const QString& name, const QString& text);
     void setField(const QDomElement& object, const QString& name, long long number);
-    /// Makes an element a double of that value.
+    /// Makes an element a "double" of that value.
     void setNumber(QDomElement e, double number);
-    /// Removes the exact form of a number, which its `value` replaces.
+    /// Removes the attribute `binaryData`, the exact form of a number, so that only its `value` counts.
     void removeBinaryData(QDomElement e);
 
-    /// Sets the `index` of an entry and the `size` of an array, where nothing else does.
+    /// Sets the `index` of an entry or the `size` of an array directly. The operations on arrays above set
+    /// both themselves.
     void setIndex(QDomElement item, long long index);
     void setSize(QDomElement array, long long size);
 
-    /// Whether it is certain that the text of the document names types only in attributes `type`, and that the tree is
-    /// the same when it is written and read again.
+    /// Whether it is certain that the document's text names types only in attributes `type`, and that writing
+    /// and reading the document gives the same tree.
     bool showsTypes() const { return m_index.showsTypes(); }
 
     /// The ids of root objects that were removed since the last call, in order, for reports. One that was moved is among
@@ -195,11 +201,11 @@ private:
     friend class Fields;
 
     TypedElements elements(const QString& tag, Scope scope);
-    /// Notifies the index that a child leaves its place or comes from another document.
-    void takeFromItsPlace(const QDomElement& child);
+    /// Notifies the index, before a child is inserted elsewhere, that it leaves its parent or its document.
+    void notifyMove(const QDomElement& child);
     void notifyRemoval(const QDomNode& parent, const QDomNode& child);
     void applyUndeclared();
-    void removeRecords(const std::function<bool(const Record&)>& goes);
+    void removeRecords(const std::function<bool(const Record&)>& predicate);
 
     QDomDocument m_document;
     ArchiveIndex m_index;
@@ -208,8 +214,8 @@ private:
     std::optional<long long> m_lastId;
     std::optional<QDomElement> m_predeclarations;
 
-    // Records to be removed, and those that were added since the first of these calls.
-    QHash<long long, std::size_t> m_undeclared; ///< by id: how many records had been added at its last call
+    // Batched calls of undeclare(), and the records that were added since the first of them.
+    QHash<long long, std::size_t> m_undeclared; ///< by id: the length of `m_added` at the last call for it
     std::vector<QDomElement> m_added;
     std::size_t m_addedBeforeLastUndeclared = 0;
 };

@@ -13,20 +13,20 @@ bool isIndexedTag(const QString& tag) {
     return tag == Words::RootObject || tag == Words::BaseOfObject;
 }
 
-/// How many steps towards the root to take for that many nodes before one walk through the document is cheaper: nodes
-/// can be thousands of levels deep.
+/// The most steps from nodes to their ancestors, for that many nodes. With more steps, walking through the
+/// whole document once is cheaper: nodes can be thousands of levels deep.
 constexpr std::size_t mostSteps(std::size_t nodes) {
     return 1000 + 20 * nodes;
 }
 
-/// The list, which others may share, to be changed.
+/// The list for changing: a shared list is copied first.
 TypedElements::List& own(std::shared_ptr<TypedElements::List>& list) {
     if (list.use_count() > 1)
         list = std::make_shared<TypedElements::List>(*list);
     return *list;
 }
 
-/// Calls `visit` on a node and all below it, in document order.
+/// Calls `visit` for a node and all its descendants, in document order.
 template <class Visit>
 void forEachNode(const QDomNode& top, Visit visit) {
     for (QDomNode node = top; !node.isNull(); node = nextInDocument(node, top))
@@ -55,8 +55,8 @@ QDomElement ArchiveIndex::archive() {
     return *m_archive;
 }
 
-/// Lists are kept for archives that are the document element: below the document and below the archive are the same
-/// elements then.
+/// Lists are cached only if the archive is the document element: then the document and the archive have the
+/// same descendants.
 bool ArchiveIndex::isIndexed(const QDomNode& below) {
     const QDomElement top = archive();
     return !top.isNull() && (below == top || below.isDocument()) && m_document.documentElement() == top;
@@ -76,7 +76,7 @@ TypedElements ArchiveIndex::elements(const QDomNode& below, const QString& tag) 
 
 void ArchiveIndex::inserted(const QDomElement& parent, const QDomNode& child, bool isLast) {
     const QString tag = child.nodeName();
-    forgetRecordsAt(parent, tag);
+    invalidateRecordsAt(parent, tag);
     if (!m_rootObjects && !m_baseParts)
         return;
     if (tag == Words::RootObject && isLast && m_archive && parent == *m_archive) {
@@ -100,8 +100,8 @@ void ArchiveIndex::inserted(const QDomElement& parent, const QDomNode& child, bo
     }
 }
 
-/// Whether the node is outside the tree, or in the root object that was appended last: what is inserted there is
-/// found with the root object. Gives false where finding out takes too long.
+/// Whether the node is outside the tree or in the root object that was appended last. The list finds such a
+/// node when it reads that root object. May give false for a deep node, which costs time only.
 bool ArchiveIndex::isInNewRootObject(const QDomNode& node) const {
     constexpr int mostSteps = 64;
     QDomNode ancestor = node;
@@ -116,14 +116,14 @@ bool ArchiveIndex::isInNewRootObject(const QDomNode& node) const {
 }
 
 void ArchiveIndex::removed(const QDomNode& parent, const QDomNode& child) {
-    forgetRecordsAt(parent, child.nodeName());
+    invalidateRecordsAt(parent, child.nodeName());
     if (m_archive && m_archive->isNull())
-        m_archive.reset(); // of several one may be left
+        m_archive.reset(); // one of several may remain
     forEachNode(child, [this](const QDomNode& node) {
         if (!node.isElement())
             return;
         if (const QDomElement e = node.toElement(); e.hasAttribute(Words::objectId)) {
-            m_mayHolderBeGone = true;
+            m_mayHolderBeRemoved = true;
             created(e, e.attribute(Words::objectId).toLongLong()); // it may be inserted again
             if (e.tagName() == Words::RootObject)
                 m_removedRootObjects.push_back(e.attribute(Words::objectId).toULongLong());
@@ -134,7 +134,7 @@ void ArchiveIndex::removed(const QDomNode& parent, const QDomNode& child) {
 }
 
 void ArchiveIndex::renamed(const QDomElement& e, const QString& newTag) {
-    forgetRecordsAt(e.parentNode(), e.tagName());
+    invalidateRecordsAt(e.parentNode(), e.tagName());
     if (isIndexedTag(e.tagName()) && (m_rootObjects || m_baseParts))
         m_removed.emplace(identityOf(e), e);
     if (isIndexedTag(newTag))
@@ -178,7 +178,8 @@ void ArchiveIndex::dropRemoved() {
     m_removed.clear();
 }
 
-/// Root objects that were appended to the archive are behind all that are known, with all base parts in them.
+/// Root objects that were appended to the archive come after all listed ones, and so do the base parts in
+/// them.
 void ArchiveIndex::collectAppended() {
     if (m_lastAppended.isNull())
         return;
@@ -244,7 +245,7 @@ void ArchiveIndex::appendedRecord(const QDomElement& array) {
         ++m_records->numbered;
 }
 
-void ArchiveIndex::numberedAnew(const QDomNode& array) {
+void ArchiveIndex::renumbered(const QDomNode& array) {
     if (m_records && m_records->array == array)
         m_records->numbered = 0;
 }
@@ -255,7 +256,7 @@ void ArchiveIndex::setRecords(const QDomElement& array, std::shared_ptr<Records>
 }
 
 /// The list of records depends on the entries of the array, on their `Data` and on the `oid` in that.
-void ArchiveIndex::forgetRecordsAt(const QDomNode& parent, const QString& childTag) {
+void ArchiveIndex::invalidateRecordsAt(const QDomNode& parent, const QString& childTag) {
     if (!m_records)
         return;
     const QDomElement& array = m_records->array;
@@ -278,13 +279,13 @@ void ArchiveIndex::wrote(const QString& text) {
 
 std::optional<long long> ArchiveIndex::greatestId() {
     std::size_t steps = mostSteps(m_created.size());
-    if (m_greatest && m_mayHolderBeGone) {
+    if (m_greatest && m_mayHolderBeRemoved) {
         const bool isGone =
             m_isGreatestFromText || (!m_greatest->holder.isNull() && !isInTree(m_greatest->holder, steps));
         if (isGone)
             m_greatest.reset();
     }
-    m_mayHolderBeGone = false;
+    m_mayHolderBeRemoved = false;
     countCreated();
     if (!m_greatest) {
         m_isGreatestFromText = false;
@@ -295,14 +296,15 @@ std::optional<long long> ArchiveIndex::greatestId() {
 }
 
 void ArchiveIndex::setScannedIds(const ScannedIds& ids) {
-    // A scan stops at the first error. Ids that are added later may be behind it, so each time needs a new scan.
+    // A scan stops at the first error. New ids may be before or after it, so an incomplete scan is not
+    // cached.
     if (!ids.isComplete)
         return;
     m_greatest = GreatestId{ids.greatest, {}};
     m_isGreatestFromText = true;
 }
 
-/// Compares the ids of new elements that are in the tree by now with the greatest.
+/// Updates the greatest id from the new elements that are now in the tree.
 void ArchiveIndex::countCreated() {
     std::size_t steps = mostSteps(m_created.size());
     std::vector<Created> outside;
@@ -317,7 +319,7 @@ void ArchiveIndex::countCreated() {
         m_greatest.reset();
 }
 
-/// Counts the steps upwards down from `steps`; at 0 the answer is not reliable.
+/// Decrements `steps` for each step to an ancestor. If it reaches 0, the result is not reliable.
 bool ArchiveIndex::isInTree(const QDomNode& node, std::size_t& steps) {
     QDomNode ancestor = node;
     while (steps > 0 && !ancestor.isNull() && !ancestor.isDocument()) {

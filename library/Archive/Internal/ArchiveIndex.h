@@ -16,9 +16,9 @@
 namespace Archive::Internal {
 
 /// An index of one archive: its `Archive` element, its root objects and base parts, the records of its
-/// predeclarations and its greatest object id. Each is searched for when it is first wanted and kept until a change
-/// makes it invalid. The owner of the index, ArchiveEditor, notifies it of every change. Not safe for use by several
-/// threads at once.
+/// predeclarations and its greatest object id. Each is searched for at its first use and cached until a
+/// change makes it invalid. The owner of the index, ArchiveEditor, notifies it of every change. Not
+/// thread-safe.
 class ArchiveIndex {
 public:
     explicit ArchiveIndex(const QDomDocument& document) : m_document(document) {}
@@ -26,7 +26,7 @@ public:
     /// For a document that has not changed since the facts were collected.
     ArchiveIndex(const QDomDocument& document, TreeFacts facts);
 
-    /// The document's only `Archive` element, at any depth; a null element where there is none or several.
+    /// The document's only `Archive` element, at any depth; a null element if there is none or several.
     QDomElement archive();
 
     /// All descendants of the tag `RootObject` or `BaseOfObject`, in document order, with their types.
@@ -35,22 +35,22 @@ public:
     /// The entries of an array of predeclarations.
     RecordList records(const QDomElement& array);
 
-    /// How many entries of the array, counted from the first, are known to have their position as `index`.
+    /// The number of leading entries of the array whose `index` is known to be their position.
     std::size_t numberedRecords(const QDomElement& array) const;
 
-    /// The greatest object id, or nothing where only the text of the document gives it.
+    /// The greatest object id; nothing if it has to be scanned in the text of the document.
     std::optional<long long> greatestId();
 
-    /// Stores what a scan of the document's text gave, where greatestId() gives nothing.
+    /// Caches the result of a scan of the document's text. To be called if greatestId() gives nothing.
     void setScannedIds(const ScannedIds& ids);
 
-    /// Whether it is certain that the tree is the same when it is written and read again, and that its text names
-    /// types only in attributes `type`.
+    /// Whether it is certain that writing and reading the document gives the same tree, and that its text
+    /// names types only in attributes `type`.
     bool showsTypes() const { return m_showsTypes; }
 
     // Notifications of changes.
 
-    /// An element that is not in the tree, or not yet, has an object id.
+    /// An element that is not in the tree got an object id. It may be inserted later.
     void created(const QDomElement& e, long long id) { m_created.push_back({e, id}); }
     /// The ids of root objects that were removed since the last call, in order. One that was inserted again is among
     /// them.
@@ -58,11 +58,11 @@ public:
 
     /// A text was written to an attribute.
     void wrote(const QString& text);
-    /// `child` became a child of `parent`, which has `isLast` children behind it or none.
+    /// `child` became a child of `parent`; `isLast`: as its last child.
     void inserted(const QDomElement& parent, const QDomNode& child, bool isLast);
-    /// `child` is about to leave its place below `parent`, with all below it.
+    /// `child` is about to be removed from `parent`, with all its descendants.
     void removed(const QDomNode& parent, const QDomNode& child);
-    /// An element came from another document, with all below it.
+    /// An element of another document is about to be inserted, with all its descendants.
     void imported(const QDomElement& e);
     /// An element is about to get another tag.
     void renamed(const QDomElement& e, const QString& newTag);
@@ -70,17 +70,18 @@ public:
     void retyped(const QDomElement& e);
     /// An array of predeclarations got a record as its last entry.
     void appendedRecord(const QDomElement& array);
-    /// An array of predeclarations is left with these records; so many have their position as `index`.
+    /// An array of predeclarations now has exactly these records. The first `numbered` have their position as
+    /// `index`.
     void setRecords(const QDomElement& array, std::shared_ptr<Records> records, std::size_t numbered);
     /// An entry of an array got another `index`.
-    void numberedAnew(const QDomNode& array);
-    /// The document changed in a way that is not known.
+    void renumbered(const QDomNode& array);
+    /// The document was changed in an unknown way: nothing cached is valid.
     void invalidate();
-    /// A step has ended: elements that it created and did not insert are not inserted later.
+    /// A step has ended. Elements that it created but did not insert will not be inserted later.
     void endStep();
 
 private:
-    using List = std::shared_ptr<TypedElements::List>; ///< null where it is not known
+    using List = std::shared_ptr<TypedElements::List>; ///< null if not cached
 
     struct Created {
         QDomElement element;
@@ -103,12 +104,12 @@ private:
     void invalidateTexts();
     bool isInTree(const QDomNode& node, std::size_t& steps);
     void countCreated();
-    void forgetRecordsAt(const QDomNode& parent, const QString& childTag);
+    void invalidateRecordsAt(const QDomNode& parent, const QString& childTag);
 
     QDomDocument m_document;
     std::optional<QDomElement> m_archive;
 
-    // Lists, and what has changed since they were up to date.
+    // Cached lists, and the changes since their last update.
     List m_rootObjects;
     List m_baseParts;
     std::unordered_map<const void*, QDomElement> m_removed; ///< by identity
@@ -120,9 +121,9 @@ private:
 
     std::optional<GreatestId> m_greatest;
     bool m_isGreatestFromText = false;
-    bool m_mayHolderBeGone = false;
-    bool m_isPlain = false;         ///< the tree gives the same ids as its text
-    std::vector<Created> m_created; ///< those that were not in the tree at the last update
+    bool m_mayHolderBeRemoved = false;
+    bool m_isPlain = false;         ///< searching the tree gives the same ids as scanning its text
+    std::vector<Created> m_created; ///< elements that were not in the tree at the last update
 
     bool m_showsTypes = false;
 };

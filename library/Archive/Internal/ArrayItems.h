@@ -1,6 +1,6 @@
 #pragma once
 
-// For this project's own use: the parts of the array operations.
+// The single steps of the operations on arrays. For code that needs them apart; steps use ArchiveEditor.
 
 #include "Archive/Internal/Walk.h"
 
@@ -10,13 +10,16 @@
 
 namespace Archive::Internal {
 
-/// Gives an entry its `index`. Most keep the one that they have, and reading it is far cheaper than writing it.
+/// Sets the `index` of an entry, unless it is right already: reading an attribute is far cheaper than writing
+/// it.
 void setIndex(QDomElement& item, long long index);
 
-/// Gives the entries whose `Data` fulfils the predicate. The others get their position, from 1, as `index`.
+/// The entries for whose `Data` the predicate holds. The others get their position among themselves, from 1,
+/// as `index`.
 Elements numberItems(QDomElement& array, const std::function<bool(QDomElement&)>& predicate);
 
-/// Removes entries from their array, in order, and takes their number off its `size`; false where there are none.
-bool removeItems(QDomElement& array, const Elements& victims);
+/// Removes these entries from the array and reduces `size` by their number. Returns false if the list is
+/// empty.
+bool removeItems(QDomElement& array, const Elements& items);
 
 } // namespace Archive::Internal

@@ -1,15 +1,15 @@
 #pragma once
 
-// For this project's own use.
+// Arithmetic on ids, sizes, indexes and times that come from files: it wraps instead of overflowing.
 
 namespace Archive::Internal {
 
-/// `number` + 1. Ids, sizes and indexes come from files: the greatest number wraps instead of overflowing.
+/// `number` + 1; the greatest number wraps.
 constexpr long long plusOne(long long number) {
     return static_cast<long long>(static_cast<unsigned long long>(number) + 1U);
 }
 
-// Times come from files as well: sums and differences out of range wrap.
+// Sums and differences of times; results out of range wrap.
 
 constexpr long long wrappingSum(long long a, long long b) {
     return static_cast<long long>(static_cast<unsigned long long>(a) + static_cast<unsigned long long>(b));
@@ -19,7 +19,7 @@ constexpr long long wrappingDifference(long long a, long long b) {
     return static_cast<long long>(static_cast<unsigned long long>(a) - static_cast<unsigned long long>(b));
 }
 
-/// Counts a running object id up and gives the new number.
+/// Increments the greatest object id and gives the new one.
 constexpr long long nextId(long long& greatest) {
     greatest = plusOne(greatest);
     return greatest;

@@ -18,14 +18,15 @@ struct EffectObject {
     QDomElement object; ///< the innermost part, "Effect::Object"
 };
 
-/// The part that holds the fields of every effect: the first base of the first base; a null element for none.
+/// The part with the fields that all effects have: the first `BaseOfObject` in the first `BaseOfObject`. A
+/// null element if it is missing.
 QDomElement innerBase(const QDomElement& effect);
 
-/// Makes the levels, not yet in the tree. A step adds fields to each.
+/// Creates the three levels; they are not yet in the tree. The step adds the fields of each level.
 EffectObject newEffect(ArchiveEditor& archive, const QString& className, const QString& baseName,
                        long long id);
 
-/// What an effect was called while its identifiers were numbers: before version 23.
+/// The names of an effect in documents before version 23, where its identifiers are numbers.
 struct NumberedEffect {
     const char* className;
     unsigned int id;
@@ -33,7 +34,8 @@ struct NumberedEffect {
     unsigned int uniqueId;
 };
 
-/// Declares a new video effect, appends it to the archive and lists it last in `effects`, the list of a clip.
+/// Declares a new video effect, appends it to the archive and appends a reference to `effects`, the list of a
+/// clip.
 EffectObject appendNumberedEffect(ArchiveEditor& archive, const NumberedEffect& kind,
                                   const QDomElement& effects);
 

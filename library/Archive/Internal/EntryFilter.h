@@ -6,11 +6,11 @@
 
 namespace Archive::Internal {
 
-/// Goes through the entries of an array or an object, in order, and drops some. Each entry costs the same, however many
-/// there are. What was dropped is gone also where the walk ends in an exception.
+/// Walks through the entries of an array or an object, in order, and removes some. The cost is linear in the
+/// number of entries. If the walk ends with an exception, the entries dropped so far are removed.
 class EntryFilter {
 public:
-    /// The entries of the member `key`; none where it is missing or is neither array nor object.
+    /// The entries of the member `key`; none if it is missing or is neither array nor object.
     EntryFilter(nlohmann::json& object, const char* key) {
         const auto found = object.find(key);
         if (found == object.end() || !found->is_structured())
@@ -25,7 +25,7 @@ public:
     bool atEnd() const { return !m_container || m_next == m_container->end(); }
     const nlohmann::json& entry() const { return *m_next; }
 
-    /// Goes on to the next entry; this one stays.
+    /// Keeps this entry and moves on to the next one.
     void keep() {
         if (m_kept != m_next)
             *m_kept = std::move(*m_next);
@@ -33,7 +33,7 @@ public:
         ++m_next;
     }
 
-    /// Goes on to the next entry; this one goes.
+    /// Removes this entry and moves on to the next one.
     void drop() {
         if (m_container->is_object())
             m_kept = m_next = m_container->erase(m_next);
@@ -41,7 +41,7 @@ public:
             ++m_next;
     }
 
-    /// Ends the walk: closes the gap that dropped entries left. Entries that it has not reached stay.
+    /// Ends the walk: removes the dropped entries. Entries that were not reached are kept.
     void close() {
         if (m_container && m_kept != m_next)
             m_container->erase(m_kept, m_next);
@@ -50,7 +50,7 @@ public:
 
 private:
     nlohmann::json* m_container = nullptr;
-    nlohmann::json::iterator m_kept; ///< behind the entries that stay
+    nlohmann::json::iterator m_kept; ///< after the last entry that was kept
     nlohmann::json::iterator m_next;
 };
 

@@ -15,15 +15,16 @@ struct TransformationIds {
     long long matrix;
 };
 
-/// Whether transformations have the field `aspect`. Quirk: those of crop envelopes have it, those of overlays don't.
+/// Whether a transformation has the field `aspect`. Quirk: those of crop envelopes have it, those of overlays
+/// don't.
 enum class Aspect { Absent, Present };
 
 /// Appends an opaque "Transformation::Object" to `parent`.
 void appendTransformation(ArchiveEditor& archive, const QDomElement& parent, const QString& name,
                           const Stored::V14::Transform& matrix, const TransformationIds& ids, Aspect aspect);
 
-/// Appends a "TransformationEnvelope", matrices over time, to `parent`. Its default value is the identity. Gives its
-/// array `keyValues`, which is empty.
+/// Appends a "TransformationEnvelope", matrices over time, to `parent`. Its default value is the identity.
+/// Returns its empty array `keyValues`.
 QDomElement appendEnvelope(ArchiveEditor& archive, const QDomElement& parent, const QString& tag,
                            long long id, const TransformationIds& defaultValue, Aspect aspect);
 

@@ -39,7 +39,7 @@ private:
 ///
 ///     archive.fields(track).int32("type", 1).boolean("used", used).reference("timeline", id);
 ///
-/// Nothing is created for a null object. A builder is made by ArchiveEditor and must not outlive it.
+/// Nothing is created for a null object. ArchiveEditor creates the builder and must outlive it.
 class Fields {
 public:
     Fields& boolean(const FieldName& name, bool value);
@@ -70,7 +70,7 @@ public:
     /// An embedded "Types::Transform".
     Fields& transform(const FieldName& name, const Stored::V14::Transform& matrix, long long id);
 
-    /// A field that was built apart.
+    /// A field that was created elsewhere.
     Fields& add(const QDomElement& field);
 
     /// The field that was created last.
@@ -80,10 +80,10 @@ private:
     friend class ArchiveEditor;
 
     enum class Place {
-        End,      ///< behind all fields
-        SameName, ///< in the place of the field of that name, where there is one, else behind all fields
-        Instead,  ///< the first one in the place of `m_old`
-        Behind,   ///< behind `m_last`, at the end where that is null
+        End,      ///< after all fields
+        SameName, ///< replaces the field of that name; if there is none, as End
+        Instead,  ///< the first field replaces `m_old`
+        Behind,   ///< after `m_last`; if that is null, at the end
     };
 
     Fields(ArchiveEditor& archive, const QDomElement& object, Place place, const QDomElement& other = {})

@@ -1,6 +1,7 @@
 #pragma once
 
-// For this project's own use: what JSON steps share. Nothing here leaves a key behind that was only looked for.
+// Selecting and looking up objects and members of the flat document, for the JSON steps. A lookup never
+// creates a missing key.
 
 #include "Serialize/Json/FlatObject.h"
 
@@ -14,14 +15,15 @@ struct SelectedObject {
     nlohmann::json* object;
 };
 
-/// All objects of that class, in ascending id, so that what a step makes for them falls the same way each time.
+/// All objects of that class, by ascending id. Steps that create objects use this order, so that new ids are
+/// the same on every run.
 std::vector<SelectedObject> selectObjects(Serialize::Json::FlatObject& document,
                                           const std::string& className);
 
-/// The object of that id. Throws std::out_of_range "invalid map<K, T> key" where there is none.
+/// The object of that id. Throws std::out_of_range "invalid map<K, T> key" if there is none.
 nlohmann::json& objectAt(Serialize::Json::FlatObject& document, unsigned long long id);
 
-/// The value of a key; a null value where `object` is no object or has no such key.
+/// The value of a key; a null value if `object` is no JSON object or lacks the key.
 const nlohmann::json& memberOf(const nlohmann::json& object, const std::string& key);
 
 } // namespace Archive::Internal

@@ -12,16 +12,17 @@
 namespace Archive::Internal {
 namespace {
 
-// The text's reader stops at its first error, and what stands behind does not count. So the tree is searched
-// only where its text is beyond doubt: plain names, no character that XML forbids, nothing but elements and text
-// below the one document element. Everything else is written out and scanned.
+// A scan of the text stops at the first error and ignores ids after it. So the tree is searched only if its
+// text has no error for certain: plain names, no character that XML forbids, and nothing but elements and
+// text below a single document element. Every other document is written and scanned.
 
-/// What was made with a namespace is written with more than its name, and one attribute may stand twice.
+/// Nodes with a namespace are not plain: their text has more than their name, and an attribute may occur
+/// twice.
 bool isPlain(const QDomNode& elementOrAttribute) {
     return isPlainName(elementOrAttribute.nodeName()) && elementOrAttribute.localName().isNull();
 }
 
-/// Takes in the element's id; false where its text is in doubt.
+/// Compares the element's id with the greatest one. False if the element may give an error in the text.
 bool readElement(const QDomElement& e, GreatestId& greatest) {
     if (!isPlain(e))
         return false;
@@ -68,7 +69,7 @@ GreatestId searchGreatestIdOfPlain(const QDomElement& top) {
 
 bool hasPlainFrame(const QDomDocument& document) {
     if (!document.doctype().name().isEmpty())
-        return false; // it is written in front, and is no child of the document
+        return false; // it is written, but is no child of the document
     bool hasElement = false;
     for (QDomNode node = document.firstChild(); !node.isNull(); node = node.nextSibling()) {
         if (node.isElement() ? hasElement : !isPlainDeclaration(node))

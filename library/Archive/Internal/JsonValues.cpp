@@ -37,7 +37,7 @@ bool areEqual(const json& left, const json& right) {
         const auto [one, other] = open.back();
         open.pop_back();
         if (!one->is_structured() || one->type() != other->type()) {
-            if (!(*one == *other)) // `!=` has ideas of its own about NaN
+            if (!(*one == *other)) // `!=` differs from that for NaN
                 return false;
             continue;
         }

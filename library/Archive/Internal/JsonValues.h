@@ -1,15 +1,16 @@
 #pragma once
 
-// For this project's own use: what the JSON value does by recursion. Here depth costs memory, not stack.
+// Copying and comparing JSON values without recursion, for values that may be deeply nested: depth costs
+// memory, not stack.
 
 #include <nlohmann/json.hpp>
 
 namespace Archive::Internal {
 
-/// A copy of the value with all that it holds.
+/// A deep copy of the value.
 nlohmann::json copied(const nlohmann::json& value);
 
-/// What `left == right` gives.
+/// Gives the same result as `left == right`.
 bool areEqual(const nlohmann::json& left, const nlohmann::json& right);
 
 } // namespace Archive::Internal

@@ -7,8 +7,8 @@
 namespace Archive::Internal {
 namespace {
 
-/// Counts root objects around nodes of a tree that does not change. What was counted is kept, so that counting for all
-/// nodes takes no longer than one walk through the document, however deep it is.
+/// Counts the root objects that contain a node, in a tree that does not change. Results are cached, so that
+/// counting for all nodes is linear in the size of the document, at any depth.
 class RootObjectCounter {
 public:
     std::size_t countAround(const QDomNode& child) {
@@ -25,7 +25,7 @@ public:
     }
 
 private:
-    QHash<const void*, std::size_t> m_counts; ///< of each node: root objects around it and itself
+    QHash<const void*, std::size_t> m_counts; ///< by node: the root objects that contain it, itself included
 };
 
 } // namespace

@@ -1,6 +1,6 @@
 #pragma once
 
-// For this project's own use.
+// Finding base class parts in root objects that may be nested.
 
 #include "Archive/Internal/Walk.h"
 
@@ -10,8 +10,8 @@ namespace Archive::Internal {
 
 class ArchiveEditor;
 
-/// The `BaseOfObject` parts of that type in the whole document, in document order, each as often as there are root
-/// objects around it: none outside of root objects, twice in two nested ones.
+/// The `BaseOfObject` parts of that type in the whole document, in document order. Quirk: each is listed once
+/// for each root object that contains it: never outside of root objects, twice in two nested ones.
 Elements partsOfRootObjects(ArchiveEditor& archive, const QString& type);
 
 } // namespace Archive::Internal

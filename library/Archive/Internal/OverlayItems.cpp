@@ -33,7 +33,8 @@ void OverlayItems::collectItems(const QDomElement& preset) {
 }
 
 void OverlayItems::collectRecords(const QDomElement& predeclarations) {
-    // Quirk: entries of `refs` count as well, under 0. An item without an id may find one of them.
+    // Quirk: entries of `refs` are collected as well, as records of the object 0. An item without an id may
+    // find one of them.
     for (const QDomElement& item : elements(predeclarations, Words::Item))
         m_records.insert(declaredId(item.firstChildElement(Words::Data)), item);
 }

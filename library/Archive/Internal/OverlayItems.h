@@ -11,22 +11,22 @@ class ArchiveEditor;
 
 /// An entry, at any depth, of the `items` of an overlay preset.
 struct OverlayItem {
-    QDomElement data; ///< null for an `Item` without `Data`
-    long long id;     ///< of `data`; 0 where it has none
+    QDomElement data; ///< null if the `Item` has no `Data`
+    long long id;     ///< of `data`; 0 if it has none
     int presetType;   ///< `type` of the preset
 };
 
-/// The overlay items of an archive, for steps that give each an object of its own. Logs an error where there is no
-/// `Archive` or several, and then has no items.
+/// The overlay items of an archive, for steps that create an object for each. If there is no `Archive` or
+/// several, logs an error and has no items.
 class OverlayItems {
 public:
-    /// Makes the editor work on the records that refsOf() searches.
+    /// Makes the records that refsOf() searches the predeclarations of the editor.
     explicit OverlayItems(ArchiveEditor& archive);
 
     /// The items, in document order.
     const std::vector<OverlayItem>& items() const { return m_items; }
 
-    /// `refs` of the record of that object, possibly null.
+    /// The array `refs` of the record of that object; null if there is none.
     QDomElement refsOf(long long id) const;
 
 private:

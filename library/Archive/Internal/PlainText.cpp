@@ -8,7 +8,7 @@
 namespace Archive::Internal {
 namespace {
 
-constexpr int longestPlainName = 1000; // readers take no name of several thousand characters
+constexpr int longestPlainName = 1000; // readers refuse names of several thousand characters
 
 bool isLetter(ushort c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
@@ -51,7 +51,7 @@ bool survivesRewriting(const QString& value) {
     });
 }
 
-// Readers are strict about the declaration, where the DOM takes anything: they stop at version 1.1.
+// The DOM accepts any declaration, the stream reader does not: it stops at version 1.1.
 bool isPlainDeclaration(const QDomNode& node) {
     static const QRegularExpression plain(
         QStringLiteral(R"re(\Aversion=("1\.0"|'1\.0')( encoding=("(?i:UTF-8)"|'(?i:UTF-8)'))?\z)re"));

@@ -1,22 +1,25 @@
 #pragma once
 
-// For this project's own use: names and texts that are the same in the tree and in its text, beyond doubt.
+// Tests for names and texts that are certain to be the same after a tree is written and read again. They say
+// whether a tree can be searched in place of its text.
 
 #include <QDomNode>
 #include <QString>
 
 namespace Archive::Internal {
 
-/// A name of ASCII letters, digits, "_", "-" and "." that any XML reader takes, without a prefix and not too long.
+/// Whether it is a name of ASCII letters, digits, "_", "-" and "." that every XML reader accepts: without a
+/// prefix and not too long.
 bool isPlainName(const QString& name);
 
-/// Nothing but characters that XML allows.
+/// Whether all characters are allowed in XML.
 bool isPlainText(const QString& text);
 
-/// Nothing but characters that stay as they are when an attribute is written and read again.
+/// Whether an attribute of this value has the same value after it is written and read again.
 bool survivesRewriting(const QString& value);
 
-/// An XML declaration in front of all else that names version 1.0 and no encoding but UTF-8.
+/// Whether the node is an XML declaration at the start of the document, of version 1.0 and with no other
+/// encoding than UTF-8.
 bool isPlainDeclaration(const QDomNode& node);
 
 } // namespace Archive::Internal

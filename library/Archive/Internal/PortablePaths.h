@@ -1,6 +1,7 @@
 #pragma once
 
-// For this project's own use: what the two portable path adaptors share.
+// Shared code of PortableLoadAdaptor and PortableSaveAdaptor: the folders for path markers, and the fields
+// with paths.
 
 #include "Adaptors/PortableFolders.h"
 #include "Serialize/Json/FlatObject.h"
@@ -19,14 +20,14 @@ struct PathRoot {
     QString path;
 };
 
-/// In the order of lookup.
+/// In the order in which they are tried.
 using PathRoots = std::array<PathRoot, 3>;
 
-/// The roots of these folders, or of those that the settings have now.
+/// The roots of these folders; without folders, of those in the settings at the time of the call.
 PathRoots pathRoots(const std::optional<Bundle::PortableFolders>& folders);
 
-/// Replaces every path field of the document by what `convert` makes of it; the `description` of an import
-/// follows its path. Throws the JSON type error for a field that is no string.
+/// Replaces the value of every path field of the document by the result of `convert`. The `description` of an
+/// import is set to its path. Throws the JSON type error for a path field that is no string.
 void convertPaths(Serialize::Json::FlatObject& document,
                   const std::function<QString(const QString&)>& convert);
 

@@ -12,7 +12,7 @@
 
 namespace Archive::Internal {
 
-/// The object that a record (the `Data` of an entry of `predeclarations`) declares.
+/// The id of the object that a record declares. A record is the `Data` of an entry of `predeclarations`.
 long long declaredId(const QDomElement& record);
 
 /// An entry of an array of predeclarations.
@@ -31,8 +31,9 @@ Record recordIn(const QDomElement& item);
 /// Reads the entries of an array of predeclarations, in order.
 std::shared_ptr<Records> readRecords(const QDomElement& predeclarations);
 
-/// Adds to `ids` what the records of these objects refer to. `targetsOf` gives the ids in an entry of `refs`.
-/// Quirk: one pass forward. Where the record of an added object precedes the reference to it, it is not read.
+/// Adds to `ids` the ids that the records of these objects refer to, and those that their records refer to.
+/// `targetsOf` gives the ids in an entry of `refs`. Quirk: there is a single pass over the records. The
+/// record of an object that is added after its record was passed is not read.
 void collectReferenced(const RecordList& records, QSet<long long>& ids,
                        const std::function<QList<long long>(const QDomElement& entry)>& targetsOf);
 

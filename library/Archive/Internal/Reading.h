@@ -11,8 +11,8 @@
 
 namespace Archive::Internal {
 
-// Numbers and texts of an element's `value`, and of the `value` of its first child of that name. What is missing or no
-// number of that width reads as 0, a missing text as an empty one.
+// Reading the `value` of an element ("Of"), or of its first child of a name ("In"), as a number or a text. A
+// value that is missing or is no number of that width reads as 0. A missing text reads as an empty one.
 
 inline QString textOf(const QDomElement& e) {
     return e.attribute(Words::value);
@@ -30,13 +30,13 @@ inline int int32In(const QDomElement& parent, const QString& name) {
 inline long long int64In(const QDomElement& parent, const QString& name) {
     return valueOf(parent, name).toLongLong();
 }
-/// An id that is compared unsigned.
+/// For ids that are compared as unsigned numbers.
 inline unsigned long long uint64In(const QDomElement& parent, const QString& name) {
     return valueOf(parent, name).toULongLong();
 }
 
-/// The double in the `binaryData` of the first child `name`, whatever the child's type is; 0.0 where there is none, and
-/// for an infinity.
+/// The double in the `binaryData` of the first child `name`, of any type. 0.0 if there is none, and for an
+/// infinity.
 inline double doubleIn(const QDomElement& parent, const QString& name) {
     return extractValue(parent.firstChildElement(name).attribute(Words::binaryData), 0.0);
 }
@@ -46,12 +46,12 @@ inline long long idOf(const QDomElement& object) {
     return object.attribute(Words::objectId).toLongLong();
 }
 
-/// The same read unsigned: ids from 2^63 on wrap.
+/// The same for ids that are read unsigned: ids from 2^63 on wrap to negative ones.
 inline long long wrappedIdOf(const QDomElement& object) {
     return static_cast<long long>(objectIdOf(object));
 }
 
-/// The first row of a table whose text is equal to `key`; null where there is none.
+/// The first row of a table whose member `text` is equal to `key`; null if there is none.
 template <class Row, std::size_t size>
 const Row* findRow(const Row (&table)[size], const char* Row::*text, const QString& key) {
     const Row* row = std::find_if(std::begin(table), std::end(table), [&](const Row& candidate) {
@@ -60,7 +60,7 @@ const Row* findRow(const Row (&table)[size], const char* Row::*text, const QStri
     return row == std::end(table) ? nullptr : row;
 }
 
-/// Whether a text is one of these.
+/// Whether a text is equal to one of these.
 template <std::size_t size>
 bool isOneOf(const char* const (&texts)[size], const QString& text) {
     return std::any_of(std::begin(texts), std::end(texts),

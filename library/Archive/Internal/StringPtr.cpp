@@ -11,7 +11,8 @@ namespace {
 
 using Attributes = std::vector<QDomAttr>;
 
-/// Takes in the attributes of an element that match; false where its text is in doubt.
+/// Collects the matching attributes of an element. False if its text may name the type elsewhere or may not
+/// give the same element.
 bool readElement(const QDomElement& e, Attributes& matches) {
     if (!isPlainName(e.tagName()) || !e.namespaceURI().isNull())
         return false;
@@ -29,7 +30,7 @@ bool readElement(const QDomElement& e, Attributes& matches) {
     return true;
 }
 
-/// Takes in all that match in an element and below; false where the text is in doubt.
+/// The same for an element and all its descendants.
 bool readTree(const QDomElement& top, Attributes& matches) {
     for (QDomNode node = top; !node.isNull(); node = nextInDocument(node, top)) {
         if (!node.isElement() || !readElement(node.toElement(), matches))

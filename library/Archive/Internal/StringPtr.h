@@ -1,6 +1,6 @@
 #pragma once
 
-// For this project's own use.
+// Finding the places where a document's text names the type "StringPtr", by way of the tree.
 
 #include <QDomAttr>
 #include <QDomDocument>
@@ -11,12 +11,12 @@
 
 namespace Archive::Internal {
 
-/// The attributes that name the type "StringPtr" in the document's text, where the end of a longer name counts as
-/// well. Nothing where only the text can tell, or where it would not give the same tree when it is read again.
+/// The attributes of the value "StringPtr" whose name is or ends with `type`. Nothing if the document's text
+/// may name the type in other places, or if writing and reading the document may give another tree.
 std::optional<std::vector<QDomAttr>> stringPtrAttributes(const QDomDocument& document);
 
-/// Whether all of these are attributes `type` in the element, and its tree is the same when it is written and read
-/// again.
+/// Whether all such attributes in the element are named `type`, and writing and reading the element gives the
+/// same tree.
 bool showsTypes(const QDomElement& top);
 
 } // namespace Archive::Internal

@@ -9,7 +9,7 @@ TransformedEffects::TransformedEffects(ArchiveEditor& archive, const QString& cl
     : m_archive(archive), m_effects(archive.rootObjects(className)) {
     if (m_effects.empty())
         return;
-    archive.startIds(); // ids of objects that the step removes count as well
+    archive.startIds(); // so that ids of objects that the step removes are not used again
     QHash<long long, QDomElement> records;
     for (const Record& record : archive.records())
         records.insert(record.id, record.data);

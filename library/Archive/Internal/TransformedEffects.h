@@ -7,7 +7,7 @@
 
 namespace Archive::Internal {
 
-/// The effects of one class that a step gives matrices, with their records.
+/// The effects of one class, with their records, for a step that adds matrices to them.
 class TransformedEffects {
 public:
     TransformedEffects(ArchiveEditor& archive, const QString& className);
@@ -15,14 +15,14 @@ public:
     /// The effects, in document order.
     const Elements& effects() const { return m_effects; }
 
-    /// The effect's record; null for an effect that was not declared. Of several the last.
+    /// The record of the effect, the last one if there are several; null for an effect that is not declared.
     QDomElement recordOf(const QDomElement& effect) const;
 
-    /// Declares a new matrix of the effect and gives its id.
+    /// Declares a new matrix as a child of the effect and gives its id.
     long long declareTransform(const QDomElement& effect);
 
-    /// Makes the effect's record refer to new objects. Quirk: `size` and `index` count these alone, and what was in the
-    /// list stays: the steps assume that it was empty.
+    /// Adds references to new objects to the effect's record. Quirk: the list is assumed to be empty: `size`
+    /// and `index` count the new entries only, but old entries stay.
     void appendRefs(const QDomElement& effect, const QList<long long>& ids);
 
 private:

@@ -1,6 +1,7 @@
 #pragma once
 
-// For this project's own use.
+// Facts about a tree that the parser collects while it builds the tree. ArchiveEditor uses them in place of a
+// first search.
 
 #include "Archive/Internal/GreatestId.h"
 #include "Archive/Internal/Walk.h"
@@ -13,14 +14,15 @@
 
 namespace Archive::Internal {
 
-/// What a tree holds, as whoever builds it sees it pass by, so that nobody has to search for it at once.
+/// The collected facts.
 struct TreeFacts {
     std::size_t archives = 0; ///< elements of the tag `Archive`
     std::shared_ptr<TypedElements::List> rootObjects = std::make_shared<TypedElements::List>();
     std::shared_ptr<TypedElements::List> baseParts = std::make_shared<TypedElements::List>();
-    QHash<QString, std::size_t> objectsByType; ///< elements with an object id
-    std::optional<GreatestId> greatest;        ///< what searchGreatestId() gives
-    /// The tree is the same when it is written and read again, and its text names types only in attributes `type`.
+    QHash<QString, std::size_t> objectsByType; ///< the number of elements with an object id, by `type`
+    std::optional<GreatestId> greatest;        ///< the result of searchGreatestId()
+    /// Writing and reading the document gives the same tree, and its text names types only in attributes
+    /// `type`.
     bool showsTypes = false;
 };
 

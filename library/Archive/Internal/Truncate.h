@@ -1,14 +1,14 @@
 #pragma once
 
-// For this project's own use.
+// Converting floating numbers to integers, as JSON steps do it.
 
 #include <cmath>
 #include <limits>
 
 namespace Archive::Internal {
 
-/// The number without its fraction. What `Integer` can't hold, a NaN too, reads as its lowest number, which is
-/// what the processors that wrote these documents gave.
+/// The number without its fraction. Quirk: a number that `Integer` can't hold, and a NaN, become its lowest
+/// number: that is the result of the conversion on x86 processors.
 template <class Integer>
 Integer truncated(double number) {
     constexpr Integer lowest = std::numeric_limits<Integer>::lowest();

@@ -1,7 +1,7 @@
 #pragma once
 
-// Searches of the tree. Each gives a list that was collected at once: the caller may change the document while going
-// through it, nothing is skipped, and no list is built again after each change.
+// Searches of the tree. Each result is a snapshot: the caller may change the document while walking through
+// it. No element is skipped, and nothing is searched again after a change.
 
 #include "Archive/Internal/Words.h"
 
@@ -16,7 +16,7 @@ namespace Archive::Internal {
 
 using Elements = std::vector<QDomElement>;
 
-/// All descendants of that tag, in document order; in the second form those with that `type`.
+/// All descendants of that tag, in document order; the second form gives only those of that `type`.
 Elements elements(const QDomNode& below, const QString& tag);
 Elements elements(const QDomNode& below, const QString& tag, const QString& type);
 
@@ -29,7 +29,7 @@ struct TypedElement {
     QString type;
 };
 
-/// A list that does not change while it is used. Copies share their memory.
+/// An immutable list. Copies share their memory.
 template <class T>
 class SharedList {
 public:
@@ -47,7 +47,7 @@ private:
     std::shared_ptr<const List> m_list;
 };
 
-/// Elements of one tag with the types that they had when the list was made.
+/// Elements of one tag, with their types at the time of the search.
 using TypedElements = SharedList<TypedElement>;
 
 std::shared_ptr<TypedElements::List> typedElements(const QDomNode& below, const QString& tag);
@@ -55,22 +55,23 @@ std::shared_ptr<TypedElements::List> typedElements(const QDomNode& below, const 
 /// The direct children of that tag.
 Elements children(const QDomElement& parent, const QString& tag);
 
-/// The first descendant of that tag, as `elementsByTagName(tag)` gives it first, without walking further.
+/// The first descendant of that tag, the same as `elementsByTagName(tag).item(0)`. The search ends there.
 QDomElement firstDescendant(const QDomNode& below, const QString& tag);
 
-/// The first child of the first child ... along a path of tags; a null element where one is missing.
+/// Follows a path of tags, through the first child of each tag. A null element if one is missing.
 QDomElement childAt(QDomElement e, std::initializer_list<QString> path);
 
-/// The same for all handles of one node, and for no other node as long as one of them lives.
+/// A key for a node in maps. All handles of one node have the same key. Another node can get that key only
+/// after the last handle was destroyed.
 const void* identityOf(const QDomNode& node);
 
-/// The next node behind `node` in document order, its descendants first, that is still below `root`.
+/// The node after `node` in document order, its first child if it has one; null at the end of `root`.
 QDomNode nextInDocument(const QDomNode& node, const QDomNode& root);
 /// The same behind `node` and all its descendants.
 QDomNode nextSkippingChildren(const QDomNode& node, const QDomNode& root);
 
-/// Calls `enter` on each element below `below` before and `leave` after all that is in it. Neither may change
-/// the tree.
+/// Calls `enter` for each element below `below` before its descendants, and `leave` after them. Neither may
+/// change the tree.
 template <class Enter, class Leave>
 void walkElements(const QDomNode& below, Enter enter, Leave leave) {
     QDomNode node = below.firstChild();

@@ -1,10 +1,10 @@
 #pragma once
 
-// For this project's own use.
+// Constants for names in XML archives. Use them instead of literals.
 
 #include <QString>
 
-/// The format's own words: element and attribute names that every archive uses.
+/// The names of elements and attributes that occur in every archive.
 namespace Archive::Words {
 
 inline const QString Archive = QStringLiteral("Archive");

@@ -10,8 +10,8 @@ constexpr int deepestNesting = 1000;
 QT_WARNING_PUSH
 QT_WARNING_DISABLE_DEPRECATED
 
-/// Stops where elements nest too deeply. It listens to the parser that QDomDocument uses, since another one could
-/// stop early at what this one takes.
+/// Stops parsing where elements are nested too deeply. It uses the parser of QDomDocument: another one could
+/// stop earlier, at an error that this one accepts.
 class DepthCheck : public QXmlDefaultHandler {
 public:
     bool isTooDeep() const { return m_depth > deepestNesting; }
@@ -48,7 +48,7 @@ QT_WARNING_POP
 void parseXml(QDomDocument& document, const QString& text) {
     document.clear();
     if (!isTooDeep(text))
-        document.setContent(text); // one that fails leaves what it had read by then
+        document.setContent(text); // after an error the document has what was read before it
 }
 
 } // namespace Archive::Internal

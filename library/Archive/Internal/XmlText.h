@@ -1,15 +1,15 @@
 #pragma once
 
-// For this project's own use.
+// Parsing XML text that is stored inside a document.
 
 #include <QDomDocument>
 #include <QString>
 
 namespace Archive::Internal {
 
-/// Parses a text out of a document, such as the text of an overlay item, which may be anything. Of a broken text the
-/// document gets what was read in front of the fault; of one whose elements nest so deeply that Qt's parser would
-/// overflow the stack, nothing.
+/// Parses a text that is stored in a document, such as the text of an overlay item. Any text is accepted. If
+/// it is not well-formed, `document` gets what was read before the error. If elements are nested so deeply
+/// that Qt's parser would overflow the stack, `document` is empty.
 void parseXml(QDomDocument& document, const QString& text);
 
 } // namespace Archive::Internal

@@ -15,7 +15,7 @@ struct Transform {
     double m33 = 0.0;
 };
 
-/// The fields with their names, in stored order.
+/// The names and members of the fields, in the order in which documents store them.
 struct TransformField {
     const char* name;
     double Transform::*member;

@@ -7,20 +7,20 @@
 
 namespace Stored::V21 {
 
-/// One attribute of one element that a change of style may overwrite.
+/// An attribute of an element that a change of style may overwrite.
 class AdjustableAttribute {
 public:
     AdjustableAttribute(const QDomNode& node, const QDomNode& root, const QString& attributeName,
                         const QString& filterId);
-    /// The same for a node whose place is known already.
+    /// The same for a node whose position is known.
     AdjustableAttribute(const SvgElement& place, const QDomNode& node, const QString& attributeName,
                         const QString& filterId);
     virtual ~AdjustableAttribute() = default;
 
     SvgElement element;
-    QString value; ///< the attribute's value when this was made
+    QString value; ///< the attribute's value when this object was created
     QString name;  ///< the attribute's name
-    QString id;    ///< what SvgDocument::setAttributeValue() filters on
+    QString id;    ///< the element's id, for the filter of SvgDocument::setAttributeValue()
 };
 
 } // namespace Stored::V21

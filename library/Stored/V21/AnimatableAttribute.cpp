@@ -15,13 +15,13 @@ bool isNumeric(QChar c) {
     return c.isDigit() || c == QLatin1Char('.') || c == QLatin1Char('-');
 }
 
-/// What stands behind every key value so that its last separator or number is closed. An empty first key value
-/// has no last character, so that it gets the "0".
+/// The character that is appended to every key value so that its last number or separator ends there. Quirk:
+/// chosen by the first key value alone; "0" if that is empty.
 QChar sentinelBehind(const QString& first) {
     return !first.isEmpty() && isNumeric(first.back()) ? QLatin1Char('#') : QLatin1Char('0');
 }
 
-/// The runs of other characters between the numbers; one that no number follows does not count.
+/// The runs of other characters before and between the numbers. A run at the end is ignored.
 std::vector<QString> separatorsIn(const QString& text) {
     std::vector<QString> separators;
     QString open;
@@ -36,7 +36,7 @@ std::vector<QString> separatorsIn(const QString& text) {
     return separators;
 }
 
-/// The numbers that another character closes; nothing where one of them is none.
+/// The numbers that are followed by another character; nothing if one of them is invalid.
 std::optional<std::vector<double>> numbersIn(const QString& text) {
     std::vector<double> numbers;
     QString open;
@@ -92,7 +92,7 @@ AnimatableAttributeFloatList::AnimatableAttributeFloatList(const SvgElement& pla
     : AnimatableAttribute(place, node, attributeName) {
     const QString first = keyValues.value(0).trimmed();
     startsWithNumber = !first.isEmpty() && isNumeric(first.front());
-    // The first key value decides for all: one that ends otherwise loses its last number.
+    // Quirk: the first key value decides for all: one that ends in another way loses its last number.
     const QChar sentinel = sentinelBehind(first);
     separators = separatorsIn(first + sentinel);
 

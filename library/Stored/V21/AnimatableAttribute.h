@@ -15,18 +15,20 @@ namespace Internal {
 class NodeTable;
 }
 
-/// The target of one animation element: `element` is the animated one, `name` its `attributeName`.
+/// The attribute that an animation element changes: `element` is the animated element, `name` is the
+/// `attributeName`.
 class AnimatableAttribute : public AdjustableAttribute {
 public:
     AnimatableAttribute(const SvgElement& place, const QDomNode& node, const QString& attributeName);
 
-    /// Reads again what depends on the adjustable points, from a DOM in which they are filled in.
+    /// Reads the values that depend on adjustable points again, from a DOM in which the coordinates replace
+    /// the names of the points.
     virtual void refresh(const QDomNode& root);
 
     bool freeze = true;
-    int repeatCount = 1; ///< -1 for a count that is no number
+    int repeatCount = 1; ///< -1 if the count is no number
     int beginMs = 0;
-    int endMs = 0; ///< begin plus duration
+    int endMs = 0; ///< `beginMs` plus the duration
     bool interpolated = true;
     int valueCount = 0;
 };
@@ -55,25 +57,26 @@ public:
     QStringList values;
 };
 
-/// Key values that hold several numbers each, as the points of a path.
+/// Key values of several numbers each, such as the points of a path.
 class AnimatableAttributeFloatList : public AnimatableAttribute {
 public:
     AnimatableAttributeFloatList(const SvgElement& place, const QDomNode& node, const QString& attributeName,
                                  const QStringList& keyValues);
 
-    QList<std::vector<double>> values; ///< empty unless every key value has the same count of good numbers
-    std::vector<QString> separators;   ///< what stands between the numbers of the first key value
+    QList<std::vector<double>>
+        values; ///< empty unless all key values have the same count of numbers, all valid
+    std::vector<QString> separators; ///< the texts between the numbers of the first key value
     bool startsWithNumber = false;
 };
 
-/// Key values that name the coordinates of adjustable points; refresh() makes `inner` from their numbers.
+/// Key values that name coordinates of adjustable points. refresh() creates `inner` from their numbers.
 class AnimatableAttributeAdjustablePoint : public AnimatableAttribute {
 public:
     AnimatableAttributeAdjustablePoint(const SvgElement& place, const QDomNode& node,
                                        const QString& attributeName, const SvgElement& animation);
 
     void refresh(const QDomNode& root) override;
-    /// The same with a table of the DOM's nodes, which finds a node without counting siblings.
+    /// The same with a table of the DOM's nodes, which finds nodes faster.
     void refresh(const Internal::NodeTable& nodes);
 
     std::shared_ptr<AnimatableAttribute> inner;

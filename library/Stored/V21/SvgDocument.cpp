@@ -51,7 +51,7 @@ std::shared_ptr<AnimatableAttribute> makeAnimation(const SvgElement& place, cons
     return std::make_shared<AnimatableAttributeFloatList>(place, target, name, keyValues);
 }
 
-/// -1 for a count that is no number; an empty one is an absent one.
+/// -1 for a count that is no number. An empty count means the same as none.
 int repeatCountOf(const QDomElement& animation) {
     const QString text = animation.attribute(QStringLiteral("repeatCount"));
     if (text.isEmpty())
@@ -100,8 +100,8 @@ void SvgDocument::setStorage(QByteArray& storage) {
     open(QIODevice::ReadWrite);
 }
 
-/// Parses the buffer, unless the DOM holds what is in it: whatever is written into the buffer makes other bytes of
-/// it, since `m_parsed` shares them.
+/// Parses the buffer, unless it has not changed since the last time. `m_parsed` shares the memory of the
+/// buffer, so writing into the buffer gives it new memory.
 void SvgDocument::parse() {
     if (m_parsed.constData() == data().constData() && m_parsed.size() == data().size())
         return;
@@ -112,7 +112,7 @@ void SvgDocument::parse() {
     *m_nodes = NodeTable(m_dom.documentElement());
 }
 
-/// The buffer is not cut first: if the text got shorter, the end of the old one stays behind it. This is wanted.
+/// Quirk: the buffer is not truncated: if the text became shorter, the end of the old text stays after it.
 void SvgDocument::save() {
     seek(0);
     write(Internal::toUtf8(m_dom));
@@ -193,14 +193,14 @@ void SvgDocument::findConclusion() {
     }
 }
 
-/// A `use` takes over the `visibility` of the element in the `defs` that it shows. All `use`s of an id take the same
-/// value, that of the last such element, and one of them may be such an element itself. So each id keeps its latest
-/// value, and at the end each `use` is set once.
+/// A `use` gets the `visibility` of the element in `defs` that it refers to. All `use` elements of an id get
+/// the same value, that of the last element with this id. A `use` may be such an element itself. So the
+/// latest value is stored by id, and at the end each `use` is set once.
 void SvgDocument::carryVisibilityOutOfDefs() {
     parse();
     struct Shown {
-        std::vector<int> uses; ///< those that stand under no `visibility`
-        QString value;         ///< null until an element of the id was found
+        std::vector<int> uses; ///< those without an ancestor that has `visibility`
+        QString value;         ///< null until an element with the id is found
     };
     std::map<QString, Shown> shownById;
     std::map<int, const Shown*> shownByUse;
@@ -217,8 +217,8 @@ void SvgDocument::carryVisibilityOutOfDefs() {
 
     struct Source {
         int number;
-        QString value;       ///< null for an element without `visibility`
-        const Shown* itself; ///< where it is a `use` that takes over another's
+        QString value;       ///< null if the element has no `visibility`
+        const Shown* itself; ///< set if it is a `use` that gets its value from another element
         Shown* shown;
     };
     std::vector<Source> sources;

@@ -22,8 +22,8 @@ namespace Internal {
 class NodeTable;
 }
 
-/// The live document: a buffer that holds the SVG text, and the DOM that is parsed from it, changed, and saved
-/// into it again. Each operation leaves the buffer open on `content`.
+/// The live document: a buffer with the SVG text, and the DOM of that text. Each change is made in the DOM
+/// and saved into the buffer. After each operation the buffer is open on `content`.
 class SvgDocument : public QBuffer {
 public:
     using Adjustable = std::map<QString, std::vector<std::shared_ptr<AdjustableAttribute>>>;
@@ -33,31 +33,35 @@ public:
     explicit SvgDocument(const QString& text);
     ~SvgDocument() override;
 
-    /// Lists the attributes of these names that a change of style may overwrite.
+    /// Lists all attributes of these names that a change of style may overwrite.
     void collectAdjustableAttributes(const QStringList& names);
 
-    /// Lists the stops of the linear gradients, each with its difference in colour to the stop before it.
+    /// Lists the stops of the linear gradients, each with the difference between its colour and that of the
+    /// previous stop.
     void collectGradientStops();
 
-    /// Sets the collected attributes of that name, all of them or those whose `id` is `idFilter`.
+    /// Sets the listed attributes of that name: those whose `id` is `idFilter`, or all if that is empty.
     void setAttributeValue(const QString& name, const QString& value, const QString& idFilter);
 
-    /// Gives the collected gradient stops that colour, each moved by its difference.
+    /// Sets the listed gradient stops to that colour, each with its difference added.
     void applyColorToGradients(const QColor& color);
 
-    /// Reads the animations that name adjustable points again, after a change of `posX` or `posY`.
+    /// Reads the animations that name adjustable points again. To be called after a change of `posX` or
+    /// `posY`.
     void refreshAdjustablePoints();
 
     const QByteArray& content() const { return m_content; } ///< the text in UTF-8, without rgba() colours
     const QXmlStreamReader& reader() const { return m_reader; }
     const QDomDocument& dom() const { return m_dom; }
     int durationMs() const { return m_durationMs; }
-    int conclusionMs() const { return m_conclusionMs; } ///< length of the closing part, 0 if none
-    bool animated() const { return m_animated; }        ///< the text holds an `animate` tag
+    int conclusionMs() const { return m_conclusionMs; } ///< length of the closing part; 0 if there is none
+    bool animated() const { return m_animated; }        ///< the text contains an `animate` tag
     const std::vector<std::shared_ptr<AnimatableAttribute>>& animations() const { return m_animations; }
-    const Adjustable& adjustable() const { return m_adjustable; }          ///< by attribute name
-    const UseElements& useElements() const { return m_useElements; }       ///< by referenced id
-    const GradientStops& gradientStops() const { return m_gradientStops; } ///< red, green and blue offset
+    const Adjustable& adjustable() const { return m_adjustable; }    ///< by attribute name
+    const UseElements& useElements() const { return m_useElements; } ///< by referenced id
+    const GradientStops& gradientStops() const {
+        return m_gradientStops;
+    } ///< differences of red, green and blue
     const std::vector<std::shared_ptr<SvgElement>>& adjustablePoints() const { return m_adjustablePoints; }
 
 private:
@@ -86,7 +90,7 @@ private:
     std::vector<std::shared_ptr<SvgElement>> m_adjustablePoints;
 
     std::unique_ptr<Internal::NodeTable> m_nodes; ///< the nodes of `m_dom`
-    QByteArray m_parsed;                          ///< what `m_dom` was parsed from
+    QByteArray m_parsed;                          ///< the text that `m_dom` was parsed from
     std::vector<std::shared_ptr<AdjustableAttribute>> m_stopsInDocumentOrder;
 };
 

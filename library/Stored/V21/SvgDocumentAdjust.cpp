@@ -1,4 +1,4 @@
-// What a change of style does to a document that was read: colours, sizes, points.
+// Changes of style in a document: colours, sizes, points.
 
 #include "Stored/V21/SvgDocument.h"
 
@@ -23,7 +23,7 @@ using Internal::NodeTable;
 const QString stopColorName = QStringLiteral("stop-color");
 const QString retain = QStringLiteral("retain");
 
-// A stop counts once for each gradient around it, though a gradient in another one is no SVG.
+// A stop is listed once for each gradient that contains it, although SVG has no nested gradients.
 constexpr std::size_t maxGradientsAround = 8;
 
 bool isAnimation(const QString& tag) {
@@ -47,7 +47,7 @@ bool isAdjustable(const NodeTable& nodes, int number, const QString& name) {
         return false;
     if (element.attribute(idName).contains(retain + name, Qt::CaseInsensitive))
         return false;
-    if (name == fillName && isAnimation(element.tagName())) // there it is no paint
+    if (name == fillName && isAnimation(element.tagName())) // `fill` of an animation is no paint
         return false;
     if ((name == fillName || name == strokeName) && !isPaint(element.attribute(name)))
         return false;
@@ -89,7 +89,7 @@ void SvgDocument::collectGradientStops() {
     m_gradientStops.clear();
     m_stopsInDocumentOrder.clear();
     parse();
-    std::vector<int> around; // where the gradients end in which this one stands
+    std::vector<int> around; // ends of the gradients that contain this one
     for (const int gradient : m_nodes->elements(QStringLiteral("linearGradient"))) {
         while (!around.empty() && around.back() <= gradient)
             around.pop_back();
@@ -109,7 +109,7 @@ void SvgDocument::collectGradientStops() {
                 continue;
             const QColor color = Internal::colorFrom(stop.attribute(stopColorName));
             std::vector<int> offsets{0, 0, 0};
-            // The difference to the stop before, not to the first one: this is wanted.
+            // Quirk: the difference to the previous stop, not to the first one.
             if (previous.isValid())
                 offsets = {color.red() - previous.red(), color.green() - previous.green(),
                            color.blue() - previous.blue()};
@@ -123,7 +123,8 @@ void SvgDocument::collectGradientStops() {
 }
 
 void SvgDocument::applyColorToGradients(const QColor& color) {
-    // By pointer the order would be another on each run, and a stop below two gradients counts twice.
+    // In document order, not in that of the map, which is sorted by pointers: a stop below two gradients is
+    // set twice, and the last value must be the same on every run.
     for (const auto& attribute : m_stopsInDocumentOrder) {
         QDomElement stop = m_nodes->resolve(attribute->element).toElement();
         if (!stop.isNull())
@@ -157,7 +158,8 @@ void SvgDocument::refreshAdjustablePoints() {
     setStorage(filledIn);
     parse();
     for (const auto& animation : m_animations) {
-        // Only these have anything to refresh; by the table it takes no time that grows with the siblings.
+        // Only these have anything to refresh. With the table the time does not depend on the number of
+        // siblings.
         if (auto* point = dynamic_cast<AnimatableAttributeAdjustablePoint*>(animation.get()))
             point->refresh(*m_nodes);
     }

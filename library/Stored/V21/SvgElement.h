@@ -6,19 +6,19 @@
 
 namespace Stored::V21 {
 
-/// One node of a DOM named by its position, so that the name outlives a new parse of the same text.
+/// The position of a node in a DOM. It stays valid when the same text is parsed again.
 struct SvgElement {
     SvgElement() = default;
     SvgElement(const QDomNode& node, const QDomNode& root);
 
-    /// The node at that position below `root`; null where there is none.
+    /// The node at that position below `root`; null if there is none.
     QDomNode resolve(const QDomNode& root) const;
 
-    QList<int> path;              ///< from the root down: how many siblings of any kind stand before
-    QString pathKey;              ///< the same numbers as text, one behind the other
-    QString id;                   ///< the element's `id`
-    bool underVisibility = false; ///< some ancestor has the attribute `visibility`
-    bool underDefs = false;       ///< some ancestor is a `defs`
+    QList<int> path; ///< from the root down: the number of preceding siblings of any kind at each level
+    QString pathKey; ///< the same numbers as text, without separators
+    QString id;      ///< the element's `id`
+    bool underVisibility = false; ///< an ancestor has the attribute `visibility`
+    bool underDefs = false;       ///< an ancestor is a `defs`
 };
 
 } // namespace Stored::V21

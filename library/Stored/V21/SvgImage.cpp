@@ -18,7 +18,7 @@ namespace {
 
 using namespace Internal::Names;
 
-/// A wider stroke of the root stays as the text has it: the limit is wanted.
+/// Quirk: the width of a wider stroke of the root is not written.
 constexpr int greatestWrittenWidth = 4;
 
 QDomElement svgElementOf(const QDomDocument& dom) {
@@ -34,7 +34,7 @@ std::vector<QDomElement> adjustablePointsOf(const QDomDocument& dom) {
     return points;
 }
 
-/// The style that an `svg` element has of its own. What can't be read as a number was read as 0 all the same.
+/// The style attributes of an `svg` element. An attribute that is no number reads as 0.
 struct RootStyle {
     std::optional<int> strokeWidth;
     QColor fill;
@@ -50,7 +50,7 @@ std::optional<int> opacityOf(const QDomElement& svg, const QString& name) {
     return Internal::truncated(text.toDouble() * 255);
 }
 
-/// The style of the first `svg` element of a text; nothing for a text that is refused.
+/// The style of the first `svg` element of a text; nothing for a text that parse() refuses.
 std::optional<RootStyle> styleOf(const QString& text) {
     QDomDocument scratch;
     if (!Internal::parse(scratch, text)) {
@@ -69,7 +69,7 @@ std::optional<RootStyle> styleOf(const QString& text) {
     return style;
 }
 
-/// The live document gets an opacity in another form than the result text.
+/// Quirk: the live document gets two significant digits, the result text two decimals.
 QString liveOpacity(int opacity) {
     return QString().setNum(opacity / 255.0, 'g', 2);
 }
@@ -154,7 +154,7 @@ QString SvgImage::toString() const {
     std::vector<QDomElement> points = adjustablePointsOf(dom);
     const std::vector<QDomElement> live = adjustablePointsOf(m_document->dom());
     for (std::size_t number = 0; number < std::min(points.size(), live.size()); ++number) {
-        // One that is absent in the live document becomes an empty one.
+        // A coordinate that is absent in the live document becomes an empty attribute.
         for (const QString& name : {posXName, posYName})
             points[number].setAttribute(name, live[number].attribute(name));
     }

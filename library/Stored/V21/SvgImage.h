@@ -14,11 +14,11 @@ class SvgImage {
 public:
     explicit SvgImage(const QString& text);
 
-    /// Sets the paint of all that may be repainted. The colour's alpha does not count.
+    /// Sets the paint of all elements that may be repainted. The alpha of the colour is ignored.
     void setFillColor(QColor color);
     void setStrokeColor(QColor color);
 
-    /// The text as it came, with the style and the adjustable points of now.
+    /// The original text, with the current style and the current adjustable points.
     QString toString() const;
 
     const QString& text() const { return m_text; }

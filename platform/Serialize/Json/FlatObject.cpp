@@ -16,7 +16,7 @@ const json* member(const json& value, const std::string& key) {
     const auto* object = value.get_ptr<const json::object_t*>();
     if (!object || object->empty())
         return nullptr;
-    // Keys are sorted, and '@' sorts before all letters: the first key is nearly always the one.
+    // Keys are sorted, and '@' sorts before all letters: the key is nearly always the first.
     const auto first = object->begin();
     if (first->first == key)
         return &first->second;

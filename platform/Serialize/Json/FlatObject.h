@@ -9,14 +9,14 @@
 #include <set>
 #include <string>
 
-/// Lets a text stand wherever a JSON value is expected: `json value = QString(...)`, stored in UTF-8.
+/// Converts a text to a JSON string in UTF-8, so that `json value = QString(...)` works.
 void to_json(nlohmann::json& target, const QString& text);
 
 namespace Serialize::Json {
 
 using ::to_json;
 
-/// The keys that tell what a JSON object is.
+/// The keys that mark class objects and references.
 struct MetaDetails {
     inline static const std::string s_meta = "@meta";
     inline static const std::string s_object_id = "object_id";
@@ -24,18 +24,19 @@ struct MetaDetails {
     inline static const std::string s_meta_reference = "@meta_reference";
 };
 
-/// A document as class objects side by side, with references between them. A class object is a JSON object with
-/// a "@meta" of "class_name" and "object_id"; a reference is {"@meta_reference": id}.
+/// A document as a map of class objects by id, with references between them. A class object is a JSON object
+/// with {"@meta": {"class_name": name, "object_id": id}}; a reference is {"@meta_reference": id}.
 ///
-/// `objects` may be read and changed by anyone at any time, so selections look at the objects as they stand and
-/// keep no index. Pointers to objects stay good while objects are added.
+/// `objects` may be changed directly, so no index is kept: each selection searches all objects. Pointers to
+/// objects stay valid while objects are added.
 struct FlatObject {
     std::map<unsigned long long, nlohmann::json> objects;
 
-    /// Adds an object with the greatest id in `objects` plus 1. Throws std::logic_error where no id is left.
+    /// Adds an object. Its id is the greatest id in `objects` plus 1. Throws std::logic_error if no id is
+    /// left.
     nlohmann::json* createObject(const std::string& className);
 
-    /// The reference to an object; null for what is no class object.
+    /// A reference to an object. A null value if `object` is no class object. An id is not checked.
     nlohmann::json createRef(const nlohmann::json& object) const;
     nlohmann::json createRef(const nlohmann::json* object) const;
     nlohmann::json createRef(unsigned long long id) const;
@@ -48,19 +49,20 @@ struct FlatObject {
     std::set<nlohmann::json*> objectsByClassNames(const std::set<std::string>& classNames);
 };
 
-/// An id is any JSON integer that is not negative.
+/// The value as an id; nothing if it is no integer or is negative.
 std::optional<unsigned long long> toId(const nlohmann::json& value);
 
-/// `object_id` of a class object.
+/// The `object_id` of a class object; nothing for any other value.
 std::optional<unsigned long long> getObjectId(const nlohmann::json& value);
 
-/// The target of a reference.
+/// The id that a reference refers to; nothing for any other value.
 std::optional<unsigned long long> getReferenceObjectId(const nlohmann::json& value);
 
-/// The id of a class object or the target of a reference; the former where a value has both.
+/// The id of a class object or the target of a reference. If a value has both, the id of the class object.
 std::optional<unsigned long long> getAnyObjectId(const nlohmann::json& value);
 
-/// `class_name` of a class object, as a copy and as a view that lives as long as the value.
+/// The `class_name` of a class object, as a copy or as a pointer into the value; nothing or null for any
+/// other value.
 std::optional<std::string> getClassName(const nlohmann::json& value);
 const std::string* classNameOf(const nlohmann::json& value);
 

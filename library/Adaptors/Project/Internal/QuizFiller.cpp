@@ -8,7 +8,7 @@ using Serialize::Json::FlatObject;
 namespace Project::Internal {
 namespace {
 
-/// What the filler clip shows, as Qt's text engine writes it.
+/// The text of the filler clip, as HTML from Qt's text engine.
 constexpr char fillerText[] =
     "<!DOCTYPE HTML PUBLIC \"-//W3C//DTD HTML 4.0//EN\" \"http://www.w3.org/TR/REC-html40/strict.dtd\">\n"
     "<html><head><meta name=\"qrichtext\" content=\"1\" /><style type=\"text/css\">\n"
@@ -116,7 +116,8 @@ json* createFillerClip(FlatObject& document, unsigned long long timelineId, cons
 
 json* createFillerTiming(FlatObject& document, const MTime& start, const MTime& duration) {
     json* timing = document.createObject("Timeline::ClipTiming");
-    // Quirk: raw counts, where the clip and its preset have milliseconds. "Duraion" is the spelling of the format.
+    // Quirk: times are the raw counts of MTime here, but milliseconds in the clip and its preset. "Duraion"
+    // is the spelling of the format.
     timing->update({
         {"duration", duration.count()},
         {"fadeInDuraion", 0},

@@ -7,8 +7,9 @@
 
 namespace Project::Internal {
 
-/// Creates the title clip of version 69 that keeps the length of a timeline whose quizzes at the end are removed. Parts
-/// of the clip are in the document and, as copies, in what they are part of.
+/// Creates a title clip, in the form of version 69, that fills the end of a timeline after quizzes were
+/// removed there. Quirk: each part of the clip is in the document and, as a copy, in the object that it is a
+/// part of.
 nlohmann::json* createFillerClip(Serialize::Json::FlatObject& document, unsigned long long timelineId,
                                  const MTime& duration);
 

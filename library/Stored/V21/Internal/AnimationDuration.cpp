@@ -13,15 +13,16 @@
 namespace Stored::V21::Internal {
 namespace {
 
-// The stream reader compares the attributes of an element, or of a document type, with one another.
+// The stream reader compares each attribute of an element, or of a document type, with all others.
 constexpr int maxAttributes = 1000;
-// A document type can give attributes to every element, and then each quotation mark is one of a default.
+// A document type can give default attributes to every element. Quotation marks give an upper bound of their
+// number.
 constexpr int maxQuotesBesideDefaults = 200;
 
 constexpr int utf8Mib = 106;
 
-/// The text as the reader sees it, once it has read the XML declaration; nothing for one that it takes for UTF-16 or
-/// UTF-32, since there are zeros in it.
+/// The text as the reader decodes it after the XML declaration. Nothing if the reader takes it for UTF-16 or
+/// UTF-32, because it starts with zero bytes.
 QString textOf(const QXmlStreamReader& reader, const QTextCodec* declared) {
     QIODevice* device = reader.device();
     const qint64 place = device->pos();
@@ -39,12 +40,12 @@ bool isCrowded(const QString& text) {
     bool inTag = false;
     bool inList = false;
     QChar quote;
-    QChar before; // blanks left out
+    QChar before; // the previous character that is no blank
     int attributes = 0;
     int declared = 0;
     for (int at = 0; at < text.size(); ++at) {
         const QChar c = text[at];
-        if (c == QLatin1Char('<')) { // stands in no attribute
+        if (c == QLatin1Char('<')) { // never occurs inside an attribute
             inTag = true;
             inList = text.midRef(at, list.size()) == list;
             quote = QChar();
@@ -55,7 +56,7 @@ bool isCrowded(const QString& text) {
             quote = c == quote ? QChar() : quote;
         } else if (c == QLatin1Char('"') || c == QLatin1Char('\'')) {
             quote = c;
-            // In a comment there may be any number of "=" alone.
+            // A "=" alone does not count: a comment may contain any number of them.
             attributes += before == QLatin1Char('=');
             declared += inList;
         } else if (c == QLatin1Char('>')) {
@@ -70,8 +71,8 @@ bool isCrowded(const QString& text) {
     return false;
 }
 
-/// Whether parameter entities may stand between declarations. The first one that does is in the text itself, behind
-/// a declaration, and so is its own.
+/// Whether parameter entities may be used between declarations. The first such use, and the declaration of
+/// that entity, are both in the text itself.
 bool usesParameterEntities(const QString& text) {
     bool declares = false;
     bool uses = false;
@@ -92,11 +93,12 @@ bool isEscape(const QStringRef& text) {
            text.startsWith(QLatin1String("&quot;")) || text.startsWith(QLatin1String("&apos;"));
 }
 
-/// Whether defaults of attributes may refer to entities.
+/// Whether default values of attributes may refer to entities.
 bool usesEntitiesInDefaults(const QString& text) {
     const QString list = QStringLiteral("<!ATTLIST");
     for (int at = text.indexOf(list); at >= 0; at = text.indexOf(list, at)) {
-        for (++at; at < text.size() && text[at] != QLatin1Char('<'); ++at) { // which no default holds
+        for (++at; at < text.size() && text[at] != QLatin1Char('<');
+             ++at) { // never occurs in a default value
             if (text[at] == QLatin1Char('&') && !isEscape(text.midRef(at)))
                 return true;
         }
@@ -104,14 +106,15 @@ bool usesEntitiesInDefaults(const QString& text) {
     return false;
 }
 
-/// Whether the entities in a content would take it too far, found by expanding them without keeping anything.
+/// Whether the entities in `content` expand to too much. Expands them without storing the result.
 bool expandsTooFar(const QStringRef& content, const QXmlStreamEntityDeclarations& declarations) {
-    // The first declaration of a name counts, and one of a parameter entity is told like any other.
+    // The reader lists parameter entities like all others, so a name may occur twice. All its values are
+    // counted.
     QHash<QString, QString> values;
     for (const QXmlStreamEntityDeclaration& declaration : declarations)
         values[declaration.name().toString()] += declaration.value();
     double expanded = 0;
-    // What is left of the content, and of the values that stand in one another.
+    // The unread rest of the content, and of each value that is being expanded in it.
     std::vector<QStringRef> open{content};
     while (!open.empty()) {
         QStringRef& rest = open.back();
@@ -144,11 +147,11 @@ bool isBounded(const QXmlStreamReader& documentType, const QStringRef& content) 
 }
 
 bool isAnimation(const QStringRef& tag) {
-    // The tags whose timing Qt SVG knows; `animate` and `animateMotion` are nothing to it.
+    // Qt SVG reads the timing of these tags only, not that of `animate` and `animateMotion`.
     return tag == QLatin1String("animateColor") || tag == QLatin1String("animateTransform");
 }
 
-/// An SVG document of the animations alone; empty where the text is none that Qt SVG takes.
+/// An SVG document with the animations only; empty if Qt SVG would not accept the text.
 QByteArray animationsOf(QXmlStreamReader& reader) {
     const QString svg = QStringLiteral("svg");
     QByteArray animations;
@@ -165,15 +168,15 @@ QByteArray animationsOf(QXmlStreamReader& reader) {
                 QTextCodec::codecForName(reader.documentEncoding().toString().toLatin1());
             text = textOf(reader, declared);
             isRecoded = declared && declared->mibEnum() != utf8Mib;
-            // The reader tells which entities there are when it has read the document type, and may have expanded some
-            // in it before. It bounds how far each one expands, but not how many times, nor for how long.
+            // The reader lists the entities only after it has read the document type, and may expand some
+            // before. It limits the size of each expansion, but neither their number nor their time.
             if (text.isEmpty() || isCrowded(text) || usesParameterEntities(text) ||
                 usesEntitiesInDefaults(text))
                 return {};
             break;
         }
         case QXmlStreamReader::DTD: {
-            // Once it has changed to the encoding that is declared, the reader counts characters otherwise.
+            // After a change to the declared encoding, the offset of the reader is not one in `text`.
             const qint64 behind = isRecoded ? 0 : reader.characterOffset();
             if (!isBounded(reader, text.midRef(static_cast<int>(behind))))
                 return {};
@@ -190,7 +193,7 @@ QByteArray animationsOf(QXmlStreamReader& reader) {
             }
             break;
         case QXmlStreamReader::EndElement:
-            // Qt SVG stops at the first end of an `svg`, be it that of an inner one.
+            // Qt SVG stops at the first end of an `svg`, also at that of an inner one.
             if (reader.name() == svg) {
                 writer.writeEndElement();
                 return animations;
@@ -210,7 +213,7 @@ std::optional<int> animationDuration(QXmlStreamReader& reader) {
     if (animations.isEmpty())
         return std::nullopt;
     QSvgRenderer renderer;
-    renderer.setFramesPerSecond(0); // no timer
+    renderer.setFramesPerSecond(0); // starts no timer
     renderer.load(animations);
     return renderer.isValid() ? std::optional(renderer.animationDuration()) : std::nullopt;
 }

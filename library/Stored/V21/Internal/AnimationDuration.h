@@ -1,6 +1,6 @@
 #pragma once
 
-// For the model's own use.
+// The length of the animations in an SVG text, as Qt SVG computes it.
 
 #include <QXmlStreamReader>
 
@@ -8,11 +8,11 @@
 
 namespace Stored::V21::Internal {
 
-/// What the Qt SVG module says of the SVG text that the reader's device holds: the milliseconds that its animations
-/// last, or nothing where it gives no document. Its renderer gets to see the animations alone. They are all that
-/// counts for the number, and the rest of a stranger's text could make it open files and unpack images, load style
-/// sheets, compare each element with each style rule, or recurse with the depth of the text; text would have it look
-/// for fonts, which it can't do in a process without a QGuiApplication.
+/// The length of the animations in milliseconds that Qt SVG gives for the text in the reader's device;
+/// nothing if Qt SVG does not accept the text. Qt's renderer gets the animations only: nothing else changes
+/// the number. The rest of a hostile text could make it open files, unpack images, load style sheets, compare
+/// each element with each style rule, or recurse as deep as the text. Text elements would make it look for
+/// fonts, which fails in a process without a QGuiApplication.
 std::optional<int> animationDuration(QXmlStreamReader& reader);
 
 } // namespace Stored::V21::Internal

@@ -13,16 +13,16 @@ const QString beginName = QStringLiteral("begin");
 
 /// The timing of one animation.
 struct NodeTimeParams {
-    QDomNode node; ///< set only when `begin` refers to another animation
+    QDomNode node; ///< set only if `begin` refers to another animation
     QString refId;
-    bool fromBegin = false; ///< the reference says ".begin", not ".end"
+    bool fromBegin = false; ///< the reference ends with ".begin", not ".end"
     int offsetMs = 0;
-    int beginMs = -1; ///< -1 until resolved, as the end
+    int beginMs = -1; ///< -1 until resolved, as is `endMs`
     int endMs = -1;
 };
 
-/// What stands behind the first "+", or else behind the first "-", which counts backwards. The whole of `begin` is
-/// searched, so that such a character in the id decides: this is wanted.
+/// The offset: the text after the first "+", or else, as a negative offset, after the first "-". Quirk: all
+/// of `begin` is searched, so a "+" or "-" in the id counts.
 int offsetIn(const QString& begin) {
     const int plus = begin.indexOf(QLatin1Char('+'));
     if (plus >= 0)
@@ -52,7 +52,7 @@ NodeTimeParams timingOf(const QDomElement& animation) {
 class Resolver {
 public:
     explicit Resolver(const std::vector<QDomElement>& animations) : m_states(animations.size()) {
-        // Each is read once, not once for each reference to it: its text may be long.
+        // Each is read once, not at each reference to it: the text may be long.
         for (const QDomElement& animation : animations) {
             const QString id = animation.attribute(QStringLiteral("id"));
             if (!id.isEmpty() && !m_numbers.contains(id))
@@ -75,7 +75,8 @@ public:
 private:
     enum class State { Untouched, Open, Resolved };
 
-    /// Resolves an animation and before it, with a stack of our own, all that it depends on.
+    /// Resolves an animation, and before it all animations that it depends on. Uses a list in place of
+    /// recursion.
     void resolve(int number) {
         std::vector<int> open{number};
         while (!open.empty()) {
@@ -98,10 +99,10 @@ private:
         }
     }
 
-    /// What a missing reference, -1, begins and ends at is 0.
+    /// The begin or the end of an animation; 0 for a missing one, the number -1.
     void setBegin(NodeTimeParams& timing, int referenced) {
         QDomElement animation = timing.node.toElement();
-        if (animation.isNull()) // a `begin` of -1ms only looks unresolved
+        if (animation.isNull()) // a `begin` of -1ms looks as if unresolved
             return;
         int ms = 0;
         if (referenced >= 0)
@@ -115,7 +116,7 @@ private:
 
     std::vector<NodeTimeParams> m_timings;
     std::vector<State> m_states;
-    QHash<QString, int> m_numbers; ///< by id, the first of each
+    QHash<QString, int> m_numbers; ///< by id; of several the first
 };
 
 } // namespace

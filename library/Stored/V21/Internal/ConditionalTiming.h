@@ -1,6 +1,6 @@
 #pragma once
 
-// For the model's own use.
+// Resolving animations that start relative to other animations.
 
 #include <QDomElement>
 
@@ -8,8 +8,8 @@
 
 namespace Stored::V21::Internal {
 
-/// Gives animations whose `begin` names another one ("a.end-500ms") the time that this means ("2500ms"). True if
-/// there was any such animation.
+/// Replaces each `begin` that names another animation ("a.end-500ms") by its time ("2500ms"). Returns whether
+/// there was any.
 bool resolveConditionalTiming(const std::vector<QDomElement>& animations);
 
 } // namespace Stored::V21::Internal

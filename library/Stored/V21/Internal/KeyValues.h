@@ -1,6 +1,6 @@
 #pragma once
 
-// For the model's own use.
+// Reading the key values of an animation, and colours.
 
 #include <QColor>
 #include <QDomElement>
@@ -9,12 +9,12 @@
 
 namespace Stored::V21::Internal {
 
-/// The colour of that name; an invalid one, and no word from Qt, where there is none.
+/// The colour of that name; an invalid one if there is none. Unlike QColor, prints no warning.
 inline QColor colorFrom(const QString& name) {
     return QColor::isValidColor(name) ? QColor(name) : QColor();
 }
 
-/// An animation's `values`, or else its `from` and `to`. Never empty.
+/// The list in an animation's `values`, or else its `from` and `to`. Never empty.
 inline QStringList keyValuesOf(const QDomElement& animation) {
     const QString values = animation.attribute(QStringLiteral("values"));
     if (!values.isEmpty())

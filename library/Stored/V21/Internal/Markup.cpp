@@ -11,34 +11,36 @@
 #include <map>
 #include <vector>
 
-// The reader behind QDomDocument is deprecated as an interface, and it alone tells beforehand what a text will do to
-// the DOM.
+// The reader that QDomDocument uses is deprecated as an interface, but only with it can a text be checked
+// before it is parsed into a DOM.
 QT_WARNING_DISABLE_DEPRECATED
 
 namespace Stored::V21::Internal {
 namespace {
 
-// Qt's parser recurses, with 350 bytes of stack a level; nothing else does. A text of 1000 levels came through in a
-// thread with 370 KB of stack, and in one with 390 KB under address and undefined behaviour sanitizers.
+// Qt's parser recurses and needs 350 bytes of stack for each level; no other code recurses. Measured: a text
+// of 1000 levels was parsed in a thread with 370 KB of stack, and in one with 390 KB under address and
+// undefined behaviour sanitizers.
 constexpr int maxDepth = 1000;
 
-// Places of elements are lists as long as their depth, so the depths of all elements together are bounded too. No
-// drawing comes near: on average its elements would have to stand as many levels deep as they have characters times
-// this number.
+// The position of an element is a list as long as its depth, so the sum of the depths of all elements is
+// bounded, too. The bound is this number times the characters of the text. Real drawings are far below it.
 constexpr double maxLevelsPerCharacter = 8;
 constexpr double maxLevelsOfSmallText = 1'000'000;
 
-// At each declaration Qt goes through all entities, and searches the value of the one before for the names of all.
+// At each declaration Qt walks through all entities and searches the value of the previous one for all their
+// names.
 constexpr int maxEntities = 1000;
 constexpr double maxSearchedForNames = 3e8;
 
-// A DOM gives attributes by number in a time that grows with the number; those of an element with more are left to Qt's
-// writer, whose time for a value grows with its length and with what has to be escaped in it.
+// Fetching an attribute from a DOM by number takes time that grows with the number. So elements with more
+// attributes are written by Qt's writer. Its time for a value grows with the length of the value times the
+// number of characters to be escaped in it.
 constexpr int maxIndexedAttributes = 200;
 constexpr double maxMovesOfManyAttributes = 1e9;
 
-/// Qt's parser recurses for the brackets of an element's content model, and asks no handler before. A parameter
-/// entity must hold all of one: what goes on behind its value could be anything.
+/// Qt's parser recurses for the brackets of an element's content model, and calls no handler before. In a
+/// parameter entity the declaration must be complete: the text that follows its value is not known.
 bool hasDeepContentModel(const QString& text, bool isParameterEntity) {
     const QString declaration = QStringLiteral("<!ELEMENT");
     for (int at = text.indexOf(declaration); at >= 0; at = text.indexOf(declaration, at)) {
@@ -55,7 +57,7 @@ bool hasDeepContentModel(const QString& text, bool isParameterEntity) {
     return false;
 }
 
-/// Reads along without keeping anything, and stops Qt's parser where a text gets out of bounds.
+/// Checks a text during a first parse that stores nothing, and stops Qt's parser when a bound is exceeded.
 class Gauge : public QXmlDefaultHandler {
 public:
     explicit Gauge(int size)
@@ -67,7 +69,7 @@ public:
     bool startElement(const QString&, const QString&, const QString&,
                       const QXmlAttributes& attributes) override {
         m_levels += ++m_depth;
-        if (attributes.count() > maxIndexedAttributes / 2) // the model adds some
+        if (attributes.count() > maxIndexedAttributes / 2) // the SVG model adds some
             countMoves(attributes);
         return within(m_depth <= maxDepth && m_levels <= m_maxLevels && m_moves <= maxMovesOfManyAttributes);
     }
@@ -80,18 +82,19 @@ public:
     bool internalEntityDecl(const QString& name, const QString& value) override {
         const QLatin1Char parameter('%');
         const bool isParameter = name.startsWith(parameter);
-        m_sizes.insert(isParameter ? name.mid(1) : name, value.size()); // no two of either kind share a name
+        m_sizes.insert(isParameter ? name.mid(1) : name,
+                       value.size()); // the reader reports a name once, for one of the kinds
         if (isParameter)
-            return within(!hasDeepContentModel(value, true)); // of these Qt takes no more than three
+            return within(!hasDeepContentModel(value, true)); // Qt accepts at most three of these
         m_sizeOfNames += name.size();
         m_searchedForNames +=
             m_sizeOfNames + double(m_sizes.size() + value.count(QLatin1Char('&'))) * value.size();
         return within(m_sizes.size() <= maxEntities && m_searchedForNames <= maxSearchedForNames);
     }
 
-    /// Comes each time that the value of an entity takes the place of a reference, wherever that stands. So it is
-    /// seen how far all really expand: Qt's own limit of 4096 characters overlooks the last entity that is declared,
-    /// those that name later ones, and expansions to nothing.
+    /// Called each time that an entity is expanded, in any place. So all expansions are counted. Qt's own
+    /// limit of 4096 characters does not apply to the entity that is declared last, to those that name later
+    /// ones, and to expansions to an empty text.
     bool startEntity(const QString& name) override {
         m_expanded += m_sizes.value(name);
         return within(m_expanded <= m_maxExpanded);
@@ -116,7 +119,7 @@ private:
 
     double m_maxLevels;
     double m_maxExpanded;
-    QHash<QString, int> m_sizes; ///< of the values of entities
+    QHash<QString, int> m_sizes; ///< the lengths of the values of entities, by name
     double m_sizeOfNames = 0;
     double m_searchedForNames = 0;
     double m_expanded = 0;
@@ -131,10 +134,10 @@ bool isBounded(const QString& text) {
         return false;
     Gauge gauge(text.size());
     QXmlSimpleReader reader;
-    // As QDomDocument sets it up.
+    // The same settings as in QDomDocument.
     reader.setFeature(QStringLiteral("http://xml.org/sax/features/namespaces"), false);
     reader.setFeature(QStringLiteral("http://xml.org/sax/features/namespace-prefixes"), true);
-    // Beyond that, and without changing what it reads.
+    // One more, which does not change what is read.
     reader.setFeature(QStringLiteral("http://qt-project.org/xml/features/report-start-end-entity"), true);
     reader.setContentHandler(&gauge);
     reader.setDeclHandler(&gauge);
@@ -145,12 +148,12 @@ bool isBounded(const QString& text) {
     return !gauge.isExceeded();
 }
 
-/// Puts into order what Qt's DOM has written of a tag or a document type.
+/// Sorts the attributes of a tag, and the declarations of a document type, in text that Qt's DOM has written.
 class Sorter {
 public:
     explicit Sorter(const QString& text) : m_text(text) {}
 
-    /// The declarations between the brackets of a document type, each of which stands on its own line.
+    /// The declarations between the brackets of a document type, one on each line.
     QString documentType() {
         copyTo(findUnquoted("[", m_at));
         if (m_at < m_text.size()) {
@@ -172,9 +175,9 @@ public:
         return m_sorted;
     }
 
-    /// The attributes of a tag without children, each with a blank before.
+    /// The attributes of a tag without children, each after a blank.
     QString attributes() {
-        std::map<QStringRef, QStringRef> attributes; // from the name to name and value
+        std::map<QStringRef, QStringRef> attributes; // name to "name=value"
         m_at = findUnquoted(" />", m_text.indexOf(QLatin1Char('<')) + 1);
         while (m_at < m_text.size() && m_text[m_at] == QLatin1Char(' ')) {
             const int name = m_at + 1;
@@ -195,7 +198,7 @@ private:
         m_at = place;
     }
 
-    /// The first place, from one on, of any of these characters that stands in no quotes.
+    /// The first position of one of these characters outside of quotes, from a position on.
     int findUnquoted(const char* characters, int from) const {
         const QLatin1String wanted(characters);
         QChar quote;
@@ -216,13 +219,13 @@ private:
     int m_at = 0;
 };
 
-/// What QDomDocument::save() writes with an indent of 1, but always in the same order, and in a time that grows with
-/// the text and with no stack: Qt moves the rest of a value at each character that it escapes, and recurses.
+/// Writes the same as QDomDocument::save() with an indent of 1, but with sorted attributes, in linear time
+/// and without recursion. Qt recurses, and it moves the rest of a value for each character that it escapes.
 class Writer {
 public:
     explicit Writer(const QTextCodec& codec) : m_codec(codec) {}
 
-    /// Writes a node and all that stand behind it.
+    /// Writes a node and all its following siblings.
     void writeFrom(QDomNode node) {
         int depth = 0;
         while (!node.isNull()) {
@@ -240,7 +243,7 @@ public:
         }
     }
 
-    /// Writes a node that has no children, or the beginning of an element with some.
+    /// Writes a node without children, or the start of an element with children.
     void begin(const QDomNode& node, int depth) {
         switch (node.nodeType()) {
         case QDomNode::ElementNode:
@@ -255,7 +258,7 @@ public:
         case QDomNode::CommentNode:
             indent(node, depth);
             written += QStringLiteral("<!--") + node.nodeValue();
-            if (node.nodeValue().endsWith(QLatin1Char('-'))) // "--->" would be no end
+            if (node.nodeValue().endsWith(QLatin1Char('-'))) // "--->" does not end a comment
                 written += QLatin1Char(' ');
             written += QStringLiteral("-->");
             endLine(node);
@@ -343,7 +346,7 @@ private:
         return (m_codec.mibEnum() == utf8 && !c.isSurrogate()) || m_codec.canEncode(c);
     }
 
-    /// Blanks and line ends next to a text would become part of it.
+    /// Blanks and line ends next to a text would become part of the text.
     void indent(const QDomNode& node, int depth) {
         if (!node.previousSibling().isText())
             written += QString(depth, QLatin1Char(' '));
@@ -373,7 +376,7 @@ const QTextCodec& utf8() {
     return *QTextCodec::codecForName("UTF-8");
 }
 
-/// What Qt's DOM takes for the encoding that the document declares.
+/// The encoding that Qt's DOM reads from the declaration of the document.
 const QTextCodec& codecOf(const QDomDocument& dom) {
     if (!isXmlDeclaration(dom.firstChild()))
         return utf8();
@@ -408,7 +411,7 @@ QString toText(const QDomDocument& dom) {
         writer.begin(first, 0);
         first = first.nextSibling();
     }
-    // Wherever it stood among comments, the document type comes before them.
+    // The document type is written before comments, wherever it was.
     if (!first.isNull())
         writer.writeDocumentType(dom.doctype());
     writer.writeFrom(first);
@@ -416,7 +419,7 @@ QString toText(const QDomDocument& dom) {
 }
 
 QByteArray toUtf8(const QDomDocument& dom) {
-    // Written for a stream, a DOM has no document type.
+    // Qt does not write the document type to a stream.
     QDomNode first = dom.firstChild();
     if (isXmlDeclaration(first))
         first = first.nextSibling();

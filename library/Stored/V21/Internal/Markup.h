@@ -1,6 +1,6 @@
 #pragma once
 
-// For the model's own use: reading and writing SVG text, which may come from strangers.
+// Reading and writing SVG text, which may be hostile.
 
 #include <QByteArray>
 #include <QDomDocument>
@@ -8,25 +8,26 @@
 
 namespace Stored::V21::Internal {
 
-/// What the log says of a text that parse() refuses.
+/// The log line for a text that parse() refuses.
 inline constexpr char refusal[] = "SVG text nests too deeply or expands too far";
 
-/// Parses without namespace processing. As with Qt's parser alone, what it kept of a broken text stays. A text that
-/// would take it stack, time or memory without bound leaves nothing, and gives false.
+/// Parses a text without namespace processing. A text that is not well-formed gives what Qt's parser read
+/// before the error. A text that would need unbounded stack, time or memory is refused: the result is false
+/// and an empty document.
 bool parse(QDomDocument& dom, const QString& text);
 
-/// The text that Qt's DOM parser sees in these bytes: an encoding that is declared in them counts.
+/// The text that Qt's DOM parser reads from these bytes. It uses the encoding that they declare.
 QString decoded(const QByteArray& bytes);
 
-/// QDomDocument::toString(1), with attributes in order of their names, and entities and notations of a document
-/// type likewise: Qt writes them in the order of its hash, which is another on each run.
+/// The same as QDomDocument::toString(1), except that attributes are sorted by name, and so are the entities
+/// and notations of a document type. Qt writes them in the order of a hash, which differs on each run.
 QString toText(const QDomDocument& dom);
 
-/// The same as a UTF-8 stream gets it.
+/// The same as written to a UTF-8 stream.
 QByteArray toUtf8(const QDomDocument& dom);
 
-/// How many characters may stand in the place of entities in a text of that size, those in entities counted as well:
-/// so that a few short references don't grow into gigabytes.
+/// The most characters that entities may expand to in a text of that size, including entities in entities.
+/// Without this limit a few short references could expand to gigabytes.
 constexpr double maxExpansion(int size) {
     return 256 * 1024 + 4.0 * size;
 }

@@ -1,10 +1,10 @@
 #pragma once
 
-// For the model's own use.
+// Names that several files of the SVG model use.
 
 #include <QString>
 
-/// Tags and attributes of SVG, and of the editor in it, that more than one file of the model knows.
+/// Tags and attributes of SVG, and those that the editor adds to it.
 namespace Stored::V21::Internal::Names {
 
 inline const QString idName = QStringLiteral("id");

@@ -14,7 +14,7 @@ NodeTable::NodeTable(const QDomNode& root) {
         return;
     append(root, -1, 0);
     for (int current = 0; current >= 0;) {
-        // Down to the first child, or else up to the next sibling of the nearest ancestor that has one.
+        // To the first child, or else to the next sibling of the nearest ancestor that has one.
         QDomNode next = node(current).firstChild();
         if (!next.isNull()) {
             append(next, current, 0);

@@ -1,6 +1,6 @@
 #pragma once
 
-// For the model's own use.
+// A table of the nodes of a DOM, for fast lookups by position and by tag.
 
 #include "Stored/V21/SvgElement.h"
 
@@ -11,8 +11,8 @@
 
 namespace Stored::V21::Internal {
 
-/// All nodes of a DOM in document order, by number, the root being 0. It finds the node at a path, and the path of
-/// a node, without counting siblings one by one, which would be quadratic for a wide document.
+/// All nodes of a DOM, numbered in document order from the root, 0. It finds the node at a position, and the
+/// position of a node, without counting siblings, which would be quadratic for an element with many children.
 class NodeTable {
 public:
     NodeTable() = default;
@@ -21,19 +21,23 @@ public:
     int size() const { return static_cast<int>(m_entries.size()); }
     const QDomNode& node(int number) const { return entry(number).node; }
     int parent(int number) const { return entry(number).parent; } ///< -1 for the root
-    int behind(int number) const { return entry(number).behind; } ///< the number behind all descendants
+    int behind(int number) const {
+        return entry(number).behind;
+    } ///< the number after those of all descendants
     bool isUnderClipPath(int number) const { return entry(number).underClipPath; }
 
-    /// The numbers of the elements of that tag, in document order; in the second form those below an element.
+    /// The numbers of the elements of that tag, in document order; in the second form only those below an
+    /// element.
     std::vector<int> elements(const QString& tag) const { return elements(tag, 0, size()); }
     std::vector<int> elementsBelow(int number, const QString& tag) const {
         return elements(tag, number + 1, behind(number));
     }
 
-    /// The same as SvgElement(node, root).
+    /// The position of a node; the same as SvgElement(node, root).
     SvgElement place(int number) const;
 
-    /// The node at that place, by number and as SvgElement::resolve() gives it; -1 or null where there is none.
+    /// The node at that position: its number, -1 if there is none, or the node as from SvgElement::resolve(),
+    /// null if there is none.
     int find(const SvgElement& place) const;
     QDomNode resolve(const SvgElement& place) const;
 
@@ -41,7 +45,7 @@ private:
     struct Entry {
         QDomNode node;
         int parent;
-        int position; ///< how many siblings stand before
+        int position; ///< the number of preceding siblings
         int behind;
         bool underVisibility;
         bool underDefs;
@@ -54,8 +58,9 @@ private:
     std::vector<int> elements(const QString& tag, int from, int to) const;
 
     std::vector<Entry> m_entries;
-    std::vector<int> m_children;   ///< the children of 0, then those of 1 ...
-    std::vector<int> m_childStart; ///< where the children of each node begin there, and where the last end
+    std::vector<int> m_children; ///< the children of 0, then those of 1 ...
+    std::vector<int>
+        m_childStart; ///< by node: the start of its children in `m_children`; last, the end of the list
 };
 
 } // namespace Stored::V21::Internal

@@ -7,10 +7,11 @@
 namespace Stored::V21::Internal {
 namespace {
 
-// One point may bring in the names of others, so that the text could double with each.
+// The value of a point may name others, so the text could double with each point.
 constexpr qint64 maxGrowth = 4;
 constexpr qint64 maxGrowthOfSmallText = qint64(1024) * 1024;
-// Bytes that are searched and letters of ids that are compared, the latter counted manifold for what they take longer.
+// The bytes that are searched plus the letters of ids that are compared. A letter counts several times,
+// because comparing takes longer than searching.
 constexpr qint64 maxWork = qint64(1) << 31;
 constexpr qint64 workOfLetter = 8;
 
@@ -20,7 +21,8 @@ constexpr std::string_view endings[] = {".posX", ".posY"};
 constexpr std::string_view commonEnding = ".pos";
 constexpr int axes = 2;
 
-/// What is filled in, in this order: the X of the first point, its Y, the X of the second ...
+/// The number of a coordinate. They are replaced in this order: X of the first point, its Y, X of the second
+/// ...
 int coordinateOf(int point, int axis) {
     return point * axes + axis;
 }
@@ -34,8 +36,8 @@ bool holdsEnding(std::string_view text) {
                        [&](std::string_view ending) { return text.find(ending) != text.npos; });
 }
 
-/// Whether an ending of a reference could come into being where this value is put into a text, be it in the value or
-/// with what stands beside it.
+/// Whether inserting this value could create an ending of a reference, in the value or together with the text
+/// next to it.
 bool mayMakeEnding(std::string_view value) {
     if (value.empty() || holdsEnding(value))
         return true;
@@ -50,7 +52,7 @@ bool mayMakeEnding(std::string_view value) {
     return false;
 }
 
-/// The ids of all points, as a tree of letters that begins with the last letter of each.
+/// The ids of all points, as a trie over their letters from last to first.
 class Ids {
 public:
     explicit Ids(const std::vector<Point>& points) : m_letters(1), m_nextOfSameId(points.size(), none) {
@@ -60,12 +62,12 @@ public:
 
     struct Found {
         int coordinate = none;
-        int start = 0;       ///< of the id
-        bool goesOn = false; ///< some id is longer than what stands between the two places, and ends in it
+        int start = 0;               ///< position of the id
+        bool isPartOfLonger = false; ///< the whole text from `from` to `end` is the end of a longer id
     };
 
-    /// Of the coordinates from `next` on, the first one whose id stands right before `end`. From call to call, `next`
-    /// must not become less.
+    /// The first coordinate, from `next` on, whose id is in the text directly before `end`. `next` must not
+    /// decrease from call to call.
     Found findBefore(std::string_view text, int from, int end, int axis, int next) {
         Found found;
         int letter = 0;
@@ -76,7 +78,7 @@ public:
                 found.start = place;
             }
             if (place == from)
-                found.goesOn = at(letter).child != none;
+                found.isPartOfLonger = at(letter).child != none;
             if (place == 0)
                 break;
             letter = child(letter, text[static_cast<std::size_t>(place) - 1]);
@@ -90,8 +92,8 @@ private:
     struct Letter {
         char letter = 0;
         int sibling = none;
-        int child = none; ///< the first of the letters that stand before this one
-        int point = none; ///< the first whose id begins here
+        int child = none; ///< the first of the letters that come before this one
+        int point = none; ///< the first point whose id begins here
     };
 
     Letter& at(int letter) { return m_letters[static_cast<std::size_t>(letter)]; }
@@ -128,13 +130,13 @@ private:
         return found == none ? none : coordinateOf(found, axis);
     }
 
-    std::vector<Letter> m_letters; ///< that at 0 stands for none
+    std::vector<Letter> m_letters; ///< the one at 0 is the root
     std::vector<int> m_nextOfSameId;
     qint64 m_compared = 0;
 };
 
-/// Fills in many coordinates at once: all up to the first one after which others could have come to stand at other
-/// places, and then on from there.
+/// Replaces many coordinates in one pass: all up to the first one whose replacement could change where later
+/// ones occur. Then it searches again from there.
 class Filling {
 public:
     Filling(const QByteArray& text, const std::vector<Point>& points)
@@ -177,15 +179,15 @@ private:
         return coordinate % axes == 0 ? point.x : point.y;
     }
 
-    /// Finds for each ending the first coordinate from `next` on that is meant, and gives the last one up to which
-    /// all can be replaced at once.
+    /// Finds for each ending the first coordinate, from `next` on, that it refers to. Gives the last
+    /// coordinate that can be replaced in this pass.
     int findReferences(int next) {
         m_references.clear();
         m_searched += m_text.size();
         const std::string_view text = view(m_text);
         int last = none;
-        int behind = 0;        // the ending before
-        int referenced = none; // by the ending before
+        int behind = 0;        // end of the previous ending
+        int referenced = none; // the coordinate of the previous ending
         for (std::size_t at = text.find(commonEnding); at != text.npos && !isTooMuch();
              at = text.find(commonEnding, at + 1)) {
             const auto* ending =
@@ -194,8 +196,9 @@ private:
                 continue;
             const auto axis = static_cast<int>(ending - std::begin(endings));
             const Ids::Found found = m_ids.findBefore(text, behind, static_cast<int>(at), axis, next);
-            // What stands in the place of the reference before may become part of an id, or may have been one.
-            if (found.goesOn)
+            // The value that replaces the previous reference may become a part of an id, or its text may have
+            // been one.
+            if (found.isPartOfLonger)
                 last = std::min(last, referenced);
             if (found.coordinate != none) {
                 m_references.push_back(
@@ -214,7 +217,7 @@ private:
         int behind = 0;
         std::vector<Reference> replaced;
         for (const Reference& reference : m_references) {
-            if (reference.coordinate > last || reference.start < behind) // begins in the one before
+            if (reference.coordinate > last || reference.start < behind) // begins inside the previous one
                 continue;
             behind = reference.end;
             replaced.push_back(reference);
@@ -239,8 +242,7 @@ private:
     const std::vector<Point>& m_points;
     Ids m_ids;
     qint64 m_maxSize;
-    std::vector<bool>
-        m_mayMeanOthers; ///< by coordinate: its value may change what else is a reference to what
+    std::vector<bool> m_mayMeanOthers; ///< by coordinate: its value may create or change other references
     std::vector<Reference> m_references;
     qint64 m_searched = 0;
 };

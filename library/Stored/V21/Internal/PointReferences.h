@@ -1,6 +1,6 @@
 #pragma once
 
-// For the model's own use.
+// Replacing references to adjustable points by their coordinates.
 
 #include <QByteArray>
 
@@ -9,16 +9,17 @@
 
 namespace Stored::V21::Internal {
 
-/// An adjustable point, as UTF-8.
+/// An adjustable point; its texts are in UTF-8.
 struct Point {
     QByteArray id;
     QByteArray x;
     QByteArray y;
 };
 
-/// The text with the points' values in the place of "id.posX" and "id.posY": point after point, X before Y, each
-/// wherever it occurs in what the ones before have left, values included. Nothing if they name one another so often
-/// that this would take too long or make too long a text.
+/// The text with "id.posX" and "id.posY" replaced by the values of the points. The result is as if the points
+/// were replaced one after the other, X before Y, each in the whole text that the previous ones gave,
+/// inserted values included. Nothing if points name each other so often that this would take too long or give
+/// too long a text.
 std::optional<QByteArray> withPointsFilledIn(const QByteArray& text, const std::vector<Point>& points);
 
 } // namespace Stored::V21::Internal

@@ -5,7 +5,7 @@
 namespace Stored::V21::Internal {
 namespace {
 
-/// The three numbers of an rgba() as a colour. A number below 16 gives a single digit: this is wanted.
+/// The three numbers of an rgba() as a colour. Quirk: a number below 16 gives a single digit.
 QByteArray colorOf(const QList<QByteArray>& parts) {
     QByteArray color("#");
     for (int component = 0; component < 3; ++component)
@@ -26,14 +26,14 @@ QByteArray withoutRgba(const QByteArray& text) {
             break;
         const int arguments = hit + mark.size();
         const QByteArray parts = text.mid(arguments, end - arguments);
-        if (parts.count(',') != 3) // counted first: there may be millions
+        if (parts.count(',') != 3) // counted before splitting: there may be millions
             break;
         const QByteArray color = colorOf(parts.split(','));
         result += text.mid(copied, hit + 1 - copied);
         result += color;
         copied = end + 1;
-        // The search goes on where the end stood in the longer text, so it may step over an rgba() close behind: this
-        // is wanted.
+        // Quirk: the search skips as many characters after the end as the text became shorter. So an rgba()
+        // that follows closely is not replaced.
         const int shortened = end - hit - color.size();
         hit = text.indexOf(mark, end + shortened);
     }

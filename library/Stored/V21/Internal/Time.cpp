@@ -17,7 +17,7 @@ int timeMs(const QString& text) {
     }
     bool isNumber = false;
     const double value = number.toDouble(&isNumber);
-    // Qt gives infinity for what it can't convert because it is too great.
+    // Qt gives infinity for a number that is too great to convert.
     return isNumber ? truncated(value * factor) : 0;
 }
 
