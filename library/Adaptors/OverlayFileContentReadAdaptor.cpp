@@ -32,6 +32,7 @@ void OverlayFileContentReadAdaptor::convert(ArchiveEditor& archive) {
     for (const QDomElement& preset : children(archive.topArchive(), Words::RootObject)) {
         if (Archive::typeOf(preset) != QLatin1String("Overlay::Preset"))
             continue;
+        const Subject subject(archive, preset);
         Archive::iterateArray(preset.firstChildElement("items"), [&](QDomElement& item) {
             for (QDomElement text = item.firstChildElement(); !text.isNull();
                  text = text.nextSiblingElement()) {

@@ -23,6 +23,7 @@ const QString clipsField = QStringLiteral("clips");
 const QString effectsField = QStringLiteral("effects");
 const QString overlayField = QStringLiteral("overlay");
 const QString nameField = QStringLiteral("name");
+const QString timestampField = QStringLiteral("timestamp");
 
 unsigned long long idIn(const QDomElement& reference) {
     return reference.attribute(Words::value).toULongLong();
@@ -96,10 +97,10 @@ class PartList {
 public:
     /// False for an id that is listed already, and for none.
     bool add(PartKind kind, unsigned long long id, std::string className, std::string name,
-             unsigned long long clip) {
+             unsigned long long clip, std::optional<long long> time) {
         if (id == 0 || !m_ids.insert(id).second)
             return false;
-        m_parts.push_back({kind, id, std::move(className), std::move(name), clip});
+        m_parts.push_back({kind, id, std::move(className), std::move(name), clip, time});
         return true;
     }
     std::vector<Part> take() { return std::move(m_parts); }
@@ -119,15 +120,19 @@ public:
             for (const QDomElement& item :
                  Archive::Internal::children(timeline.firstChildElement(clipsField), Words::Item)) {
                 const QDomElement key = item.firstChildElement(Words::Key);
-                addClip(idIn(key.isNull() ? item.firstChildElement(Words::Data) : key));
+                addClip(idIn(key.isNull() ? item.firstChildElement(Words::Data) : key),
+                        item.firstChildElement(Words::Value));
             }
         }
         return m_parts.take();
     }
 
 private:
-    void addClip(unsigned long long id) {
-        if (!add(PartKind::Clip, id, id))
+    void addClip(unsigned long long id, const QDomElement& timing) {
+        const QDomElement timestamp = timing.firstChildElement(timestampField);
+        if (!add(PartKind::Clip, id, id,
+                 timestamp.isNull() ? std::nullopt
+                                    : std::optional(timestamp.attribute(Words::value).toLongLong())))
             return;
         const QDomElement clip = m_objects.value(id);
         for (const QDomElement& item :
@@ -135,10 +140,11 @@ private:
             add(PartKind::Effect, idIn(item.firstChildElement(Words::Data)), id);
         add(PartKind::Title, idIn(clip.firstChildElement(overlayField)), id);
     }
-    bool add(PartKind kind, unsigned long long id, unsigned long long clip) {
+    bool add(PartKind kind, unsigned long long id, unsigned long long clip,
+             std::optional<long long> time = std::nullopt) {
         const QDomElement object = m_objects.value(id);
         return m_parts.add(kind, id, Archive::typeOf(object).toStdString(),
-                           Archive::valueOf(object, nameField).toStdString(), clip);
+                           Archive::valueOf(object, nameField).toStdString(), clip, time);
     }
 
     Archive::Internal::Elements m_timelines;
@@ -155,26 +161,30 @@ public:
             if (classOf(timeline) != timelineClass.toStdString())
                 continue;
             for (const json& entry : Archive::Internal::memberOf(timeline, clipsField.toStdString()))
-                addClip(entry.is_object() && entry.contains("clip") ? entry["clip"] : entry);
+                addClip(entry.is_object() && entry.contains("clip") ? entry["clip"] : entry,
+                        Archive::Internal::memberOf(entry, "timing"));
         }
         return m_parts.take();
     }
 
 private:
-    void addClip(const json& clip) {
+    void addClip(const json& clip, const json& timing) {
         const unsigned long long id = idOf(clip);
-        if (!add(PartKind::Clip, clip, id))
+        const json& time = Archive::Internal::memberOf(objectOf(timing), timestampField.toStdString());
+        if (!add(PartKind::Clip, clip, id,
+                 time.is_number_integer() ? std::optional(time.get<long long>()) : std::nullopt))
             return;
         const json& object = objectOf(clip);
         for (const json& effect : Archive::Internal::memberOf(object, effectsField.toStdString()))
             add(PartKind::Effect, effect, id);
         add(PartKind::Title, Archive::Internal::memberOf(object, overlayField.toStdString()), id);
     }
-    bool add(PartKind kind, const json& value, unsigned long long clip) {
+    bool add(PartKind kind, const json& value, unsigned long long clip,
+             std::optional<long long> time = std::nullopt) {
         const json& object = objectOf(value);
         const json& name = Archive::Internal::memberOf(object, nameField.toStdString());
         return m_parts.add(kind, idOf(value), classOf(object),
-                           name.is_string() ? name.get<std::string>() : std::string(), clip);
+                           name.is_string() ? name.get<std::string>() : std::string(), clip, time);
     }
     static unsigned long long idOf(const json& value) {
         return Serialize::Json::getAnyObjectId(value).value_or(0);

@@ -2,6 +2,7 @@
 
 #include "Reader/Document.h"
 
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -44,9 +45,10 @@ std::string_view nameOf(PartKind kind);
 struct Part {
     PartKind kind;
     unsigned long long id;
-    std::string className;   ///< empty where there is no such object
-    std::string name;        ///< empty for none
-    unsigned long long clip; ///< id of the clip that it belongs to; of a clip its own
+    std::string className;              ///< empty where there is no such object
+    std::string name;                   ///< empty for none
+    unsigned long long clip;            ///< id of the clip that it belongs to; of a clip its own
+    std::optional<long long> time = {}; ///< of a clip: where it begins in its timeline, in milliseconds
 };
 
 /// All clips that the document's timelines list, each once, in document order, each followed by its effects and its

@@ -260,8 +260,9 @@ void Migration::runAdaptor(const std::string& name, const AdaptorRow& row, const
 
 /// Runs an adaptor. Its name is added to what it logs and throws.
 void Migration::runNamed(const std::string& name, const std::function<void()>& adapt) {
+    const std::size_t firstLine = m_report.log.size();
     {
-        const StepLog log(name, m_report.log);
+        const StepLog log(name, m_report.log, [this] { return subject(); });
         try {
             adapt();
         } catch (const Error&) {
@@ -273,11 +274,43 @@ void Migration::runNamed(const std::string& name, const std::function<void()>& a
                         {.file = m_options.name, .step = name, .reason = error.what()});
         }
     }
+    findClips(firstLine);
     if (m_archive)
         m_losses.noteRemoved(m_archive->takeRemovedRootObjects(), name);
     else if (!m_document.isXml())
         m_losses.noteTimelines(m_document.json(), name);
     finish(MigrationPart::Kind::Adaptor, name);
+}
+
+/// The root object that a step on the archive works on.
+std::optional<LoggedObject> Migration::subject() const {
+    if (!m_archive)
+        return std::nullopt;
+    QDomElement object = m_archive->subject();
+    while (!object.isNull() && object.tagName() != Words::RootObject)
+        object = object.parentNode().toElement();
+    if (object.isNull())
+        return std::nullopt;
+    return LoggedObject{Archive::typeOf(object).toStdString(), Archive::objectIdOf(object)};
+}
+
+/// Adds the clips to the objects of log lines, from that line on.
+void Migration::findClips(std::size_t firstLine) {
+    std::vector<Part> parts;
+    for (std::size_t line = firstLine; line < m_report.log.size(); ++line) {
+        auto& object = m_report.log[line].object;
+        if (!object)
+            continue;
+        if (parts.empty())
+            parts = listParts(*m_archive);
+        const auto withId = [&](unsigned long long id) {
+            return std::find_if(parts.begin(), parts.end(), [id](const Part& part) { return part.id == id; });
+        };
+        const auto part = withId(object->id);
+        const auto clip = part == parts.end() ? part : withId(part->clip);
+        if (clip != parts.end())
+            object->clip = *clip;
+    }
 }
 
 AdaptorContext Migration::contextAt(const QString& location) const {

@@ -9,8 +9,10 @@
 #include <QByteArray>
 #include <QString>
 
+#include <cstddef>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -69,6 +71,8 @@ private:
     void runStage(Stage stage, const QString& location);
     void runAdaptor(const std::string& name, const AdaptorRow& row, const AdaptorContext& context);
     void runNamed(const std::string& name, const std::function<void()>& adapt);
+    std::optional<LoggedObject> subject() const;
+    void findClips(std::size_t firstLine);
     AdaptorContext contextAt(const QString& location) const;
     void finish(MigrationPart::Kind kind, const std::string& name) const;
 

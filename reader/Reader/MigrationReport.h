@@ -3,17 +3,26 @@
 #include "Adaptors/Backend.h"
 #include "Reader/Contents.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace Reader {
+
+/// An object of the project that a log line is about.
+struct LoggedObject {
+    std::string className;
+    unsigned long long id = 0;
+    std::optional<Part> clip = {}; ///< the clip that it is or belongs to, where that is known
+};
 
 /// A warning or an error that an adaptor logged.
 struct LogLine {
     std::string step;     ///< class name of the adaptor
     std::string severity; ///< "WARNING" or "ERROR"
     std::string text;
-    std::string place; ///< source file and line
+    std::string place;                       ///< source file and line
+    std::optional<LoggedObject> object = {}; ///< where the adaptor says what it worked on
 
     bool isError() const { return severity == "ERROR"; }
 };

@@ -4,6 +4,8 @@
 
 #include <glog/logging.h>
 
+#include <functional>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -16,7 +18,10 @@ namespace Reader {
 /// Threads: records only lines of the thread that created it. Other threads may log at the same time.
 class StepLog : private google::LogSink {
 public:
-    StepLog(std::string step, std::vector<LogLine>& lines);
+    /// `subject` gives the object that the step works on when it logs a line.
+    using Subject = std::function<std::optional<LoggedObject>()>;
+
+    StepLog(std::string step, std::vector<LogLine>& lines, Subject subject = {});
     ~StepLog() override;
     StepLog(const StepLog&) = delete;
     StepLog& operator=(const StepLog&) = delete;
@@ -28,6 +33,7 @@ private:
     const std::thread::id m_thread;
     const std::string m_step;
     std::vector<LogLine>& m_lines;
+    const Subject m_subject;
 };
 
 } // namespace Reader

@@ -22,6 +22,26 @@ constexpr std::array<std::string_view, 7> names = {
     "dangling-reference", "duplicate-id",         "wrong-size", "wrong-index",
     "not-predeclared",    "stale-predeclaration", "unreachable"};
 
+constexpr std::array<std::string_view, 3> severityNames = {"note", "warning", "error"};
+
+/// `isUsed` says that the project uses the object with the fault.
+Severity severityOf(Fault fault, bool isUsed) {
+    switch (fault) {
+    case Fault::DanglingReference:
+        return isUsed ? Severity::Error : Severity::Note;
+    case Fault::DuplicateId:
+        return isUsed ? Severity::Error : Severity::Warning;
+    case Fault::WrongSize:
+    case Fault::WrongIndex:
+        return isUsed ? Severity::Warning : Severity::Note;
+    case Fault::NotPredeclared:
+    case Fault::StalePredeclaration:
+    case Fault::Unreachable:
+        break;
+    }
+    return Severity::Note;
+}
+
 std::string missing(unsigned long long id) {
     return "refers to " + std::to_string(id) + ", and there is no such object";
 }
@@ -109,6 +129,7 @@ private:
     void checkIndex(const QDomElement& item);
     void checkSize(const QDomElement& array);
     Finding& add(Fault fault, std::string text);
+    bool isUsed() const;
     std::string path(std::size_t first) const;
 
     const Document& m_document;
@@ -161,8 +182,12 @@ void ArchiveCheck::checkObject(const QDomElement& e) {
         add(Fault::DuplicateId, "another object has its id");
     if (isDeclaring(Archive::typeOf(e)))
         return;
-    if (!m_inventory.declared.count(id))
-        add(Fault::NotPredeclared, "no predeclaration names it");
+    if (!m_inventory.declared.count(id)) {
+        Finding& finding = add(Fault::NotPredeclared, "no predeclaration names it");
+        // Steps look up the records of root objects; embedded objects are often left out.
+        if (e.tagName() == Words::RootObject && isUsed())
+            finding.severity = Severity::Warning;
+    }
     if (e.tagName() == Words::RootObject && !m_reachable.count(id))
         add(Fault::Unreachable, unreachable);
 }
@@ -193,8 +218,13 @@ void ArchiveCheck::checkSize(const QDomElement& array) {
 Finding& ArchiveCheck::add(Fault fault, std::string text) {
     static const Owner none{"", 0, 0};
     const Owner& owner = m_owners.empty() ? none : m_owners.back();
-    return m_findings.emplace_back(
-        Finding{fault, owner.className, owner.id, path(owner.depth), std::move(text)});
+    return m_findings.emplace_back(Finding{fault, severityOf(fault, isUsed()), owner.className, owner.id,
+                                           path(owner.depth), std::move(text)});
+}
+
+/// Whether the project uses the root object that contains the current element. Predeclarations are not used.
+bool ArchiveCheck::isUsed() const {
+    return !m_owners.empty() && m_reachable.count(m_owners.front().id) > 0;
 }
 
 std::string ArchiveCheck::path(std::size_t first) const {
@@ -215,8 +245,9 @@ std::string classOf(const json& object) {
 /// Walks through an object of a flat document without recursion and finds dangling references.
 class ObjectCheck {
 public:
-    ObjectCheck(const Serialize::Json::FlatObject& flat, std::vector<Finding>& findings)
-        : m_flat(flat), m_findings(findings) {}
+    ObjectCheck(const Serialize::Json::FlatObject& flat, const std::set<unsigned long long>& reachable,
+                std::vector<Finding>& findings)
+        : m_flat(flat), m_reachable(reachable), m_findings(findings) {}
 
     void run(unsigned long long id, const json& object);
 
@@ -230,6 +261,7 @@ private:
     std::string nameAt(std::size_t level) const;
 
     const Serialize::Json::FlatObject& m_flat;
+    const std::set<unsigned long long>& m_reachable;
     std::vector<Finding>& m_findings;
     unsigned long long m_id = 0;
     const json* m_object = nullptr;
@@ -253,7 +285,8 @@ void ObjectCheck::enter(const json& value) {
     const unsigned long long target = linkTarget(value);
     if (target != 0 && !m_flat.objects.count(target))
         m_findings.push_back(
-            {Fault::DanglingReference, classOf(*m_object), m_id,
+            {Fault::DanglingReference, severityOf(Fault::DanglingReference, m_reachable.count(m_id) > 0),
+             classOf(*m_object), m_id,
              joinPath(0, m_levels.size(), [this](std::size_t level) { return nameAt(level); }),
              missing(target), target});
     if (value.is_structured())
@@ -270,15 +303,16 @@ std::string ObjectCheck::nameAt(std::size_t number) const {
 std::vector<Finding> verifyJson(const Document& document) {
     const JsonDocument& project = document.json();
     std::vector<Finding> findings;
+    const auto reachable = findReachable(document);
     const auto blame = [&](Fault fault, unsigned long long id, std::string text) {
         const auto it = project.flat.objects.find(id);
         const std::string className = it == project.flat.objects.end() ? std::string() : classOf(it->second);
-        findings.push_back({fault, className, id, {}, std::move(text)});
+        findings.push_back(
+            {fault, severityOf(fault, reachable.count(id) > 0), className, id, {}, std::move(text)});
     };
     for (const unsigned long long id : project.notes.duplicateIds)
         blame(Fault::DuplicateId, id, "another object had its id");
-    ObjectCheck check(project.flat, findings);
-    const auto reachable = findReachable(document);
+    ObjectCheck check(project.flat, reachable, findings);
     for (const auto& [id, object] : project.flat.objects) {
         check.run(id, object);
         if (!reachable.count(id))
@@ -291,6 +325,17 @@ std::vector<Finding> verifyJson(const Document& document) {
 
 std::string_view nameOf(Fault fault) {
     return names[static_cast<std::size_t>(fault)];
+}
+
+std::string_view nameOf(Severity severity) {
+    return severityNames[static_cast<std::size_t>(severity)];
+}
+
+std::optional<Severity> severityNamed(std::string_view name) {
+    const auto found = std::find(severityNames.begin(), severityNames.end(), name);
+    if (found == severityNames.end())
+        return std::nullopt;
+    return static_cast<Severity>(found - severityNames.begin());
 }
 
 std::vector<Finding> verify(const Document& document) {

@@ -2,6 +2,7 @@
 
 #include "Reader/Document.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,9 +20,23 @@ enum class Fault {
     Unreachable,         ///< an object that can't be reached by references from the root object
 };
 
+/// How bad a fault is.
+enum class Severity {
+    Note,    ///< nothing is lost: usual in old documents, or in an object that the project does not use
+    Warning, ///< a migration or another program may have problems with it
+    Error,   ///< something is lost already, or will be
+};
+
+/// The severity as a word, "error".
+std::string_view nameOf(Severity severity);
+
+/// The severity of that name; none for another text.
+std::optional<Severity> severityNamed(std::string_view name);
+
 /// A fault and where it is.
 struct Finding {
     Fault fault;
+    Severity severity;
     std::string className;     ///< of the object with the fault, which may be an embedded one
     unsigned long long id = 0; ///< its id
     std::string

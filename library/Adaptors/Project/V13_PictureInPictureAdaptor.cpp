@@ -40,6 +40,7 @@ void reportFades(const QDomElement& effect) {
 void V13_PictureInPictureAdaptor::convert(ArchiveEditor& archive) {
     TransformedEffects pictures(archive, "Effect::PictureInPicture");
     for (const QDomElement& effect : pictures.effects()) {
+        const Subject subject(archive, effect);
         const auto transform = toStored(transformOf(effect));
         reportFades(effect);
         for (const char* field : pictureFields)

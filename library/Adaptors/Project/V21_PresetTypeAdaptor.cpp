@@ -60,8 +60,10 @@ void convertPreset(ArchiveEditor& archive, const QDomElement& preset) {
 } // namespace
 
 void V21_PresetTypeAdaptor::convert(ArchiveEditor& archive) {
-    for (const QDomElement& preset : ofType(archive.rootObjects(Scope::Archive), "Overlay::Preset"))
+    for (const QDomElement& preset : ofType(archive.rootObjects(Scope::Archive), "Overlay::Preset")) {
+        const Subject subject(archive, preset);
         convertPreset(archive, preset);
+    }
 }
 
 } // namespace Project

@@ -21,6 +21,7 @@ public:
     }
 
     void removeFrom(const QDomElement& file) {
+        const Subject subject(m_archive, file);
         removeComposition(int32In(file, "composition"));
         m_archive.removeField(file, "composition");
     }

@@ -94,6 +94,7 @@ void QuizConversion::convertClips() {
 }
 
 void QuizConversion::convertClip(const QDomElement& clip) {
+    const Subject subject(m_archive, clip);
     const QDomElement overlay = m_presets.value(int64In(clip, "overlay"));
     m_archive.setField(clip, "overlay", "0");
     const Quiz quiz = newQuiz(overlay);

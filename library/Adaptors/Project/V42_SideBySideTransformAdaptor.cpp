@@ -56,6 +56,7 @@ QTransform transformOf(const Half& half) {
 void V42_SideBySideTransformAdaptor::convert(ArchiveEditor& archive) {
     TransformedEffects pairs(archive, "Effect::SideBySide");
     for (const QDomElement& effect : pairs.effects()) {
+        const Subject subject(archive, effect);
         const auto transform = toStored(transformOf(halves[modeOf(effect)]));
         const long long source = pairs.declareTransform(effect);
         const long long destination = pairs.declareTransform(effect);

@@ -41,7 +41,8 @@ long long transitionHalfOf(const PrimaryClip& primary) {
 
 class TimelineCollection {
 public:
-    explicit TimelineCollection(ArchiveEditor& archive) : m_objects(archive.rootObjects()) {}
+    explicit TimelineCollection(ArchiveEditor& archive)
+        : m_archive(archive), m_objects(archive.rootObjects()) {}
 
     /// Collects the timelines. False if a clip is incomplete; then the document must not be changed.
     bool collect();
@@ -52,6 +53,7 @@ private:
     bool collectTimeline(const QDomElement& object);
     bool collectClip(Timeline& timeline, const QDomElement& item);
 
+    ArchiveEditor& m_archive;
     TypedElements m_objects;
     QHash<unsigned long long, QDomElement> m_objectsById; ///< if an id occurs twice, the last one; as below
     QHash<unsigned long long, unsigned long long> m_primaryTracks; ///< track by timeline
@@ -75,6 +77,7 @@ void TimelineCollection::collectPrimaryTracks() {
 }
 
 bool TimelineCollection::collectTimeline(const QDomElement& object) {
+    const Subject subject(m_archive, object);
     const QDomElement clips = object.firstChildElement("clips");
     if (clips.isNull()) {
         LOG(ERROR) << "Not found timeline <clips> element";
@@ -100,6 +103,7 @@ bool TimelineCollection::collectTimeline(const QDomElement& object) {
 
 bool TimelineCollection::collectClip(Timeline& timeline, const QDomElement& item) {
     const QDomElement clip = m_objectsById.value(uint64In(item, Words::Key));
+    const Subject subject(m_archive, clip.isNull() ? timeline.object : clip);
     const QDomElement timing = item.firstChildElement(Words::Value);
     if (timing.isNull()) {
         LOG(WARNING) << "Not found element for timeline clip timing";

@@ -135,6 +135,7 @@ void MaskMerge::convert() {
 }
 
 void MaskMerge::convertGroup(const Group& group) {
+    const Subject subject(m_archive, group.clip);
     NewMask mask = newMask();
     if (!group.highlight.isNull()) {
         appendBackground(mask, group.highlight);

@@ -12,6 +12,7 @@
 
 #include <functional>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace Archive::Internal {
@@ -197,8 +198,12 @@ public:
     /// them.
     std::vector<unsigned long long> takeRemovedRootObjects() { return m_index.takeRemovedRootObjects(); }
 
+    /// The object that log lines of the step are about; see Subject. Null for none.
+    const QDomElement& subject() const { return m_subject; }
+
 private:
     friend class Fields;
+    friend class Subject;
 
     TypedElements elements(const QString& tag, Scope scope);
     /// Notifies the index, before a child is inserted elsewhere, that it leaves its parent or its document.
@@ -211,6 +216,7 @@ private:
     ArchiveIndex m_index;
     FieldNames m_fieldNames;
     Scope m_scope = Scope::Archive;
+    QDomElement m_subject;
     std::optional<long long> m_lastId;
     std::optional<QDomElement> m_predeclarations;
 
@@ -218,6 +224,21 @@ private:
     QHash<long long, std::size_t> m_undeclared; ///< by id: the length of `m_added` at the last call for it
     std::vector<QDomElement> m_added;
     std::size_t m_addedBeforeLastUndeclared = 0;
+};
+
+/// Until the end of the scope, log lines of the step are about that object. Reports use it to name the object and the
+/// clip that it belongs to.
+class Subject {
+public:
+    Subject(ArchiveEditor& archive, const QDomElement& object)
+        : m_archive(archive), m_previous(std::exchange(archive.m_subject, object)) {}
+    ~Subject() { m_archive.m_subject = m_previous; }
+    Subject(const Subject&) = delete;
+    Subject& operator=(const Subject&) = delete;
+
+private:
+    ArchiveEditor& m_archive;
+    QDomElement m_previous;
 };
 
 /// The elements of that type, in order.
