@@ -1,5 +1,4 @@
 #pragma once
 
-/// Does what the command line says and gives the exit code. Throws Reader::Error and
-/// Messages::Failure.
+/// Does what the command line says, reports what fails, and gives the exit code.
 int runCommandLine(int argc, char** argv);

@@ -1,11 +1,12 @@
 #pragma once
 
+#include "Output.h"
 #include "Reader/AdaptorTable.h"
 
 #include <optional>
 #include <string>
 
-/// What the command line says.
+/// What the command line says beside the options for every command.
 struct Arguments {
     std::string file;
     std::string output;
@@ -20,18 +21,17 @@ struct Arguments {
     bool force = false;
     bool inPlace = false;
     bool strict = false;
-    bool json = false;
 };
 
 /// What the program does, a function for each command. Each gives the exit code; all but steps() throw Reader::Error
 /// and Messages::Failure.
 namespace Commands {
 
-int migrate(const Arguments& arguments);
-int steps(const Arguments& arguments);
-int run(const Arguments& arguments);
-int info(const Arguments& arguments);
-int verify(const Arguments& arguments);
-int trace(const Arguments& arguments);
+int migrate(const Arguments& arguments, Output& output);
+int steps(const Arguments& arguments, Output& output);
+int run(const Arguments& arguments, Output& output);
+int info(const Arguments& arguments, Output& output);
+int verify(const Arguments& arguments, Output& output);
+int trace(const Arguments& arguments, Output& output);
 
 } // namespace Commands

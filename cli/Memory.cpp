@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <new>
 #include <string>
+#include <utility>
 
 namespace Memory {
 namespace {
@@ -27,13 +28,15 @@ constexpr bool isSanitized = false;
 constexpr rlim_t baseMemory = rlim_t(1) << 30;
 constexpr rlim_t memoryPerByte = 200;
 
-/// What is said where memory runs out. It is made beforehand: nothing can be made then.
+/// What is said where memory runs out, and where. It is made beforehand: nothing can be made then.
 std::string message;
+int messageDescriptor = STDERR_FILENO;
 
 } // namespace
 
-void limitFor(const QString& name, qint64 size) {
-    message = Messages::asText(Messages::outOfMemory(name));
+void limitFor(qint64 size, std::string lastWords, int descriptor) {
+    message = std::move(lastWords);
+    messageDescriptor = descriptor;
     std::set_new_handler(endProgram);
     rlimit limit = {};
     if (isSanitized || getrlimit(RLIMIT_DATA, &limit) != 0)
@@ -43,7 +46,7 @@ void limitFor(const QString& name, qint64 size) {
 }
 
 void endProgram() {
-    static_cast<void>(!::write(STDERR_FILENO, message.data(), message.size()));
+    static_cast<void>(!::write(messageDescriptor, message.data(), message.size()));
     std::_Exit(Messages::OutOfMemory);
 }
 

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "Reader/Error.h"
+#include "Terminal.h"
 
 #include <QString>
 
 #include <exception>
 #include <optional>
 #include <string>
+#include <vector>
 
 /// What the program says where it fails: all words for people, remedies and exit codes.
 namespace Messages {
@@ -36,7 +38,8 @@ enum ExitCode {
 struct Message {
     ExitCode code;
     std::string kind; ///< a word for programs, such as "broken-xml"
-    std::string text; ///< where, what is wrong and what to do, without a full stop
+    std::string
+        text; ///< where, what is wrong and what to do, without a full stop; not yet fit for a terminal
     std::optional<qint64> line = {};
     std::optional<qint64> column = {};
     std::optional<qint64> byte = {};
@@ -52,10 +55,28 @@ Message notOneProject(const QString& folder, int projects);
 Message folderNotMade(const QString& folder);
 Message refusedByStrict(const QString& name);
 Message outOfMemory(const QString& name);
+Message outputLost(const std::string& reason);
 Message unexpected(const std::string& reason);
 
-/// The message as a line for standard error.
-std::string asText(const Message& message);
+// Wrong use of the command line. A suggestion is what was probably meant; empty for none.
+
+Message noCommand();
+Message unknownCommand(const std::string& word, const std::string& suggestion);
+/// `command` is empty in front of the command.
+Message unknownOption(const std::string& option, const std::string& command, const std::string& suggestion);
+Message oneArgumentTooMany(const std::string& word, const std::string& command);
+Message missingArgument(const std::string& argument, const std::string& command);
+Message missingValue(const std::string& option, const std::string& command);
+Message emptyValue(const std::string& option);
+Message badValue(const std::string& option, const std::string& value, const std::string& expected);
+Message givenTwice(const std::string& option);
+Message excludeEachOther(const std::string& one, const std::string& other);
+Message otherWrongUse(const std::string& reason, const std::string& command);
+Message unknownStep(const std::string& name, const std::string& suggestion);
+Message ambiguousStep(const std::string& name, const std::vector<std::string>& candidates);
+
+/// The message as a line for standard error, fit for a terminal.
+std::string asText(const Message& message, const Terminal::Colours& colours = Terminal::Colours());
 
 /// Ends a command with a message.
 class Failure : public std::exception {

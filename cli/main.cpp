@@ -1,25 +1,10 @@
 #include "CommandLine.h"
-#include "Memory.h"
-#include "Messages.h"
-#include "Reader/Error.h"
 
 #include <QHashFunctions>
 
 #include <glog/logging.h>
 
 #include <csignal>
-#include <iostream>
-#include <new>
-#include <string>
-
-namespace {
-
-int fail(const Messages::Message& message) {
-    std::cerr << Messages::asText(message);
-    return message.code;
-}
-
-} // namespace
 
 int main(int argc, char** argv) {
     // Qt orders attributes by a hash: the same input gives the same bytes only with a fixed seed.
@@ -30,15 +15,5 @@ int main(int argc, char** argv) {
         google::SetLogDestination(severity, "");
     google::InitGoogleLogging(argv[0]);
     std::signal(SIGXFSZ, SIG_IGN); // a file that grows too large is an error to report, not the end
-    try {
-        return runCommandLine(argc, argv);
-    } catch (const Reader::Error& error) {
-        return fail(Messages::messageFor(error));
-    } catch (const Messages::Failure& failure) {
-        return fail(failure.message());
-    } catch (const std::bad_alloc&) {
-        Memory::endProgram();
-    } catch (const std::exception& error) {
-        return fail(Messages::unexpected(error.what()));
-    }
+    return runCommandLine(argc, argv);
 }
