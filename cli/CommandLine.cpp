@@ -294,6 +294,16 @@ Messages::Message unknownCommand(const CLI::App& app, const std::string& word) {
     return Messages::unknownCommand(word, Names::nearest(word, commandNames(app)));
 }
 
+/// "STEP FILE"
+std::string argumentsOf(const CLI::App& command) {
+    std::string names;
+    for (const CLI::Option* option : command.get_options()) {
+        if (option->get_positional())
+            names += (names.empty() ? "" : " ") + option->get_name(true);
+    }
+    return names;
+}
+
 /// What is said of words that belong to nothing; none where there are none.
 std::optional<Messages::Message> messageForExtras(const CLI::App& app, const std::string& command) {
     const std::vector<std::string> extras = app.remaining(true);
@@ -307,7 +317,8 @@ std::optional<Messages::Message> messageForExtras(const CLI::App& app, const std
         return Messages::unknownOption(name, command, Names::nearest(name, optionNames(app, command)));
     }
     if (!extras.empty())
-        return Messages::oneArgumentTooMany(extras.front(), command);
+        return Messages::oneArgumentTooMany(extras.front(), command,
+                                            argumentsOf(*app.get_subcommand(command)));
     return std::nullopt;
 }
 
@@ -359,13 +370,15 @@ OutputOptions optionsForErrors(const std::vector<std::string>& words) {
 }
 
 /// An option like "--output=" takes nothing, rather than the word behind it.
-void refuseMissingValues(const std::vector<std::string>& words) {
-    for (const std::string& word : words) {
-        if (word == "--")
-            return;
-        if (word.starts_with("--") && word.find('=') == word.size() - 1)
-            throw Messages::Failure(Messages::missingValue(word.substr(0, word.size() - 1), {}));
-    }
+void refuseMissingValues(const std::vector<std::string>& words, const std::vector<std::string>& names) {
+    const auto command = std::find_first_of(words.begin(), words.end(), names.begin(), names.end());
+    const auto end = std::find(words.begin(), words.end(), "--");
+    const auto found = std::find_if(words.begin(), end, [](const std::string& word) {
+        return word.starts_with("--") && word.find('=') == word.size() - 1;
+    });
+    if (found != end)
+        throw Messages::Failure(Messages::missingValue(found->substr(0, found->size() - 1),
+                                                       command == words.end() ? std::string() : *command));
 }
 
 // Running
@@ -419,7 +432,7 @@ std::optional<int> parse(Parser& parser, int argc, char** argv) {
     const std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
     const auto command = [&] { return commandIn(parser.app); };
     try {
-        refuseMissingValues(words);
+        refuseMissingValues(words, commandNames(parser.app));
         parser.app.parse(argc, argv);
         return std::nullopt;
     } catch (const CLI::CallForHelp&) {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <sstream>
+#include <utility>
 #include <vector>
 
 namespace Help {
@@ -36,33 +37,48 @@ std::string wrapped(const std::string& text, std::size_t at, std::size_t indent,
     return result + '\n';
 }
 
-/// Rows of two columns; a name that is too long for its column has its text on the next line.
-std::string table(const std::vector<Row>& rows, std::size_t width) {
-    constexpr std::size_t margin = 2;
-    const std::size_t greatest = width * 2 / 5;
-    std::size_t second = 0;
+constexpr std::size_t margin = 2; ///< in front of a table
+constexpr std::size_t gap = 2;    ///< between its columns, at least
+
+/// Where the second column begins: behind the longest name that leaves half of the line to it.
+std::size_t secondColumn(const std::vector<Row>& rows, std::size_t width) {
+    std::size_t column = 0;
     for (const Row& row : rows) {
-        const std::size_t end = margin + row.name.size() + 2;
-        if (end <= greatest)
-            second = std::max(second, end);
+        const std::size_t end = margin + row.name.size() + gap;
+        if (end <= width / 2)
+            column = std::max(column, end);
     }
-    second = second == 0 ? greatest / 2 : second;
+    return column;
+}
+
+/// Rows of two columns; a name that is too long for its column has its text on the next line.
+std::string table(const std::vector<Row>& rows, std::size_t second, std::size_t width) {
     std::string result;
     for (const Row& row : rows) {
         result += std::string(margin, ' ') + row.name;
         const std::size_t end = margin + row.name.size();
+        const bool fits = end + gap <= second;
         if (row.text.empty())
             result += '\n';
-        else if (end + 2 <= second)
-            result += std::string(second - end, ' ') + wrapped(row.text, second, second, width);
         else
-            result += '\n' + std::string(second, ' ') + wrapped(row.text, second, second, width);
+            result += (fits ? std::string(second - end, ' ') : '\n' + std::string(second, ' ')) +
+                      wrapped(row.text, second, second, width);
     }
     return result;
 }
 
-std::string titled(const std::string& title, const std::vector<Row>& rows, std::size_t width) {
-    return rows.empty() ? std::string() : '\n' + title + ":\n" + table(rows, width);
+/// Tables with titles whose columns begin at the same place.
+std::string tables(const std::vector<std::pair<std::string, std::vector<Row>>>& titled, std::size_t width) {
+    std::vector<Row> all;
+    for (const auto& [title, rows] : titled)
+        all.insert(all.end(), rows.begin(), rows.end());
+    const std::size_t second = secondColumn(all, width);
+    std::string result;
+    for (const auto& [title, rows] : titled) {
+        if (!rows.empty())
+            result += '\n' + wrapped(title + ':', 0, 0, width) + table(rows, second, width);
+    }
+    return result;
 }
 
 /// "-o, --output FILE"; names without a short one are indented by its width.
@@ -88,7 +104,8 @@ std::vector<Row> rowsFor(const std::vector<const CLI::Option*>& options) {
 std::vector<Row> groupRows(const CLI::App& app, const std::string& group) {
     return rowsFor(app.get_options([&](const CLI::Option* option) {
         return option->get_group() == group && option->nonpositional() &&
-               (app.get_parent() == nullptr || option != app.get_help_ptr());
+               (app.get_parent() == nullptr ||
+                (option != app.get_help_ptr() && option != app.get_help_all_ptr()));
     }));
 }
 
@@ -118,7 +135,7 @@ std::string footerOf(const CLI::App& app, std::size_t width) {
     std::string result;
     std::vector<Row> rows;
     const auto endTable = [&] {
-        result += table(rows, width);
+        result += table(rows, secondColumn(rows, width), width);
         rows.clear();
     };
     for (std::string line; std::getline(lines, line);) {
@@ -142,14 +159,15 @@ std::string of(const CLI::App& app, int width) {
         app.get_options([](const CLI::Option* option) { return option->get_positional(); });
     std::string text = wrapped(app.get_description(), 0, 0, columns);
     text += "\nUsage: " + usageOf(app, positionals) + '\n';
-    text += titled("Commands", commandRows(app), columns);
-    text += titled("Arguments", rowsFor(positionals), columns);
-    for (const std::string& group : app.get_groups())
-        text += titled(group, groupRows(app, group), columns);
-    if (const CLI::App* program = app.get_parent()) {
-        for (const std::string& group : program->get_groups())
-            text += titled(group, groupRows(*program, group), columns);
+    text += tables({{"Commands", commandRows(app)}}, columns);
+    std::vector<std::pair<std::string, std::vector<Row>>> options = {{"Arguments", rowsFor(positionals)}};
+    for (const CLI::App* from : {&app, app.get_parent()}) {
+        if (!from)
+            continue;
+        for (const std::string& group : from->get_groups())
+            options.emplace_back(group, groupRows(*from, group));
     }
+    text += tables(options, columns);
     return text + footerOf(app, columns);
 }
 

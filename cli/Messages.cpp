@@ -247,9 +247,11 @@ Message unknownOption(const std::string& option, const std::string& command, con
                     remedy(suggestion, helpFor(command) + " lists the options"));
 }
 
-Message oneArgumentTooMany(const std::string& word, const std::string& command) {
-    return wrongUse(quoted(word) + " is one argument too many for " + quoted(command) +
-                    "; give one file a run, and put names with spaces in quotes");
+Message oneArgumentTooMany(const std::string& word, const std::string& command, const std::string& takes) {
+    if (takes.empty())
+        return wrongUse(quoted(command) + " takes options only; leave " + quoted(word) + " out");
+    return wrongUse(quoted(command) + " takes " + takes + ", and " + quoted(word) +
+                    " is one argument more; give one file a run, and put names with spaces in quotes");
 }
 
 Message missingArgument(const std::string& argument, const std::string& command) {
@@ -261,8 +263,8 @@ Message missingValue(const std::string& option, const std::string& command) {
 }
 
 Message emptyValue(const std::string& option) {
-    return wrongUse("the name for " + option +
-                    " is empty; give the name of a file or a folder (is a variable of your shell not set?)");
+    return wrongUse("the name given for " + option +
+                    " is empty; give another one (or is a variable of your shell not set?)");
 }
 
 Message badValue(const std::string& option, const std::string& value, const std::string& expected) {

@@ -64,7 +64,8 @@ Message noCommand();
 Message unknownCommand(const std::string& word, const std::string& suggestion);
 /// `command` is empty in front of the command.
 Message unknownOption(const std::string& option, const std::string& command, const std::string& suggestion);
-Message oneArgumentTooMany(const std::string& word, const std::string& command);
+/// `takes` names the arguments that the command takes, "STEP FILE"; empty for none.
+Message oneArgumentTooMany(const std::string& word, const std::string& command, const std::string& takes);
 Message missingArgument(const std::string& argument, const std::string& command);
 Message missingValue(const std::string& option, const std::string& command);
 Message emptyValue(const std::string& option);
