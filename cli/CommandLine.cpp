@@ -413,7 +413,7 @@ int runCommand(const Parser& parser, Output& output) {
 
 /// Runs a part of the program; what fails there is reported.
 template <class Part>
-int reportingFailures(const Output& output, Part part) {
+int reportingFailures(Output& output, Part part) {
     try {
         return part();
     } catch (const Reader::Error& error) {

@@ -39,13 +39,15 @@ JsonReport::Envelope Output::envelopeNow() const {
     return envelope;
 }
 
-int Output::finish(int code) const {
+int Output::finish(int code) {
     if (isJson())
         (m_isYielded ? std::cerr : std::cout) << JsonReport::line(envelopeNow(), m_result);
     errno = 0;
     std::cout.flush();
-    if (!std::cout)
+    if (!std::cout) {
+        m_result = nullptr; // it got lost
         throw Messages::Failure(Messages::outputLost(errno != 0 ? std::strerror(errno) : "can't be written"));
+    }
     return code;
 }
 

@@ -45,7 +45,7 @@ public:
     void note(const std::string& text) const;
 
     /// Prints JSON, if it is that, and gives the exit code. Throws Messages::Failure where the output got lost.
-    int finish(int code) const;
+    int finish(int code);
     /// The same for a command that failed.
     int fail(const Messages::Message& message) const;
 
