@@ -122,7 +122,7 @@ TEST_F(CommandLineTest, StepsAreFoundByABeginning) {
     EXPECT_EQ(Names::stepFor("Project::V28_ClipLabelAdaptor"), "V28_ClipLabelAdaptor");
     for (const char* name : {"V28", "V28_", "V28_Clip", "V28_ClipLabel", "Project::V28", "V28_ClipLabelAd"})
         EXPECT_EQ(Names::stepFor(name), "V28_ClipLabelAdaptor") << name;
-    EXPECT_EQ(Names::stepFor("V4"), "V4_TrackValueAdaptor"); // and not one of version 40
+    EXPECT_EQ(Names::stepFor("V7"), "V7_PenEnableAdaptor"); // and not one of version 77
     EXPECT_EQ(Names::stepFor("PortableLoad"), "PortableLoadAdaptor");
     const auto messageFor = [](const char* name) {
         try {

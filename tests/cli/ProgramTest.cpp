@@ -248,7 +248,7 @@ TEST_F(ProgramTest, BundlesAreReadAndWritten) {
     EXPECT_TRUE(again.err.contains("content_1.svg")) << again.err.toStdString();
     EXPECT_EQ(textOf("new/" + migratedName("film")), QByteArray("<svg/>").toBase64().toStdString());
     write("old/other.json", "{}");
-    expectFailure({"migrate", "old"}, 3, "name the file");
+    expectFailure({"migrate", "old"}, 3, "name the project's own file");
 }
 
 TEST_F(ProgramTest, ABundleTravelsToAnotherAndIsReadAgain) {

@@ -96,15 +96,13 @@ const QByteArray hostileShown = R"(fi\nlm\x1b[31m\t\u009b\u202e\u2066\u200f\x7f)
 
 TEST_F(TerminalTest, NothingOfADocumentArrivesAsItIs) {
     // In XML no reference makes an escape character; those of the second range do the same.
-    const QByteArray lost =
-        archive(
-            "<RootObject type='Timeline::Object' objectId='7'><clips type='Array' size='1'><Item>"
-            "<Key type='ObjectRef' value='8'/><Value type='int32_t' value='0'/></Item></clips></RootObject>"
-            "<RootObject type='Timeline::Clip' objectId='8'><name type='String' "
-            "value='Har&#10;bour&#x9b;31m&#x202e;&#x7f;'/></RootObject>"
-            "<RootObject type='File&#10;&#x9b;2J&#x2067;' objectId='3'><x&#x41; type='ObjectRef' "
-            "value='55'/></RootObject>")
-            .replace("x&#x41;", "x");
+    const QByteArray lost = archive(
+        "<RootObject type='Timeline::Object' objectId='7'><clips type='Array' size='1'><Item>"
+        "<Key type='ObjectRef' value='8'/><Value type='int32_t' value='0'/></Item></clips></RootObject>"
+        "<RootObject type='Timeline::Clip' objectId='8'><name type='String' "
+        "value='Har&#10;bour&#x9b;31m&#x202e;&#x7f;'/></RootObject>"
+        "<RootObject type='File&#10;&#x9b;2J&#x2067;' objectId='33'><x type='ObjectRef' "
+        "value='55'/></RootObject>");
     // Without its predeclarations version 35 reports an error.
     const QByteArray logging = archive({}, " schemaVersion='34'").replace("'Predeclarator'", "'Other'");
     const QByteArray json = Tests::jsonProject(
@@ -150,7 +148,6 @@ TEST_F(TerminalTest, NothingOfADocumentArrivesAsItIs) {
             EXPECT_EQ(rawIn(screen.text), "") << arguments.join(" ").toStdString() << "\n"
                                               << screen.text.toStdString();
             shown += screen.text.contains(hostileShown);
-            EXPECT_NE(screen.text, "");
         }
     }
     EXPECT_GT(shown, 60); // names were there to be escaped
