@@ -1,11 +1,25 @@
 #include "CommandLine.h"
 
 #include "Commands.h"
+#include "Help.h"
+#include "Memory.h"
 #include "Messages.h"
+#include "Names.h"
+#include "Output.h"
+#include "Reader/Error.h"
+#include "Terminal.h"
 
 #include <CLI/CLI.hpp>
 
+#include <unistd.h>
+
+#include <algorithm>
+#include <charconv>
+#include <iostream>
+#include <new>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -13,162 +27,482 @@ const std::string newest = std::to_string(Reader::currentVersion);
 
 constexpr const char* exitCodes = R"(
 Exit codes:
-   0  done
-   1  an unexpected failure
-   2  wrong use: options, an unknown step
-   3  the input can't be read             4  the input is empty
-   5  neither XML nor JSON                6  broken XML
-   7  broken JSON                         8  not one <Archive>, or its root object is missing
-   9  XML that is refused: document type declarations, foreign encodings, hostile shapes
-  10  JSON that is no project             11  no usable schema version: give --from N
-  12  a version that can't be migrated    13  a step failed
-  14  --strict: a step reported an error or a clip was lost; nothing was written
-  15  the output can't be written         16  the output exists: give --force
-  17  verify found something             18  more memory is needed than any project takes)";
+ 0	done
+ 1	an unexpected failure
+ 2	wrong use: options, an unknown step
+ 3	the input can't be read
+ 4	the input is empty
+ 5	neither XML nor JSON
+ 6	broken XML
+ 7	broken JSON
+ 8	not one <Archive>, or its root object is missing
+ 9	XML that is refused: document type declarations, foreign encodings, hostile shapes
+10	JSON that is no project
+11	no usable schema version: give --from N
+12	a version that can't be migrated
+13	a step failed
+14	--strict or --check: a step reported an error or something was lost; nothing was written
+15	the output can't be written
+16	the output exists: give --force
+17	verify found something
+18	more memory is needed than any project takes
+19	--check: the project would be migrated without a loss
+22	written, but something of the project is missing in the result)";
 
-CLI::Option* addFile(CLI::App* command, Arguments& arguments) {
-    return command
-        ->add_option("FILE", arguments.file, "The project, or the folder that holds it; - is standard input")
+// Values
+
+/// Refuses an empty name.
+std::string checkName(const CLI::Option& option, const std::string& value) {
+    if (value.empty())
+        throw Messages::Failure(Messages::emptyValue(option.get_name()));
+    return {};
+}
+
+std::string checkVersion(const CLI::Option& option, const std::string& value) {
+    int version = -1;
+    const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), version);
+    const bool isNumber = error == std::errc() && end == value.data() + value.size();
+    if (!isNumber || version < 0 || version > Reader::currentVersion)
+        throw Messages::Failure(
+            Messages::badValue(option.get_name(), value, "a schema version from 0 to " + newest));
+    return {};
+}
+
+std::optional<Terminal::ColourChoice> colourChoice(const std::string& value) {
+    if (value == "auto")
+        return Terminal::ColourChoice::Auto;
+    if (value == "always")
+        return Terminal::ColourChoice::Always;
+    if (value == "never")
+        return Terminal::ColourChoice::Never;
+    return std::nullopt;
+}
+
+/// An option or argument that takes the name of a file, a folder or a step.
+CLI::Option* addName(CLI::App& command, const std::string& names, std::string& value, const std::string& type,
+                     const std::string& help) {
+    CLI::Option* option = command.add_option(names, value, help)->type_name(type);
+    return option->check([option](const std::string& text) { return checkName(*option, text); }, "");
+}
+
+template <class Version>
+void addVersion(CLI::App& command, const std::string& name, Version& value, const std::string& help) {
+    CLI::Option* option = command.add_option(name, value, help)->type_name("N");
+    option->check([option](const std::string& text) { return checkVersion(*option, text); }, "");
+}
+
+// Options of several commands
+
+void addFile(CLI::App& command, Arguments& arguments) {
+    addName(command, "FILE", arguments.file, "FILE",
+            "The project, or the folder that holds it; - is standard input")
         ->required();
 }
 
-void addFrom(CLI::App* command, Arguments& arguments) {
-    command
-        ->add_option("--from", arguments.from,
-                     "The document's schema version, whatever it says itself (older files don't say)")
-        ->check(CLI::Range(0, Reader::currentVersion));
+void addFrom(CLI::App& command, Arguments& arguments) {
+    addVersion(command, "--from", arguments.from,
+               "The document's schema version, whatever it says itself (older files don't say)");
 }
 
-void addTo(CLI::App* command, Arguments& arguments, const std::string& help) {
-    command->add_option("--to", arguments.to, help)
-        ->check(CLI::Range(0, Reader::currentVersion))
-        ->capture_default_str();
+void addTo(CLI::App& command, Arguments& arguments, const std::string& help) {
+    addVersion(command, "--to", arguments.to, help + " [" + newest + "]");
 }
 
-void addFolders(CLI::App* command, Arguments& arguments) {
+void addFolders(CLI::App& command, Arguments& arguments) {
     const char* group = "Folders of the installed editor (unset, markers in paths stay as they are)";
-    command->add_option("--packages-root", arguments.packagesRoot, "The folder that #PACKAGES_ROOT# means")
+    addName(command, "--packages-root", arguments.packagesRoot, "DIR",
+            "The folder that #PACKAGES_ROOT# means")
         ->group(group);
-    command->add_option("--ai-models-root", arguments.aiModelsRoot, "The folder that #AI_MODELS_ROOT# means")
+    addName(command, "--ai-models-root", arguments.aiModelsRoot, "DIR",
+            "The folder that #AI_MODELS_ROOT# means")
         ->group(group);
-    command
-        ->add_option("--downloadable-root", arguments.downloadableRoot,
-                     "The folder that #DOWNLOADABLE_ROOT# means")
+    addName(command, "--downloadable-root", arguments.downloadableRoot, "DIR",
+            "The folder that #DOWNLOADABLE_ROOT# means")
         ->group(group);
 }
 
-void addMigrate(CLI::App& app, Arguments& arguments) {
-    CLI::App* command = app.add_subcommand("migrate", "Bring a project to the newest schema version");
-    addFile(command, arguments);
-    CLI::Option* output = command->add_option(
-        "-o,--output", arguments.output,
-        "Where the result goes; - is standard output [FILE's name with .v" + newest + ".json]");
-    CLI::Option* inPlace =
-        command->add_flag("--in-place", arguments.inPlace, "Replace FILE and keep what it was as FILE.bak");
-    inPlace->excludes(output);
+// Options of each command
+
+void addStrict(CLI::App& command, Arguments& arguments) {
     command
-        ->add_option("--bundle", arguments.bundle,
-                     "Write to this folder, made if missing, with texts of titles that are SVG as files "
-                     "beside the project")
+        .add_option_function<std::string>(
+            "--strict",
+            [&arguments](const std::string& value) {
+                if (!value.empty() && value != "all")
+                    throw Messages::Failure(Messages::badValue("--strict", value, "all, or no value"));
+                arguments.strict = value.empty() ? Strictness::Unintended : Strictness::All;
+            },
+            "Write nothing where a step reports an error, or something is lost that the version did not mean "
+            "to "
+            "remove; with =all where anything is removed")
+        ->expected(0, 1)
+        ->type_name("[=all]");
+}
+
+void addMigrate(CLI::App& command, Arguments& arguments) {
+    addFile(command, arguments);
+    CLI::Option* output =
+        addName(command, "-o,--output", arguments.output, "FILE",
+                "Where the result goes; - is standard output [FILE's name with .v" + newest + ".json]");
+    CLI::Option* inPlace =
+        command.add_flag("--in-place", arguments.inPlace, "Replace FILE and keep what it was as FILE.bak");
+    inPlace->excludes(output);
+    addName(command, "--bundle", arguments.bundle, "DIR",
+            "Write to this folder, made if missing, with texts of titles that are SVG as files beside the "
+            "project")
         ->excludes(output)
         ->excludes(inPlace);
-    command->add_flag("--force", arguments.force, "Replace an output that exists");
+    command.add_flag("--force", arguments.force, "Replace an output that exists");
     addFrom(command, arguments);
     addTo(command, arguments, "The schema version to stop at: up to 62 an XML archive, from 63 on JSON");
-    command->add_flag("--strict", arguments.strict,
-                      "Write nothing where a step reports an error or a clip is lost");
-    command->add_flag(
-        "--json", arguments.json,
-        "Print the summary as JSON on standard output (standard error where the project goes there)");
+    addStrict(command, arguments);
+    command
+        .add_flag(
+            "--check", arguments.check,
+            "Write nothing, and say by the exit code what a migration would do: 0 nothing to do, 19 it would "
+            "migrate, 14 it would lose something")
+        ->excludes(output)
+        ->excludes(inPlace)
+        ->excludes("--bundle");
     addFolders(command, arguments);
-    command->footer("Examples:\n"
-                    "  adaptors migrate film.xml                      writes film.v" +
-                    newest +
-                    ".json\n"
-                    "  adaptors migrate film.xml --in-place           keeps film.xml.bak\n"
-                    "  adaptors migrate film.xml -o film.json --strict\n"
-                    "  adaptors migrate - --from 27 < film.xml > film.json");
-    command->callback([&] { throw CLI::RuntimeError(Commands::migrate(arguments)); });
+    command.footer("Examples:\n"
+                   "adaptors migrate film.xml\twrites film.v" +
+                   newest +
+                   ".json\n"
+                   "adaptors migrate film.xml --in-place\tkeeps film.xml.bak\n"
+                   "adaptors migrate film.xml -o film.json --strict\t\n"
+                   "adaptors migrate film.xml --check\twrites nothing\n"
+                   "adaptors migrate - --from 27 < film.xml > film.json\t");
 }
 
-void addSteps(CLI::App& app, Arguments& arguments) {
-    CLI::App* command = app.add_subcommand("steps", "List the steps and what each does");
-    command->add_option("--from", arguments.from, "Only steps above this schema version");
-    command->add_option("--to", arguments.to, "Only steps up to this schema version")->capture_default_str();
-    command->add_flag("--json", arguments.json, "Print JSON");
-    command->footer("Example:\n  adaptors steps --from 27 --to 35");
-    command->callback([&] { throw CLI::RuntimeError(Commands::steps(arguments)); });
+void addSteps(CLI::App& command, Arguments& arguments) {
+    addVersion(command, "--from", arguments.from, "Only steps above this schema version");
+    addTo(command, arguments, "Only steps up to this schema version");
+    command.footer("Example:\nadaptors steps --from 27 --to 35\t");
 }
 
-void addRun(CLI::App& app, Arguments& arguments) {
-    CLI::App* command =
-        app.add_subcommand("run", "Run one step on a document in the form that it is in; its version stays");
-    command->add_option("STEP", arguments.step, "Class name, as \"adaptors steps\" lists it")->required();
+void addRun(CLI::App& command, Arguments& arguments) {
+    addName(command, "STEP", arguments.step, "STEP",
+            "Class name as \"adaptors steps\" lists it, or a beginning of it that no other has")
+        ->required();
     addFile(command, arguments);
-    command->add_option("-o,--output", arguments.output, "Where the result goes [standard output]");
-    command->add_flag("--force", arguments.force, "Replace an output that exists");
+    addName(command, "-o,--output", arguments.output, "FILE", "Where the result goes [standard output]");
+    command.add_flag("--force", arguments.force, "Replace an output that exists");
     addFolders(command, arguments);
-    command->footer("Example:\n  adaptors run V28_ClipLabelAdaptor film.xml -o labelled.xml");
-    command->callback([&] { throw CLI::RuntimeError(Commands::run(arguments)); });
+    command.footer("Examples:\n"
+                   "adaptors run V28_ClipLabelAdaptor film.xml -o labelled.xml\t\n"
+                   "adaptors run V28 film.xml > labelled.xml\tthe same");
 }
 
-void addInfo(CLI::App& app, Arguments& arguments) {
-    CLI::App* command =
-        app.add_subcommand("info", "Show what a project is and holds, and what it would need");
+void addInfo(CLI::App& command, Arguments& arguments) {
     addFile(command, arguments);
     addFrom(command, arguments);
-    command->add_flag("--json", arguments.json, "Print JSON");
-    command->footer("Example:\n  adaptors info film.xml --json");
-    command->callback([&] { throw CLI::RuntimeError(Commands::info(arguments)); });
+    command.footer("Examples:\nadaptors info film.xml\t\nadaptors info film.xml --json\tfor programs");
 }
 
-void addVerify(CLI::App& app, Arguments& arguments) {
-    CLI::App* command = app.add_subcommand(
-        "verify", "Look for faults in a document: references that lead nowhere, ids that two "
-                  "objects have, wrong counts, objects that nothing declares or reaches");
+void addVerify(CLI::App& command, Arguments& arguments) {
     addFile(command, arguments);
-    command->add_flag("--json", arguments.json, "Print JSON");
-    command->footer("Exits with 17 where something is found.\nExample:\n  adaptors verify film.v" + newest +
-                    ".json");
-    command->callback([&] { throw CLI::RuntimeError(Commands::verify(arguments)); });
+    command
+        .add_option_function<std::string>(
+            "--fail-on",
+            [&arguments](const std::string& value) {
+                const auto severity = Reader::severityNamed(value);
+                if (!severity)
+                    throw Messages::Failure(Messages::badValue("--fail-on", value, "error, warning or note"));
+                arguments.failOn = *severity;
+            },
+            "The least severity that makes the exit code 17: error, warning or note [error]")
+        ->type_name("SEVERITY");
+    command.footer("Exits with 17 where something is found that is as bad as --fail-on "
+                   "says.\n\nExample:\nadaptors verify film.v" +
+                   newest + ".json\t");
 }
 
-void addTrace(CLI::App& app, Arguments& arguments) {
-    CLI::App* command = app.add_subcommand(
-        "trace",
-        "Migrate and write the document after each step that changed it, to find the step that broke it");
+void addTrace(CLI::App& command, Arguments& arguments) {
     addFile(command, arguments);
-    command->add_option("--output-dir", arguments.folder, "Where the documents go; made where it is missing")
+    addName(command, "--output-dir", arguments.folder, "DIR",
+            "Where the documents go; made where it is missing (required)")
         ->required();
     addFrom(command, arguments);
     addTo(command, arguments, "The schema version to stop at");
-    command->add_flag("--force", arguments.force, "Replace documents that exist");
+    command.add_flag("--force", arguments.force, "Replace documents that exist");
     addFolders(command, arguments);
-    command->footer("Example:\n  adaptors trace film.xml --output-dir steps --to 30");
-    command->callback([&] { throw CLI::RuntimeError(Commands::trace(arguments)); });
+    command.footer("Example:\nadaptors trace film.xml --output-dir steps --to 30\t");
 }
+
+struct Command {
+    const char* name;
+    const char* description;
+    void (*addOptions)(CLI::App& command, Arguments& arguments);
+    int (*run)(const Arguments& arguments, Output& output);
+};
+
+constexpr Command commands[] = {
+    {"migrate", "Bring a project to the newest schema version", addMigrate, Commands::migrate},
+    {"steps", "List the steps and what each does", addSteps, Commands::steps},
+    {"run", "Run one step on a document in the form that it is in; its version stays", addRun, Commands::run},
+    {"info", "Show what a project is and holds, and what it would need", addInfo, Commands::info},
+    {"verify",
+     "Look for faults in a document: references that lead nowhere, ids that two objects have, wrong counts, "
+     "objects that nothing declares or reaches",
+     addVerify, Commands::verify},
+    {"trace",
+     "Migrate and write the document after each step that changed it, to find the step that broke it",
+     addTrace, Commands::trace},
+};
+
+void addOptionsForEveryCommand(CLI::App& app, OutputOptions& options) {
+    const char* group = "Options for every command";
+    app.set_help_flag("-h,--help", "Show help and do nothing else")->group(group);
+    app.set_help_all_flag("--help-all", "Show the help of all commands")->group(group);
+    app.set_version_flag("-V,--version", "adaptors " ADAPTORS_VERSION ", schema version " + newest,
+                         "Show the program's version")
+        ->group(group);
+    app.add_flag("-q,--quiet", options.quiet, "Say nothing but errors on standard error")->group(group);
+    app.add_flag("-v,--verbose", options.verbose, "Say more: list the steps that ran")->group(group);
+    CLI::Option* colour = app.add_option_function<std::string>(
+        "--color",
+        [&options](const std::string& value) {
+            const auto choice = colourChoice(value);
+            if (!choice)
+                throw Messages::Failure(Messages::badValue("--color", value, "auto, always or never"));
+            options.colour = *choice;
+        },
+        "Colours on standard error: auto, always or never [auto: on a terminal]");
+    colour->type_name("WHEN")->take_last()->group(group);
+    app.add_flag("--json", options.json,
+                 "Print one JSON object for programs, on standard output (standard error where the project "
+                 "goes there), and nothing else")
+        ->group(group);
+}
+
+/// The command line as CLI11 parses it, and the values that it fills.
+struct Parser {
+    CLI::App app{"Brings old projects of the video editor to the newest schema version.", "adaptors"};
+    Arguments arguments;
+    OutputOptions options;
+    CLI::App* help = nullptr;
+    std::string helpTopic;
+
+    Parser() {
+        addOptionsForEveryCommand(app, options);
+        app.require_subcommand(0, 1);
+        app.fallthrough(); // commands inherit it: options for every command may stand behind a command
+        app.footer(std::string("Examples:\nadaptors migrate film.xml\t\nadaptors help migrate\t\n") +
+                   exitCodes);
+        for (const Command& command : commands)
+            command.addOptions(*app.add_subcommand(command.name, command.description), arguments);
+        help = app.add_subcommand("help", "Show the help of the program or of a command");
+        help->add_option("COMMAND", helpTopic, "A command [the whole program]");
+        help->footer("Example:\nadaptors help migrate\t");
+    }
+};
+
+/// The name of the command; empty for none.
+std::string commandIn(const CLI::App& app) {
+    const auto found = app.get_subcommands();
+    return found.empty() ? std::string() : found.front()->get_name();
+}
+
+// What is wrong with a command line
+
+/// "--to" and "-o" for all options that the command knows, those for every command too.
+std::vector<std::string> optionNames(const CLI::App& app, const std::string& command) {
+    std::vector<std::string> names;
+    const auto add = [&names](const CLI::App& from) {
+        for (const CLI::Option* option : from.get_options()) {
+            for (const std::string& name : option->get_lnames())
+                names.push_back("--" + name);
+        }
+    };
+    if (!command.empty())
+        add(*app.get_subcommand(command));
+    add(app);
+    return names;
+}
+
+std::vector<std::string> commandNames(const CLI::App& app) {
+    std::vector<std::string> names;
+    for (const CLI::App* command : app.get_subcommands({}))
+        names.push_back(command->get_name());
+    return names;
+}
+
+Messages::Message unknownCommand(const CLI::App& app, const std::string& word) {
+    return Messages::unknownCommand(word, Names::nearest(word, commandNames(app)));
+}
+
+/// "STEP FILE"
+std::string argumentsOf(const CLI::App& command) {
+    std::string names;
+    for (const CLI::Option* option : command.get_options()) {
+        if (option->get_positional())
+            names += (names.empty() ? "" : " ") + option->get_name(true);
+    }
+    return names;
+}
+
+/// What is said of words that belong to nothing; none where there are none.
+std::optional<Messages::Message> messageForExtras(const CLI::App& app, const std::string& command) {
+    const std::vector<std::string> extras = app.remaining(true);
+    const auto option = std::find_if(extras.begin(), extras.end(), [](const std::string& word) {
+        return word.size() > 1 && word.front() == '-' && word != "--";
+    });
+    if (command.empty() && !extras.empty() && option != extras.begin())
+        return unknownCommand(app, extras.front());
+    if (option != extras.end()) {
+        const std::string name = option->substr(0, option->find('='));
+        return Messages::unknownOption(name, command, Names::nearest(name, optionNames(app, command)));
+    }
+    if (!extras.empty())
+        return Messages::oneArgumentTooMany(extras.front(), command,
+                                            argumentsOf(*app.get_subcommand(command)));
+    return std::nullopt;
+}
+
+/// What is missing, given too often, or given together with what excludes it.
+std::optional<Messages::Message> messageForOptions(const CLI::App& app, const std::string& command) {
+    if (command.empty())
+        return std::nullopt;
+    for (const CLI::Option* option : app.get_subcommand(command)->get_options()) {
+        if (option->get_required() && option->count() == 0)
+            return Messages::missingArgument(option->get_positional()
+                                                 ? option->get_name(true)
+                                                 : option->get_name() + ' ' + option->get_type_name(),
+                                             command);
+        if (option->get_type_size() != 0 && option->count() > 1)
+            return Messages::givenTwice(option->get_name());
+        for (const CLI::Option* other : option->get_excludes()) {
+            if (option->count() > 0 && other->count() > 0)
+                return Messages::excludeEachOther(option->get_name(), other->get_name());
+        }
+    }
+    return std::nullopt;
+}
+
+Messages::Message messageFor(const CLI::App& app, const CLI::ParseError& error) {
+    const std::string command = commandIn(app);
+    const std::string reason = error.what();
+    if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) && reason.find(" missing") != std::string::npos)
+        return Messages::missingValue(reason.substr(0, reason.find(':')), command);
+    if (auto message = messageForExtras(app, command))
+        return *message;
+    if (auto message = messageForOptions(app, command))
+        return *message;
+    return Messages::otherWrongUse(reason, command);
+}
+
+/// For a command line that is wrong: what it says of how errors are shown.
+OutputOptions optionsForErrors(const std::vector<std::string>& words) {
+    OutputOptions options;
+    const std::string colour = "--color";
+    for (std::size_t i = 0; i < words.size() && words[i] != "--"; ++i) {
+        const std::string& word = words[i];
+        options.json = options.json || word == "--json";
+        const bool isBehind = word == colour && i + 1 < words.size();
+        if (isBehind || word.starts_with(colour + '='))
+            options.colour = colourChoice(isBehind ? words[i + 1] : word.substr(colour.size() + 1))
+                                 .value_or(options.colour);
+    }
+    return options;
+}
+
+/// An option like "--output=" takes nothing, rather than the word behind it.
+void refuseMissingValues(const std::vector<std::string>& words, const std::vector<std::string>& names) {
+    const auto command = std::find_first_of(words.begin(), words.end(), names.begin(), names.end());
+    const auto end = std::find(words.begin(), words.end(), "--");
+    const auto found = std::find_if(words.begin(), end, [](const std::string& word) {
+        return word.starts_with("--") && word.find('=') == word.size() - 1;
+    });
+    if (found != end)
+        throw Messages::Failure(Messages::missingValue(found->substr(0, found->size() - 1),
+                                                       command == words.end() ? std::string() : *command));
+}
+
+// Running
+
+int showHelp(const std::string& text) {
+    std::cout << text;
+    return Messages::Done;
+}
+
+int showHelpTopic(const Parser& parser) {
+    const int width = Terminal::width(STDOUT_FILENO);
+    const auto names = commandNames(parser.app);
+    if (parser.helpTopic.empty())
+        return showHelp(Help::of(parser.app, width));
+    if (std::find(names.begin(), names.end(), parser.helpTopic) == names.end())
+        throw Messages::Failure(unknownCommand(parser.app, parser.helpTopic));
+    return showHelp(Help::of(*parser.app.get_subcommand(parser.helpTopic), width));
+}
+
+int runCommand(const Parser& parser, Output& output) {
+    const std::string name = commandIn(parser.app);
+    if (name == parser.help->get_name())
+        return showHelpTopic(parser);
+    for (const Command& command : commands) {
+        if (name == command.name)
+            return output.finish(command.run(parser.arguments, output));
+    }
+    if (output.isJson())
+        throw Messages::Failure(Messages::noCommand());
+    return showHelp(Help::of(parser.app, Terminal::width(STDOUT_FILENO)));
+}
+
+/// Runs a part of the program; what fails there is reported.
+template <class Part>
+int reportingFailures(Output& output, Part part) {
+    try {
+        return part();
+    } catch (const Reader::Error& error) {
+        return output.fail(Messages::messageFor(error));
+    } catch (const Messages::Failure& failure) {
+        return output.fail(failure.message());
+    } catch (const std::bad_alloc&) {
+        Memory::endProgram();
+    } catch (const std::exception& error) {
+        return output.fail(Messages::unexpected(error.what()));
+    }
+}
+
+/// Parses the command line. Gives an exit code where there is no command to run.
+std::optional<int> parse(Parser& parser, int argc, char** argv) {
+    const std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
+    const auto command = [&] { return commandIn(parser.app); };
+    try {
+        refuseMissingValues(words, commandNames(parser.app));
+        parser.app.parse(argc, argv);
+        return std::nullopt;
+    } catch (const CLI::CallForHelp&) {
+        const std::string name = command();
+        return showHelp(Help::of(name.empty() ? parser.app : *parser.app.get_subcommand(name),
+                                 Terminal::width(STDOUT_FILENO)));
+    } catch (const CLI::CallForAllHelp&) {
+        return showHelp(Help::ofAll(parser.app, Terminal::width(STDOUT_FILENO)));
+    } catch (const CLI::CallForVersion& version) {
+        return showHelp(version.what() + std::string("\n"));
+    } catch (const CLI::ParseError& error) {
+        Output output(optionsForErrors(words));
+        output.setCommand(command());
+        return output.fail(messageFor(parser.app, error));
+    } catch (const Messages::Failure& failure) {
+        Output output(optionsForErrors(words));
+        output.setCommand(command());
+        return output.fail(failure.message());
+    }
+}
+
+/// Warnings of the toolkit are neither for people nor for programs, and name what documents hold.
+void dropMessage(QtMsgType, const QMessageLogContext&, const QString&) {}
 
 } // namespace
 
 int runCommandLine(int argc, char** argv) {
-    Arguments arguments;
-    CLI::App app("Brings old projects of the video editor to the newest schema version.", "adaptors");
-    app.set_version_flag("--version", "adaptors " ADAPTORS_VERSION ", schema version " + newest);
-    app.require_subcommand(1);
-    app.set_help_all_flag("--help-all", "Help for all commands");
-    app.footer(std::string("Example:\n  adaptors migrate film.xml\n") + exitCodes);
-    addMigrate(app, arguments);
-    addSteps(app, arguments);
-    addRun(app, arguments);
-    addInfo(app, arguments);
-    addVerify(app, arguments);
-    addTrace(app, arguments);
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::RuntimeError& done) {
-        return done.get_exit_code();
-    } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : Messages::WrongUse;
-    }
-    return 0;
+    qInstallMessageHandler(dropMessage);
+    Parser parser;
+    if (const auto code = parse(parser, argc, argv))
+        return *code;
+    Output output(parser.options);
+    output.setCommand(commandIn(parser.app));
+    return reportingFailures(output, [&] { return runCommand(parser, output); });
 }

@@ -1,4 +1,4 @@
 #pragma once
 
-/// Runs the command in the arguments and gives the exit code. Throws Reader::Error and Messages::Failure.
+/// Does what the command line says, reports what fails, and gives the exit code.
 int runCommandLine(int argc, char** argv);

@@ -1,11 +1,20 @@
 #pragma once
 
+#include "Output.h"
 #include "Reader/AdaptorTable.h"
+#include "Reader/Verify.h"
 
 #include <optional>
 #include <string>
 
-/// The values of the options and arguments on the command line. Empty if not given.
+/// What keeps a result from being written.
+enum class Strictness {
+    None,
+    Unintended, ///< errors that steps log, and losses that no schema version intended
+    All,        ///< those, and all other losses
+};
+
+/// What the command line says beside the options for every command.
 struct Arguments {
     std::string file;
     std::string output;
@@ -19,19 +28,20 @@ struct Arguments {
     int to = Reader::currentVersion;
     bool force = false;
     bool inPlace = false;
-    bool strict = false;
-    bool json = false;
+    bool check = false;
+    Strictness strict = Strictness::None;
+    Reader::Severity failOn = Reader::Severity::Error;
 };
 
-/// The commands of the program. Each function gives the exit code. All except steps() throw Reader::Error and
-/// Messages::Failure.
+/// What the program does, a function for each command. Each gives the exit code; all but steps() throw Reader::Error
+/// and Messages::Failure.
 namespace Commands {
 
-int migrate(const Arguments& arguments);
-int steps(const Arguments& arguments);
-int run(const Arguments& arguments);
-int info(const Arguments& arguments);
-int verify(const Arguments& arguments);
-int trace(const Arguments& arguments);
+int migrate(const Arguments& arguments, Output& output);
+int steps(const Arguments& arguments, Output& output);
+int run(const Arguments& arguments, Output& output);
+int info(const Arguments& arguments, Output& output);
+int verify(const Arguments& arguments, Output& output);
+int trace(const Arguments& arguments, Output& output);
 
 } // namespace Commands

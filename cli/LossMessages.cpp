@@ -1,18 +1,19 @@
 #include "LossMessages.h"
 
-#include "Terminal.h"
-
 #include <algorithm>
+#include <array>
 #include <map>
 #include <sstream>
+#include <string_view>
 #include <tuple>
 #include <vector>
 
-using Json = nlohmann::ordered_json;
 using Reader::Loss;
 using Reader::PartKind;
+using Terminal::Colours;
+using Terminal::escaped;
 
-namespace Losses {
+namespace LossMessages {
 namespace {
 
 std::string plural(std::size_t count, const std::string& noun) {
@@ -52,16 +53,59 @@ std::string causeOf(const Loss& loss) {
     return loss.reason + (loss.step.empty() ? "" : ", " + shortName(loss.step));
 }
 
-std::string partText(const Loss& loss) {
-    const std::string& name = loss.part.name.empty() ? loss.part.className : loss.part.name;
-    return std::string(Reader::nameOf(loss.part.kind)) + ' ' +
-           (name.empty() ? std::string("without a name") : '"' + name + '"') + " (id " +
-           std::to_string(loss.part.id) + ')';
+std::string partText(const Reader::Part& part) {
+    const std::string& name = part.name.empty() ? part.className : part.name;
+    return std::string(Reader::nameOf(part.kind)) + ' ' +
+           (name.empty() ? std::string("without a name") : '"' + escaped(name) + '"') + " (id " +
+           std::to_string(part.id) + ')';
+}
+
+/// What a line of a step means.
+struct Meaning {
+    std::string_view start; ///< of the line's text
+    bool isHarmless;        ///< the result is whole all the same
+    std::string_view sentence;
+};
+
+constexpr std::array meanings = {
+    Meaning{"Need quiz overlay preset", true,
+            "the quiz of this clip has no content; projects have no quizzes from version 69 on"},
+    Meaning{"Quiz question not found", true,
+            "a question of this quiz can't be read; projects have no quizzes from version 69 on"},
+    Meaning{"Can not file composition object", true,
+            "the markers of this file are missing already; projects have none from version 24 on"},
+    Meaning{"Not found timeline <clips> element", true, "this timeline has no clips"},
+    Meaning{"Not found timeline primary track", false,
+            "the transitions of this timeline are left out, since it has no main track"},
+    Meaning{"Not found element for timeline clip", false,
+            "no transition of the project is converted, since a timeline lists a clip that is not there"},
+    Meaning{"Predeclaration <Data> element is null", true, "the list of objects has an empty entry"},
+    Meaning{"Not found timeline predeclarator element", true,
+            "the list of objects does not name this timeline"},
+    Meaning{"PiP adaptor: Non-zero fades", false,
+            "this picture in picture no longer fades in and out, it appears and disappears at once"},
+    Meaning{"Can not parse mode of SideBySide", true,
+            "this side-by-side effect shows its picture on the left now"},
+    Meaning{"Unexpected SideBySide mode", true, "this side-by-side effect shows its picture on the left now"},
+    Meaning{"Can't adapt user collection", false, "the project gets no collection of its own"},
+    Meaning{"Cannot find predeclaration", true, "the list of objects does not name a frame of this mask"},
+    Meaning{"side file", false, "a text of a title is not where the project says; see the reason"},
+    Meaning{"SVG", true, "the drawing of this title is left as it was"},
+    Meaning{"conditional timing refers to itself", true, "the animation of this title may be shorter"},
+    Meaning{"gradients stand too deep", true, "the drawing of this title may have other colours"},
+    Meaning{"<Archive> element not found", false, "the step was left out"},
+};
+
+const Meaning* find(const Reader::LogLine& line) {
+    const auto found = std::find_if(meanings.begin(), meanings.end(), [&](const Meaning& meaning) {
+        return line.text.starts_with(meaning.start);
+    });
+    return found == meanings.end() ? nullptr : &*found;
 }
 
 } // namespace
 
-std::string clipsAsText(const Reader::MigrationReport& report) {
+std::string clips(const Reader::MigrationReport& report) {
     std::ostringstream out;
     out << plural(report.clipsBefore, "clip") << ": " << report.clipsKept << " kept";
     const auto isClip = [](const Loss& loss) { return loss.part.kind == PartKind::Clip; };
@@ -73,14 +117,18 @@ std::string clipsAsText(const Reader::MigrationReport& report) {
     return out.str();
 }
 
-std::string lossesAsText(const Reader::MigrationReport& report) {
+std::string loss(const Loss& loss, const Colours& colours) {
+    return colours.red("lost") + ": " + partText(loss.part) + ": " + causeOf(loss) + '\n';
+}
+
+std::string losses(const Reader::MigrationReport& report, const Colours& colours) {
     std::ostringstream out;
-    for (const Loss& loss : report.losses) {
-        if (!loss.isIntended)
-            out << "  " << Terminal::red("lost") << ": " << partText(loss) << ": " << causeOf(loss) << '\n';
+    for (const Loss& lost : report.losses) {
+        if (!lost.isIntended)
+            out << "  " << loss(lost, colours);
     }
-    const auto isIntendedPart = [](const Loss& loss) {
-        return loss.isIntended && loss.part.kind != PartKind::Clip;
+    const auto isIntendedPart = [](const Loss& lost) {
+        return lost.isIntended && lost.part.kind != PartKind::Clip;
     };
     for (const Group& group : groupsOf(report.losses, isIntendedPart))
         out << "  removed: " << plural(group.count, std::string(Reader::nameOf(group.first->part.kind)))
@@ -88,32 +136,14 @@ std::string lossesAsText(const Reader::MigrationReport& report) {
     return out.str();
 }
 
-Json clipsAsJson(const Reader::MigrationReport& report) {
-    Json lost = Json::array();
-    for (const Loss& loss : report.losses) {
-        if (loss.part.kind == PartKind::Clip)
-            lost.push_back({{"id", loss.part.id}, {"name", loss.part.name}});
-    }
-    return {{"in", report.clipsBefore},
-            {"kept", report.clipsKept},
-            {"removed", report.clipsBefore - report.clipsKept},
-            {"added", report.clipsAdded},
-            {"out", report.clipsAfter()},
-            {"lost", std::move(lost)}};
+std::string meaningOf(const Reader::LogLine& line) {
+    const Meaning* meaning = find(line);
+    return meaning ? std::string(meaning->sentence) : std::string();
 }
 
-Json lossesAsJson(const Reader::MigrationReport& report) {
-    Json list = Json::array();
-    for (const Loss& loss : report.losses)
-        list.push_back({{"what", Reader::nameOf(loss.part.kind)},
-                        {"id", loss.part.id},
-                        {"class", loss.part.className},
-                        {"name", loss.part.name},
-                        {"clip", loss.part.clip},
-                        {"step", loss.step.empty() ? Json() : Json(loss.step)},
-                        {"reason", loss.reason},
-                        {"intended", loss.isIntended}});
-    return list;
+bool isHarmless(const Reader::LogLine& line) {
+    const Meaning* meaning = find(line);
+    return meaning && meaning->isHarmless;
 }
 
-} // namespace Losses
+} // namespace LossMessages

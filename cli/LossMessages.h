@@ -1,21 +1,29 @@
 #pragma once
 
 #include "Reader/MigrationReport.h"
-
-#include <nlohmann/json.hpp>
+#include "Terminal.h"
 
 #include <string>
 
-/// What the program says of clips, effects and titles that a result does not reach.
-namespace Losses {
+/// What the program says to people of clips, effects and titles that a result does not reach. All texts are fit for a
+/// terminal.
+namespace LossMessages {
 
-/// "18 clips: 14 kept, 4 removed (quizzes, V69); 2 added: 16"
-std::string clipsAsText(const Reader::MigrationReport& report);
+/// "18 clips: 14 kept, 4 removed (projects have no quizzes any more, V69); 2 added: 16"
+std::string clips(const Reader::MigrationReport& report);
 
-/// A line for each loss that no schema version meant, and one for all others of a kind and a step.
-std::string lossesAsText(const Reader::MigrationReport& report);
+/// A line for one loss: "lost: clip "Beach" (id 7): no reference leads to it any more, V57".
+std::string loss(const Reader::Loss& loss, const Terminal::Colours& colours);
 
-nlohmann::ordered_json clipsAsJson(const Reader::MigrationReport& report);
-nlohmann::ordered_json lossesAsJson(const Reader::MigrationReport& report);
+/// A line for each loss that no schema version intended, and one for the intended ones that have a kind, a step and a
+/// reason in common. Intended losses of clips are left out: clips() has them.
+std::string losses(const Reader::MigrationReport& report, const Terminal::Colours& colours);
 
-} // namespace Losses
+/// What a line that a step logged means for the user, a sentence without a full stop; empty for nothing more than the
+/// line itself says.
+std::string meaningOf(const Reader::LogLine& line);
+
+/// Whether the result is whole all the same: nothing that the input held is missing or changed because of that error.
+bool isHarmless(const Reader::LogLine& line);
+
+} // namespace LossMessages

@@ -9,11 +9,12 @@
 #include <cstdlib>
 #include <new>
 #include <string>
+#include <utility>
 
 namespace Memory {
 namespace {
 
-/// No limit is set under the address sanitizer: its own memory would count, too.
+/// A sanitizer's own memory would count as the program's.
 #if defined(__SANITIZE_ADDRESS__)
 constexpr bool isSanitized = true;
 #elif defined(__has_feature)
@@ -22,18 +23,20 @@ constexpr bool isSanitized = __has_feature(address_sanitizer);
 constexpr bool isSanitized = false;
 #endif
 
-/// The limit is `baseMemory` plus `memoryPerByte` for each byte of the document. Real projects need a quarter
-/// of that. Some steps create large objects from small ones, and a hostile document may consist of these.
+/// What a document may take beside so much for each of its bytes. Real projects need a quarter of that; some steps make
+/// large things of small ones, and a hostile document has nothing else.
 constexpr rlim_t baseMemory = rlim_t(1) << 30;
 constexpr rlim_t memoryPerByte = 200;
 
-/// The message for the case that memory runs out. Prepared in advance, because nothing can be allocated then.
+/// What is said where memory runs out, and where. It is made beforehand: nothing can be made then.
 std::string message;
+int messageDescriptor = STDERR_FILENO;
 
 } // namespace
 
-void limitFor(const QString& name, qint64 size) {
-    message = Messages::asText(Messages::outOfMemory(name));
+void limitFor(qint64 size, std::string lastWords, int descriptor) {
+    message = std::move(lastWords);
+    messageDescriptor = descriptor;
     std::set_new_handler(endProgram);
     rlimit limit = {};
     if (isSanitized || getrlimit(RLIMIT_DATA, &limit) != 0)
@@ -43,7 +46,7 @@ void limitFor(const QString& name, qint64 size) {
 }
 
 void endProgram() {
-    static_cast<void>(!::write(STDERR_FILENO, message.data(), message.size()));
+    static_cast<void>(!::write(messageDescriptor, message.data(), message.size()));
     std::_Exit(Messages::OutOfMemory);
 }
 

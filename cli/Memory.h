@@ -1,16 +1,18 @@
 #pragma once
 
-#include <QString>
+#include <QtGlobal>
 
-/// A limit for the memory of the process, against hostile documents.
+#include <string>
+
+/// What keeps a document from taking all of the machine's memory.
 namespace Memory {
 
-/// Limits the memory of the process to what a document of `size` bytes may need. If an allocation exceeds the
-/// limit, endProgram() is called. `name` is the document's name for the message.
-void limitFor(const QString& name, qint64 size);
+/// From here on the program can't take more memory than a document of `size` bytes may; where it wants more, it ends
+/// as endProgram() does. `lastWords` is what that writes then, to the file descriptor.
+void limitFor(qint64 size, std::string lastWords, int descriptor);
 
-/// Prints a message that memory ran out and ends the process at once, with exit code 18. An exception is no
-/// alternative: unwinding may need memory, too.
+/// Says that memory ran out and ends the program at once, with exit code 18. An exception would let go of what there
+/// is, and letting go takes memory too.
 [[noreturn]] void endProgram();
 
 } // namespace Memory

@@ -2,7 +2,6 @@
 
 #include "Reader/AdaptorTable.h"
 #include "Reader/Files.h"
-#include "Terminal.h"
 
 namespace Messages {
 namespace {
@@ -73,12 +72,19 @@ std::string number(std::optional<int> value) {
     return std::to_string(value.value_or(0));
 }
 
+/// Reasons of the toolkit are sentences of their own; here they are a part of one.
+std::string withoutFullStop(std::string reason) {
+    if (reason.ends_with('.'))
+        reason.pop_back();
+    return reason;
+}
+
 const std::string nameProject = "; name the project's own file";
 const std::string mendOrRestore = "; mend the text there, or restore the file from a backup";
 
 /// Reason and remedy, as the text after the file's name.
 std::string sentenceFor(ErrorKind kind, const ErrorFacts& facts) {
-    const std::string& reason = facts.reason;
+    const std::string reason = withoutFullStop(facts.reason);
     switch (kind) {
     case ErrorKind::Unreadable:
         return reason + "; check its name and its permissions";
@@ -97,22 +103,22 @@ std::string sentenceFor(ErrorKind kind, const ErrorFacts& facts) {
     case ErrorKind::ForeignEncoding:
         return "the text is not in an encoding that projects use; convert it to UTF-8";
     case ErrorKind::NoArchive:
-        return reason + ", a project is one <Archive>" + nameProject;
+        return reason + " (a project is one <Archive>)" + nameProject;
     case ErrorKind::MissingRoot:
         return reason + ", and there is no such <RootObject>; restore the file from a backup";
     case ErrorKind::BrokenJson:
         return "broken JSON" + (facts.byte ? " at byte " + std::to_string(*facts.byte) : "") + ": " + reason +
                mendOrRestore;
     case ErrorKind::WrongEnvelope:
-        return reason + R"(, a project is an object with "version" "1.0" and its root object in "data")" +
+        return reason + R"( (a project is an object with "version" "1.0" and its root object in "data"))" +
                nameProject;
     case ErrorKind::NoVersion:
         return "the document names no schema version; give it with --from N";
     case ErrorKind::BadVersion:
         return "the schema version " + reason + " is no version number; give the right one with --from N";
     case ErrorKind::TooNew:
-        return "schema version " + number(facts.version) + " is too new, this program knows versions up to " +
-               number(Reader::currentVersion) + "; use a newer program";
+        return "schema version " + number(facts.version) + " is too new: this program knows versions up to " +
+               number(Reader::currentVersion) + "; use a newer version of adaptors";
     case ErrorKind::UnreachableVersion:
         return "a document of schema version " + number(facts.version) + " can go to a version from " +
                number(facts.version) + " to " + number(Reader::currentVersion) + ", not to " +
@@ -163,14 +169,37 @@ Message messageFor(const Reader::Error& error) {
             facts.step};
 }
 
+namespace {
+
+std::string quoted(const std::string& text) {
+    return '"' + text + '"';
+}
+
+/// " did you mean X?" or, where nothing is like it, the other remedy.
+std::string remedy(const std::string& suggestion, const std::string& otherwise) {
+    return "; " + (suggestion.empty() ? otherwise : "did you mean " + suggestion + "? " + otherwise);
+}
+
+std::string helpFor(const std::string& command) {
+    return quoted("adaptors help" + (command.empty() ? "" : ' ' + command));
+}
+
+Message wrongUse(const std::string& text) {
+    return {WrongUse, "wrong-use", text};
+}
+
+} // namespace
+
 Message inPlaceNeedsFile() {
-    return {WrongUse, "wrong-use", "--in-place needs a file, not standard input; name the file, or give -o"};
+    return wrongUse("--in-place needs a file, not standard input; name the file, or give -o");
 }
 
 Message notOneProject(const QString& folder, int projects) {
+    const std::string found = projects == 0 ? "none" : std::to_string(projects);
     return {Unreadable, "unreadable",
-            folder.toStdString() + ": a project's folder holds one .xml or .json file, this one " +
-                std::to_string(projects) + "; name the file"};
+            folder.toStdString() +
+                ": the folder of a project holds one .xml or .json file, and this one holds " + found +
+                "; name the project's own file"};
 }
 
 Message folderNotMade(const QString& folder) {
@@ -181,9 +210,16 @@ Message folderNotMade(const QString& folder) {
 
 Message refusedByStrict(const QString& name) {
     return {StrictFailure, "strict",
-            name.toStdString() + ": not written, since --strict lets no error and no loss pass; look at the "
-                                 "lines above, and leave "
-                                 "--strict out to write it all the same"};
+            name.toStdString() +
+                ": not written, because --strict allows neither errors nor losses; look at those "
+                "listed here, or leave --strict out to write the result all the same"};
+}
+
+Message wouldLose(const QString& name) {
+    return {StrictFailure, "check",
+            name.toStdString() +
+                ": a migration would lose something or report an error, see the lines above; nothing "
+                "was written"};
 }
 
 Message outOfMemory(const QString& name) {
@@ -193,13 +229,93 @@ Message outOfMemory(const QString& name) {
                 "written; check that it is a project"};
 }
 
+Message outputLost(const std::string& reason) {
+    return {Unwritable, "unwritable",
+            "standard output: " + reason + "; free some space where it goes, or send it somewhere else"};
+}
+
 Message unexpected(const std::string& reason) {
     return {Unexpected, "unexpected",
             "unexpected: " + reason + "; please report this with the file, if you can"};
 }
 
-std::string asText(const Message& message) {
-    return "adaptors: " + Terminal::red("error") + ": " + message.text + '\n';
+Message noCommand() {
+    return wrongUse("no command is given; " + helpFor({}) + " lists the commands");
+}
+
+Message unknownCommand(const std::string& word, const std::string& suggestion) {
+    return wrongUse(
+        "there is no command " + quoted(word) +
+        remedy(suggestion.empty() ? suggestion : quoted(suggestion), helpFor({}) + " lists the commands"));
+}
+
+Message unknownOption(const std::string& option, const std::string& command, const std::string& suggestion) {
+    return wrongUse((command.empty() ? "there is no option " : quoted(command) + " has no option ") + option +
+                    remedy(suggestion, helpFor(command) + " lists the options"));
+}
+
+Message oneArgumentTooMany(const std::string& word, const std::string& command, const std::string& takes) {
+    if (takes.empty())
+        return wrongUse(quoted(command) + " takes options only; leave " + quoted(word) + " out");
+    return wrongUse(quoted(command) + " takes " + takes + ", and " + quoted(word) +
+                    " is one argument more; give one file a run, and put names with spaces in quotes");
+}
+
+Message missingArgument(const std::string& argument, const std::string& command) {
+    return wrongUse(quoted(command) + " needs " + argument + "; " + helpFor(command) + " shows examples");
+}
+
+Message missingValue(const std::string& option, const std::string& command) {
+    return wrongUse(option + " needs a value behind it; " + helpFor(command) + " says which");
+}
+
+Message emptyValue(const std::string& option) {
+    return wrongUse("the name given for " + option +
+                    " is empty; give another one (or is a variable of your shell not set?)");
+}
+
+Message badValue(const std::string& option, const std::string& value, const std::string& expected) {
+    return wrongUse(option + " can't be " + quoted(value) + "; give " + expected);
+}
+
+Message givenTwice(const std::string& option) {
+    return wrongUse(option + " is given more than once; give it once");
+}
+
+Message excludeEachOther(const std::string& one, const std::string& other) {
+    return wrongUse(one + " and " + other + " exclude each other; give only one of them");
+}
+
+Message otherWrongUse(const std::string& reason, const std::string& command) {
+    return wrongUse(reason + "; " + helpFor(command) + " shows examples");
+}
+
+Message unknownStep(const std::string& name, const std::string& suggestion) {
+    return {WrongUse,
+            std::string(Reader::nameOf(ErrorKind::UnknownStep)),
+            "there is no step " + quoted(name) + remedy(suggestion, "\"adaptors steps\" lists them all"),
+            {},
+            {},
+            {},
+            name};
+}
+
+Message ambiguousStep(const std::string& name, const std::vector<std::string>& candidates) {
+    std::string list;
+    for (const std::string& candidate : candidates)
+        list += (list.empty() ? "" : ", ") + candidate;
+    return {WrongUse,
+            "ambiguous-step",
+            quoted(name) + " is the beginning of " + std::to_string(candidates.size()) + " steps: " + list +
+                "; give more of the name",
+            {},
+            {},
+            {},
+            name};
+}
+
+std::string asText(const Message& message, const Terminal::Colours& colours) {
+    return "adaptors: " + colours.red("error") + ": " + Terminal::escaped(message.text) + '\n';
 }
 
 } // namespace Messages

@@ -1,14 +1,16 @@
 #pragma once
 
 #include "Reader/Error.h"
+#include "Terminal.h"
 
 #include <QString>
 
 #include <exception>
 #include <optional>
 #include <string>
+#include <vector>
 
-/// The messages of the program for failures: texts for users, remedies and exit codes.
+/// What the program says where it fails: all words for people, remedies and exit codes.
 namespace Messages {
 
 enum ExitCode {
@@ -31,33 +33,56 @@ enum ExitCode {
     OutputExists = 16,
     HasFindings = 17,
     OutOfMemory = 18,
+    WouldMigrate = 19, ///< `--check`: a migration has something to do and would lose nothing
+    Incomplete = 22,   ///< the result was written, and something of the project is missing in it
 };
 
 struct Message {
     ExitCode code;
-    std::string kind; ///< a name for programs, such as "broken-xml"
-    std::string text; ///< position, reason and remedy, without a full stop
+    std::string kind; ///< a word for programs, such as "broken-xml"
+    std::string
+        text; ///< where, what is wrong and what to do, without a full stop; not yet fit for a terminal
     std::optional<qint64> line = {};
     std::optional<qint64> column = {};
     std::optional<qint64> byte = {};
-    std::string step = {}; ///< class name of the adaptor that failed; empty if none did
+    std::string step = {}; ///< class name of the adaptor that failed; empty for none
 };
 
 Message messageFor(const Reader::Error& error);
 
-// Failures of the program itself, not of the reader.
+// Failures that the library does not know.
 
 Message inPlaceNeedsFile();
 Message notOneProject(const QString& folder, int projects);
 Message folderNotMade(const QString& folder);
 Message refusedByStrict(const QString& name);
+Message wouldLose(const QString& name);
 Message outOfMemory(const QString& name);
+Message outputLost(const std::string& reason);
 Message unexpected(const std::string& reason);
 
-/// The message as a line for standard error.
-std::string asText(const Message& message);
+// Wrong use of the command line. A suggestion is what was probably meant; empty for none.
 
-/// Exception that ends a command with a message.
+Message noCommand();
+Message unknownCommand(const std::string& word, const std::string& suggestion);
+/// `command` is empty in front of the command.
+Message unknownOption(const std::string& option, const std::string& command, const std::string& suggestion);
+/// `takes` names the arguments that the command takes, "STEP FILE"; empty for none.
+Message oneArgumentTooMany(const std::string& word, const std::string& command, const std::string& takes);
+Message missingArgument(const std::string& argument, const std::string& command);
+Message missingValue(const std::string& option, const std::string& command);
+Message emptyValue(const std::string& option);
+Message badValue(const std::string& option, const std::string& value, const std::string& expected);
+Message givenTwice(const std::string& option);
+Message excludeEachOther(const std::string& one, const std::string& other);
+Message otherWrongUse(const std::string& reason, const std::string& command);
+Message unknownStep(const std::string& name, const std::string& suggestion);
+Message ambiguousStep(const std::string& name, const std::vector<std::string>& candidates);
+
+/// The message as a line for standard error, fit for a terminal.
+std::string asText(const Message& message, const Terminal::Colours& colours = Terminal::Colours());
+
+/// Ends a command with a message.
 class Failure : public std::exception {
 public:
     explicit Failure(Message message) : m_message(std::move(message)) {}

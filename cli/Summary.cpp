@@ -1,17 +1,14 @@
 #include "Summary.h"
 
 #include "LossMessages.h"
-#include "Terminal.h"
-
-#include <nlohmann/json.hpp>
-
 #include <algorithm>
 #include <iomanip>
 #include <numeric>
 #include <sstream>
 
-using Json = nlohmann::ordered_json;
 using Reader::AdaptorRow;
+using Terminal::Colours;
+using Terminal::escaped;
 
 namespace {
 
@@ -28,6 +25,39 @@ std::string plural(std::size_t count, const std::string& noun) {
     return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
 }
 
+std::string classText(const std::string& className) {
+    return className.empty() ? "(no class)" : escaped(className);
+}
+
+/// "0:01:02.345"
+std::string timeText(long long milliseconds) {
+    const auto part = [](long long number, int digits) {
+        const std::string text = std::to_string(number);
+        return std::string(static_cast<std::size_t>(std::max(0, digits - int(text.size()))), '0') + text;
+    };
+    const long long size = milliseconds < 0 ? -(milliseconds + 1) + 1 : milliseconds;
+    return (milliseconds < 0 ? "-" : "") + part(size / 3600000, 1) + ':' + part(size / 60000 % 60, 2) + ':' +
+           part(size / 1000 % 60, 2) + '.' + part(size % 1000, 3);
+}
+
+/// " (clip "Beach" at 0:00:39.000, Effect::SideBySide, id 12)"
+std::string objectText(const Reader::LoggedObject& object) {
+    std::string text = " (";
+    if (object.clip) {
+        text += object.clip->name.empty() ? std::string("a clip without a name")
+                                          : "clip \"" + escaped(object.clip->name) + '"';
+        text += (object.clip->time ? " at " + timeText(*object.clip->time) : std::string()) + ", ";
+    }
+    return text + classText(object.className) + ", id " + std::to_string(object.id) + ')';
+}
+
+std::string lineText(const Reader::LogLine& line, const Colours& colours) {
+    const std::string meaning = LossMessages::meaningOf(line);
+    return (line.isError() ? colours.red("error") : colours.yellow("warning")) + ": " + escaped(line.step) +
+           ": " + escaped(line.text) + (line.object ? objectText(*line.object) : std::string()) +
+           (meaning.empty() ? "" : ": " + meaning) + '\n';
+}
+
 std::string join(const std::vector<std::string>& words) {
     std::string text;
     for (const std::string& word : words)
@@ -39,32 +69,21 @@ std::string formsOf(bool hasXml, bool hasJson) {
     return hasXml && hasJson ? "XML, JSON" : hasXml ? "XML" : "JSON";
 }
 
-Json formsAsJson(bool hasXml, bool hasJson) {
-    Json list = Json::array();
-    if (hasXml)
-        list.push_back("xml");
-    if (hasJson)
-        list.push_back("json");
-    return list;
+/// A place as people look for it: object, id, and the path in it.
+std::string placeOf(const Reader::Finding& finding) {
+    return classText(finding.className) + " (id " + std::to_string(finding.id) + ')' +
+           (finding.path.empty() ? "" : ' ' + escaped(finding.path));
 }
 
-/// Counts by class as a JSON object with the keys in the order of the map.
-Json countsAsJson(const Reader::ObjectCounts& counts) {
-    Json result = Json::object();
-    for (const auto& [className, count] : counts)
-        result[className] = count;
-    return result;
+std::string severityText(Reader::Severity severity, const Colours& colours) {
+    const std::string name(Reader::nameOf(severity));
+    return severity == Reader::Severity::Error     ? colours.red(name)
+           : severity == Reader::Severity::Warning ? colours.yellow(name)
+                                                   : name;
 }
 
-Json formAsJson(Bundle::Backend form) {
-    return form == Bundle::Backend::Xml ? "xml" : "json";
-}
+} // namespace
 
-std::vector<const AdaptorRow*> stepsBetween(int from, int to) {
-    return Reader::stepsFor(Bundle::Backend::Json, from, to);
-}
-
-/// The adaptors that are no steps, sorted by class name.
 std::vector<const AdaptorRow*> unnumberedAdaptors() {
     std::vector<const AdaptorRow*> rows;
     for (const AdaptorRow& row : Reader::adaptorTable()) {
@@ -86,90 +105,80 @@ std::vector<std::string> namesOfStepsToRun(const Reader::Document& document) {
     return names;
 }
 
-/// A place for users: class of the object, id, and path in it.
-std::string placeOf(const Reader::Finding& finding) {
-    const std::string name = finding.className.empty() ? "(no class)" : finding.className;
-    return name + " (id " + std::to_string(finding.id) + ')' +
-           (finding.path.empty() ? "" : ' ' + finding.path);
-}
-
 std::vector<Reader::Finding> ofKind(Reader::Fault fault, std::vector<Reader::Finding> findings) {
     std::erase_if(findings, [fault](const Reader::Finding& finding) { return finding.fault != fault; });
     return findings;
 }
 
-Json findingAsJson(const Reader::Finding& finding) {
-    Json result = {{"fault", Reader::nameOf(finding.fault)},
-                   {"class", finding.className},
-                   {"id", finding.id},
-                   {"path", finding.path},
-                   {"text", finding.text}};
-    if (finding.to != 0)
-        result["to"] = finding.to;
-    return result;
-}
+namespace Texts {
 
-} // namespace
-
-std::string asText(const Summary& summary) {
+std::string summary(const Summary& summary, Detail detail, const Colours& colours) {
     const Reader::MigrationReport& report = summary.report;
     std::ostringstream out;
-    out << summary.input.toStdString() << ": " << stateOf(report.formBefore, report.from) << " -> "
+    if (summary.isUpToDate) {
+        out << escaped(summary.input) << ": already at version " << report.to << ", nothing to do\n"
+            << (summary.output.isEmpty() ? "" : "  written unchanged: " + escaped(summary.output) + '\n');
+        return out.str();
+    }
+    out << escaped(summary.input) << ": " << stateOf(report.formBefore, report.from) << " -> "
         << stateOf(report.formAfter, report.to) << '\n';
     out << "  steps:   " << report.steps.size() << " run\n";
+    if (detail == Detail::Steps)
+        out << steps(report);
     if (!report.skipped.empty())
-        out << "  " << Terminal::yellow("warning") << ": " << plural(report.skipped.size(), "step")
+        out << "  " << colours.yellow("warning") << ": " << plural(report.skipped.size(), "step")
             << " skipped, made for archives only: " << join(report.skipped) << '\n';
     for (const Reader::LogLine& line : report.log)
-        out << "  " << (line.isError() ? Terminal::red("error") : Terminal::yellow("warning")) << ": "
-            << line.step << ": " << line.text << '\n';
+        out << "  " << lineText(line, colours);
     out << "  objects: " << total(report.objectsBefore) << " in, " << total(report.objectsAfter) << " out\n";
     if (report.leftOut > 0)
         out << "  " << plural(report.leftOut, "object") << " left out that nothing refers to\n";
     if (!report.duplicateIds.empty())
-        out << "  " << Terminal::yellow("warning") << ": " << plural(report.duplicateIds.size(), "id")
-            << " stood for several objects; the later ones have new ids\n";
-    out << "  " << Losses::clipsAsText(report) << '\n' << Losses::lossesAsText(report);
+        out << "  " << colours.yellow("warning") << ": " << plural(report.duplicateIds.size(), "id")
+            << (report.duplicateIds.size() == 1 ? " was" : " were")
+            << " used by several objects; the later ones have new ids\n";
+    out << "  clips:   " << LossMessages::clips(report) << '\n' << LossMessages::losses(report, colours);
     if (!summary.backup.isEmpty())
-        out << "  backup:  " << summary.backup.toStdString() << '\n';
+        out << "  backup:  " << escaped(summary.backup) << '\n';
     if (!summary.output.isEmpty())
-        out << "  written: " << summary.output.toStdString() << '\n';
+        out << "  written: " << escaped(summary.output) << '\n';
     return out.str();
 }
 
-std::string asJson(const Summary& summary) {
-    const Reader::MigrationReport& report = summary.report;
-    Json result;
-    result["input"] = summary.input.toStdString();
-    result["output"] = summary.output.isEmpty() ? Json() : Json(summary.output.toStdString());
-    result["backup"] = summary.backup.isEmpty() ? Json() : Json(summary.backup.toStdString());
-    result["from"] = {{"form", formAsJson(report.formBefore)}, {"version", report.from}};
-    result["to"] = {{"form", formAsJson(report.formAfter)}, {"version", report.to}};
-    result["steps"] = report.steps;
-    result["skipped"] = report.skipped;
-    result["log"] = Json::array();
-    for (const Reader::LogLine& line : report.log)
-        result["log"].push_back(
-            {{"step", line.step}, {"severity", line.severity}, {"text", line.text}, {"place", line.place}});
-    result["objects"] = {{"in", countsAsJson(report.objectsBefore)},
-                         {"out", countsAsJson(report.objectsAfter)},
-                         {"leftOut", report.leftOut}};
-    result["duplicateIds"] = report.duplicateIds;
-    result["clips"] = Losses::clipsAsJson(report);
-    result["losses"] = Losses::lossesAsJson(report);
-    return result.dump(2) + '\n';
+std::string errors(const Summary& summary, const Colours& colours) {
+    const std::string start = escaped(summary.input) + ": ";
+    std::string text;
+    for (const Reader::LogLine& line : summary.report.log)
+        text += line.isError() ? start + lineText(line, colours) : std::string();
+    for (const Reader::Loss& loss : summary.report.losses)
+        text += loss.isIntended ? std::string() : start + LossMessages::loss(loss, colours);
+    return text;
 }
 
-std::string infoAsText(const Reader::Document& document, const QString& name) {
+std::string log(const Reader::MigrationReport& report, const Colours& colours) {
+    std::string text;
+    for (const Reader::LogLine& line : report.log)
+        text += lineText(line, colours);
+    return text;
+}
+
+std::string steps(const Reader::MigrationReport& report) {
+    std::string text;
+    for (const std::string& step : report.steps)
+        text += "           " + step + '\n';
+    return text;
+}
+
+std::string info(const Reader::Document& document, const QString& name) {
     std::ostringstream out;
-    out << name.toStdString() << '\n';
+    out << escaped(name) << '\n';
     out << "  form:    " << Reader::formName(document.form()).toStdString() << '\n';
     out << "  version: "
         << (document.version() ? std::to_string(*document.version()) : "none; give it with --from N") << '\n';
     const auto counts = Reader::countObjects(document);
     out << "  objects: " << total(counts) << '\n';
     for (const auto& [className, count] : counts)
-        out << std::setw(10) << count << "  " << (className.empty() ? "(no class)" : className) << '\n';
+        out << std::setw(10) << count << "  " << classText(className) << '\n';
     out << "  clips:   " << Reader::listClips(document).size() << '\n';
     const auto findings = Reader::verify(document);
     const auto dangling = ofKind(Reader::Fault::DanglingReference, findings);
@@ -187,62 +196,32 @@ std::string infoAsText(const Reader::Document& document, const QString& name) {
     return out.str();
 }
 
-std::string infoAsJson(const Reader::Document& document, const QString& name) {
-    Json result;
-    result["file"] = name.toStdString();
-    result["form"] = formAsJson(document.form());
-    result["version"] = document.version() ? Json(*document.version()) : Json();
-    result["objects"] = countsAsJson(Reader::countObjects(document));
-    result["clips"] = Json::array();
-    for (const Reader::Clip& clip : Reader::listClips(document))
-        result["clips"].push_back({{"id", clip.id}, {"name", clip.name}});
-    const auto findings = Reader::verify(document);
-    result["danglingReferences"] = Json::array();
-    for (const Reader::Finding& finding : ofKind(Reader::Fault::DanglingReference, findings))
-        result["danglingReferences"].push_back(
-            {{"from", finding.id}, {"class", finding.className}, {"to", finding.to}});
-    result["duplicateIds"] = Json::array();
-    for (const Reader::Finding& finding : ofKind(Reader::Fault::DuplicateId, findings))
-        result["duplicateIds"].push_back(finding.id);
-    result["steps"] = namesOfStepsToRun(document);
-    return result.dump(2) + '\n';
-}
-
-std::string findingsAsText(const std::vector<Reader::Finding>& findings, const QString& name) {
+std::string findings(const std::vector<Reader::Finding>& findings, const QString& name,
+                     const Colours& colours) {
     std::ostringstream out;
-    out << name.toStdString() << ": "
+    out << escaped(name) << ": "
         << (findings.empty() ? std::string("no findings") : plural(findings.size(), "finding")) << '\n';
     for (const Reader::Finding& finding : findings)
-        out << "  " << Reader::nameOf(finding.fault) << ": " << placeOf(finding) << ": " << finding.text
-            << '\n';
+        out << "  " << severityText(finding.severity, colours) << ": " << Reader::nameOf(finding.fault)
+            << ": " << placeOf(finding) << ": " << escaped(finding.text) << '\n';
     return out.str();
 }
 
-std::string findingsAsJson(const std::vector<Reader::Finding>& findings, const QString& name) {
-    Json result;
-    result["file"] = name.toStdString();
-    result["findings"] = Json::array();
-    for (const Reader::Finding& finding : findings)
-        result["findings"].push_back(findingAsJson(finding));
-    return result.dump(2) + '\n';
-}
-
-std::string traceAsText(const Reader::Trace& trace) {
+std::string trace(const Reader::Trace& trace) {
     std::ostringstream out;
     for (const Reader::Trace::Entry& entry : trace.entries())
         out << std::setw(3) << entry.place << "  " << std::left << std::setw(42) << entry.className
-            << std::right
-            << (entry.file.isEmpty() ? std::string("changed nothing") : entry.file.toStdString()) << '\n';
+            << std::right << (entry.file.isEmpty() ? "changed nothing" : escaped(entry.file)) << '\n';
     return out.str();
 }
 
-std::string stepsAsText(int from, int to) {
+std::string stepList(int from, int to) {
     std::ostringstream out;
     const auto addRow = [&](const AdaptorRow& row) {
         out << std::left << std::setw(42) << row.className << std::setw(10)
             << formsOf(row.hasXml(), row.hasJson()) << std::right << "  " << row.summary << '\n';
     };
-    for (const AdaptorRow* step : stepsBetween(from, to)) {
+    for (const AdaptorRow* step : Reader::stepsFor(Bundle::Backend::Json, from, to)) {
         out << std::setw(3) << step->number << "  ";
         addRow(*step);
     }
@@ -254,15 +233,14 @@ std::string stepsAsText(int from, int to) {
     return out.str();
 }
 
-std::string stepsAsJson(int from, int to) {
-    Json result = Json::array();
-    std::vector<const AdaptorRow*> rows = stepsBetween(from, to);
-    const auto others = unnumberedAdaptors();
-    rows.insert(rows.end(), others.begin(), others.end());
-    for (const AdaptorRow* row : rows)
-        result.push_back({{"number", row->isStep() ? Json(row->number) : Json()},
-                          {"class", row->className},
-                          {"forms", formsAsJson(row->hasXml(), row->hasJson())},
-                          {"summary", row->summary}});
-    return result.dump(2) + '\n';
+std::string readingFromTerminal() {
+    return "reading the project from the terminal; end with Ctrl-D\n";
 }
+
+std::string progress(const std::string& step, std::size_t place, std::size_t total) {
+    if (step.empty())
+        return plural(total, "step") + " done, saving the result";
+    return "step " + std::to_string(place) + " of " + std::to_string(total) + ": " + step;
+}
+
+} // namespace Texts

@@ -3,36 +3,65 @@
 #include "Reader/Migration.h"
 #include "Reader/Trace.h"
 #include "Reader/Verify.h"
+#include "Terminal.h"
 
 #include <QString>
 
 #include <string>
+#include <vector>
 
-/// The data for the summary of a migration.
+/// What a migration did.
 struct Summary {
     const Reader::MigrationReport& report;
     QString input;
-    QString output; ///< empty if nothing was written
-    QString backup; ///< empty if there is none
+    QString output = {};     ///< empty where nothing was written
+    QString backup = {};     ///< empty for none
+    bool isUpToDate = false; ///< the document had the version asked for, and nothing was done
+    bool hasVersion = true;  ///< whether the document names a schema version; `run` needs none
+    bool hasClips = true;    ///< whether the clips before and after were compared; `run` does not
 };
 
-/// A few lines for users.
-std::string asText(const Summary& summary);
+/// What the program says of its work to people. All texts of documents and all names are fit for a terminal.
+namespace Texts {
 
-/// A JSON object for programs.
-std::string asJson(const Summary& summary);
+enum class Detail { Usual, Steps }; ///< with Steps those that ran are listed
 
-/// The output of `adaptors info`.
-std::string infoAsText(const Reader::Document& document, const QString& name);
-std::string infoAsJson(const Reader::Document& document, const QString& name);
+/// What `adaptors migrate` says.
+std::string summary(const Summary& summary, Detail detail, const Terminal::Colours& colours);
 
-/// The output of `adaptors verify`.
-std::string findingsAsText(const std::vector<Reader::Finding>& findings, const QString& name);
-std::string findingsAsJson(const std::vector<Reader::Finding>& findings, const QString& name);
+/// Those lines of it that are errors, each with the name of the file: what is said where nothing else is to be.
+std::string errors(const Summary& summary, const Terminal::Colours& colours);
 
-/// The output of `adaptors trace`.
-std::string traceAsText(const Reader::Trace& trace);
+/// What `adaptors run` says: what the step reported.
+std::string log(const Reader::MigrationReport& report, const Terminal::Colours& colours);
 
-/// The output of `adaptors steps`.
-std::string stepsAsText(int from, int to);
-std::string stepsAsJson(int from, int to);
+/// The steps that ran, a line for each.
+std::string steps(const Reader::MigrationReport& report);
+
+/// What `adaptors info` says.
+std::string info(const Reader::Document& document, const QString& name);
+
+/// What `adaptors verify` says.
+std::string findings(const std::vector<Reader::Finding>& findings, const QString& name,
+                     const Terminal::Colours& colours);
+
+/// What `adaptors trace` says.
+std::string trace(const Reader::Trace& trace);
+
+/// What `adaptors steps` says.
+std::string stepList(int from, int to);
+
+/// What is said before a project is read from a terminal.
+std::string readingFromTerminal();
+
+/// How far a migration is, in less than 60 characters: the step that runs now, its place among those to run, and how
+/// many there are. Without a step all have run.
+std::string progress(const std::string& step, std::size_t place, std::size_t total);
+
+} // namespace Texts
+
+// What both people and programs are shown.
+
+std::vector<const Reader::AdaptorRow*> unnumberedAdaptors();
+std::vector<std::string> namesOfStepsToRun(const Reader::Document& document);
+std::vector<Reader::Finding> ofKind(Reader::Fault fault, std::vector<Reader::Finding> findings);

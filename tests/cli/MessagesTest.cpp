@@ -1,4 +1,4 @@
-// The message for each kind of error: exit code, a name for programs, and a sentence with a remedy.
+// What the program says of each error: exit code, a word for programs, and a sentence with a remedy.
 
 #include "Messages.h"
 
@@ -30,11 +30,7 @@ ErrorFacts someFacts() {
     return {.file = film, .step = "V28_ClipLabelAdaptor", .version = 27, .target = 26, .reason = "reason"};
 }
 
-std::string textFor(ErrorKind kind, const ErrorFacts& facts) {
-    return messageFor(Error(kind, facts)).text;
-}
-
-TEST(Messages, EachKindHasACodeANameAndARemedy) {
+TEST(Messages, EachKindHasACodeAWordAndARemedy) {
     std::set<std::string> words;
     for (const ErrorKind kind : allKinds()) {
         const Message message = messageFor(Error(kind, someFacts()));
@@ -75,41 +71,167 @@ TEST(Messages, CodesAreThoseOfTheTable) {
     EXPECT_EQ(Messages::outOfMemory(film).code, 18);
 }
 
-TEST(Messages, PositionsComeFirst) {
-    const Message xml = messageFor(Error(
-        ErrorKind::BrokenXml, {.file = film, .line = 3, .column = 7, .reason = "Opening tag mismatch."}));
-    EXPECT_EQ(xml.text,
-              "film.xml:3:7: Opening tag mismatch.; mend the text there, or restore the file from a backup");
+struct Sentence {
+    Message message;
+    std::string text;
+};
+
+void expectTexts(const std::vector<Sentence>& sentences) {
+    for (const auto& [message, text] : sentences)
+        EXPECT_EQ(message.text, text);
+}
+
+Message of(ErrorKind kind, ErrorFacts facts = {}) {
+    if (facts.file.isEmpty())
+        facts.file = film;
+    return messageFor(Error(kind, facts));
+}
+
+TEST(Messages, EveryKindHasItsSentence) {
+    const std::vector<Sentence> sentences = {
+        {of(ErrorKind::Unreadable, {.reason = "No such file or directory"}),
+         "film.xml: No such file or directory; check its name and its permissions"},
+        {of(ErrorKind::TooLarge),
+         "film.xml: larger than 1 GiB, which no project is; name the project's own file"},
+        {of(ErrorKind::NoRegularFile),
+         "film.xml: is no regular file, and only those are replaced; give -o instead of --in-place"},
+        {of(ErrorKind::Empty), "film.xml: the file is empty; restore it from a backup"},
+        {of(ErrorKind::UnknownForm),
+         "film.xml: neither XML nor JSON, and a project begins with '<' or '{'; name the project's own file"},
+        {of(ErrorKind::BrokenXml, {.line = 3, .column = 7, .reason = "Opening and ending tag mismatch."}),
+         "film.xml:3:7: Opening and ending tag mismatch; mend the text there, or restore the file from a "
+         "backup"},
+        {of(ErrorKind::RefusedXml, {.line = 1, .column = 1, .reason = "a document type declaration"}),
+         "film.xml:1:1: a document type declaration, which no project has; name the project's own file"},
+        {of(ErrorKind::ForeignEncoding),
+         "film.xml: the text is not in an encoding that projects use; convert it to UTF-8"},
+        {of(ErrorKind::NoArchive, {.reason = "the document element is <Project>"}),
+         "film.xml: the document element is <Project> (a project is one <Archive>); name the project's own "
+         "file"},
+        {of(ErrorKind::MissingRoot, {.reason = "<RootRef> names the object 44"}),
+         "film.xml: <RootRef> names the object 44, and there is no such <RootObject>; restore the file from "
+         "a backup"},
+        {of(ErrorKind::BrokenJson, {.byte = 12, .reason = "unexpected end of input"}),
+         "film.xml: broken JSON at byte 12: unexpected end of input; mend the text there, or restore the "
+         "file from a "
+         "backup"},
+        {of(ErrorKind::BrokenJson, {.reason = "too deep"}),
+         "film.xml: broken JSON: too deep; mend the text there, or restore the file from a backup"},
+        {of(ErrorKind::WrongEnvelope, {.reason = "\"data\" is missing"}),
+         R"(film.xml: "data" is missing (a project is an object with "version" "1.0" and its root object in "data"); )"
+         "name the project's own file"},
+        {of(ErrorKind::NoVersion), "film.xml: the document names no schema version; give it with --from N"},
+        {of(ErrorKind::BadVersion, {.reason = "\"x\""}),
+         "film.xml: the schema version \"x\" is no version number; give the right one with --from N"},
+        {of(ErrorKind::TooNew, {.version = 78, .target = 77}),
+         "film.xml: schema version 78 is too new: this program knows versions up to 77; use a newer version "
+         "of "
+         "adaptors"},
+        {of(ErrorKind::UnreachableVersion, {.version = 27, .target = 26}),
+         "film.xml: a document of schema version 27 can go to a version from 27 to 77, not to 26; give "
+         "another one "
+         "with --to"},
+        {of(ErrorKind::NoWayBack, {.version = 60, .target = 62}),
+         "film.xml: a JSON document can't become an archive again; ask for version 63 or above with --to"},
+        {of(ErrorKind::UnknownStep, {.step = "V1_Nothing"}),
+         "film.xml: there is no step V1_Nothing; \"adaptors steps\" lists them all"},
+        {of(ErrorKind::NoSuchForm, {.step = "V72_TrackTypeAdaptor", .reason = "XML archive"}),
+         "film.xml: V72_TrackTypeAdaptor has no form for a document that is XML archive; \"adaptors steps\" "
+         "lists the "
+         "forms of each step"},
+        {of(ErrorKind::StepFailed, {.step = "V7_PenEnableAdaptor", .reason = "no id"}),
+         "film.xml: V7_PenEnableAdaptor: no id; \"adaptors verify\" and \"adaptors trace\" help to find what "
+         "is wrong "
+         "in the document"},
+        {of(ErrorKind::Unwritable, {.reason = "No space left on device"}),
+         "film.xml: No space left on device; free some space on its disk, or give another output"},
+        {of(ErrorKind::Unwritable,
+            {.reason = "No such file or directory", .obstacle = WriteObstacle::NoFolder}),
+         "film.xml: No such file or directory; make its folder first, or give another output"},
+        {of(ErrorKind::Unwritable, {.reason = "Is a directory", .obstacle = WriteObstacle::IsFolder}),
+         "film.xml: Is a directory; a folder has this name; give another output"},
+        {of(ErrorKind::Unwritable, {.reason = "Permission denied", .obstacle = WriteObstacle::NotPermitted}),
+         "film.xml: Permission denied; it is not yours to write; give another output, or have its "
+         "permissions "
+         "changed"},
+        {of(ErrorKind::OutputExists),
+         "film.xml: exists already; give --force to replace it, or another output"},
+        {of(ErrorKind::InUse),
+         "film.xml: another run is at work on it; wait until that is done and run this again"},
+        {of(ErrorKind::ChangedMeanwhile),
+         "film.xml: it was changed or removed while it was migrated, and was left alone; run this again"},
+    };
+    expectTexts(sentences);
+    std::set<std::string> kinds;
+    for (const auto& [message, text] : sentences)
+        kinds.insert(message.kind);
+    EXPECT_EQ(kinds.size(), allKinds().size());
+}
+
+TEST(Messages, EveryOtherFailureHasItsSentence) {
+    expectTexts({
+        {Messages::inPlaceNeedsFile(),
+         "--in-place needs a file, not standard input; name the file, or give -o"},
+        {Messages::notOneProject("old", 2), "old: the folder of a project holds one .xml or .json file, and "
+                                            "this one holds 2; name the project's own "
+                                            "file"},
+        {Messages::notOneProject("old", 0), "old: the folder of a project holds one .xml or .json file, and "
+                                            "this one holds none; name the project's own "
+                                            "file"},
+        {Messages::folderNotMade("a/b"),
+         "a/b: can't make this folder; make the one above it first, or give another one"},
+        {Messages::refusedByStrict(film), "film.xml: not written, because --strict allows neither errors nor "
+                                          "losses; look at those listed here, or leave "
+                                          "--strict out to write the result all the same"},
+        {Messages::outOfMemory(film), "film.xml: the document needs more memory than any project of its size "
+                                      "takes; nothing was written; check that "
+                                      "it is a project"},
+        {Messages::outputLost("No space left on device"),
+         "standard output: No space left on device; free some space where it goes, or send it somewhere "
+         "else"},
+        {Messages::unexpected("bad cast"),
+         "unexpected: bad cast; please report this with the file, if you can"},
+        {Messages::noCommand(), "no command is given; \"adaptors help\" lists the commands"},
+        {Messages::unknownCommand("mig", "migrate"),
+         R"(there is no command "mig"; did you mean "migrate"? "adaptors help" lists the commands)"},
+        {Messages::unknownCommand("fly", ""),
+         R"(there is no command "fly"; "adaptors help" lists the commands)"},
+        {Messages::unknownOption("--too", "migrate", "--to"),
+         R"("migrate" has no option --too; did you mean --to? "adaptors help migrate" lists the options)"},
+        {Messages::unknownOption("--too", "", ""),
+         R"(there is no option --too; "adaptors help" lists the options)"},
+        {Messages::oneArgumentTooMany("b", "run", "STEP FILE"),
+         R"("run" takes STEP FILE, and "b" is one argument more; give one file a run, and put names with spaces in )"
+         "quotes"},
+        {Messages::oneArgumentTooMany("b", "steps", ""), R"("steps" takes options only; leave "b" out)"},
+        {Messages::missingArgument("FILE", "info"),
+         R"("info" needs FILE; "adaptors help info" shows examples)"},
+        {Messages::missingValue("--to", "migrate"),
+         R"(--to needs a value behind it; "adaptors help migrate" says which)"},
+        {Messages::emptyValue("FILE"),
+         "the name given for FILE is empty; give another one (or is a variable of your shell not set?)"},
+        {Messages::badValue("--to", "x", "a number"), R"(--to can't be "x"; give a number)"},
+        {Messages::givenTwice("--to"), "--to is given more than once; give it once"},
+        {Messages::excludeEachOther("-a", "-b"), "-a and -b exclude each other; give only one of them"},
+        {Messages::otherWrongUse("this is odd", "info"),
+         R"(this is odd; "adaptors help info" shows examples)"},
+        {Messages::unknownStep("V1", "V2_X"),
+         R"(there is no step "V1"; did you mean V2_X? "adaptors steps" lists them all)"},
+        {Messages::unknownStep("V1", ""), R"(there is no step "V1"; "adaptors steps" lists them all)"},
+        {Messages::ambiguousStep("V", {"V1", "V2"}),
+         R"("V" is the beginning of 2 steps: V1, V2; give more of the name)"},
+    });
+}
+
+TEST(Messages, FactsAreKeptForPrograms) {
+    const Message xml = of(ErrorKind::BrokenXml, {.line = 3, .column = 7, .reason = "x"});
     EXPECT_EQ(xml.line, 3);
     EXPECT_EQ(xml.column, 7);
     EXPECT_FALSE(xml.byte);
-    const Message json = messageFor(Error(ErrorKind::BrokenJson, {.file = film, .byte = 12, .reason = "no"}));
-    EXPECT_TRUE(json.text.starts_with("film.xml: broken JSON at byte 12: no; ")) << json.text;
-    EXPECT_EQ(json.byte, 12);
-    const Message step = messageFor(
-        Error(ErrorKind::StepFailed, {.file = film, .step = "V7_PenEnableAdaptor", .reason = "no id"}));
-    EXPECT_TRUE(step.text.starts_with("film.xml: V7_PenEnableAdaptor: no id; ")) << step.text;
-    EXPECT_EQ(step.step, "V7_PenEnableAdaptor");
-}
-
-TEST(Messages, RemediesNameTheOption) {
-    const auto has = [](const std::string& text, const char* part) {
-        return text.find(part) != std::string::npos;
-    };
-    EXPECT_TRUE(has(textFor(ErrorKind::NoVersion, someFacts()), "--from N"));
-    EXPECT_TRUE(has(textFor(ErrorKind::BadVersion, someFacts()), "--from N"));
-    EXPECT_TRUE(has(textFor(ErrorKind::OutputExists, someFacts()), "--force"));
-    EXPECT_TRUE(has(textFor(ErrorKind::UnreachableVersion, someFacts()),
-                    "from 27 to 77, not to 26; give another one with --to"));
-    EXPECT_TRUE(has(textFor(ErrorKind::UnknownStep, someFacts()),
-                    "no step V28_ClipLabelAdaptor; \"adaptors steps\""));
-    EXPECT_TRUE(has(textFor(ErrorKind::Unwritable, {.file = film, .obstacle = WriteObstacle::NoFolder}),
-                    "make its folder"));
-    EXPECT_TRUE(has(textFor(ErrorKind::Unwritable, {.file = film, .obstacle = WriteObstacle::IsFolder}),
-                    "a folder has this name"));
-    EXPECT_TRUE(has(textFor(ErrorKind::Unwritable, {.file = film, .obstacle = WriteObstacle::NotPermitted}),
-                    "permissions"));
-    EXPECT_TRUE(has(textFor(ErrorKind::Unwritable, {.file = film}), "free some space"));
+    EXPECT_EQ(xml.step, "");
+    EXPECT_EQ(of(ErrorKind::BrokenJson, {.byte = 12}).byte, 12);
+    EXPECT_EQ(of(ErrorKind::StepFailed, {.step = "V7_PenEnableAdaptor"}).step, "V7_PenEnableAdaptor");
+    EXPECT_EQ(Messages::unknownStep("V1", "").step, "V1");
 }
 
 TEST(Messages, TheLibraryNamesNeitherOptionsNorCommands) {
@@ -121,10 +243,13 @@ TEST(Messages, TheLibraryNamesNeitherOptionsNorCommands) {
     }
 }
 
-TEST(Messages, AMessageIsOneLine) {
-    EXPECT_EQ(
-        Messages::asText(Messages::notOneProject(QStringLiteral("old"), 2)),
-        "adaptors: error: old: a project's folder holds one .xml or .json file, this one 2; name the file\n");
+TEST(Messages, AMessageIsALineForPeople) {
+    const Message message = Messages::unexpected("two\nlines\x1b[31m \xff");
+    EXPECT_EQ(Messages::asText(message),
+              "adaptors: error: unexpected: two\\nlines\\x1b[31m \\xff; please report this "
+              "with the file, if you can\n");
+    EXPECT_EQ(Messages::asText(Messages::givenTwice("--to"), Terminal::Colours(true)),
+              "adaptors: \x1b[31merror\x1b[0m: --to is given more than once; give it once\n");
 }
 
 } // namespace

@@ -248,7 +248,7 @@ TEST_F(ProgramTest, BundlesAreReadAndWritten) {
     EXPECT_TRUE(again.err.contains("content_1.svg")) << again.err.toStdString();
     EXPECT_EQ(textOf("new/" + migratedName("film")), QByteArray("<svg/>").toBase64().toStdString());
     write("old/other.json", "{}");
-    expectFailure({"migrate", "old"}, 3, "name the file");
+    expectFailure({"migrate", "old"}, 3, "name the project's own file");
 }
 
 TEST_F(ProgramTest, ABundleIsWrittenToAnotherAndReadAgain) {
@@ -340,7 +340,7 @@ TEST_F(ProgramTest, IdsOfSeveralObjectsAreReported) {
         "b":{"@meta":{"class_name":"File","object_id":3},"path":""}}})");
     const Outcome outcome = run({"migrate", "film.json"});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
-    EXPECT_TRUE(outcome.err.contains("1 id stood for several objects")) << outcome.err.toStdString();
+    EXPECT_TRUE(outcome.err.contains("1 id was used by several objects")) << outcome.err.toStdString();
 }
 
 TEST_F(ProgramTest, ShowsWhatADocumentHolds) {
@@ -363,7 +363,8 @@ TEST_F(ProgramTest, ShowsWhatADocumentHolds) {
 }
 
 TEST_F(ProgramTest, ListsTheSteps) {
-    const json steps = json::parse(run({"steps", "--json", "--from", "27", "--to", "29"}).out.toStdString());
+    const json steps =
+        json::parse(run({"steps", "--json", "--from", "27", "--to", "29"}).out.toStdString())["steps"];
     EXPECT_EQ(steps[0]["class"], "V28_ClipLabelAdaptor");
     EXPECT_EQ(steps[0]["forms"], json({"xml"}));
     EXPECT_EQ(steps[1]["number"], 29);
@@ -379,7 +380,6 @@ TEST_F(ProgramTest, HelpAndWrongUse) {
     }
     EXPECT_TRUE(run({"--help"}).out.contains("Exit codes"));
     EXPECT_TRUE(run({"--version"}).out.startsWith("adaptors "));
-    EXPECT_EQ(run({}).exitCode, 2);
     EXPECT_EQ(run({"migrate"}).exitCode, 2);
     EXPECT_EQ(run({"migrate", "a", "--what"}).exitCode, 2);
     EXPECT_EQ(run({"fly"}).exitCode, 2);

@@ -17,8 +17,9 @@ TEST_F(ProgramTest, VerifyFindsNothingInAProjectWithoutFaults) {
     EXPECT_EQ(run({"verify", "film.xml"}).exitCode, 0);
     EXPECT_EQ(run({"verify", "film.json"}).exitCode, 0);
     EXPECT_EQ(run({"verify", "-"}, sample("holiday-v27.xml")).out, "standard input: no findings\n");
-    EXPECT_EQ(json::parse(run({"verify", "film.json", "--json"}).out.toStdString()),
-              json::parse(R"({"file": "film.json", "findings": []})"));
+    const json all = json::parse(run({"verify", "film.json", "--json"}).out.toStdString());
+    EXPECT_EQ(all["input"], "film.json");
+    EXPECT_EQ(all["findings"], json::array());
 }
 
 TEST_F(ProgramTest, VerifyNamesFaultAndPlace) {

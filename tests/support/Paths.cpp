@@ -22,6 +22,14 @@ std::filesystem::path fuzzCorpusFolder() {
     return TESTS_DIR "/fuzz/corpus";
 }
 
+std::filesystem::path schemaFolder() {
+    return SAMPLES_DIR "/../docs/schema";
+}
+
+std::filesystem::path jsonChecker() {
+    return TESTS_DIR "/cli/check_json.py";
+}
+
 std::filesystem::path program() {
     return ADAPTORS_PROGRAM;
 }

@@ -10,6 +10,8 @@ std::filesystem::path drawingsFolder(); ///< SVG texts
 std::filesystem::path samplesFolder();
 std::filesystem::path changesFile();      ///< CHANGES.md, the history of the schema
 std::filesystem::path fuzzCorpusFolder(); ///< seeds and findings, a folder for each fuzz target
+std::filesystem::path schemaFolder();     ///< of the JSON that the program prints
+std::filesystem::path jsonChecker();      ///< a Python script that holds JSON against those
 std::filesystem::path program();
 
 } // namespace Tests

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "Messages.h"
+#include "Summary.h"
+
+#include <nlohmann/json.hpp>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+/// What the program says of its work to other programs. docs/schema/ describes it; a change of a key is a change there.
+namespace JsonReport {
+
+using Json = nlohmann::ordered_json;
+
+/// The number that goes up where a key changes its meaning or leaves.
+inline constexpr int format = 1;
+
+/// What every command says of itself.
+struct Envelope {
+    std::string command;              ///< empty where none was recognised
+    std::optional<std::string> input; ///< name of the document; none where none was named
+    std::string sha256; ///< of the document's bytes, in hexadecimal digits; empty where it was not read
+    std::optional<double> seconds; ///< since the program's start; none where they can't be known
+};
+
+/// One JSON object on one line, in ASCII. `result` holds the command's own keys; null for none. `error` is null where
+/// there is none.
+std::string line(const Envelope& envelope, const Json& result, const Messages::Message* error = nullptr);
+
+// The keys of each command.
+
+Json migration(const Summary& summary);
+Json info(const Reader::Document& document);
+Json findings(const std::vector<Reader::Finding>& findings);
+Json trace(const Reader::Trace& trace, const Reader::MigrationReport& report);
+Json stepList(int from, int to);
+
+} // namespace JsonReport

@@ -1,0 +1,92 @@
+#include "support/PseudoTerminal.h"
+
+#include "support/Paths.h"
+
+#include <QFile>
+
+#include <fcntl.h>
+#include <pty.h>
+#include <sys/wait.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdlib>
+#include <vector>
+
+namespace Tests {
+namespace {
+
+/// What happens in the new process, in place of the tests.
+[[noreturn]] void execute(const QStringList& arguments, const QString& folder, const TerminalSetup& setup,
+                          int inputPipe) {
+    for (const char* name : {"COLUMNS", "LINES", "NO_COLOR", "CLICOLOR", "CLICOLOR_FORCE"})
+        unsetenv(name);
+    setenv("TERM", "xterm", 1);
+    for (const auto& [name, value] : setup.environment)
+        setenv(name.c_str(), value.c_str(), 1);
+    if (inputPipe >= 0)
+        dup2(inputPipe, STDIN_FILENO);
+    std::vector<QByteArray> words = {QByteArray::fromStdString(program().string())};
+    for (const QString& argument : arguments)
+        words.push_back(QFile::encodeName(argument));
+    std::vector<char*> pointers;
+    for (QByteArray& word : words)
+        pointers.push_back(word.data());
+    pointers.push_back(nullptr);
+    if (chdir(QFile::encodeName(folder).constData()) == 0)
+        execv(pointers.front(), pointers.data());
+    _exit(127);
+}
+
+void writeAll(int descriptor, const QByteArray& bytes) {
+    qint64 done = 0;
+    while (done < bytes.size()) {
+        const ssize_t count =
+            ::write(descriptor, bytes.constData() + done, static_cast<std::size_t>(bytes.size() - done));
+        if (count <= 0)
+            return;
+        done += count;
+    }
+}
+
+} // namespace
+
+Screen runInTerminal(const QStringList& arguments, const QString& folder, const TerminalSetup& setup) {
+    winsize size = {};
+    size.ws_row = 24;
+    size.ws_col = static_cast<unsigned short>(setup.columns);
+    std::array<int, 2> input = {-1, -1};
+    if (setup.piped && pipe2(input.data(), O_CLOEXEC) != 0)
+        return {-1, "no pipe"};
+    int terminal = -1;
+    const pid_t child = forkpty(&terminal, nullptr, nullptr, &size);
+    if (child < 0)
+        return {-1, "no pseudo-terminal"};
+    if (child == 0)
+        execute(arguments, folder, setup, input[0]);
+
+    termios mode = {};
+    tcgetattr(terminal, &mode);
+    mode.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+    mode.c_oflag &= ~static_cast<tcflag_t>(OPOST); // line ends stay as they are written
+    tcsetattr(terminal, TCSANOW, &mode);
+    if (setup.piped) {
+        close(input[0]);
+        usleep(static_cast<useconds_t>(setup.pauseBefore) * 1000);
+        writeAll(input[1], *setup.piped);
+        close(input[1]);
+    }
+    writeAll(terminal, setup.typed);
+    Screen screen = {};
+    std::array<char, 4096> bytes = {};
+    for (ssize_t count = 0; (count = ::read(terminal, bytes.data(), bytes.size())) > 0;)
+        screen.text.append(bytes.data(), static_cast<int>(count));
+    int status = 0;
+    waitpid(child, &status, 0);
+    close(terminal);
+    screen.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+    return screen;
+}
+
+} // namespace Tests
