@@ -26,10 +26,33 @@ Exit codes:
   15  the output can't be written         16  the output exists: give --force
   17  verify found something             18  more memory is needed than any project takes)";
 
+/// An empty name is nobody's file.
+const CLI::Validator notEmpty(
+    [](const std::string& name) {
+        return name.empty() ? std::string("a name can't be empty") : std::string();
+    },
+    "", "a name");
+
+void addMaxMemory(CLI::App* command, Arguments& arguments) {
+    command
+        ->add_option(
+            "--max-memory", arguments.maxMemory,
+            "Take no more memory than SIZE: bytes, or with K, M or G [what a project of the file's size "
+            "takes at most, and three quarters of the machine's or container's]")
+        ->type_name("SIZE")
+        ->transform(CLI::AsSizeValue(false))
+        ->check(CLI::Validator(
+            [](const std::string& size) {
+                return size == "0" ? std::string("SIZE can't be 0") : std::string();
+            },
+            "", "a size"));
+}
+
 CLI::Option* addFile(CLI::App* command, Arguments& arguments) {
     return command
         ->add_option("FILE", arguments.file, "The project, or the folder that holds it; - is standard input")
-        ->required();
+        ->required()
+        ->check(notEmpty);
 }
 
 void addFrom(CLI::App* command, Arguments& arguments) {
@@ -62,7 +85,9 @@ void addMigrate(CLI::App& app, Arguments& arguments) {
     addFile(command, arguments);
     CLI::Option* output = command->add_option(
         "-o,--output", arguments.output,
-        "Where the result goes; - is standard output [FILE's name with .v" + newest + ".json]");
+        "Where the result goes, a file or a folder; - is standard output [FILE's name with .v" + newest +
+            ".json]");
+    output->check(notEmpty);
     CLI::Option* inPlace =
         command->add_flag("--in-place", arguments.inPlace, "Replace FILE and keep what it was as FILE.bak");
     inPlace->excludes(output);
@@ -70,6 +95,7 @@ void addMigrate(CLI::App& app, Arguments& arguments) {
         ->add_option("--bundle", arguments.bundle,
                      "Write to this folder, made if missing, with texts of titles that are SVG as files "
                      "beside the project")
+        ->check(notEmpty)
         ->excludes(output)
         ->excludes(inPlace);
     command->add_flag("--force", arguments.force, "Replace an output that exists");
@@ -81,6 +107,7 @@ void addMigrate(CLI::App& app, Arguments& arguments) {
         "--json", arguments.json,
         "Print the summary as JSON on standard output (standard error where the project goes there)");
     addFolders(command, arguments);
+    addMaxMemory(command, arguments);
     command->footer("Examples:\n"
                     "  adaptors migrate film.xml                      writes film.v" +
                     newest +
@@ -105,9 +132,13 @@ void addRun(CLI::App& app, Arguments& arguments) {
         app.add_subcommand("run", "Run one step on a document in the form that it is in; its version stays");
     command->add_option("STEP", arguments.step, "Class name, as \"adaptors steps\" lists it")->required();
     addFile(command, arguments);
-    command->add_option("-o,--output", arguments.output, "Where the result goes [standard output]");
+    command
+        ->add_option("-o,--output", arguments.output,
+                     "Where the result goes, a file or a folder [standard output]")
+        ->check(notEmpty);
     command->add_flag("--force", arguments.force, "Replace an output that exists");
     addFolders(command, arguments);
+    addMaxMemory(command, arguments);
     command->footer("Example:\n  adaptors run V28_ClipLabelAdaptor film.xml -o labelled.xml");
     command->callback([&] { throw CLI::RuntimeError(Commands::run(arguments)); });
 }
@@ -118,6 +149,7 @@ void addInfo(CLI::App& app, Arguments& arguments) {
     addFile(command, arguments);
     addFrom(command, arguments);
     command->add_flag("--json", arguments.json, "Print JSON");
+    addMaxMemory(command, arguments);
     command->footer("Example:\n  adaptors info film.xml --json");
     command->callback([&] { throw CLI::RuntimeError(Commands::info(arguments)); });
 }
@@ -128,6 +160,7 @@ void addVerify(CLI::App& app, Arguments& arguments) {
                   "objects have, wrong counts, objects that nothing declares or reaches");
     addFile(command, arguments);
     command->add_flag("--json", arguments.json, "Print JSON");
+    addMaxMemory(command, arguments);
     command->footer("Exits with 17 where something is found.\nExample:\n  adaptors verify film.v" + newest +
                     ".json");
     command->callback([&] { throw CLI::RuntimeError(Commands::verify(arguments)); });
@@ -139,11 +172,13 @@ void addTrace(CLI::App& app, Arguments& arguments) {
         "Migrate and write the document after each step that changed it, to find the step that broke it");
     addFile(command, arguments);
     command->add_option("--output-dir", arguments.folder, "Where the documents go; made where it is missing")
-        ->required();
+        ->required()
+        ->check(notEmpty);
     addFrom(command, arguments);
     addTo(command, arguments, "The schema version to stop at");
     command->add_flag("--force", arguments.force, "Replace documents that exist");
     addFolders(command, arguments);
+    addMaxMemory(command, arguments);
     command->footer("Example:\n  adaptors trace film.xml --output-dir steps --to 30");
     command->callback([&] { throw CLI::RuntimeError(Commands::trace(arguments)); });
 }

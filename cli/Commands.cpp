@@ -9,7 +9,12 @@
 #include "Summary.h"
 #include "Terminal.h"
 
+#include <QFileInfo>
+
 #include <iostream>
+#include <memory>
+#include <optional>
+#include <utility>
 
 namespace Commands {
 namespace {
@@ -21,31 +26,51 @@ void print(const Arguments& arguments, const QString& output, const Summary& sum
     if (!arguments.json)
         std::cerr << asText(summary);
     else
-        (isStandardStream(output) ? std::cerr : std::cout) << asJson(summary);
+        (Reader::isStandardOutput(output) ? std::cerr : std::cout) << asJson(summary);
 }
 
-Reader::Existing forExisting(const Arguments& arguments) {
-    return arguments.force ? Reader::Existing::Replace : Reader::Existing::Refuse;
-}
-
-QByteArray readInput(const QString& input) {
-    QByteArray bytes = Reader::readFile(input);
-    Memory::limitFor(nameOf(input), bytes.size());
+/// Reads the input, that of `file` where it is given.
+QByteArray readInput(const Arguments& arguments, const QString& input,
+                     std::optional<Reader::FileInPlace>* file = nullptr) {
+    Memory::limitFor(nameOf(input), arguments.maxMemory);
+    if (file)
+        file->emplace(input);
+    QByteArray bytes = file ? (*file)->bytes() : Reader::readFile(input);
+    Memory::limitFor(nameOf(input), arguments.maxMemory, bytes.size());
     return bytes;
 }
 
-/// What a migration that reads `input` and writes `output` needs.
-Reader::MigrationOptions optionsFor(const Arguments& arguments, const QString& input, const QString& output) {
+/// What a migration that reads `input` and writes `output` needs. Side files that it makes are added to `made`.
+Reader::MigrationOptions optionsFor(const Arguments& arguments, const QString& input, const QString& output,
+                                    const std::shared_ptr<Reader::UnfinishedParts>& made) {
     Reader::MigrationOptions options;
     options.name = nameOf(input);
     options.location = projectLocation(input, output);
     options.target = projectLocation(output, input);
     options.to = arguments.to;
     options.sourceFiles = Reader::SideFiles(folderOf(input));
-    options.targetFiles = Reader::SideFiles(folderOf(output), arguments.force);
+    options.targetFiles = Reader::SideFiles(folderOf(output), optionsToWrite(arguments, input), made);
     options.folders = {path(arguments.packagesRoot), path(arguments.aiModelsRoot),
                        path(arguments.downloadableRoot)};
     return options;
+}
+
+/// Says early what would keep the result from being written.
+void checkOutput(const Arguments& arguments, const QString& input, const QString& output) {
+    const bool isFolderToBeMade = !arguments.bundle.empty() && !QFileInfo::exists(path(arguments.bundle));
+    if (!arguments.inPlace && !isFolderToBeMade)
+        Reader::checkTarget(output, optionsToWrite(arguments, input));
+}
+
+/// Writes the result; from that moment on `made` stays.
+void writeResult(const QString& output, const QByteArray& bytes, const Reader::WriteOptions& options,
+                 Reader::UnfinishedParts& made) {
+    Reader::PendingFile file(output, bytes, options);
+    std::optional<Reader::HeldSignals> held;
+    if (!Reader::isStream(output)) // whose reader may let it wait
+        held.emplace();
+    file.commit();
+    made.keep();
 }
 
 void printLog(const Reader::MigrationReport& report) {
@@ -58,19 +83,17 @@ void printLog(const Reader::MigrationReport& report) {
 
 int migrate(const Arguments& arguments) {
     const QString input = inputFor(arguments);
-    const QString output = outputFor(arguments, input);
-    if (arguments.inPlace && isStandardStream(input))
+    const QString output = outputFor(arguments, input, resultName(arguments, input));
+    if (arguments.inPlace && input == Reader::standardStream)
         throw Messages::Failure(Messages::inPlaceNeedsFile());
-    refuseExisting(arguments, output);
 
     std::optional<Reader::FileInPlace> file;
-    if (arguments.inPlace)
-        file.emplace(input);
     const QString name = nameOf(input);
-    const QByteArray bytes = file ? file->bytes() : Reader::readFile(input);
-    Memory::limitFor(name, bytes.size());
+    const QByteArray bytes = readInput(arguments, input, arguments.inPlace ? &file : nullptr);
+    checkOutput(arguments, input, output);
+    const auto made = std::make_shared<Reader::UnfinishedParts>();
     Reader::Migration migration(Reader::parse(bytes, name, arguments.from),
-                                optionsFor(arguments, input, output));
+                                optionsFor(arguments, input, output, made));
     migration.run();
     const Reader::MigrationReport& report = migration.report();
     const auto isRefused = [&] {
@@ -79,7 +102,7 @@ int migrate(const Arguments& arguments) {
     // A project that is not written leaves no side files either.
     const bool toBundle = !arguments.bundle.empty() && !isRefused();
     if (toBundle)
-        makeBundle(path(arguments.bundle));
+        makeBundle(path(arguments.bundle), *made);
     const QByteArray result = migration.save(toBundle);
 
     Summary summary{report, name, {}, {}};
@@ -87,11 +110,14 @@ int migrate(const Arguments& arguments) {
         print(arguments, output, summary);
         throw Messages::Failure(Messages::refusedByStrict(name));
     }
-    if (file)
-        summary.backup = file->replace(result);
-    else
-        Reader::writeFile(output, result, forExisting(arguments));
-    summary.output = isStandardStream(output) ? QStringLiteral("standard output") : output;
+    if (file) {
+        const Reader::Replacement replacement = file->replace(result);
+        summary.backup = nameOf(replacement.backup);
+        summary.notes = Messages::notesOn(input, replacement);
+    } else {
+        writeResult(output, result, optionsToWrite(arguments, input), *made);
+    }
+    summary.output = nameOf(output, "standard output");
     print(arguments, output, summary);
     return 0;
 }
@@ -104,21 +130,25 @@ int steps(const Arguments& arguments) {
 
 int run(const Arguments& arguments) {
     const QString input = inputFor(arguments);
-    const QString output = arguments.output.empty() ? Reader::standardStream : path(arguments.output);
-    refuseExisting(arguments, output);
-
-    Reader::Migration migration(Reader::parse(readInput(input), nameOf(input), arguments.from),
-                                optionsFor(arguments, input, output));
+    Reader::Document document = Reader::parse(readInput(arguments, input), nameOf(input), arguments.from);
+    const QString ownName = Reader::isStream(input) ? document.isXml() ? "project.xml" : "project.json"
+                                                    : QFileInfo(input).fileName();
+    const QString output =
+        arguments.output.empty() ? Reader::standardStream : outputFor(arguments, input, ownName);
+    const Reader::WriteOptions toWrite = optionsToWrite(arguments, input);
+    checkOutput(arguments, input, output);
+    const auto made = std::make_shared<Reader::UnfinishedParts>();
+    Reader::Migration migration(std::move(document), optionsFor(arguments, input, output, made));
     migration.runOnly(arguments.step);
     printLog(migration.report());
-    Reader::writeFile(output, migration.write(), forExisting(arguments));
+    writeResult(output, migration.write(), toWrite, *made);
     return 0;
 }
 
 int info(const Arguments& arguments) {
     const QString input = inputFor(arguments);
     const QString name = nameOf(input);
-    const Reader::Document document = Reader::parse(readInput(input), name, arguments.from);
+    const Reader::Document document = Reader::parse(readInput(arguments, input), name, arguments.from);
     std::cout << (arguments.json ? infoAsJson(document, name) : infoAsText(document, name));
     return 0;
 }
@@ -126,19 +156,19 @@ int info(const Arguments& arguments) {
 int verify(const Arguments& arguments) {
     const QString input = inputFor(arguments);
     const QString name = nameOf(input);
-    const auto findings = Reader::verify(Reader::parse(readInput(input), name, arguments.from));
+    const auto findings = Reader::verify(Reader::parse(readInput(arguments, input), name, arguments.from));
     std::cout << (arguments.json ? findingsAsJson(findings, name) : findingsAsText(findings, name));
     return findings.empty() ? Messages::Done : Messages::HasFindings;
 }
 
 int trace(const Arguments& arguments) {
     const QString input = inputFor(arguments);
-    Reader::Trace trace(path(arguments.folder), forExisting(arguments));
-    Reader::MigrationOptions options = optionsFor(arguments, input, Reader::standardStream);
+    Reader::Trace trace(path(arguments.folder), optionsToWrite(arguments, input));
+    Reader::MigrationOptions options = optionsFor(arguments, input, Reader::standardStream, nullptr);
     options.watch = [&](const Reader::MigrationPart& part, const Reader::Document& document) {
         trace.note(part, document);
     };
-    Reader::Migration migration(Reader::parse(readInput(input), nameOf(input), arguments.from),
+    Reader::Migration migration(Reader::parse(readInput(arguments, input), nameOf(input), arguments.from),
                                 std::move(options));
     try {
         migration.run();

@@ -2,6 +2,7 @@
 
 #include "Reader/AdaptorTable.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -16,6 +17,7 @@ struct Arguments {
     std::string aiModelsRoot;
     std::string downloadableRoot;
     std::optional<int> from;
+    std::optional<std::uint64_t> maxMemory; ///< in bytes
     int to = Reader::currentVersion;
     bool force = false;
     bool inPlace = false;

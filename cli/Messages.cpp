@@ -1,5 +1,6 @@
 #include "Messages.h"
 
+#include "FileNames.h"
 #include "Reader/AdaptorTable.h"
 #include "Reader/Files.h"
 #include "Terminal.h"
@@ -63,10 +64,14 @@ std::string remedyFor(WriteObstacle obstacle) {
         return "a folder has this name; give another output";
     case WriteObstacle::NotPermitted:
         return "it is not yours to write; give another output, or have its permissions changed";
+    case WriteObstacle::NotRegular:
+        return "only a regular file is replaced here; remove what has the name, or give another output";
+    case WriteObstacle::NoSpace:
+        return "free some space on its disk, or give another output";
     case WriteObstacle::None:
         break;
     }
-    return "free some space on its disk, or give another output";
+    return "give another output";
 }
 
 std::string number(std::optional<int> value) {
@@ -142,7 +147,7 @@ std::string sentenceFor(ErrorKind kind, const ErrorFacts& facts) {
 
 /// "film.xml:3:7: "
 std::string placeOf(const ErrorFacts& facts) {
-    std::string place = facts.file.toStdString();
+    std::string place = FileNames::printable(facts.file);
     for (const auto& part : {facts.line, facts.column}) {
         if (part)
             place += ':' + std::to_string(*part);
@@ -167,15 +172,22 @@ Message inPlaceNeedsFile() {
     return {WrongUse, "wrong-use", "--in-place needs a file, not standard input; name the file, or give -o"};
 }
 
-Message notOneProject(const QString& folder, int projects) {
+Message notOneProject(const QString& folder, const QStringList& projects) {
+    constexpr int mostNames = 10;
+    std::string names;
+    for (const QString& project : projects.mid(0, mostNames))
+        names += (names.empty() ? "" : ", ") + FileNames::printable(project);
+    if (projects.size() > mostNames)
+        names += " and " + std::to_string(projects.size() - mostNames) + " more";
     return {Unreadable, "unreadable",
-            folder.toStdString() + ": a project's folder holds one .xml or .json file, this one " +
-                std::to_string(projects) + "; name the file"};
+            FileNames::printable(folder) + ": a project's folder holds one .xml or .json file, this one " +
+                (projects.isEmpty() ? "none" : std::to_string(projects.size()) + ": " + names) +
+                "; name the file"};
 }
 
 Message folderNotMade(const QString& folder) {
     return {Unwritable, "unwritable",
-            folder.toStdString() +
+            FileNames::printable(folder) +
                 ": can't make this folder; make the one above it first, or give another one"};
 }
 
@@ -186,16 +198,34 @@ Message refusedByStrict(const QString& name) {
                                  "--strict out to write it all the same"};
 }
 
-Message outOfMemory(const QString& name) {
+Message outOfMemory(const QString& name, const std::string& bound) {
     return {OutOfMemory, "out-of-memory",
-            name.toStdString() +
-                ": the document needs more memory than any project of its size takes; nothing was "
-                "written; check that it is a project"};
+            name.toStdString() + ": the document needs more memory than " + bound +
+                "; nothing was written; check that it is a project, or give more with --max-memory"};
 }
 
 Message unexpected(const std::string& reason) {
     return {Unexpected, "unexpected",
             "unexpected: " + reason + "; please report this with the file, if you can"};
+}
+
+Message outputIncomplete(const std::string& reason) {
+    return {Unwritable, "unwritable",
+            "standard output: " + reason + "; free some space on its disk, or send it elsewhere"};
+}
+
+std::vector<std::string> notesOn(const QString& file, const Reader::Replacement& replacement) {
+    std::vector<std::string> notes;
+    const std::string target = FileNames::printable(replacement.target);
+    if (replacement.isLinked)
+        notes.push_back(FileNames::printable(file) +
+                        " is a link, and stays one: the file that it leads to, " + target + ", was replaced");
+    if (replacement.otherNames > 0)
+        notes.push_back(
+            target + " has " + std::to_string(replacement.otherNames) + " other name" +
+            (replacement.otherNames == 1 ? " (a hard link), which keeps" : "s (hard links), which keep") +
+            " the old content");
+    return notes;
 }
 
 std::string asText(const Message& message) {

@@ -1,12 +1,15 @@
 #pragma once
 
 #include "Reader/Error.h"
+#include "Reader/Files.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <exception>
 #include <optional>
 #include <string>
+#include <vector>
 
 /// What the program says where it fails: all words for people, remedies and exit codes.
 namespace Messages {
@@ -48,11 +51,18 @@ Message messageFor(const Reader::Error& error);
 // Failures that the library does not know.
 
 Message inPlaceNeedsFile();
-Message notOneProject(const QString& folder, int projects);
+Message notOneProject(const QString& folder, const QStringList& projects);
 Message folderNotMade(const QString& folder);
 Message refusedByStrict(const QString& name);
-Message outOfMemory(const QString& name);
+/// `bound` is what allows only less, such as "--max-memory allows, 64 MiB".
+Message outOfMemory(const QString& name, const std::string& bound);
 Message unexpected(const std::string& reason);
+
+Message outputIncomplete(const std::string& reason);
+
+/// What people may not expect of a file that was replaced, a sentence each without a full stop. `file` is the name that
+/// they gave it.
+std::vector<std::string> notesOn(const QString& file, const Reader::Replacement& replacement);
 
 /// The message as a line for standard error.
 std::string asText(const Message& message);

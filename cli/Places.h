@@ -1,6 +1,8 @@
 #pragma once
 
 #include "Commands.h"
+#include "Reader/Files.h"
+#include "Reader/Unfinished.h"
 
 #include <QString>
 
@@ -10,26 +12,29 @@ namespace Places {
 /// A name of the command line.
 QString path(const std::string& text);
 
-/// Whether that path is "-": standard input or output.
-bool isStandardStream(const QString& file);
+/// A name for messages: what can't be printed is escaped, and "-" is `standardName`.
+QString nameOf(const QString& file, const char* standardName = "standard input");
 
-/// An input's name for messages.
-QString nameOf(const QString& file);
-
-/// The project's file, for a folder that holds one project too. Throws Messages::Failure.
+/// The project's file, for a folder that holds one project too: results, backups and the like beside it don't count.
+/// Throws Messages::Failure.
 QString inputFor(const Arguments& arguments);
 
-/// The folder that side files are looked up in and written to; empty for a standard stream.
+/// The folder that side files are looked up in and written to; empty for a standard stream, a pipe or a device.
 QString folderOf(const QString& file);
 
-/// Where the result goes: as the options say, in the input's place, or beside it under the version's name.
-QString outputFor(const Arguments& arguments, const QString& input);
+/// Where the result goes: as the options say, into the folder that they name, in the input's place, or beside it.
+/// `ownName` is the result's name in a folder.
+QString outputFor(const Arguments& arguments, const QString& input, const QString& ownName);
 
-/// Makes the folder of a bundle where it is missing, but not the one above it. Throws Messages::Failure.
-void makeBundle(const QString& folder);
+/// The name of a migration's result, such as "film.v77.json".
+QString resultName(const Arguments& arguments, const QString& input);
 
-/// Throws Reader::Error where the output is there already and is not to be replaced.
-void refuseExisting(const Arguments& arguments, const QString& output);
+/// How the result is written. A name that the command line doesn't write out must be free or a regular file's.
+Reader::WriteOptions optionsToWrite(const Arguments& arguments, const QString& input);
+
+/// Makes the folder of a bundle where it is missing, but not the one above it, and adds it to `made`. Throws
+/// Messages::Failure.
+void makeBundle(const QString& folder, Reader::UnfinishedParts& made);
 
 /// Paths inside a project count from the folder of its file; from the working folder where there is no file.
 QString projectLocation(const QString& file, const QString& otherwise);

@@ -1,5 +1,7 @@
 #include "Summary.h"
 
+#include "FileNames.h"
+#include "JsonPrinting.h"
 #include "Terminal.h"
 
 #include <nlohmann/json.hpp>
@@ -140,6 +142,8 @@ std::string asText(const Summary& summary) {
         out << "  backup:  " << summary.backup.toStdString() << '\n';
     if (!summary.output.isEmpty())
         out << "  written: " << summary.output.toStdString() << '\n';
+    for (const std::string& note : summary.notes)
+        out << "  note:    " << note << '\n';
     return out.str();
 }
 
@@ -149,6 +153,7 @@ std::string asJson(const Summary& summary) {
     result["input"] = summary.input.toStdString();
     result["output"] = summary.output.isEmpty() ? Json() : Json(summary.output.toStdString());
     result["backup"] = summary.backup.isEmpty() ? Json() : Json(summary.backup.toStdString());
+    result["notes"] = summary.notes;
     result["from"] = {{"form", formAsJson(report.formBefore)}, {"version", report.from}};
     result["to"] = {{"form", formAsJson(report.formAfter)}, {"version", report.to}};
     result["steps"] = report.steps;
@@ -165,7 +170,7 @@ std::string asJson(const Summary& summary) {
     for (const Reader::Clip& clip : report.lostClips)
         lost.push_back({{"id", clip.id}, {"name", clip.name}});
     result["clips"] = {{"in", report.clipsBefore}, {"out", report.clipsAfter}, {"lost", std::move(lost)}};
-    return result.dump(2) + '\n';
+    return printed(result);
 }
 
 std::string infoAsText(const Reader::Document& document, const QString& name) {
@@ -213,7 +218,7 @@ std::string infoAsJson(const Reader::Document& document, const QString& name) {
     for (const Reader::Finding& finding : ofKind(Reader::Fault::DuplicateId, findings))
         result["duplicateIds"].push_back(finding.id);
     result["steps"] = namesOfStepsToRun(document);
-    return result.dump(2) + '\n';
+    return printed(result);
 }
 
 std::string findingsAsText(const std::vector<Reader::Finding>& findings, const QString& name) {
@@ -232,7 +237,7 @@ std::string findingsAsJson(const std::vector<Reader::Finding>& findings, const Q
     result["findings"] = Json::array();
     for (const Reader::Finding& finding : findings)
         result["findings"].push_back(findingAsJson(finding));
-    return result.dump(2) + '\n';
+    return printed(result);
 }
 
 std::string traceAsText(const Reader::Trace& trace) {
@@ -240,7 +245,8 @@ std::string traceAsText(const Reader::Trace& trace) {
     for (const Reader::Trace::Entry& entry : trace.entries())
         out << std::setw(3) << entry.place << "  " << std::left << std::setw(42) << entry.className
             << std::right
-            << (entry.file.isEmpty() ? std::string("changed nothing") : entry.file.toStdString()) << '\n';
+            << (entry.file.isEmpty() ? std::string("changed nothing") : FileNames::printable(entry.file))
+            << '\n';
     return out.str();
 }
 
@@ -272,5 +278,5 @@ std::string stepsAsJson(int from, int to) {
                           {"class", row->className},
                           {"forms", formsAsJson(row->hasXml(), row->hasJson())},
                           {"summary", row->summary}});
-    return result.dump(2) + '\n';
+    return printed(result);
 }

@@ -7,13 +7,15 @@
 #include <QString>
 
 #include <string>
+#include <vector>
 
 /// What the program says of its work.
 struct Summary {
     const Reader::MigrationReport& report;
     QString input;
-    QString output; ///< empty where nothing was written
-    QString backup; ///< empty for none
+    QString output;                      ///< empty where nothing was written
+    QString backup;                      ///< empty for none
+    std::vector<std::string> notes = {}; ///< on the file that was replaced
 };
 
 /// For people, some lines.

@@ -1,7 +1,12 @@
 #pragma once
 
+#include "Reader/Files.h"
+#include "Reader/Unfinished.h"
+
 #include <QByteArray>
 #include <QString>
+
+#include <memory>
 
 namespace Reader {
 
@@ -12,9 +17,10 @@ namespace Reader {
 /// Threads: a plain value; may be used from any thread.
 class SideFiles {
 public:
-    /// Without a folder, an empty one, nothing is read or written. Existing files are written over only with
-    /// `replace`.
-    explicit SideFiles(const QString& folder, bool replace = false);
+    /// Without a folder, an empty one, nothing is read or written. What is no regular file is never written over.
+    /// New files are added to `made`, where that is given, so that they go again with a project that is not written.
+    explicit SideFiles(const QString& folder, const WriteOptions& options = {Existing::Refuse},
+                       std::shared_ptr<UnfinishedParts> made = {});
 
     /// The content of a file; nothing for one that is refused or can't be read.
     QByteArray read(const QString& name) const;
@@ -24,7 +30,8 @@ public:
 
 private:
     QString m_folder;
-    bool m_replace;
+    WriteOptions m_options;
+    std::shared_ptr<UnfinishedParts> m_made;
 };
 
 } // namespace Reader

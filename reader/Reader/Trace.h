@@ -25,9 +25,8 @@ public:
         QString file; ///< empty where the adaptor changed nothing
     };
 
-    /// Files go to `folder`, which is made where it is missing.
-    explicit Trace(const QString& folder, Existing existing = Existing::Refuse)
-        : m_folder(folder), m_existing(existing) {}
+    /// Files go to `folder`, which is made where it is missing. What is no regular file is never written over.
+    explicit Trace(const QString& folder, const WriteOptions& options = {Existing::Refuse});
 
     /// Files are called by place and class name, "07-V12_ClipPreviewAdaptor.xml". Throws Error.
     void note(const MigrationPart& part, const Document& document);
@@ -38,7 +37,7 @@ private:
     QString write(const Entry& entry, const Document& document) const;
 
     QString m_folder;
-    Existing m_existing;
+    WriteOptions m_options;
     int m_version = 0; ///< that the document has reached
     QByteArray m_last; ///< the document after the last part
     std::vector<Entry> m_entries;
