@@ -41,6 +41,13 @@ void addMaxMemory(CLI::App* command, Arguments& arguments) {
             "takes at most, and three quarters of the machine's or container's]")
         ->type_name("SIZE")
         ->transform(CLI::AsSizeValue(false))
+        // The last transformation comes first: a sign would pass as a number that wraps.
+        ->transform(CLI::Validator(
+            [](const std::string& size) {
+                const bool isNumber = !size.empty() && size.front() >= '0' && size.front() <= '9';
+                return isNumber ? std::string() : std::string("SIZE begins with a digit");
+            },
+            "", "digits"))
         ->check(CLI::Validator(
             [](const std::string& size) {
                 return size == "0" ? std::string("SIZE can't be 0") : std::string();

@@ -69,10 +69,10 @@ TEST(Messages, CodesAreThoseOfTheTable) {
         EXPECT_EQ(messageFor(Error(kind, {})).code, code) << Reader::nameOf(kind);
     EXPECT_EQ(Messages::unexpected("x").code, 1);
     EXPECT_EQ(Messages::inPlaceNeedsFile().code, 2);
-    EXPECT_EQ(Messages::notOneProject(film, 2).code, 3);
+    EXPECT_EQ(Messages::notOneProject(film, {}).code, 3);
     EXPECT_EQ(Messages::refusedByStrict(film).code, 14);
     EXPECT_EQ(Messages::folderNotMade(film).code, 15);
-    EXPECT_EQ(Messages::outOfMemory(film).code, 18);
+    EXPECT_EQ(Messages::outOfMemory(film, "allowed").code, 18);
 }
 
 TEST(Messages, PlacesComeFirst) {
@@ -109,7 +109,14 @@ TEST(Messages, RemediesNameTheOption) {
                     "a folder has this name"));
     EXPECT_TRUE(has(textFor(ErrorKind::Unwritable, {.file = film, .obstacle = WriteObstacle::NotPermitted}),
                     "permissions"));
-    EXPECT_TRUE(has(textFor(ErrorKind::Unwritable, {.file = film}), "free some space"));
+    EXPECT_TRUE(has(textFor(ErrorKind::Unwritable, {.file = film, .obstacle = WriteObstacle::NoSpace}),
+                    "free some space"));
+    EXPECT_TRUE(has(textFor(ErrorKind::Unwritable, {.file = film, .obstacle = WriteObstacle::NotRegular}),
+                    "only a regular file"));
+    EXPECT_TRUE(has(textFor(ErrorKind::Unwritable, {.file = film}), "give another output"));
+    EXPECT_FALSE(has(textFor(ErrorKind::Unwritable, {.file = film}), "space"));
+    EXPECT_TRUE(has(Messages::outOfMemory(film, "--max-memory allows, 64 MiB").text,
+                    "more memory than --max-memory allows, 64 MiB; "));
 }
 
 TEST(Messages, TheLibraryNamesNeitherOptionsNorCommands) {
@@ -123,8 +130,13 @@ TEST(Messages, TheLibraryNamesNeitherOptionsNorCommands) {
 
 TEST(Messages, AMessageIsALineForPeople) {
     EXPECT_EQ(
-        Messages::asText(Messages::notOneProject(QStringLiteral("old"), 2)),
-        "adaptors: error: old: a project's folder holds one .xml or .json file, this one 2; name the file\n");
+        Messages::asText(Messages::notOneProject(QStringLiteral("old"), {"a.xml", "b.json"})),
+        "adaptors: error: old: a project's folder holds one .xml or .json file, this one 2: a.xml, b.json; "
+        "name the file\n");
+    EXPECT_EQ(
+        Messages::asText(Messages::notOneProject(QStringLiteral("old"), {})),
+        "adaptors: error: old: a project's folder holds one .xml or .json file, this one none; name the "
+        "file\n");
 }
 
 } // namespace

@@ -11,5 +11,6 @@ std::filesystem::path samplesFolder();
 std::filesystem::path changesFile();      ///< the history of the schema as people read it
 std::filesystem::path fuzzCorpusFolder(); ///< seeds and findings, a folder for each fuzz target
 std::filesystem::path program();
+std::filesystem::path poorFileSystem(); ///< a library to preload, see tests/preload
 
 } // namespace Tests
