@@ -57,7 +57,7 @@ Reader::MigrationOptions optionsFor(const Arguments& arguments, const QString& i
 
 /// Says early what would keep the result from being written.
 void checkOutput(const Arguments& arguments, const QString& input, const QString& output) {
-    const bool isFolderToBeMade = !arguments.bundle.empty() && !QFileInfo::exists(path(arguments.bundle));
+    const bool isFolderToBeMade = !arguments.bundle.empty() && !QFileInfo(path(arguments.bundle)).isDir();
     if (!arguments.inPlace && !isFolderToBeMade)
         Reader::checkTarget(output, optionsToWrite(arguments, input));
 }
