@@ -99,6 +99,30 @@ void addFile(CLI::App& command, Arguments& arguments) {
         ->required();
 }
 
+void addMaxMemory(CLI::App& command, Arguments& arguments) {
+    CLI::Option* option = command.add_option("--max-memory", arguments.maxMemory,
+                                             "Take no more memory than SIZE: bytes, or with K, M or G [what "
+                                             "a project of the file's size takes at most, and "
+                                             "three quarters of the machine's or container's]");
+    option->type_name("SIZE")
+        ->transform(CLI::AsSizeValue(false))
+        // The last transformation comes first: a sign would pass as a number that wraps.
+        ->transform(CLI::Validator(
+            [](const std::string& size) {
+                if (size.empty() || size.front() < '0' || size.front() > '9')
+                    throw Messages::Failure(Messages::badValue("--max-memory", size, "a size such as 500M"));
+                return std::string();
+            },
+            "", "digits"))
+        ->check(CLI::Validator(
+            [](const std::string& size) {
+                if (size == "0")
+                    throw Messages::Failure(Messages::badValue("--max-memory", size, "a size such as 500M"));
+                return std::string();
+            },
+            "", "a size"));
+}
+
 void addFrom(CLI::App& command, Arguments& arguments) {
     addVersion(command, "--from", arguments.from,
                "The document's schema version, whatever it says itself (older files don't say)");
@@ -143,7 +167,8 @@ void addMigrate(CLI::App& command, Arguments& arguments) {
     addFile(command, arguments);
     CLI::Option* output =
         addName(command, "-o,--output", arguments.output, "FILE",
-                "Where the result goes; - is standard output [FILE's name with .v" + newest + ".json]");
+                "Where the result goes, a file or a folder; - is standard output [FILE's name with .v" +
+                    newest + ".json]");
     CLI::Option* inPlace =
         command.add_flag("--in-place", arguments.inPlace, "Replace FILE and keep what it was as FILE.bak");
     inPlace->excludes(output);
@@ -165,6 +190,7 @@ void addMigrate(CLI::App& command, Arguments& arguments) {
         ->excludes(inPlace)
         ->excludes("--bundle");
     addFolders(command, arguments);
+    addMaxMemory(command, arguments);
     command.footer("Examples:\n"
                    "adaptors migrate film.xml\twrites film.v" +
                    newest +
@@ -189,6 +215,7 @@ void addRun(CLI::App& command, Arguments& arguments) {
     addName(command, "-o,--output", arguments.output, "FILE", "Where the result goes [standard output]");
     command.add_flag("--force", arguments.force, "Replace an output that exists");
     addFolders(command, arguments);
+    addMaxMemory(command, arguments);
     command.footer("Examples:\n"
                    "adaptors run V28_ClipLabelAdaptor film.xml -o labelled.xml\t\n"
                    "adaptors run V28 film.xml > labelled.xml\tthe same");
@@ -197,6 +224,7 @@ void addRun(CLI::App& command, Arguments& arguments) {
 void addInfo(CLI::App& command, Arguments& arguments) {
     addFile(command, arguments);
     addFrom(command, arguments);
+    addMaxMemory(command, arguments);
     command.footer("Examples:\nadaptors info film.xml\t\nadaptors info film.xml --json\tfor programs");
 }
 
@@ -213,6 +241,7 @@ void addVerify(CLI::App& command, Arguments& arguments) {
             },
             "The least severity that makes the exit code 17: error, warning or note [error]")
         ->type_name("SEVERITY");
+    addMaxMemory(command, arguments);
     command.footer("Exits with 17 where something is found that is as bad as --fail-on "
                    "says.\n\nExample:\nadaptors verify film.v" +
                    newest + ".json\t");
@@ -227,6 +256,7 @@ void addTrace(CLI::App& command, Arguments& arguments) {
     addTo(command, arguments, "The schema version to stop at");
     command.add_flag("--force", arguments.force, "Replace documents that exist");
     addFolders(command, arguments);
+    addMaxMemory(command, arguments);
     command.footer("Example:\nadaptors trace film.xml --output-dir steps --to 30\t");
 }
 

@@ -9,20 +9,21 @@
 #include "Reader/Error.h"
 #include "Reader/Files.h"
 #include "Reader/Migration.h"
+#include "Reader/Unfinished.h"
 #include "Summary.h"
+
+#include <QFileInfo>
 
 #include <unistd.h>
 
 #include <algorithm>
+#include <memory>
+#include <optional>
 
 namespace Commands {
 namespace {
 
 using namespace Places;
-
-Reader::Existing forExisting(const Arguments& arguments) {
-    return arguments.force ? Reader::Existing::Replace : Reader::Existing::Refuse;
-}
 
 /// The project's file. Failures from here on are reported with its name.
 QString inputOf(const Arguments& arguments, Output& output) {
@@ -32,43 +33,67 @@ QString inputOf(const Arguments& arguments, Output& output) {
     return input;
 }
 
-/// Notes where the project goes; JSON gives way to it on standard output.
+/// Notes where the project goes. JSON does not go to standard output then.
 void setTarget(const QString& target, Output& output) {
-    if (isStandardStream(target))
+    if (Reader::isStandardOutput(target))
         output.yieldStandardOutput();
 }
 
 QString nameOfTarget(const QString& target) {
-    return isStandardStream(target) ? QStringLiteral("standard output") : target;
+    return nameOf(target, "standard output");
 }
 
-/// What is to be done with a document's bytes before they are parsed.
-void prepareFor(const QByteArray& bytes, const QString& input, Output& output) {
-    output.setBytes(bytes);
-    Memory::limitFor(bytes.size(), output.textFor(Messages::outOfMemory(nameOf(input))),
-                     output.descriptorForFailures());
-}
-
-QByteArray readInput(const QString& input, Output& output) {
-    if (isStandardStream(input) && isatty(STDIN_FILENO) != 0 && !output.isQuiet())
+/// Reads the input, that of `file` where it is given.
+QByteArray readInput(const Arguments& arguments, const QString& input, Output& output,
+                     std::optional<Reader::FileInPlace>* file = nullptr) {
+    if (input == Reader::standardStream && isatty(STDIN_FILENO) != 0 && !output.isQuiet())
         output.note(Texts::readingFromTerminal());
-    QByteArray bytes = Reader::readFile(input);
-    prepareFor(bytes, input, output);
+    const auto limitFor = [&](std::optional<qint64> size) {
+        const auto lastWords = [&](const std::string& bound) {
+            return output.textFor(Messages::outOfMemory(nameOf(input), bound));
+        };
+        Memory::limitFor(arguments.maxMemory, size, lastWords, output.descriptorForFailures());
+    };
+    limitFor({});
+    if (file)
+        file->emplace(input);
+    QByteArray bytes = file ? (*file)->bytes() : Reader::readFile(input);
+    output.setBytes(bytes);
+    limitFor(bytes.size());
     return bytes;
 }
 
-/// What a migration that reads `input` and writes `output` needs.
-Reader::MigrationOptions optionsFor(const Arguments& arguments, const QString& input, const QString& output) {
+/// What a migration that reads `input` and writes `target` needs. Side files that it makes are added to `made`.
+Reader::MigrationOptions optionsFor(const Arguments& arguments, const QString& input, const QString& target,
+                                    const std::shared_ptr<Reader::UnfinishedParts>& made) {
     Reader::MigrationOptions options;
     options.name = nameOf(input);
-    options.location = projectLocation(input, output);
-    options.target = projectLocation(output, input);
+    options.location = projectLocation(input, target);
+    options.target = projectLocation(target, input);
     options.to = arguments.to;
     options.sourceFiles = Reader::SideFiles(folderOf(input));
-    options.targetFiles = Reader::SideFiles(folderOf(output), arguments.force);
+    options.targetFiles = Reader::SideFiles(folderOf(target), optionsToWrite(arguments, input), made);
     options.folders = {path(arguments.packagesRoot), path(arguments.aiModelsRoot),
                        path(arguments.downloadableRoot)};
     return options;
+}
+
+/// Reports early what would keep the result from being written.
+void checkOutput(const Arguments& arguments, const QString& input, const QString& target) {
+    const bool isFolderToBeMade = !arguments.bundle.empty() && !QFileInfo(path(arguments.bundle)).isDir();
+    if (!arguments.inPlace && !isFolderToBeMade)
+        Reader::checkTarget(target, optionsToWrite(arguments, input));
+}
+
+/// Writes the result; from that moment on `made` stays.
+void writeResult(const QString& target, const QByteArray& bytes, const Reader::WriteOptions& options,
+                 Reader::UnfinishedParts& made) {
+    Reader::PendingFile file(target, bytes, options);
+    std::optional<Reader::HeldSignals> held;
+    if (!Reader::isStream(target)) // whose reader may let it wait
+        held.emplace();
+    file.commit();
+    made.keep();
 }
 
 void showSummary(const Summary& summary, Output& output) {
@@ -139,10 +164,11 @@ int passOn(const Arguments& arguments, const Input& input, Output& output) {
     Summary summary{report, nameOf(input.file)};
     summary.hasClips = false;
     summary.isUpToDate = true;
-    const bool isFilter = isStandardStream(input.file) && isStandardStream(input.target);
+    const bool isFilter = Reader::isStream(input.file) && Reader::isStandardOutput(input.target);
     if (!arguments.check && (!arguments.output.empty() || isFilter)) {
-        refuseExisting(arguments, input.target);
-        Reader::writeFile(input.target, input.bytes, forExisting(arguments));
+        checkOutput(arguments, input.file, input.target);
+        Reader::UnfinishedParts made;
+        writeResult(input.target, input.bytes, optionsToWrite(arguments, input.file), made);
         summary.output = nameOfTarget(input.target);
     }
     showSummary(summary, output);
@@ -152,30 +178,28 @@ int passOn(const Arguments& arguments, const Input& input, Output& output) {
 } // namespace
 
 int migrate(const Arguments& arguments, Output& output) {
-    if (arguments.inPlace && isStandardStream(path(arguments.file)))
+    if (arguments.inPlace && path(arguments.file) == Reader::standardStream)
         throw Messages::Failure(Messages::inPlaceNeedsFile());
-    if (isStandardStream(path(arguments.output)))
+    if (path(arguments.output) == Reader::standardStream)
         output.yieldStandardOutput();
     const QString input = inputOf(arguments, output);
-    const QString target = arguments.check ? QString() : outputFor(arguments, input);
+    const QString target =
+        arguments.check ? QString() : outputFor(arguments, input, resultName(arguments, input));
     setTarget(target, output);
     const QString name = nameOf(input);
 
     std::optional<Reader::FileInPlace> file;
-    if (arguments.inPlace) {
-        file.emplace(input);
-        prepareFor(file->bytes(), input, output);
-    }
-    const QByteArray bytes = file ? file->bytes() : readInput(input, output);
+    const QByteArray bytes = readInput(arguments, input, output, arguments.inPlace ? &file : nullptr);
     const auto read = [&] { return Reader::parse(bytes, name, arguments.from); };
     Reader::Document document = read();
     if (isUpToDate(document, arguments))
         return passOn(arguments, {bytes, document, input, target}, output);
     if (!arguments.check)
-        refuseExisting(arguments, target);
+        checkOutput(arguments, input, target);
 
+    const auto made = std::make_shared<Reader::UnfinishedParts>();
     Progress progress(output);
-    Reader::MigrationOptions options = optionsFor(arguments, input, target);
+    Reader::MigrationOptions options = optionsFor(arguments, input, target, made);
     options.reread = read;
     options.watch = [&](const Reader::MigrationPart& part, const Reader::Document&) { progress.note(part); };
     Reader::Migration migration(std::move(document), std::move(options));
@@ -185,16 +209,19 @@ int migrate(const Arguments& arguments, Output& output) {
     // A project that is not written leaves no side files either.
     const bool toBundle = !arguments.bundle.empty() && !isRefused(arguments, report);
     if (toBundle)
-        makeBundle(path(arguments.bundle));
+        makeBundle(path(arguments.bundle), *made);
     const QByteArray result = migration.save(toBundle);
 
     Summary summary{report, name};
     const bool isWritten = !arguments.check && !isRefused(arguments, report);
     if (isWritten) {
-        if (file)
-            summary.backup = file->replace(result);
-        else
-            Reader::writeFile(target, result, forExisting(arguments));
+        if (file) {
+            const Reader::Replacement replacement = file->replace(result);
+            summary.backup = nameOf(replacement.backup);
+            summary.notes = Messages::notesOn(input, replacement);
+        } else {
+            writeResult(target, result, optionsToWrite(arguments, input), *made);
+        }
         summary.output = nameOfTarget(target);
     }
     progress.end();
@@ -218,21 +245,28 @@ int steps(const Arguments& arguments, Output& output) {
 }
 
 int run(const Arguments& arguments, Output& output) {
-    const QString target = arguments.output.empty() ? Reader::standardStream : path(arguments.output);
-    setTarget(target, output);
+    if (arguments.output.empty())
+        output.yieldStandardOutput();
+    else
+        setTarget(path(arguments.output), output);
     const QString input = inputOf(arguments, output);
     const std::string step = Names::stepFor(arguments.step);
-    refuseExisting(arguments, target);
-
-    Reader::Migration migration(Reader::parse(readInput(input, output), nameOf(input), arguments.from),
-                                optionsFor(arguments, input, target));
-    const bool hasVersion = migration.document().version().has_value();
+    Reader::Document document =
+        Reader::parse(readInput(arguments, input, output), nameOf(input), arguments.from);
+    const QString ownName = Reader::isStream(input) ? document.isXml() ? "project.xml" : "project.json"
+                                                    : QFileInfo(input).fileName();
+    const QString target =
+        arguments.output.empty() ? Reader::standardStream : outputFor(arguments, input, ownName);
+    checkOutput(arguments, input, target);
+    const auto made = std::make_shared<Reader::UnfinishedParts>();
+    const bool hasVersion = document.version().has_value();
+    Reader::Migration migration(std::move(document), optionsFor(arguments, input, target, made));
     migration.runOnly(step);
     Summary summary{migration.report(), nameOf(input)};
     summary.hasVersion = hasVersion;
     summary.hasClips = false;
     showLog(summary, output);
-    Reader::writeFile(target, migration.write(), forExisting(arguments));
+    writeResult(target, migration.write(), optionsToWrite(arguments, input), *made);
     summary.output = nameOfTarget(target);
     if (output.isJson())
         output.setResult(JsonReport::migration(summary));
@@ -242,7 +276,8 @@ int run(const Arguments& arguments, Output& output) {
 int info(const Arguments& arguments, Output& output) {
     const QString input = inputOf(arguments, output);
     const QString name = nameOf(input);
-    const Reader::Document document = Reader::parse(readInput(input, output), name, arguments.from);
+    const Reader::Document document =
+        Reader::parse(readInput(arguments, input, output), name, arguments.from);
     if (output.isJson())
         output.setResult(JsonReport::info(document));
     else
@@ -253,7 +288,8 @@ int info(const Arguments& arguments, Output& output) {
 int verify(const Arguments& arguments, Output& output) {
     const QString input = inputOf(arguments, output);
     const QString name = nameOf(input);
-    const auto findings = Reader::verify(Reader::parse(readInput(input, output), name, arguments.from));
+    const auto findings =
+        Reader::verify(Reader::parse(readInput(arguments, input, output), name, arguments.from));
     if (output.isJson())
         output.setResult(JsonReport::findings(findings));
     else
@@ -266,15 +302,16 @@ int verify(const Arguments& arguments, Output& output) {
 
 int trace(const Arguments& arguments, Output& output) {
     const QString input = inputOf(arguments, output);
-    Reader::Trace trace(path(arguments.folder), forExisting(arguments));
+    Reader::Trace trace(path(arguments.folder), optionsToWrite(arguments, input));
     Progress progress(output);
-    Reader::MigrationOptions options = optionsFor(arguments, input, Reader::standardStream);
+    Reader::MigrationOptions options = optionsFor(arguments, input, Reader::standardStream, nullptr);
     options.watch = [&](const Reader::MigrationPart& part, const Reader::Document& document) {
         trace.note(part, document);
         progress.note(part);
     };
-    Reader::Migration migration(Reader::parse(readInput(input, output), nameOf(input), arguments.from),
-                                std::move(options));
+    Reader::Migration migration(
+        Reader::parse(readInput(arguments, input, output), nameOf(input), arguments.from),
+        std::move(options));
     progress.expect(migration.document(), arguments.to);
     try {
         migration.run();

@@ -4,6 +4,7 @@
 #include "Reader/AdaptorTable.h"
 #include "Reader/Verify.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -25,6 +26,7 @@ struct Arguments {
     std::string aiModelsRoot;
     std::string downloadableRoot;
     std::optional<int> from;
+    std::optional<std::uint64_t> maxMemory; ///< in bytes
     int to = Reader::currentVersion;
     bool force = false;
     bool inPlace = false;

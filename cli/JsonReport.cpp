@@ -1,5 +1,6 @@
 #include "JsonReport.h"
 
+#include "FileNames.h"
 #include "LossMessages.h"
 namespace JsonReport {
 namespace {
@@ -7,7 +8,7 @@ namespace {
 using Reader::AdaptorRow;
 
 Json orNull(const QString& text) {
-    return text.isEmpty() ? Json() : Json(text.toStdString());
+    return text.isEmpty() ? Json() : Json(FileNames::bytesOf(text));
 }
 
 Json orNull(const std::string& text) {
@@ -138,6 +139,7 @@ Json migration(const Summary& summary) {
     Json result;
     result["output"] = orNull(summary.output);
     result["backup"] = orNull(summary.backup);
+    result["notes"] = summary.notes;
     result["from"] = stateAsJson(report.formBefore, report.from, summary.hasVersion);
     result["to"] = stateAsJson(report.formAfter, report.to, summary.hasVersion);
     result["steps"] = report.steps;

@@ -2,17 +2,26 @@
 
 #include <QtGlobal>
 
+#include <cstdint>
+#include <functional>
+#include <optional>
 #include <string>
 
 /// What keeps a document from taking all of the machine's memory.
 namespace Memory {
 
-/// From here on the program can't take more memory than a document of `size` bytes may; where it wants more, it ends
-/// as endProgram() does. `lastWords` is what that writes then, to the file descriptor.
-void limitFor(qint64 size, std::string lastWords, int descriptor);
+/// Makes the text that is written where memory runs out, of what bounds it, such as "--max-memory allows, 64 MiB".
+using LastWords = std::function<std::string(const std::string& bound)>;
 
-/// Says that memory ran out and ends the program at once, with exit code 18. An exception would let go of what there
-/// is, and letting go takes memory too.
+/// From here on the program can't take more memory than `given`, or without it, than three quarters of the machine's
+/// or the container's and than a document of `size` bytes may; where it wants more, it ends as endProgram() does, and
+/// that writes the last words to the file descriptor. To be called without a size before the document is read, and with
+/// it then.
+void limitFor(std::optional<std::uint64_t> given, std::optional<qint64> size, const LastWords& lastWords,
+              int descriptor);
+
+/// Removes what is unfinished, says that memory ran out and ends the program at once, with exit code 18. An exception
+/// would let go of what there is, and letting go takes memory too.
 [[noreturn]] void endProgram();
 
 } // namespace Memory

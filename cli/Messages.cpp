@@ -1,5 +1,6 @@
 #include "Messages.h"
 
+#include "FileNames.h"
 #include "Reader/AdaptorTable.h"
 #include "Reader/Files.h"
 
@@ -62,10 +63,14 @@ std::string remedyFor(WriteObstacle obstacle) {
         return "a folder has this name; give another output";
     case WriteObstacle::NotPermitted:
         return "it is not yours to write; give another output, or have its permissions changed";
+    case WriteObstacle::NotRegular:
+        return "only a regular file is replaced here; remove what has the name, or give another output";
+    case WriteObstacle::NoSpace:
+        return "free some space on its disk, or give another output";
     case WriteObstacle::None:
         break;
     }
-    return "free some space on its disk, or give another output";
+    return "give another output";
 }
 
 std::string number(std::optional<int> value) {
@@ -148,7 +153,7 @@ std::string sentenceFor(ErrorKind kind, const ErrorFacts& facts) {
 
 /// "film.xml:3:7: "
 std::string placeOf(const ErrorFacts& facts) {
-    std::string place = facts.file.toStdString();
+    std::string place = FileNames::bytesOf(facts.file);
     for (const auto& part : {facts.line, facts.column}) {
         if (part)
             place += ':' + std::to_string(*part);
@@ -194,39 +199,44 @@ Message inPlaceNeedsFile() {
     return wrongUse("--in-place needs a file, not standard input; name the file, or give -o");
 }
 
-Message notOneProject(const QString& folder, int projects) {
-    const std::string found = projects == 0 ? "none" : std::to_string(projects);
+Message notOneProject(const QString& folder, const QStringList& projects) {
+    constexpr int mostNames = 10;
+    std::string names;
+    for (const QString& project : projects.mid(0, mostNames))
+        names += (names.empty() ? "" : ", ") + FileNames::bytesOf(project);
+    if (projects.size() > mostNames)
+        names += " and " + std::to_string(projects.size() - mostNames) + " more";
     return {Unreadable, "unreadable",
-            folder.toStdString() +
-                ": the folder of a project holds one .xml or .json file, and this one holds " + found +
+            FileNames::bytesOf(folder) +
+                ": the folder of a project holds one .xml or .json file, and this one holds " +
+                (projects.isEmpty() ? "none" : std::to_string(projects.size()) + ": " + names) +
                 "; name the project's own file"};
 }
 
 Message folderNotMade(const QString& folder) {
     return {Unwritable, "unwritable",
-            folder.toStdString() +
+            FileNames::bytesOf(folder) +
                 ": can't make this folder; make the one above it first, or give another one"};
 }
 
 Message refusedByStrict(const QString& name) {
     return {StrictFailure, "strict",
-            name.toStdString() +
+            FileNames::bytesOf(name) +
                 ": not written, because --strict allows neither errors nor losses; look at those "
                 "listed here, or leave --strict out to write the result all the same"};
 }
 
 Message wouldLose(const QString& name) {
     return {StrictFailure, "check",
-            name.toStdString() +
+            FileNames::bytesOf(name) +
                 ": a migration would lose something or report an error, see the lines above; nothing "
                 "was written"};
 }
 
-Message outOfMemory(const QString& name) {
+Message outOfMemory(const QString& name, const std::string& bound) {
     return {OutOfMemory, "out-of-memory",
-            name.toStdString() +
-                ": the document needs more memory than any project of its size takes; nothing was "
-                "written; check that it is a project"};
+            FileNames::bytesOf(name) + ": the document needs more memory than " + bound +
+                "; nothing was written; check that it is a project, or give more with --max-memory"};
 }
 
 Message outputLost(const std::string& reason) {
@@ -312,6 +322,20 @@ Message ambiguousStep(const std::string& name, const std::vector<std::string>& c
             {},
             {},
             name};
+}
+
+std::vector<std::string> notesOn(const QString& file, const Reader::Replacement& replacement) {
+    std::vector<std::string> notes;
+    const std::string target = FileNames::bytesOf(replacement.target);
+    if (replacement.isLinked)
+        notes.push_back(FileNames::bytesOf(file) + " is a link, and stays one: the file that it leads to, " +
+                        target + ", was replaced");
+    if (replacement.otherNames > 0)
+        notes.push_back(
+            target + " has " + std::to_string(replacement.otherNames) + " other name" +
+            (replacement.otherNames == 1 ? " (a hard link), which keeps" : "s (hard links), which keep") +
+            " the old content");
+    return notes;
 }
 
 std::string asText(const Message& message, const Terminal::Colours& colours) {

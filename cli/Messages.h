@@ -1,9 +1,11 @@
 #pragma once
 
 #include "Reader/Error.h"
+#include "Reader/Files.h"
 #include "Terminal.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <exception>
 #include <optional>
@@ -53,11 +55,12 @@ Message messageFor(const Reader::Error& error);
 // Failures that the library does not know.
 
 Message inPlaceNeedsFile();
-Message notOneProject(const QString& folder, int projects);
+Message notOneProject(const QString& folder, const QStringList& projects);
 Message folderNotMade(const QString& folder);
 Message refusedByStrict(const QString& name);
 Message wouldLose(const QString& name);
-Message outOfMemory(const QString& name);
+/// `bound` is what allows no more, such as "--max-memory allows, 64 MiB".
+Message outOfMemory(const QString& name, const std::string& bound);
 Message outputLost(const std::string& reason);
 Message unexpected(const std::string& reason);
 
@@ -78,6 +81,10 @@ Message excludeEachOther(const std::string& one, const std::string& other);
 Message otherWrongUse(const std::string& reason, const std::string& command);
 Message unknownStep(const std::string& name, const std::string& suggestion);
 Message ambiguousStep(const std::string& name, const std::vector<std::string>& candidates);
+
+/// What people may not expect of a file that was replaced, a sentence each without a full stop. `file` is the name that
+/// they gave it.
+std::vector<std::string> notesOn(const QString& file, const Reader::Replacement& replacement);
 
 /// The message as a line for standard error, fit for a terminal.
 std::string asText(const Message& message, const Terminal::Colours& colours = Terminal::Colours());

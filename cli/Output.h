@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FileNames.h"
 #include "JsonReport.h"
 #include "Messages.h"
 #include "Terminal.h"
@@ -30,7 +31,7 @@ public:
     const Terminal::Colours& colours() const { return m_colours; }
 
     void setCommand(const std::string& command) { m_envelope.command = command; }
-    void setInput(const QString& name) { m_envelope.input = name.toStdString(); }
+    void setInput(const QString& name) { m_envelope.input = FileNames::bytesOf(name); }
     void setBytes(const QByteArray& bytes);
     /// The project itself goes to standard output, and JSON to standard error.
     void yieldStandardOutput() { m_isYielded = true; }

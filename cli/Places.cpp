@@ -1,80 +1,82 @@
 #include "Places.h"
 
 #include "Messages.h"
-#include "Reader/Error.h"
-#include "Reader/Files.h"
+#include "Projects.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 
 namespace Places {
 namespace {
 
-/// The project file in a folder: the only .xml or .json file in it.
-QString projectIn(const QString& folder) {
-    const QStringList names =
-        QDir(folder).entryList({QStringLiteral("*.xml"), QStringLiteral("*.json")}, QDir::Files, QDir::Name);
-    if (names.size() != 1)
-        throw Messages::Failure(Messages::notOneProject(folder, names.size()));
-    return QDir(folder).filePath(names.front());
+/// The name in the folder, without the "./" of the working folder.
+QString inFolder(const QString& folder, const QString& name) {
+    return folder == QLatin1String(".") ? name : QDir(folder).filePath(name);
+}
+
+bool isFolder(const QString& path) {
+    return path != Reader::standardStream && QFileInfo(path).isDir();
 }
 
 } // namespace
 
 QString path(const std::string& text) {
-    return QString::fromLocal8Bit(text.c_str());
+    return QFile::decodeName(text.c_str());
 }
 
-bool isStandardStream(const QString& file) {
-    return file == Reader::standardStream;
-}
-
-QString nameOf(const QString& file) {
-    return isStandardStream(file) ? QStringLiteral("standard input") : file;
+QString nameOf(const QString& file, const char* standardName) {
+    return file == Reader::standardStream ? QString::fromLatin1(standardName) : file;
 }
 
 QString inputFor(const Arguments& arguments) {
     const QString input = path(arguments.file);
-    return QFileInfo(input).isDir() ? projectIn(input) : input;
+    return isFolder(input) ? Projects::soleProjectIn(input) : input;
 }
 
 QString folderOf(const QString& file) {
-    return isStandardStream(file) ? QString() : QFileInfo(file).absolutePath();
+    return Reader::isStream(file) ? QString() : QFileInfo(file).absolutePath();
 }
 
-QString outputFor(const Arguments& arguments, const QString& input) {
+QString resultName(const Arguments& arguments, const QString& input) {
+    const QString base =
+        Reader::isStream(input) ? QStringLiteral("project") : QFileInfo(input).completeBaseName();
+    const auto* const suffix = arguments.to > Reader::lastXmlVersion ? ".json" : ".xml";
+    return base + QStringLiteral(".v") + QString::number(arguments.to) + QLatin1String(suffix);
+}
+
+QString outputFor(const Arguments& arguments, const QString& input, const QString& ownName) {
     if (arguments.inPlace)
         return input;
-    if (!arguments.output.empty())
-        return path(arguments.output);
-    if (isStandardStream(input) && arguments.bundle.empty())
-        return Reader::standardStream;
-    const QFileInfo file(arguments.bundle.empty()
-                             ? input
-                             : QDir(path(arguments.bundle))
-                                   .filePath(isStandardStream(input) ? QStringLiteral("project")
-                                                                     : QFileInfo(input).fileName()));
-    const char* suffix = arguments.to > Reader::lastXmlVersion ? "json" : "xml";
-    const QString name =
-        QStringLiteral("%1.v%2.%3").arg(file.completeBaseName()).arg(arguments.to).arg(suffix);
-    return file.path() == QLatin1String(".") ? name : file.path() + QLatin1Char('/') + name;
+    if (!arguments.bundle.empty())
+        return inFolder(path(arguments.bundle), ownName);
+    const QString output = path(arguments.output);
+    if (isFolder(output))
+        return inFolder(output, ownName);
+    if (!output.isEmpty())
+        return output;
+    return Reader::isStream(input) ? Reader::standardStream : inFolder(QFileInfo(input).path(), ownName);
 }
 
-void makeBundle(const QString& folder) {
-    if (!QFileInfo(folder).isDir() && !QDir().mkdir(folder))
+Reader::WriteOptions optionsToWrite(const Arguments& arguments, const QString& input) {
+    const bool isNamed = !arguments.output.empty() && !isFolder(path(arguments.output));
+    return {arguments.force ? Reader::Existing::Replace : Reader::Existing::Refuse,
+            Reader::permissionsOf(input), !isNamed};
+}
+
+void makeBundle(const QString& folder, Reader::UnfinishedParts& made) {
+    if (QFileInfo(folder).isDir())
+        return;
+    const Reader::HeldSignals held;
+    if (!QDir().mkdir(folder))
         throw Messages::Failure(Messages::folderNotMade(folder));
-}
-
-void refuseExisting(const Arguments& arguments, const QString& output) {
-    const bool exists = QFileInfo::exists(output) || QFileInfo(output).isSymLink();
-    if (!isStandardStream(output) && !arguments.inPlace && !arguments.force && exists)
-        throw Reader::Error(Reader::ErrorKind::OutputExists, {.file = output});
+    made.add(QFile::encodeName(folder), Reader::Unfinished::Kind::Folder);
 }
 
 QString projectLocation(const QString& file, const QString& otherwise) {
-    if (!isStandardStream(file))
+    if (!Reader::isStream(file))
         return file;
-    return isStandardStream(otherwise) ? QStringLiteral("project") : otherwise;
+    return Reader::isStream(otherwise) ? QStringLiteral("project") : otherwise;
 }
 
 } // namespace Places

@@ -1,40 +1,42 @@
 #pragma once
 
 #include "Commands.h"
+#include "Reader/Files.h"
+#include "Reader/Unfinished.h"
 
 #include <QString>
 
-/// The files and folders that a command reads and writes, from its arguments.
+/// Where a command reads and writes, as the command line says it.
 namespace Places {
 
-/// An argument of the command line as a path.
+/// A name of the command line.
 QString path(const std::string& text);
 
-/// Whether that path is "-": standard input or output.
-bool isStandardStream(const QString& file);
+/// A name for messages; "-" is `standardName`.
+QString nameOf(const QString& file, const char* standardName = "standard input");
 
-/// The name of an input in messages.
-QString nameOf(const QString& file);
-
-/// The project file: the argument itself, or the one project file in it if it is a folder. Throws
-/// Messages::Failure.
+/// The project's file, for a folder that holds one project too: results, backups and the like beside it don't count.
+/// Throws Messages::Failure.
 QString inputFor(const Arguments& arguments);
 
-/// The folder for side files: the one of that file; empty for a standard stream.
+/// The folder that side files are looked up in and written to; empty for a standard stream, a pipe or a device.
 QString folderOf(const QString& file);
 
-/// The path of the result: from the options, or the input itself, or a file next to it with the version in
-/// its name.
-QString outputFor(const Arguments& arguments, const QString& input);
+/// Where the result goes: as the options say, into the folder that they name, in the input's place, or beside it.
+/// `ownName` is the result's name in a folder.
+QString outputFor(const Arguments& arguments, const QString& input, const QString& ownName);
 
-/// Creates the folder of a bundle if it is missing, but not its parent. Throws Messages::Failure.
-void makeBundle(const QString& folder);
+/// The name of a migration's result, such as "film.v77.json".
+QString resultName(const Arguments& arguments, const QString& input);
 
-/// Throws Reader::Error if the output exists and must not be replaced.
-void refuseExisting(const Arguments& arguments, const QString& output);
+/// How the result is written. A name that the command line doesn't write out must be free or a regular file's.
+Reader::WriteOptions optionsToWrite(const Arguments& arguments, const QString& input);
 
-/// The path of a project file, for resolving paths in it: `file`, or `otherwise` if that is a standard
-/// stream. If both are, a name in the working folder.
+/// Makes the folder of a bundle where it is missing, but not the one above it, and adds it to `made`. Throws
+/// Messages::Failure.
+void makeBundle(const QString& folder, Reader::UnfinishedParts& made);
+
+/// Paths inside a project count from the folder of its file; from the working folder where there is no file.
 QString projectLocation(const QString& file, const QString& otherwise);
 
 } // namespace Places

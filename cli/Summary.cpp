@@ -142,6 +142,8 @@ std::string summary(const Summary& summary, Detail detail, const Colours& colour
         out << "  backup:  " << escaped(summary.backup) << '\n';
     if (!summary.output.isEmpty())
         out << "  written: " << escaped(summary.output) << '\n';
+    for (const std::string& note : summary.notes)
+        out << "  note:    " << escaped(note) << '\n';
     return out.str();
 }
 

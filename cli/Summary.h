@@ -14,11 +14,12 @@
 struct Summary {
     const Reader::MigrationReport& report;
     QString input;
-    QString output = {};     ///< empty where nothing was written
-    QString backup = {};     ///< empty for none
-    bool isUpToDate = false; ///< the document had the version asked for, and nothing was done
-    bool hasVersion = true;  ///< whether the document names a schema version; `run` needs none
-    bool hasClips = true;    ///< whether the clips before and after were compared; `run` does not
+    QString output = {};                 ///< empty where nothing was written
+    QString backup = {};                 ///< empty for none
+    std::vector<std::string> notes = {}; ///< on the file that was replaced, a sentence each
+    bool isUpToDate = false;             ///< the document had the version asked for, and nothing was done
+    bool hasVersion = true;              ///< whether the document names a schema version; `run` needs none
+    bool hasClips = true;                ///< whether the clips before and after were compared; `run` does not
 };
 
 /// What the program says of its work to people. All texts of documents and all names are fit for a terminal.

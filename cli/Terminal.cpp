@@ -1,5 +1,6 @@
 #include "Terminal.h"
 
+#include "FileNames.h"
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -106,7 +107,7 @@ std::string escaped(std::string_view text) {
 }
 
 std::string escaped(const QString& text) {
-    return escaped(text.toStdString());
+    return escaped(FileNames::bytesOf(text));
 }
 
 bool isCapable(int descriptor) {

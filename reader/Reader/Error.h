@@ -46,6 +46,8 @@ enum class WriteObstacle {
     NoFolder,     ///< its folder is missing
     IsFolder,     ///< a folder has its name
     NotPermitted, ///< this user may not write it
+    NotRegular,   ///< what has its name is a link, a pipe, a device or a socket
+    NoSpace,      ///< the disk is full, or the user's share of it
 };
 
 /// The details of an error. Unknown ones are empty.

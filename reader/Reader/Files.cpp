@@ -2,7 +2,6 @@
 
 #include "Reader/Error.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -13,7 +12,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <utility>
 
 namespace Reader {
 namespace {
@@ -22,158 +20,133 @@ namespace {
     throw Error(kind, {.file = path, .reason = reason.toStdString()});
 }
 
-/// Syncs the folder of a file. A rename is durable only after that.
+QString systemError() {
+    return qt_error_string(errno);
+}
+
+/// A rename is safe on disk only when its folder is.
 void syncFolder(const QString& path) {
     const QByteArray folder = QFile::encodeName(QFileInfo(path).absolutePath());
     const int descriptor = open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (descriptor < 0)
-        return; // the content is safe; only the new name may be lost in a crash
+        return; // the file is whole either way; only its name could come late
     fsync(descriptor);
     close(descriptor);
 }
 
-void writeStandardOutput(const QByteArray& bytes) {
-    QFile out;
-    if (!out.open(stdout, QIODevice::WriteOnly) || out.write(bytes) != bytes.size() || !out.flush())
-        fail(ErrorKind::Unwritable, QStringLiteral("standard output"), out.errorString());
+std::optional<struct stat> statusOf(const QString& path) {
+    struct stat status = {};
+    return stat(QFile::encodeName(path).constData(), &status) == 0 ? std::optional(status) : std::nullopt;
 }
 
-WriteObstacle obstacleTo(const QString& path) {
+/// The same, of a link itself.
+std::optional<struct stat> linkStatusOf(const QString& path) {
+    struct stat status = {};
+    return lstat(QFile::encodeName(path).constData(), &status) == 0 ? std::optional(status) : std::nullopt;
+}
+
+WriteObstacle obstacleTo(const QString& path, int error) {
     const QFileInfo folder(QFileInfo(path).absolutePath());
     if (!folder.isDir())
         return WriteObstacle::NoFolder;
     if (QFileInfo(path).isDir())
         return WriteObstacle::IsFolder;
+    if (error == ENOSPC || error == EDQUOT || error == EFBIG)
+        return WriteObstacle::NoSpace;
     if (!folder.isWritable() || (QFileInfo::exists(path) && !QFileInfo(path).isWritable()))
         return WriteObstacle::NotPermitted;
     return WriteObstacle::None;
 }
 
-[[noreturn]] void failToWrite(const QString& path, const QString& reason) {
-    throw Error(ErrorKind::Unwritable,
-                {.file = path, .reason = reason.toStdString(), .obstacle = obstacleTo(path)});
+/// For the error in `errno`.
+[[noreturn]] void failToWrite(const QString& path) {
+    const int error = errno;
+    throw Error(
+        ErrorKind::Unwritable,
+        {.file = path, .reason = qt_error_string(error).toStdString(), .obstacle = obstacleTo(path, error)});
 }
 
-/// Writes into a device or a pipe. A rename would replace it by a file.
-void writeInto(const QString& path, const QByteArray& bytes) {
-    QFile out(path);
-    if (!out.open(QIODevice::WriteOnly | QIODevice::Unbuffered) || out.write(bytes) != bytes.size())
-        failToWrite(path, out.errorString());
+constexpr int mostLinks = 40; // as the system itself follows
+
+QString targetOf(const QString& link) {
+    return QFileInfo(link).symLinkTarget();
 }
 
-QString systemError() {
-    return qt_error_string(errno);
-}
-
-/// A temporary file in the folder of another one. The destructor removes it unless it has replaced the other
-/// one.
-class Temporary {
-public:
-    explicit Temporary(const QByteArray& path) : m_path(path) {
-        for (int number = 1; m_descriptor < 0 && (number == 1 || errno == EEXIST); ++number) {
-            m_name = path + '.' + QByteArray::number(getpid()) + '-' + QByteArray::number(number) + ".tmp";
-            m_descriptor = open(m_name.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-        }
-        m_exists = m_descriptor >= 0;
-    }
-    ~Temporary() {
-        if (m_descriptor >= 0)
-            close(m_descriptor);
-        if (m_exists)
-            unlink(m_name.constData());
-    }
-    Temporary(const Temporary&) = delete;
-    Temporary& operator=(const Temporary&) = delete;
-
-    /// Writes all bytes, syncs and closes. Returns false with `errno` set on failure: each call may find the
-    /// disk full.
-    bool write(const QByteArray& bytes) {
-        if (m_descriptor < 0 || !writeAll(bytes) || fsync(m_descriptor) != 0)
-            return false;
-        return close(std::exchange(m_descriptor, -1)) == 0;
-    }
-    bool takePermissionsOf(const struct stat& status) const {
-        return m_descriptor >= 0 && fchmod(m_descriptor, status.st_mode & 07777) == 0;
-    }
-    bool replace() { return settle(rename(m_name.constData(), m_path.constData()) == 0); }
-    /// Renames the file only if the target does not exist. A separate check would be a race with other
-    /// processes.
-    bool moveToFreePath() {
-        if (renameat2(AT_FDCWD, m_name.constData(), AT_FDCWD, m_path.constData(), RENAME_NOREPLACE) == 0)
-            return settle(true);
-        // For file systems without that kind of rename: a hard link also fails if the target exists.
-        return errno == EINVAL && link(m_name.constData(), m_path.constData()) == 0;
-    }
-
-private:
-    bool writeAll(const QByteArray& bytes) const {
-        for (qint64 done = 0; done < bytes.size();) {
-            const ssize_t count = ::write(m_descriptor, bytes.constData() + done,
-                                          static_cast<std::size_t>(bytes.size() - done));
-            if (count < 0 && errno != EINTR)
-                return false;
-            done += std::max<ssize_t>(count, 0);
-        }
-        return true;
-    }
-    bool settle(bool isDone) {
-        m_exists = !isDone;
-        return isDone;
-    }
-
-    QByteArray m_path;
-    QByteArray m_name;
-    int m_descriptor = -1;
-    bool m_exists = false;
-};
-
-/// The target of a chain of symbolic links. It need not exist.
+/// Where a link leads in the end, whether that is there or not.
 QString resolved(QString path) {
-    constexpr int mostLinks = 40;
     for (int count = 0; count < mostLinks && QFileInfo(path).isSymLink(); ++count)
-        path = QFileInfo(path).symLinkTarget();
+        path = targetOf(path);
     return path;
 }
 
-void writeOver(const QString& path, const QByteArray& bytes) {
-    const QByteArray target = QFile::encodeName(resolved(path));
-    struct stat status = {};
-    const bool exists = stat(target.constData(), &status) == 0;
-    if (exists && access(target.constData(), W_OK) != 0)
-        failToWrite(path, systemError());
-    Temporary temporary(target);
-    if (exists && S_ISREG(status.st_mode))
-        temporary.takePermissionsOf(status);
-    if (!temporary.write(bytes) || !temporary.replace())
-        failToWrite(path, systemError());
+/// The descriptor of this process that "/dev/stdout", "/dev/fd/N" and the like lead to.
+std::optional<int> ownDescriptor(QString path) {
+    const QString descriptors = QFileInfo(QStringLiteral("/proc/self/fd")).canonicalFilePath();
+    for (int count = 0; count < mostLinks; ++count) {
+        const QFileInfo file(path);
+        bool isNumber = false;
+        const int number = file.fileName().toInt(&isNumber);
+        if (isNumber && !descriptors.isEmpty() && QFileInfo(file.path()).canonicalFilePath() == descriptors)
+            return number;
+        if (!file.isSymLink())
+            break;
+        path = targetOf(path);
+    }
+    return std::nullopt;
 }
 
-void writeWhereNothingIs(const QString& path, const QByteArray& bytes) {
-    Temporary temporary(QFile::encodeName(path));
-    if (temporary.write(bytes) && temporary.moveToFreePath())
-        return;
-    if (errno == EEXIST)
-        fail(ErrorKind::OutputExists, path);
-    failToWrite(path, systemError());
+/// A device or a pipe takes the bytes itself: a rename would put a file in its place.
+void writeInto(const QString& path, const QByteArray& bytes) {
+    // A descriptor is written to as it is: where it was opened to append, and whether it is a socket.
+    const auto own = path == standardStream ? std::optional(STDOUT_FILENO) : ownDescriptor(path);
+    const QString name = path == standardStream ? QStringLiteral("standard output") : path;
+    if (own == STDOUT_FILENO)
+        std::fflush(stdout);
+    const int descriptor = own ? *own : open(QFile::encodeName(path).constData(), O_WRONLY | O_CLOEXEC);
+    if (descriptor < 0)
+        failToWrite(name);
+    const bool isWritten = writeAll(descriptor, bytes);
+    const int error = errno;
+    const bool isClosed = own || close(descriptor) == 0;
+    if (!isWritten)
+        errno = error;
+    if (!isWritten || !isClosed)
+        failToWrite(name);
 }
 
-/// Writes `bytes`, the old content, to a backup file in the same folder. Never replaces an earlier backup.
-QString keepBackup(const QString& path, const QByteArray& bytes) {
+/// Part of a sentence.
+std::string kindOf(const struct stat& status) {
+    return S_ISLNK(status.st_mode)    ? "a link has this name"
+           : S_ISFIFO(status.st_mode) ? "a pipe has this name"
+           : S_ISSOCK(status.st_mode) ? "a socket has this name"
+           : S_ISDIR(status.st_mode)  ? "a folder has this name"
+                                      : "a device has this name";
+}
+
+/// Gives a backup, of which `path` is the first name, a name that is free, and that name. An earlier backup is never
+/// written over.
+QString placeBackup(TemporaryFile& file, const QString& path) {
     for (int number = 1;; ++number) {
-        QString backup = path + QStringLiteral(".bak") + (number == 1 ? QString() : QString::number(number));
-        if (QFileInfo(backup).isSymLink() || QFileInfo::exists(backup))
-            continue;
-        try {
-            writeFile(backup, bytes, Existing::Refuse);
-            return backup;
-        } catch (const Error& error) {
-            if (error.kind() != ErrorKind::OutputExists)
-                throw;
-        }
+        QString name = number == 1 ? path : path + QString::number(number);
+        if (file.takeFreePlace(QFile::encodeName(name)))
+            return name;
+        if (errno != EEXIST)
+            failToWrite(name);
     }
 }
 
 } // namespace
+
+bool isStream(const QString& path) {
+    if (path == standardStream || ownDescriptor(path))
+        return true;
+    const auto status = statusOf(path);
+    return status && !S_ISREG(status->st_mode) && !S_ISDIR(status->st_mode);
+}
+
+bool isStandardOutput(const QString& path) {
+    return path == standardStream || ownDescriptor(path) == STDOUT_FILENO;
+}
 
 QByteArray readFile(const QString& path) {
     QFile file(path);
@@ -195,38 +168,91 @@ QByteArray readFile(const QString& path) {
     return bytes;
 }
 
-void writeFile(const QString& path, const QByteArray& bytes, Existing existing) {
-    if (path == standardStream) {
-        writeStandardOutput(bytes);
+std::optional<mode_t> permissionsOf(const QString& path) {
+    struct stat status = {};
+    const bool isThere = path == standardStream ? fstat(STDIN_FILENO, &status) == 0
+                                                : stat(QFile::encodeName(path).constData(), &status) == 0;
+    return isThere && S_ISREG(status.st_mode) ? std::optional(status.st_mode & 0777) : std::nullopt;
+}
+
+void checkTarget(const QString& path, const WriteOptions& options) {
+    if (path == standardStream)
+        return;
+    const auto status = linkStatusOf(path);
+    if (status && options.onlyRegularFiles && !S_ISREG(status->st_mode))
+        throw Error(ErrorKind::Unwritable,
+                    {.file = path, .reason = kindOf(*status), .obstacle = WriteObstacle::NotRegular});
+    if (isStream(path))
+        return;
+    if (!QFileInfo(QFileInfo(path).absolutePath()).isDir())
+        throw Error(ErrorKind::Unwritable, {.file = path,
+                                            .reason = qt_error_string(ENOENT).toStdString(),
+                                            .obstacle = WriteObstacle::NoFolder});
+    if (QFileInfo(path).isDir())
+        throw Error(ErrorKind::Unwritable, {.file = path,
+                                            .reason = qt_error_string(EISDIR).toStdString(),
+                                            .obstacle = WriteObstacle::IsFolder});
+    if (status && options.existing == Existing::Refuse)
+        fail(ErrorKind::OutputExists, path);
+}
+
+PendingFile::PendingFile(const QString& path, const QByteArray& bytes, const WriteOptions& options)
+    : m_path(path), m_options(options) {
+    checkTarget(path, options);
+    if (isStream(path)) {
+        m_streamBytes = bytes;
         return;
     }
-    const QFileInfo target(path);
-    if (target.exists() && !target.isFile() && !target.isDir()) {
-        writeInto(path, bytes);
+    const auto [existing, permissions, onlyRegularFiles] = options;
+    m_target = QFile::encodeName(onlyRegularFiles ? path : resolved(path));
+    const auto status = statusOf(path);
+    if (status && access(m_target.constData(), W_OK) != 0)
+        failToWrite(path);
+    using Access = TemporaryFile::Access;
+    m_temporary =
+        std::make_unique<TemporaryFile>(m_target, status || permissions ? Access::Owner : Access::Anyone);
+    if (status)
+        m_temporary->takeAttributesOf(m_target, *status, permissions.value_or(07777));
+    else if (permissions)
+        m_temporary->setPermissions(*permissions);
+    if (!m_temporary->write(bytes) || !m_temporary->close())
+        failToWrite(path);
+}
+
+void PendingFile::commit() {
+    if (!m_temporary) {
+        writeInto(m_path, m_streamBytes);
         return;
     }
-    if (existing == Existing::Refuse)
-        writeWhereNothingIs(path, bytes);
-    else
-        writeOver(path, bytes);
-    syncFolder(path);
+    if (m_options.existing == Existing::Replace) {
+        if (!m_temporary->replace(m_target))
+            failToWrite(m_path);
+    } else if (!m_temporary->takeFreePlace(m_target)) {
+        if (errno == EEXIST)
+            fail(ErrorKind::OutputExists, m_path);
+        failToWrite(m_path);
+    }
+    m_temporary.reset();
+    syncFolder(QFile::decodeName(m_target));
+}
+
+void writeFile(const QString& path, const QByteArray& bytes, const WriteOptions& options) {
+    PendingFile(path, bytes, options).commit();
 }
 
 FileInPlace::FileInPlace(const QString& path)
-    : m_path(path),
-      m_descriptor(open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)), m_state() {
-    struct stat status = {};
-    if (m_descriptor < 0 || fstat(m_descriptor, &status) != 0)
+    : m_path(path), m_target(resolved(path)),
+      m_descriptor(open(QFile::encodeName(m_target).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
+    if (m_descriptor < 0 || fstat(m_descriptor, &m_status) != 0)
         fail(ErrorKind::Unreadable, path, systemError());
-    m_state = stateOf(status);
     try {
-        if (!S_ISREG(status.st_mode))
+        if (!S_ISREG(m_status.st_mode))
             fail(ErrorKind::NoRegularFile, path);
-        // If the file system has no locks, only the check before writing protects the file.
+        // Where the file system knows no locks, the check before writing is what there is.
         const bool isTaken = flock(m_descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
-        if (isTaken || m_state != stateOfPath())
+        if (isTaken || stateOf(m_status) != stateOfTarget())
             fail(ErrorKind::InUse, path);
-        m_bytes = readFile(path);
+        m_bytes = readFile(m_target);
     } catch (const Error&) {
         close(m_descriptor);
         throw;
@@ -237,17 +263,36 @@ FileInPlace::~FileInPlace() {
     close(m_descriptor);
 }
 
-QString FileInPlace::replace(const QByteArray& bytes) {
-    QString backup = keepBackup(m_path, m_bytes);
-    try {
-        if (m_state != stateOfPath())
-            fail(ErrorKind::ChangedMeanwhile, m_path);
-        writeFile(m_path, bytes);
-    } catch (const Error&) {
-        QFile::remove(backup);
-        throw;
-    }
-    return backup;
+Replacement FileInPlace::replace(const QByteArray& bytes) {
+    refuseChanges();
+    const QByteArray target = QFile::encodeName(m_target);
+    const QString backupName = m_target + QStringLiteral(".bak");
+    TemporaryFile backup(QFile::encodeName(backupName), TemporaryFile::Access::Owner);
+    backup.takeAttributesOf(target, m_status);
+    if (!backup.write(m_bytes) || !backup.takeTimesOf(m_status) || !backup.close())
+        failToWrite(backupName);
+    if (access(target.constData(), W_OK) != 0)
+        failToWrite(m_target);
+    TemporaryFile result(target, TemporaryFile::Access::Owner);
+    result.takeAttributesOf(target, m_status);
+    if (!result.write(bytes) || !result.close())
+        failToWrite(m_target);
+
+    Replacement done{m_target, {}, m_target != m_path, static_cast<qint64>(m_status.st_nlink) - 1};
+    const HeldSignals held;
+    refuseChanges();
+    done.backup = placeBackup(backup, backupName);
+    Unfinished placed(QFile::encodeName(done.backup), Unfinished::Kind::File);
+    if (!result.replace(target))
+        failToWrite(m_target);
+    placed.keep();
+    syncFolder(m_target);
+    return done;
+}
+
+void FileInPlace::refuseChanges() const {
+    if (stateOf(m_status) != stateOfTarget())
+        fail(ErrorKind::ChangedMeanwhile, m_path);
 }
 
 FileInPlace::State FileInPlace::stateOf(const struct stat& status) {
@@ -256,9 +301,9 @@ FileInPlace::State FileInPlace::stateOf(const struct stat& status) {
             static_cast<long long>(status.st_mtim.tv_nsec)};
 }
 
-FileInPlace::State FileInPlace::stateOfPath() const {
-    struct stat status = {};
-    return stat(QFile::encodeName(m_path).constData(), &status) == 0 ? stateOf(status) : State();
+FileInPlace::State FileInPlace::stateOfTarget() const {
+    const auto status = statusOf(m_target);
+    return status ? stateOf(*status) : State();
 }
 
 } // namespace Reader

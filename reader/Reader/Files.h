@@ -1,42 +1,94 @@
 #pragma once
 
+#include "Reader/TemporaryFile.h"
+
 #include <QByteArray>
 #include <QString>
 
 #include <sys/stat.h>
 
 #include <array>
+#include <memory>
+#include <optional>
 
-// Threads: all functions are thread-safe. If two threads write a file at once, it has the content of one of
-// them.
+// Threads: every function here may be called from any thread at any time. A file that two threads write at once has
+// the content of one of them.
 
 namespace Reader {
 
-/// The path that means standard input or standard output.
+/// As a path: standard input or output.
 inline const QString standardStream = QStringLiteral("-");
 
-/// In bytes. Larger files are refused: their tree would not fit into memory.
+/// Files larger than this are refused; a tree of one would fill any machine.
 inline constexpr qint64 greatestFile = qint64(1) << 30;
 
-/// Reads a whole file, or standard input. Throws Error.
+/// Whether bytes go into what has this name and never replace it: standard output, a device, a pipe, or a descriptor
+/// that this process has open ("/dev/stdout").
+bool isStream(const QString& path);
+
+/// Whether that is standard output, also under a name of the system's.
+bool isStandardOutput(const QString& path);
+
+/// Reads a whole file. Throws Error.
 QByteArray readFile(const QString& path);
 
-/// Whether writing a file replaces an existing one or throws Error.
+/// The permissions of a regular file; none where there is no such. For standard input those of what it is.
+std::optional<mode_t> permissionsOf(const QString& path);
+
+/// What happens to a file that exists where one is to be written.
 enum class Existing { Replace, Refuse };
 
-/// Writes a whole file, or standard output. Writes a temporary file in the same folder, syncs and renames it,
-/// so that after a crash there is either the old file or the new one. A device or a pipe is written directly.
-/// Throws Error.
-void writeFile(const QString& path, const QByteArray& bytes, Existing existing = Existing::Replace);
+struct WriteOptions {
+    Existing existing = Existing::Replace;
+    /// Those of the file that the content comes from. A new file gets them, and one that is replaced keeps those of its
+    /// own that are among them; none leaves them to the process.
+    std::optional<mode_t> permissions = {};
+    /// Refuses anything but a regular file: for names that the user has not written out, where a link, a pipe or a
+    /// device is a trap. Otherwise links are followed, and pipes and devices written into.
+    bool onlyRegularFiles = false;
+};
 
-/// A file that is read, changed and written back. It is locked for as long as the object exists: a second
-/// object for the same file is refused. Changes that others make to the file in the meantime are not
-/// overwritten.
+/// Throws the Error that a write would end with, as far as that is known before.
+void checkTarget(const QString& path, const WriteOptions& options);
+
+/// A file that is written and not yet in its place: the bytes are in a temporary file beside it, synced. Whatever
+/// happens, the old file is there or the new one. A stream gets its bytes with commit().
 ///
-/// Threads: not thread-safe.
+/// Threads: one object belongs to one thread at a time.
+class PendingFile {
+public:
+    /// Throws Error.
+    PendingFile(const QString& path, const QByteArray& bytes, const WriteOptions& options = {});
+
+    /// Puts the file in its place. Throws Error.
+    void commit();
+
+private:
+    QString m_path;
+    WriteOptions m_options;
+    QByteArray m_streamBytes;
+    QByteArray m_target;                        ///< where m_path leads
+    std::unique_ptr<TemporaryFile> m_temporary; ///< none for a stream
+};
+
+/// Writes a whole file, as PendingFile does. Throws Error.
+void writeFile(const QString& path, const QByteArray& bytes, const WriteOptions& options = {});
+
+/// What FileInPlace::replace() did.
+struct Replacement {
+    QString target;        ///< the file that was replaced: where a link leads, else the path itself
+    QString backup;        ///< beside the target
+    bool isLinked = false; ///< the path is a symbolic link, which stays
+    qint64 otherNames = 0; ///< hard links of the file, which keep the old content
+};
+
+/// A file that is read, changed and written back. While one lives, a second of the same file is refused, and what
+/// others did to the file in the meantime is not written over.
+///
+/// Threads: one object belongs to one thread at a time.
 class FileInPlace {
 public:
-    /// Locks and reads the file. Throws Error, also if it is already locked.
+    /// Throws Error where another run has the file.
     explicit FileInPlace(const QString& path);
     ~FileInPlace();
     FileInPlace(const FileInPlace&) = delete;
@@ -44,20 +96,23 @@ public:
 
     const QByteArray& bytes() const { return m_bytes; }
 
-    /// Saves the old content as `<path>.bak`, with a number if such a file exists, and writes the file.
-    /// Returns the backup's path. If it throws Error, the file is unchanged and there is no new backup.
-    QString replace(const QByteArray& bytes);
+    /// Writes the file and keeps what it was as `<path>.bak`, or under a number where such a file exists already.
+    /// Both have the file's owner, permissions and extended attributes, the backup its times too. Throws Error; the
+    /// file is as it was then, and no backup is left behind.
+    Replacement replace(const QByteArray& bytes);
 
 private:
-    /// Identifies a state of a file: device, file number, size and time of change.
+    /// Differs between any two states of a file: device, file number, size and time of change.
     using State = std::array<long long, 5>;
 
     static State stateOf(const struct stat& status);
-    State stateOfPath() const;
+    State stateOfTarget() const;
+    void refuseChanges() const;
 
     QString m_path;
+    QString m_target; ///< where m_path leads
     int m_descriptor;
-    State m_state;
+    struct stat m_status = {}; ///< before it was read
     QByteArray m_bytes;
 };
 

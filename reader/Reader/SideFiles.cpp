@@ -1,7 +1,6 @@
 #include "Reader/SideFiles.h"
 
 #include "Reader/Error.h"
-#include "Reader/Files.h"
 
 #include <QDir>
 #include <QFile>
@@ -11,6 +10,8 @@
 #include <glog/logging.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include <utility>
 
 namespace Reader {
 namespace {
@@ -47,7 +48,11 @@ private:
 
 } // namespace
 
-SideFiles::SideFiles(const QString& folder, bool replace) : m_folder(folder), m_replace(replace) {}
+SideFiles::SideFiles(const QString& folder, const WriteOptions& options,
+                     std::shared_ptr<UnfinishedParts> made)
+    : m_folder(folder), m_options(options), m_made(std::move(made)) {
+    m_options.onlyRegularFiles = true;
+}
 
 QByteArray SideFiles::read(const QString& name) const {
     if (m_folder.isEmpty()) {
@@ -85,12 +90,20 @@ bool SideFiles::write(const QString& name, const QByteArray& content) const {
         refuse(name, "refused, since no regular file is there, so the text stays in the document");
         return false;
     }
-    if (!m_replace && present.exists()) {
+    const bool isNew = !present.exists();
+    if (m_options.existing == Existing::Refuse && !isNew) {
         refuse(name, "exists already, so the text stays in the document");
         return false;
     }
     try {
-        writeFile(path, content);
+        WriteOptions options = m_options;
+        if (isNew) // and still is when it is written
+            options.existing = Existing::Refuse;
+        PendingFile file(path, content, options);
+        const HeldSignals held;
+        file.commit();
+        if (m_made && isNew)
+            m_made->add(QFile::encodeName(path), Unfinished::Kind::File);
         return true;
     } catch (const Error& error) {
         refuse(name, std::string("not written, so the text stays in the document: ") + error.what());

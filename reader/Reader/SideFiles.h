@@ -1,30 +1,37 @@
 #pragma once
 
+#include "Reader/Files.h"
+#include "Reader/Unfinished.h"
+
 #include <QByteArray>
 #include <QString>
 
+#include <memory>
+
 namespace Reader {
 
-/// The side files of a project, in one folder. Their names come from documents and may be hostile: a name is
-/// refused if it leads out of the folder, by "..", by an absolute path or by a link, or if it is no regular
-/// file. Failures are logged at ERROR.
+/// The side files of a project, in one folder. Names come from documents and are hostile until shown otherwise: one
+/// that leaves the folder, by "..", by an absolute path or by a link, or that is no regular file, is refused.
+/// What goes wrong is logged at ERROR.
 ///
-/// Threads: a plain value; read() and write() are thread-safe.
+/// Threads: a plain value; may be used from any thread.
 class SideFiles {
 public:
-    /// If `folder` is empty, nothing is read or written. Existing files are replaced only if `replace` is
-    /// set.
-    explicit SideFiles(const QString& folder, bool replace = false);
+    /// Without a folder, an empty one, nothing is read or written. What is no regular file is never written over.
+    /// New files are added to `made`, where that is given, so that they go again with a project that is not written.
+    explicit SideFiles(const QString& folder, const WriteOptions& options = {Existing::Refuse},
+                       std::shared_ptr<UnfinishedParts> made = {});
 
-    /// The content of a file; empty for one that is refused or can't be read.
+    /// The content of a file; nothing for one that is refused or can't be read.
     QByteArray read(const QString& name) const;
 
-    /// Writes a file completely or not at all, and never through a link. Returns whether it was written.
+    /// Writes a file as a whole or not at all, and never through a link; whether it is there now.
     bool write(const QString& name, const QByteArray& content) const;
 
 private:
     QString m_folder;
-    bool m_replace;
+    WriteOptions m_options;
+    std::shared_ptr<UnfinishedParts> m_made;
 };
 
 } // namespace Reader

@@ -3,8 +3,11 @@
 #include "Reader/AdaptorTable.h"
 #include "Reader/Error.h"
 #include "Reader/Files.h"
+#include "Reader/Unfinished.h"
 
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 
 #include <optional>
 
@@ -18,6 +21,10 @@ QByteArray bytesOf(const Document& document, std::optional<int> version) {
 }
 
 } // namespace
+
+Trace::Trace(const QString& folder, const WriteOptions& options) : m_folder(folder), m_options(options) {
+    m_options.onlyRegularFiles = true;
+}
 
 void Trace::note(const MigrationPart& part, const Document& document) {
     if (part.kind == MigrationPart::Kind::Comparison)
@@ -41,10 +48,17 @@ QString Trace::write(const Entry& entry, const Document& document) const {
     const QString name = QStringLiteral("%1-%2.%3")
                              .arg(entry.place, 2, 10, QLatin1Char('0'))
                              .arg(QString::fromStdString(entry.className), document.isXml() ? "xml" : "json");
-    if (!QDir().mkpath(m_folder))
-        throw Error(ErrorKind::Unwritable, {.file = m_folder, .reason = "the folder can't be made"});
+    std::optional<Unfinished> newFolder;
+    if (!QFileInfo(m_folder).isDir()) {
+        const HeldSignals held;
+        if (!QDir().mkpath(m_folder))
+            throw Error(ErrorKind::Unwritable, {.file = m_folder, .reason = "the folder can't be made"});
+        newFolder.emplace(QFile::encodeName(m_folder), Unfinished::Kind::Folder);
+    }
     QString file = QDir(m_folder).filePath(name);
-    writeFile(file, bytesOf(document, m_version), m_existing);
+    writeFile(file, bytesOf(document, m_version), m_options);
+    if (newFolder)
+        newFolder->keep();
     return file;
 }
 

@@ -12,25 +12,23 @@
 
 namespace Reader {
 
-/// Writes the document to a file after each adaptor that changed it, to find the adaptor that broke it. Call
-/// note() from MigrationOptions::watch.
+/// Writes a document after each adaptor that changed it, to find the one that broke it. MigrationOptions::watch calls
+/// note().
 ///
-/// Threads: may be used only by the thread of its migration.
+/// Threads: belongs to the thread of its migration.
 class Trace {
 public:
-    /// An adaptor that ran: its position among these, from 1, and the file with the document after it.
+    /// The adaptor's place among those that ran, from 1, and the file with the document as it was after it.
     struct Entry {
         int place;
         std::string className;
-        QString file; ///< empty if the adaptor changed nothing
+        QString file; ///< empty where the adaptor changed nothing
     };
 
-    /// Files are written to `folder`, which is created if it is missing.
-    explicit Trace(const QString& folder, Existing existing = Existing::Refuse)
-        : m_folder(folder), m_existing(existing) {}
+    /// Files go to `folder`, which is made where it is missing. What is no regular file is never written over.
+    explicit Trace(const QString& folder, const WriteOptions& options = {Existing::Refuse});
 
-    /// Writes the document if the part changed it. The file is named by position and class,
-    /// "07-V12_ClipPreviewAdaptor.xml". Throws Error.
+    /// Files are called by place and class name, "07-V12_ClipPreviewAdaptor.xml". Throws Error.
     void note(const MigrationPart& part, const Document& document);
 
     const std::vector<Entry>& entries() const { return m_entries; }
@@ -39,8 +37,8 @@ private:
     QString write(const Entry& entry, const Document& document) const;
 
     QString m_folder;
-    Existing m_existing;
-    int m_version = 0; ///< the current version of the document
+    WriteOptions m_options;
+    int m_version = 0; ///< that the document has reached
     QByteArray m_last; ///< the document after the last part
     std::vector<Entry> m_entries;
 };

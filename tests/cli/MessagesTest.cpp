@@ -65,10 +65,10 @@ TEST(Messages, CodesAreThoseOfTheTable) {
         EXPECT_EQ(messageFor(Error(kind, {})).code, code) << Reader::nameOf(kind);
     EXPECT_EQ(Messages::unexpected("x").code, 1);
     EXPECT_EQ(Messages::inPlaceNeedsFile().code, 2);
-    EXPECT_EQ(Messages::notOneProject(film, 2).code, 3);
+    EXPECT_EQ(Messages::notOneProject(film, {}).code, 3);
     EXPECT_EQ(Messages::refusedByStrict(film).code, 14);
     EXPECT_EQ(Messages::folderNotMade(film).code, 15);
-    EXPECT_EQ(Messages::outOfMemory(film).code, 18);
+    EXPECT_EQ(Messages::outOfMemory(film, "allowed").code, 18);
 }
 
 struct Sentence {
@@ -244,6 +244,9 @@ TEST(Messages, TheLibraryNamesNeitherOptionsNorCommands) {
 }
 
 TEST(Messages, AMessageIsALineForPeople) {
+    const std::string two = Messages::asText(Messages::notOneProject(QStringLiteral("old"), {"a.xml", "b.json"}));
+    EXPECT_EQ(two, "adaptors: error: old: the folder of a project holds one .xml or .json file, and this one holds 2: "
+                   "a.xml, b.json; name the project's own file\n");
     const Message message = Messages::unexpected("two\nlines\x1b[31m \xff");
     EXPECT_EQ(Messages::asText(message),
               "adaptors: error: unexpected: two\\nlines\\x1b[31m \\xff; please report this "

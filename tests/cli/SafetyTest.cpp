@@ -35,14 +35,6 @@ namespace {
 
 class SafetyTest : public Tests::ProgramTest {
 protected:
-    /// Runs the program in a shell that runs `first` before. In the shell, "$@" is the call of the program.
-    Outcome runAfter(const QString& first, const QStringList& arguments) const {
-        return Tests::runCommand(QStringLiteral("/bin/sh"),
-                                 QStringList{"-c", first + "exec \"$@\"", "sh",
-                                             QString::fromStdString(Tests::program().string())} +
-                                     arguments,
-                                 m_folder.path());
-    }
     void expectWriteError(const Outcome& outcome, const QByteArray& file, const QByteArray& remedy) const {
         EXPECT_EQ(outcome.exitCode, 15) << outcome.err.toStdString();
         EXPECT_TRUE(outcome.err.contains(file + ": ")) << outcome.err.toStdString();
@@ -375,7 +367,7 @@ TEST_F(FilesTest, ConcurrentChangesAreNotOverwritten) {
 TEST_F(FilesTest, ReplacingKeepsABackup) {
     write("film.xml", "old");
     write("film.xml.bak", "earlier");
-    EXPECT_EQ(FileInPlace(path("film.xml")).replace("migrated"), path("film.xml.bak2"));
+    EXPECT_EQ(FileInPlace(path("film.xml")).replace("migrated").backup, path("film.xml.bak2"));
     EXPECT_EQ(read("film.xml"), "migrated");
     EXPECT_EQ(read("film.xml.bak"), "earlier");
     EXPECT_EQ(read("film.xml.bak2"), "old");
@@ -389,18 +381,18 @@ TEST_F(FilesTest, OnlyRegularFilesAreReplaced) {
 
 TEST_F(FilesTest, AFileThatAppearsMeanwhileIsNotReplaced) {
     write("film.json", "precious");
-    EXPECT_EQ(kindOf([&] { Reader::writeFile(path("film.json"), "new", Reader::Existing::Refuse); }),
+    EXPECT_EQ(kindOf([&] { Reader::writeFile(path("film.json"), "new", {Reader::Existing::Refuse}); }),
               ErrorKind::OutputExists);
     EXPECT_EQ(read("film.json"), "precious");
     EXPECT_EQ(files(), QStringList{"film.json"});
     Reader::writeFile(path("film.json"), "new");
     EXPECT_EQ(read("film.json"), "new");
-    Reader::writeFile(path("other.json"), "new", Reader::Existing::Refuse);
+    Reader::writeFile(path("other.json"), "new", {Reader::Existing::Refuse});
     EXPECT_EQ(read("other.json"), "new");
     EXPECT_EQ(files(), (QStringList{"film.json", "other.json"}));
     // A link to a missing file exists as well.
     ASSERT_EQ(symlink("nowhere", QFile::encodeName(path("link.json")).constData()), 0);
-    EXPECT_EQ(kindOf([&] { Reader::writeFile(path("link.json"), "new", Reader::Existing::Refuse); }),
+    EXPECT_EQ(kindOf([&] { Reader::writeFile(path("link.json"), "new", {Reader::Existing::Refuse}); }),
               ErrorKind::OutputExists);
 }
 
@@ -424,7 +416,7 @@ TEST_F(FilesTest, APipeIsWrittenDirectly) {
     ASSERT_EQ(mkfifo(pipe.constData(), 0600), 0);
     const int end = open(pipe.constData(), O_RDONLY | O_NONBLOCK);
     ASSERT_GE(end, 0);
-    Reader::writeFile(path("pipe"), "migrated", Reader::Existing::Refuse);
+    Reader::writeFile(path("pipe"), "migrated", {Reader::Existing::Refuse});
     std::array<char, 64> bytes = {};
     EXPECT_EQ(::read(end, bytes.data(), bytes.size()), 8);
     EXPECT_STREQ(bytes.data(), "migrated");

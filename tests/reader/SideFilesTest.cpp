@@ -19,6 +19,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+using Reader::Existing;
 using Reader::SideFiles;
 
 namespace {
@@ -178,7 +179,7 @@ TEST_F(SideFilesTest, FilesAreWrittenUnchanged) {
     const Log log;
     EXPECT_TRUE(SideFiles(bundle()).write(QStringLiteral("content_2.svg"), "<svg>\r\n\xc3\xa9</svg>"));
     EXPECT_EQ(get("film/content_2.svg"), "<svg>\r\n\xc3\xa9</svg>");
-    EXPECT_TRUE(SideFiles(bundle(), true).write(QStringLiteral("content_1.svg"), "<svg>new</svg>"));
+    EXPECT_TRUE(SideFiles(bundle(), {Existing::Replace}).write(QStringLiteral("content_1.svg"), "<svg>new</svg>"));
     EXPECT_EQ(get("film/content_1.svg"), "<svg>new</svg>");
     EXPECT_EQ(files(), QStringList({"content_1.svg", "content_2.svg", "sub"}));
     EXPECT_TRUE(log.lines().empty());
@@ -191,8 +192,8 @@ TEST_F(SideFilesTest, AnExistingFileIsNotReplacedByDefault) {
 
 TEST_F(SideFilesTest, NothingIsWrittenThroughALinkOrIntoAPipe) {
     const auto expectRefusal = [this] {
-        for (const bool replace : {false, true})
-            expectNotWritten(SideFiles(bundle(), replace), "refused, since no regular file is there");
+        for (const Existing existing : {Existing::Refuse, Existing::Replace})
+            expectNotWritten(SideFiles(bundle(), {existing}), "refused, since no regular file is there");
         ASSERT_TRUE(QFile::remove(path("film/content_1.svg")));
     };
     ASSERT_TRUE(QFile::remove(path("film/content_1.svg")));
@@ -205,7 +206,7 @@ TEST_F(SideFilesTest, NothingIsWrittenThroughALinkOrIntoAPipe) {
     ASSERT_EQ(mkfifo(QFile::encodeName(path("film/content_1.svg")).constData(), 0600), 0);
     expectRefusal();
     ASSERT_TRUE(QDir(bundle()).mkdir(QStringLiteral("content_1.svg")));
-    expectNotWritten(SideFiles(bundle(), true), "refused, since no regular file is there");
+    expectNotWritten(SideFiles(bundle(), {Existing::Replace}), "refused, since no regular file is there");
 }
 
 TEST_F(SideFilesTest, AMissingFolderGetsNoFile) {
@@ -220,7 +221,7 @@ TEST_F(SideFilesTest, AnInterruptedWriteKeepsTheOldFile) {
     const auto handler = std::signal(SIGXFSZ, SIG_IGN);
     const rlimit little = {5, before.rlim_max};
     ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &little), 0);
-    expectNotWritten(SideFiles(bundle(), true), "not written");
+    expectNotWritten(SideFiles(bundle(), {Existing::Replace}), "not written");
     setrlimit(RLIMIT_FSIZE, &before);
     std::signal(SIGXFSZ, handler);
     EXPECT_EQ(get("film/content_1.svg"), "<svg/>");

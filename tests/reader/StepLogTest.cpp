@@ -5,6 +5,7 @@
 
 #include <glog/logging.h>
 
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -48,6 +49,36 @@ TEST(StepLog, IgnoresLinesOfOtherThreads) {
     ASSERT_EQ(there.size(), 1u);
     EXPECT_EQ(there[0].step, "there");
     EXPECT_EQ(there[0].text, "wrong there");
+}
+
+TEST(StepLog, CutsLongLinesBetweenCharacters) {
+    // glog keeps some 30,000 bytes of a line; the beginning moves the cut through a character of two, three and four.
+    for (const std::string character : {"\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x8E\xAC"}) {
+        for (std::size_t shift = 0; shift < character.size(); ++shift) {
+            std::string text(shift, 'a');
+            while (text.size() < 40000)
+                text += character;
+            std::vector<Reader::LogLine> lines;
+            const Reader::StepLog log("step", lines);
+            LOG(ERROR) << text;
+            ASSERT_EQ(lines.size(), 1u);
+            const std::string& kept = lines[0].text;
+            EXPECT_GT(kept.size(), 29000u);
+            EXPECT_LT(kept.size(), text.size());
+            EXPECT_EQ(kept, text.substr(0, kept.size()));
+            EXPECT_EQ((kept.size() - shift) % character.size(), 0u) << shift;
+        }
+    }
+}
+
+TEST(StepLog, KeepsTheLastCharacterOfShortLines) {
+    for (const char* text : {"a", "\xC3\xA9", "a\xE2\x82\xAC", "\xF0\x9F\x8E\xAC", ""}) {
+        std::vector<Reader::LogLine> lines;
+        const Reader::StepLog log("step", lines);
+        LOG(ERROR) << text;
+        ASSERT_EQ(lines.size(), 1u);
+        EXPECT_EQ(lines[0].text, text);
+    }
 }
 
 TEST(Conversion, GivesTheLastVersionOfArchives) {

@@ -34,4 +34,8 @@ std::filesystem::path program() {
     return ADAPTORS_PROGRAM;
 }
 
+std::filesystem::path poorFileSystem() {
+    return POOR_FILE_SYSTEM;
+}
+
 } // namespace Tests

@@ -13,5 +13,6 @@ std::filesystem::path fuzzCorpusFolder(); ///< seeds and findings, a folder for 
 std::filesystem::path schemaFolder();     ///< of the JSON that the program prints
 std::filesystem::path jsonChecker();      ///< a Python script that holds JSON against those
 std::filesystem::path program();
+std::filesystem::path poorFileSystem(); ///< a library to preload, see tests/preload
 
 } // namespace Tests

@@ -19,6 +19,14 @@ protected:
     Outcome run(const QStringList& arguments, const QByteArray& input = {}) const {
         return runProgram(arguments, m_folder.path(), input);
     }
+    /// Runs the program by way of a shell that does `first` before; "$@" is the program's call there.
+    Outcome runAfter(const QString& first, const QStringList& arguments) const {
+        return runCommand(
+            QStringLiteral("/bin/sh"),
+            QStringList{"-c", first + "exec \"$@\"", "sh", QString::fromStdString(program().string())} +
+                arguments,
+            m_folder.path());
+    }
     QString path(const QString& name) const { return m_folder.filePath(name); }
     void write(const QString& name, const QByteArray& bytes) const {
         QFile file(path(name));
