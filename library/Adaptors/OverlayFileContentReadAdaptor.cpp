@@ -19,7 +19,8 @@ void bringBack(QDomElement& text, const QByteArray& content) {
     Archive::Internal::setType(text, QStringLiteral("String"));
     // Under any other tag the name of the file stays as the text.
     if (text.tagName() == QLatin1String("text"))
-        text.setAttribute(Words::value, QString::fromUtf8(content));
+        // Without the size it ends at a NUL character.
+        text.setAttribute(Words::value, QString::fromUtf8(content.constData(), content.size()));
     else if (text.tagName() == QLatin1String("encodedText"))
         text.setAttribute(Words::value, toBase64(content));
     Archive::Internal::Outline::wrote(text.attribute(Words::value));
