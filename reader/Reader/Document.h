@@ -12,6 +12,7 @@
 #include <optional>
 #include <string>
 #include <variant>
+#include <vector>
 
 namespace Archive::Internal {
 struct TreeFacts;
@@ -36,8 +37,10 @@ struct JsonDocument : FlatDocument {
 /// Threads: one document belongs to one thread at a time, also for reading; different ones do not disturb each other.
 class Document {
 public:
-    explicit Document(const QDomDocument& xml, std::optional<int> version = std::nullopt);
-    explicit Document(JsonDocument json, std::optional<int> version = std::nullopt);
+    explicit Document(const QDomDocument& xml, std::optional<int> version = std::nullopt,
+                      std::optional<int> statedVersion = std::nullopt);
+    explicit Document(JsonDocument json, std::optional<int> version = std::nullopt,
+                      std::optional<int> statedVersion = std::nullopt);
     ~Document();
     Document(Document&& other) noexcept;
     Document& operator=(Document&& other) noexcept;
@@ -48,6 +51,9 @@ public:
     /// The schema version; none where the document names none.
     std::optional<int> version() const { return m_version; }
     void setVersion(std::optional<int> version) { m_version = version; }
+
+    /// The schema version that the document itself named when it was read; none where it named none or no number.
+    std::optional<int> statedVersion() const { return m_statedVersion; }
 
     /// The content of that form, which the document must have. The non-const xml() hands the tree out to be changed.
     QDomDocument& xml();
@@ -65,12 +71,13 @@ private:
 
     std::variant<QDomDocument, JsonDocument> m_content;
     std::optional<int> m_version;
+    std::optional<int> m_statedVersion;
     /// What the parser saw of the tree; null for JSON, and once the tree was handed out to be changed.
     std::unique_ptr<Archive::Internal::TreeFacts> m_facts;
 };
 
 /// Reads a project of either form; `name` is the file's name for errors. `version` replaces what the document says of
-/// its schema version, however wrong that is. Throws Error.
+/// its schema version, however wrong that is, but must be one of its form. Throws Error.
 ///
 /// Threads: may be called from any thread at any time.
 Document parse(const QByteArray& bytes, const QString& name, std::optional<int> version = std::nullopt);
@@ -80,9 +87,15 @@ Document parse(const QByteArray& bytes, const QString& name, std::optional<int> 
 /// Threads: as parse().
 JsonDocument openEnvelope(nlohmann::json envelope, const QString& name);
 
+/// Throws Error for a known schema version whose documents have the other form.
+///
+/// Threads: as parse().
+void checkForm(Bundle::Backend form, int version, const QString& name);
+
 struct Serialized {
     QByteArray bytes;
     std::size_t leftOut = 0; ///< objects that nothing reaches from the root and JSON therefore does not hold
+    std::vector<MovedNumber> moved; ///< wide numbers that a step put in another place: they lost digits
 };
 
 /// The project as it is saved, with its schema version. The same document gives the same bytes on every run.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Reader/WideNumbers.h"
 #include "Serialize/Json/FlatObject.h"
 
 #include <cstddef>
@@ -15,12 +16,13 @@ struct FlatDocument {
     unsigned long long root = 0; ///< id of the project's root object
 };
 
-/// What flatten() found to mend.
+/// What flatten() found, and what it changed for the steps.
 struct FlattenNotes {
     std::vector<unsigned long long> duplicateIds; ///< ids that a later object had too, ascending, each once
     std::size_t missingIds = 0;                   ///< objects without an id of their own
     /// Where links to a duplicate id go now: the first object of that id that is no base class part.
     std::map<unsigned long long, unsigned long long> redirected;
+    WideNumbers wideNumbers; ///< whole numbers that steps see as floating numbers
 };
 
 /// Whether a value is a class object: an object whose "@meta" is an object.

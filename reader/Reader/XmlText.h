@@ -14,10 +14,16 @@ namespace Reader {
 /// level, and a step that looks through all below each object looks at what is deep again and again.
 inline constexpr int maxXmlDepth = 10000;
 
+/// Archives are refused where the depths of all tags, added up, are more than the first number and the second one for
+/// each tag: each change of an element takes a walk up to the root. A project has average depths below 20.
+inline constexpr long long maxXmlNesting = 64'000'000;
+inline constexpr long long maxXmlNestingOfEach = 64;
+
 /// Elements with more attributes than this are refused: the parser compares each attribute with all others.
 inline constexpr int maxXmlAttributes = 256;
 
-/// Reads XML text; `name` is the file's name for errors. Throws Error with line and column for text that is not
+/// Reads XML text in UTF-8, UTF-16, or an encoding that it declares and that writes ASCII characters as one byte; `name`
+/// is the file's name for errors. Throws Error with line and column for text that is not
 /// well-formed, for document type declarations (the format has none), and for hostile depth or
 /// numbers of attributes. `facts`, where they are given, get what the tree holds.
 ///

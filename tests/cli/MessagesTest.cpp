@@ -63,6 +63,7 @@ TEST(Messages, CodesAreThoseOfTheTable) {
         {ErrorKind::NoWayBack, 12},        {ErrorKind::StepFailed, 13},
         {ErrorKind::Unwritable, 15},       {ErrorKind::InUse, 15},
         {ErrorKind::ChangedMeanwhile, 15}, {ErrorKind::OutputExists, 16},
+        {ErrorKind::WrongForm, 12},
     };
     EXPECT_EQ(codes.size(), allKinds().size());
     for (const auto& [kind, code] : codes)
@@ -92,12 +93,28 @@ TEST(Messages, PlacesComeFirst) {
     EXPECT_EQ(step.step, "V7_PenEnableAdaptor");
 }
 
+TEST(Messages, ADocumentThatWasCutOffIsRestored) {
+    for (const ErrorKind kind : {ErrorKind::BrokenXml, ErrorKind::BrokenJson})
+        EXPECT_EQ(textFor(kind, {.file = film, .byte = 9, .reason = "the file ends", .isCutOff = true}),
+                  "film.xml: the file ends; restore the file from a backup");
+}
+
+TEST(Messages, AFileThatIsNoProjectIsNamed) {
+    EXPECT_EQ(textFor(ErrorKind::UnknownForm, {.file = film, .reason = "a gzip archive; unpack it first"}),
+              "film.xml: a project is XML or JSON; this is a gzip archive; unpack it first");
+    EXPECT_EQ(textFor(ErrorKind::ForeignEncoding, {.file = film, .reason = "UTF-32"}),
+              "film.xml: the text is in UTF-32, an encoding that projects do not use; convert it to UTF-8");
+}
+
 TEST(Messages, RemediesNameTheOption) {
     const auto has = [](const std::string& text, const char* part) {
         return text.find(part) != std::string::npos;
     };
     EXPECT_TRUE(has(textFor(ErrorKind::NoVersion, someFacts()), "--from N"));
     EXPECT_TRUE(has(textFor(ErrorKind::BadVersion, someFacts()), "--from N"));
+    EXPECT_TRUE(has(textFor(ErrorKind::WrongForm, {.file = film, .version = 70, .reason = "JSON"}),
+                    "schema version 70 can't be JSON: documents are XML up to version 62, and JSON from "
+                    "version 59 on; give the right version with --from"));
     EXPECT_TRUE(has(textFor(ErrorKind::OutputExists, someFacts()), "--force"));
     EXPECT_TRUE(has(textFor(ErrorKind::UnreachableVersion, someFacts()),
                     "from 27 to 77, not to 26; give another one with --to"));
