@@ -52,7 +52,8 @@ QString TagScan::run() {
         if (depth > maxXmlDepth)
             m_refusal = QStringLiteral("elements are nested deeper than %1 levels").arg(maxXmlDepth);
         else if (nesting > mostNesting)
-            m_refusal = QStringLiteral("too many elements are nested deeply");
+            m_refusal =
+                QStringLiteral("too many elements are nested deeper than %1 levels").arg(maxXmlNestingOfEach);
     }
     return m_refusal;
 }

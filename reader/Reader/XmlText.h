@@ -16,7 +16,7 @@ inline constexpr int maxXmlDepth = 10000;
 
 /// Archives are refused where the depths of all tags, added up, are more than the first number and the second one for
 /// each tag: each change of an element takes a walk up to the root. A project has average depths below 20.
-inline constexpr long long maxXmlNesting = 64'000'000;
+inline constexpr long long maxXmlNesting = 32'000'000;
 inline constexpr long long maxXmlNestingOfEach = 64;
 
 /// Elements with more attributes than this are refused: the parser compares each attribute with all others.

@@ -35,7 +35,7 @@ Result migrated(const QByteArray& bytes) {
 TEST(WideNumbers, KeepTheirDigits) {
     const QByteArray fields =
         R"(,"a":18446744073709551616,"b":[-9223372036854775809,{"c":[[0,123456789012345678901234567890],1.5]}],)"
-        R"("d":{"@meta":{"class_name":"Note","object_id":5,"e":99999999999999999999},"f":{"g":99999999999999999999}},)"
+        R"("d":{"@meta":{"class_name":"Note","e":99999999999999999999,"object_id":5},"f":{"g":99999999999999999999}},)"
         R"("h":18446744073709551615,"i":1.8446744073709552e+19)";
     const Result result =
         migrated(project(fields, "76", R"("other":[340282366920938463463374607431768211456],)"));
@@ -67,7 +67,7 @@ TEST(WideNumbers, AreNoIds) {
 }
 
 TEST(WideNumbers, ACloneHasThem) {
-    const QByteArray text = project(R"(,"a":[18446744073709551617])", "76", R"("x":18446744073709551618,)");
+    const QByteArray text = project(R"(,"a":[18446744073709551617])", "76", R"("other":18446744073709551618,)");
     const Reader::Document document = Reader::parse(text, name);
     EXPECT_EQ(Reader::serialize(document.clone()).bytes, text + '\n');
     EXPECT_EQ(Reader::serialize(document.clone().clone()).bytes, text + '\n');

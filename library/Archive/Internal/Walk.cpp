@@ -14,6 +14,15 @@ QDomNodeList listOf(const QDomNode& below, const QString& tag) {
 
 Elements elements(const QDomNode& below, const QString& tag) {
     Elements result;
+    if (!below.isDocument() && !below.parentNode().isDocument()) {
+        // Each access to an entry of a list takes a walk up to the root.
+        const auto enter = [&](const QDomElement& e) {
+            if (e.tagName() == tag)
+                result.push_back(e);
+        };
+        walkElements(below, enter, [](const QDomElement&) {});
+        return result;
+    }
     const QDomNodeList list = listOf(below, tag);
     const int length = list.length();
     result.reserve(static_cast<std::size_t>(length));
