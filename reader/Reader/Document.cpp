@@ -66,6 +66,14 @@ StatedVersion versionIn(const json& envelope) {
     return stated;
 }
 
+/// Throws for a known schema version whose documents have the other form.
+void checkForm(Backend form, int version, const QString& name) {
+    const bool isOther = form == Backend::Xml ? version > lastXmlVersion : version < firstJsonVersion;
+    if (isOther && version <= currentVersion)
+        throw Error(ErrorKind::WrongForm,
+                    {.file = name, .version = version, .reason = formName(form).toStdString()});
+}
+
 /// The version to go by: `given`, or else what the document says.
 std::optional<int> chooseVersion(std::optional<int> given, const StatedVersion& stated, Backend form,
                                  const QString& name) {
@@ -171,13 +179,6 @@ Document parse(const QByteArray& bytes, const QString& name, std::optional<int> 
     default:
         fail(ErrorKind::UnknownForm, name, describeFile(bytes));
     }
-}
-
-void checkForm(Backend form, int version, const QString& name) {
-    const bool isOther = form == Backend::Xml ? version > lastXmlVersion : version < firstJsonVersion;
-    if (isOther && version <= currentVersion)
-        throw Error(ErrorKind::WrongForm,
-                    {.file = name, .version = version, .reason = formName(form).toStdString()});
 }
 
 JsonDocument openEnvelope(json envelope, const QString& name) {

@@ -87,11 +87,6 @@ Document parse(const QByteArray& bytes, const QString& name, std::optional<int> 
 /// Threads: as parse().
 JsonDocument openEnvelope(nlohmann::json envelope, const QString& name);
 
-/// Throws Error for a known schema version whose documents have the other form.
-///
-/// Threads: as parse().
-void checkForm(Bundle::Backend form, int version, const QString& name);
-
 struct Serialized {
     QByteArray bytes;
     std::size_t leftOut = 0; ///< objects that nothing reaches from the root and JSON therefore does not hold

@@ -133,7 +133,6 @@ void Migration::checkVersions() const {
     };
     if (from > currentVersion)
         fail(ErrorKind::TooNew);
-    checkForm(m_document.form(), from, m_options.name);
     if (to < from || to > currentVersion)
         fail(ErrorKind::UnreachableVersion);
     if (!m_document.isXml() && to <= lastXmlVersion)

@@ -57,7 +57,7 @@ Elements children(const QDomElement& parent, const QString& tag) {
 
 QDomElement firstDescendant(const QDomNode& below, const QString& tag) {
     // Mostly it is near. If not, the list of all is faster than a walk with handles.
-    int steps = 256;
+    int steps = 32;
     for (QDomNode node = nextInDocument(below, below); !node.isNull(); node = nextInDocument(node, below)) {
         if (node.isElement() && node.nodeName() == tag)
             return node.toElement();
