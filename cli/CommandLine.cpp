@@ -51,6 +51,9 @@ Exit codes:
 
 // Values
 
+/// What the parser gives for a flag without a value.
+constexpr const char* strictFlag = "true";
+
 /// Refuses an empty name.
 std::string checkName(const CLI::Option& option, const std::string& value) {
     if (value.empty())
@@ -147,20 +150,19 @@ void addFolders(CLI::App& command, Arguments& arguments) {
 
 // Options of each command
 
+/// A flag, so that the word behind it is not taken for its value: "--strict" or "--strict=all".
 void addStrict(CLI::App& command, Arguments& arguments) {
-    command
-        .add_option_function<std::string>(
-            "--strict",
-            [&arguments](const std::string& value) {
-                if (!value.empty() && value != "all")
-                    throw Messages::Failure(Messages::badValue("--strict", value, "all, or no value"));
-                arguments.strict = value.empty() ? Strictness::Unintended : Strictness::All;
-            },
-            "Write nothing where a step reports an error, or something is lost that the version did not mean "
-            "to "
-            "remove; with =all where anything is removed")
-        ->expected(0, 1)
-        ->type_name("[=all]");
+    CLI::Option* option = command.add_flag("--strict", arguments.strict,
+                                           "Write nothing where a step reports an error, or something is "
+                                           "lost that the version did not mean to remove; "
+                                           "with =all also where anything is removed");
+    option->check(
+        [](const std::string& value) {
+            if (value != strictFlag && value != "all")
+                throw Messages::Failure(Messages::badValue("--strict", value, "all, or no value"));
+            return std::string();
+        },
+        "");
 }
 
 void addMigrate(CLI::App& command, Arguments& arguments) {

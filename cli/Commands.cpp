@@ -130,8 +130,8 @@ bool wouldLose(const Reader::MigrationReport& report) {
 }
 
 bool isRefused(const Arguments& arguments, const Reader::MigrationReport& report) {
-    return (arguments.strict != Strictness::None && wouldLose(report)) ||
-           (arguments.strict == Strictness::All && !report.losses.empty());
+    return !arguments.strict.empty() &&
+           (wouldLose(report) || (arguments.strict == "all" && !report.losses.empty()));
 }
 
 /// Whether all that the input held is in the result, except what schema versions removed on purpose.

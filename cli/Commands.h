@@ -8,13 +8,6 @@
 #include <optional>
 #include <string>
 
-/// What keeps a result from being written.
-enum class Strictness {
-    None,
-    Unintended, ///< errors that steps log, and losses that no schema version intended
-    All,        ///< those, and all other losses
-};
-
 /// What the command line says beside the options for every command.
 struct Arguments {
     std::string file;
@@ -31,7 +24,8 @@ struct Arguments {
     bool force = false;
     bool inPlace = false;
     bool check = false;
-    Strictness strict = Strictness::None;
+    std::string
+        strict; ///< "all" for any loss, anything else that is not empty for those that are not intended
     Reader::Severity failOn = Reader::Severity::Error;
 };
 

@@ -48,9 +48,10 @@ std::vector<Group> groupsOf(const std::vector<Loss>& losses, Filter filter) {
     return groups;
 }
 
-/// "quizzes are no longer a part of projects, V69"
+/// "quizzes, V69"
 std::string causeOf(const Loss& loss) {
-    return loss.reason + (loss.step.empty() ? "" : ", " + shortName(loss.step));
+    return (loss.cause.empty() ? loss.reason : loss.cause) +
+           (loss.step.empty() ? "" : ", " + shortName(loss.step));
 }
 
 std::string partText(const Reader::Part& part) {

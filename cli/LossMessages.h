@@ -9,7 +9,7 @@
 /// terminal.
 namespace LossMessages {
 
-/// "18 clips: 14 kept, 4 removed (projects have no quizzes any more, V69); 2 added: 16"
+/// "18 clips: 14 kept, 4 removed (quizzes, V69); 2 added: 16"
 std::string clips(const Reader::MigrationReport& report);
 
 /// A line for one loss: "lost: clip "Beach" (id 7): no reference leads to it any more, V57".

@@ -36,6 +36,7 @@ ExitCode codeFor(ErrorKind kind) {
     case ErrorKind::NoVersion:
     case ErrorKind::BadVersion:
         return NoVersion;
+    case ErrorKind::WrongForm:
     case ErrorKind::TooNew:
     case ErrorKind::UnreachableVersion:
     case ErrorKind::NoWayBack:
@@ -85,6 +86,7 @@ std::string withoutFullStop(std::string reason) {
 }
 
 const std::string nameProject = "; name the project's own file";
+const std::string restore = "; restore the file from a backup";
 const std::string mendOrRestore = "; mend the text there, or restore the file from a backup";
 
 /// Reason and remedy, as the text after the file's name.
@@ -100,18 +102,22 @@ std::string sentenceFor(ErrorKind kind, const ErrorFacts& facts) {
     case ErrorKind::Empty:
         return "the file is empty; restore it from a backup";
     case ErrorKind::UnknownForm:
+        if (!reason.empty())
+            return "a project is XML or JSON; this is " + reason;
         return "neither XML nor JSON, and a project begins with '<' or '{'" + nameProject;
     case ErrorKind::BrokenXml:
-        return reason + mendOrRestore;
+        return reason + (facts.isCutOff ? restore : mendOrRestore);
     case ErrorKind::RefusedXml:
         return reason + ", which no project has" + nameProject;
     case ErrorKind::ForeignEncoding:
-        return "the text is not in an encoding that projects use; convert it to UTF-8";
+        return "the text is in " + reason + ", an encoding that projects do not use; convert it to UTF-8";
     case ErrorKind::NoArchive:
         return reason + " (a project is one <Archive>)" + nameProject;
     case ErrorKind::MissingRoot:
         return reason + ", and there is no such <RootObject>; restore the file from a backup";
     case ErrorKind::BrokenJson:
+        if (facts.isCutOff)
+            return reason + restore;
         return "broken JSON" + (facts.byte ? " at byte " + std::to_string(*facts.byte) : "") + ": " + reason +
                mendOrRestore;
     case ErrorKind::WrongEnvelope:
@@ -121,6 +127,11 @@ std::string sentenceFor(ErrorKind kind, const ErrorFacts& facts) {
         return "the document names no schema version; give it with --from N";
     case ErrorKind::BadVersion:
         return "the schema version " + reason + " is no version number; give the right one with --from N";
+    case ErrorKind::WrongForm:
+        return "a document of schema version " + number(facts.version) + " can't be " + reason +
+               ": documents are XML up to version " + number(Reader::lastXmlVersion) +
+               ", and JSON from version " + number(Reader::firstJsonVersion) +
+               " on; give the right version with --from";
     case ErrorKind::TooNew:
         return "schema version " + number(facts.version) + " is too new: this program knows versions up to " +
                number(Reader::currentVersion) + "; use a newer version of adaptors";

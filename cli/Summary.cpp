@@ -137,7 +137,7 @@ std::string summary(const Summary& summary, Detail detail, const Colours& colour
         out << "  " << colours.yellow("warning") << ": " << plural(report.duplicateIds.size(), "id")
             << (report.duplicateIds.size() == 1 ? " was" : " were")
             << " used by several objects; the later ones have new ids\n";
-    out << "  clips:   " << LossMessages::clips(report) << '\n' << LossMessages::losses(report, colours);
+    out << "  " << LossMessages::clips(report) << '\n' << LossMessages::losses(report, colours);
     if (!summary.backup.isEmpty())
         out << "  backup:  " << escaped(summary.backup) << '\n';
     if (!summary.output.isEmpty())

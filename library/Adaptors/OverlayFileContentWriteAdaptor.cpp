@@ -5,7 +5,8 @@
 namespace {
 
 QString decoded(const std::string& encodedText) {
-    return QString::fromUtf8(QByteArray::fromBase64(QByteArray::fromStdString(encodedText)));
+    const QByteArray text = QByteArray::fromBase64(QByteArray::fromStdString(encodedText));
+    return QString::fromUtf8(text.constData(), text.size()); // without the size it ends at a NUL character
 }
 
 bool isFileName(const QString& text) {

@@ -24,7 +24,10 @@ inline constexpr int currentVersion = 77;
 /// The last schema version whose documents are XML archives; all later ones are JSON.
 inline constexpr int lastXmlVersion = 62;
 
-/// What an adaptor may need in addition to the document.
+/// The first schema version of which there are JSON documents: some were saved that way before it became the rule.
+inline constexpr int firstJsonVersion = 59;
+
+/// What an adaptor may need beside the document.
 ///
 /// Threads: the side file functions are called on the thread that runs the adaptor.
 struct AdaptorContext {

@@ -1,13 +1,18 @@
 #include "Reader/Document.h"
 
+#include "Archive/Internal/JsonValues.h"
 #include "Archive/Internal/TreeFacts.h"
+#include "Reader/AdaptorTable.h"
 #include "Reader/Error.h"
 #include "Reader/JsonText.h"
+#include "Reader/TextForm.h"
 #include "Reader/XmlText.h"
 
 #include <stdexcept>
 #include <utility>
 
+using Archive::Internal::copied;
+using Bundle::Backend;
 using nlohmann::json;
 
 namespace Reader {
@@ -19,40 +24,64 @@ constexpr const char* dataKey = "data";
 constexpr const char* formVersionKey = "version";
 constexpr const char* schemaVersionKey = "schemaVersion";
 
-/// The first byte that is no white space, after a byte order mark if there is one. Nothing if there is no
-/// such byte.
-std::optional<char> firstByte(const QByteArray& bytes) {
-    int position = bytes.startsWith("\xEF\xBB\xBF") ? 3 : 0;
-    while (position < bytes.size() && QByteArray(" \t\r\n").contains(bytes.at(position)))
-        ++position;
-    return position < bytes.size() ? std::optional(bytes.at(position)) : std::nullopt;
-}
-
 [[noreturn]] void fail(ErrorKind kind, const QString& name, const std::string& reason = {}) {
     throw Error(kind, {.file = name, .reason = reason});
 }
 
 constexpr long long greatestVersion = 1000000; // far above any real version
 
-std::optional<int> versionOf(const QDomElement& archive, const QString& name) {
+/// A value as a part of a sentence.
+std::string excerpt(const json& value) {
+    constexpr int longest = 60;
+    const QString text = QString::fromUtf8(writeJson(value));
+    return (text.size() > longest ? text.left(longest) + "..." : text).toStdString();
+}
+
+/// What a document says of its schema version.
+struct StatedVersion {
+    std::optional<int> number; ///< none for no number
+    std::string text;          ///< as it is in the document; empty where it says nothing
+};
+
+StatedVersion versionIn(const QDomElement& archive) {
     if (!archive.hasAttribute(versionAttribute))
-        return std::nullopt;
+        return {};
     const QString text = archive.attribute(versionAttribute);
     bool isNumber = false;
     const long long version = text.toLongLong(&isNumber);
-    if (!isNumber || version < 0 || version > greatestVersion)
-        fail(ErrorKind::BadVersion, name, '"' + text.toStdString() + '"');
-    return static_cast<int>(version);
+    StatedVersion stated{std::nullopt, '"' + text.toStdString() + '"'};
+    if (isNumber && version >= 0 && version <= greatestVersion)
+        stated.number = static_cast<int>(version);
+    return stated;
 }
 
-std::optional<int> versionOf(const json& envelope, const QString& name) {
+StatedVersion versionIn(const json& envelope) {
     const auto it = envelope.find(schemaVersionKey);
     if (it == envelope.end())
-        return std::nullopt;
+        return {};
     const auto version = Serialize::Json::toId(*it);
-    if (!version || *version > static_cast<unsigned long long>(greatestVersion))
-        fail(ErrorKind::BadVersion, name, it->dump());
-    return static_cast<int>(*version);
+    StatedVersion stated{std::nullopt, excerpt(*it)};
+    if (version && *version <= static_cast<unsigned long long>(greatestVersion))
+        stated.number = static_cast<int>(*version);
+    return stated;
+}
+
+/// Throws for a known schema version whose documents have the other form.
+void checkForm(Backend form, int version, const QString& name) {
+    const bool isOther = form == Backend::Xml ? version > lastXmlVersion : version < firstJsonVersion;
+    if (isOther && version <= currentVersion)
+        throw Error(ErrorKind::WrongForm,
+                    {.file = name, .version = version, .reason = formName(form).toStdString()});
+}
+
+/// The version to go by: `given`, or else what the document says.
+std::optional<int> chooseVersion(std::optional<int> given, const StatedVersion& stated, Backend form,
+                                 const QString& name) {
+    if (given)
+        checkForm(form, *given, name);
+    else if (!stated.number && !stated.text.empty())
+        fail(ErrorKind::BadVersion, name, stated.text);
+    return given ? given : stated.number;
 }
 
 QDomDocument parseArchive(const QByteArray& bytes, const QString& name, Archive::Internal::TreeFacts& facts) {
@@ -70,23 +99,24 @@ Document parseProjectJson(const QByteArray& bytes, const QString& name, std::opt
     json envelope = parseJson(bytes, name);
     if (!envelope.is_object())
         fail(ErrorKind::WrongEnvelope, name, std::string("the document is a JSON ") + envelope.type_name());
-    if (!version)
-        version = versionOf(envelope, name);
+    const StatedVersion stated = versionIn(envelope);
+    version = chooseVersion(version, stated, Backend::Json, name);
     envelope.erase(schemaVersionKey);
-    return Document(openEnvelope(std::move(envelope), name), version);
+    return Document(openEnvelope(std::move(envelope), name), version, stated.number);
 }
 
 Serialized serializeXml(Document document) {
     QDomElement archive = document.xml().documentElement();
     if (document.version())
         archive.setAttribute(versionAttribute, QString::number(*document.version()));
-    return {writeXml(document.xml()), 0};
+    return {writeXml(document.xml()), 0, {}};
 }
 
 Serialized serializeJson(Document document) {
     JsonDocument& project = document.json();
-    json envelope = std::move(project.envelope);
     Serialized result;
+    result.moved = project.notes.wideNumbers.restore(project.flat);
+    json envelope = std::move(project.envelope);
     envelope[dataKey] = nest(std::move(project), result.leftOut);
     if (document.version())
         envelope[schemaVersionKey] = *document.version();
@@ -94,33 +124,27 @@ Serialized serializeJson(Document document) {
     return result;
 }
 
-/// A copy of a JSON value, made through its text: the copy constructor is recursive, so depth would cost
-/// stack.
-json copyOf(const json& value) {
-    return parseJson(writeJson(value), QString());
-}
-
 JsonDocument copyOf(const JsonDocument& project) {
     JsonDocument copy;
     copy.root = project.root;
-    copy.envelope = project.envelope;
+    copy.envelope = copied(project.envelope);
     copy.notes = project.notes;
     for (const auto& [id, object] : project.flat.objects)
-        copy.flat.objects.emplace_hint(copy.flat.objects.end(), id, copyOf(object));
+        copy.flat.objects.emplace_hint(copy.flat.objects.end(), id, copied(object));
     return copy;
 }
 
 } // namespace
 
-Document::Document(const QDomDocument& xml, std::optional<int> version)
-    : m_content(xml), m_version(version) {}
-Document::Document(JsonDocument json, std::optional<int> version)
-    : m_content(std::move(json)), m_version(version) {}
+Document::Document(const QDomDocument& xml, std::optional<int> version, std::optional<int> statedVersion)
+    : m_content(xml), m_version(version), m_statedVersion(statedVersion) {}
+Document::Document(JsonDocument json, std::optional<int> version, std::optional<int> statedVersion)
+    : m_content(std::move(json)), m_version(version), m_statedVersion(statedVersion) {}
 Document::~Document() = default;
 Document::Document(Document&& other) noexcept = default;
 Document& Document::operator=(Document&& other) noexcept = default;
 
-Bundle::Backend Document::form() const {
+Backend Document::form() const {
     return m_content.index() == 0 ? Bundle::Backend::Xml : Bundle::Backend::Json;
 }
 
@@ -130,27 +154,30 @@ QDomDocument& Document::xml() {
 }
 
 Document Document::clone() const {
-    return isXml() ? Document(xml().cloneNode().toDocument(), m_version)
-                   : Document(copyOf(json()), m_version);
+    return isXml() ? Document(xml().cloneNode().toDocument(), m_version, m_statedVersion)
+                   : Document(copyOf(json()), m_version, m_statedVersion);
 }
 
 Document parse(const QByteArray& bytes, const QString& name, std::optional<int> version) {
-    const auto first = firstByte(bytes);
+    const auto first = firstCharacter(bytes);
     if (!first)
         fail(ErrorKind::Empty, name);
     switch (*first) {
-    case '<': {
+    case U'<': {
         auto facts = std::make_unique<Archive::Internal::TreeFacts>();
         const QDomDocument xml = parseArchive(bytes, name, *facts);
-        Document document(xml, version ? version : versionOf(xml.documentElement(), name));
+        const StatedVersion stated = versionIn(xml.documentElement());
+        Document document(xml, chooseVersion(version, stated, Backend::Xml, name), stated.number);
         document.m_facts = std::move(facts);
         return document;
     }
-    case '{':
-    case '[':
+    case U'{':
+    case U'[':
+        if (encodingOf(bytes) != Encoding::Bytes)
+            fail(ErrorKind::UnknownForm, name, describeFile(bytes));
         return parseProjectJson(bytes, name, version);
     default:
-        fail(ErrorKind::UnknownForm, name);
+        fail(ErrorKind::UnknownForm, name, describeFile(bytes));
     }
 }
 
@@ -158,7 +185,7 @@ JsonDocument openEnvelope(json envelope, const QString& name) {
     const auto version = envelope.find(formVersionKey);
     if (version == envelope.end() || *version != "1.0")
         fail(ErrorKind::WrongEnvelope, name,
-             "\"version\" is " + (version == envelope.end() ? "missing" : version->dump()));
+             "\"version\" is " + (version == envelope.end() ? "missing" : excerpt(*version)));
     const auto data = envelope.find(dataKey);
     if (data == envelope.end())
         fail(ErrorKind::WrongEnvelope, name, "\"data\" is missing");

@@ -12,6 +12,7 @@
 #include <optional>
 #include <string>
 #include <variant>
+#include <vector>
 
 namespace Archive::Internal {
 struct TreeFacts;
@@ -37,8 +38,10 @@ struct JsonDocument : FlatDocument {
 /// independent.
 class Document {
 public:
-    explicit Document(const QDomDocument& xml, std::optional<int> version = std::nullopt);
-    explicit Document(JsonDocument json, std::optional<int> version = std::nullopt);
+    explicit Document(const QDomDocument& xml, std::optional<int> version = std::nullopt,
+                      std::optional<int> statedVersion = std::nullopt);
+    explicit Document(JsonDocument json, std::optional<int> version = std::nullopt,
+                      std::optional<int> statedVersion = std::nullopt);
     ~Document();
     Document(Document&& other) noexcept;
     Document& operator=(Document&& other) noexcept;
@@ -50,8 +53,10 @@ public:
     std::optional<int> version() const { return m_version; }
     void setVersion(std::optional<int> version) { m_version = version; }
 
-    /// The content. The document must have that form. The non-const xml() is for changing the tree; it
-    /// discards what the parser collected.
+    /// The schema version that the document itself named when it was read; none where it named none or no number.
+    std::optional<int> statedVersion() const { return m_statedVersion; }
+
+    /// The content of that form, which the document must have. The non-const xml() hands the tree out to be changed.
     QDomDocument& xml();
     const QDomDocument& xml() const { return std::get<QDomDocument>(m_content); }
     JsonDocument& json() { return std::get<JsonDocument>(m_content); }
@@ -67,12 +72,13 @@ private:
 
     std::variant<QDomDocument, JsonDocument> m_content;
     std::optional<int> m_version;
-    /// What the parser collected about the tree; null for JSON and after a call of the non-const xml().
+    std::optional<int> m_statedVersion;
+    /// What the parser saw of the tree; null for JSON, and once the tree was handed out to be changed.
     std::unique_ptr<Archive::Internal::TreeFacts> m_facts;
 };
 
-/// Reads a project of either form. `name` is the file's name in errors. `version` replaces the schema version
-/// of the document, even an invalid one. Throws Error.
+/// Reads a project of either form; `name` is the file's name for errors. `version` replaces what the document says of
+/// its schema version, however wrong that is, but must be one of its form. Throws Error.
 ///
 /// Threads: thread-safe.
 Document parse(const QByteArray& bytes, const QString& name, std::optional<int> version = std::nullopt);
@@ -85,7 +91,8 @@ JsonDocument openEnvelope(nlohmann::json envelope, const QString& name);
 
 struct Serialized {
     QByteArray bytes;
-    std::size_t leftOut = 0; ///< objects that can't be reached from the root and are not in the JSON text
+    std::size_t leftOut = 0; ///< objects that nothing reaches from the root and JSON therefore does not hold
+    std::vector<MovedNumber> moved; ///< wide numbers that a step put in another place: they lost digits
 };
 
 /// The bytes of a project file, with the schema version. The same document gives the same bytes on every run.

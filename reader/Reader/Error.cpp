@@ -29,6 +29,7 @@ constexpr KindRow kinds[] = {
     {ErrorKind::WrongEnvelope, "wrong-envelope", "no project document"},
     {ErrorKind::NoVersion, "no-version", "the document names no schema version"},
     {ErrorKind::BadVersion, "bad-version", "the schema version is no version number"},
+    {ErrorKind::WrongForm, "wrong-form", "the schema version is one of the other form"},
     {ErrorKind::TooNew, "too-new", "the schema version is too new"},
     {ErrorKind::UnreachableVersion, "unreachable-version", "the document can't be brought to the version asked for"},
     {ErrorKind::NoWayBack, "no-way-back", "a JSON document can't become an archive again"},
@@ -59,7 +60,7 @@ std::string describe(ErrorKind kind, const ErrorFacts& facts) {
     };
     add(facts.step);
     add(rowOf(kind).sentence);
-    if (facts.byte)
+    if (facts.byte && !facts.isCutOff)
         text += " at byte " + std::to_string(*facts.byte);
     if (facts.version)
         text += ", it is " + std::to_string(*facts.version);

@@ -15,19 +15,20 @@ enum class ErrorKind {
     TooLarge,           ///< the input is larger than the limit
     NoRegularFile,      ///< a file to be changed in place is a device, a pipe or a folder
     Empty,              ///< the input has no content
-    UnknownForm,        ///< neither XML nor JSON
+    UnknownForm,        ///< neither XML nor JSON; the reason, if any, is what it is and what to do
     BrokenXml,          ///< not well-formed, or a character that XML forbids
     RefusedXml,         ///< a document type declaration, too deep, or too many attributes
-    ForeignEncoding,    ///< XML in an encoding that no project uses
+    ForeignEncoding,    ///< XML in an encoding that no project uses; the reason is its name
     NoArchive,          ///< XML without exactly one `Archive`
     MissingRoot,        ///< an archive whose root object is missing
     BrokenJson,         ///< not well-formed
     WrongEnvelope,      ///< JSON that is no project document
     NoVersion,          ///< the document names no schema version
-    BadVersion,         ///< the schema version of the document is no valid number
-    TooNew,             ///< a schema version above the newest one
-    UnreachableVersion, ///< the requested version is below the document's, or above the newest
-    NoWayBack,          ///< the requested version has archives, but the document is JSON
+    BadVersion,         ///< what it names is no version number
+    WrongForm,          ///< a schema version whose documents have the other form
+    TooNew,             ///< a schema version above the newest that is known
+    UnreachableVersion, ///< the version asked for is below the document's, or above the newest
+    NoWayBack,          ///< the version asked for is an archive's and the document is JSON
     UnknownStep,        ///< there is no adaptor of that name
     NoSuchForm,         ///< the adaptor can't run on a document of this form
     StepFailed,         ///< an adaptor threw an exception
@@ -55,12 +56,14 @@ struct ErrorFacts {
     QString file = {};                 ///< name of the document, or path of the file
     std::optional<qint64> line = {};   ///< in XML text, from 1
     std::optional<qint64> column = {}; ///< in XML text, from 1
-    std::optional<qint64> byte = {};   ///< in JSON text, from 1
-    std::string step = {};             ///< class name of an adaptor
-    std::optional<int> version = {};   ///< schema version of the document
-    std::optional<int> target = {};    ///< requested schema version
-    std::string reason = {};           ///< further details, as a part of a sentence
+    std::optional<qint64> byte = {}; ///< in JSON text, from 1; of a text that was cut off, how many there are
+    std::string step = {};           ///< class name of an adaptor
+    std::optional<int> version = {}; ///< schema version of the document
+    std::optional<int> target = {};  ///< schema version that was asked for
+    std::string reason = {};         ///< details, as a part of a sentence
     WriteObstacle obstacle = WriteObstacle::None;
+    bool isCutOff =
+        false; ///< the document is well-formed, but for its end, which is missing; line, column, byte are known
 };
 
 /// Thrown if a document can't be read, migrated or written. what() is a sentence for logs. Programs create

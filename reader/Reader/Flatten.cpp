@@ -1,7 +1,9 @@
 #include "Reader/Flatten.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
+#include <optional>
 #include <stdexcept>
 #include <unordered_map>
 #include <unordered_set>
@@ -61,7 +63,11 @@ public:
 private:
     struct Level {
         Place place;
-        unsigned long long id; ///< of a class object; 0 for other values
+        unsigned long long id;                     ///< of a class object, otherwise 0
+        std::optional<WideNumbers::Place> parts{}; ///< where a number in it is wide
+
+        /// The member that the walk is in.
+        WideNumbers::Name member() const;
     };
 
     static unsigned long long greatestId(json& root);
@@ -70,6 +76,7 @@ private:
     unsigned long long freshId();
     void leave();
     void addLink(json& link, unsigned long long target);
+    void keepDigits(json& number);
 
     FlattenNotes& m_notes;
     unsigned long long m_greatest;
@@ -114,7 +121,16 @@ FlatDocument Flattener::run(json root) {
     return std::move(m_result);
 }
 
+WideNumbers::Name Flattener::Level::member() const {
+    const auto member = std::prev(place.next);
+    if (place.container->is_object())
+        return member.key();
+    return static_cast<std::size_t>(member - place.container->begin());
+}
+
 void Flattener::enter(json& value, const std::string* key) {
+    if (digitsOf(value))
+        return keepDigits(value);
     if (!value.is_structured())
         return;
     if (const unsigned long long target = linkTarget(value)) {
@@ -173,6 +189,19 @@ void Flattener::addLink(json& link, unsigned long long target) {
     const auto owner = m_isBasePart.find(target);
     if (owner == m_isBasePart.end() || owner->second)
         m_openLinks.push_back(&link);
+}
+
+/// Places are added once for all numbers in them.
+void Flattener::keepDigits(json& number) {
+    WideNumbers& numbers = m_notes.wideNumbers;
+    std::size_t first = m_levels.size() - 1;
+    while (!m_levels[first].parts && m_levels[first].id == 0)
+        --first; // the root is a class object
+    if (!m_levels[first].parts)
+        m_levels[first].parts = numbers.add(m_levels[first].id);
+    for (std::size_t level = first + 1; level < m_levels.size(); ++level)
+        m_levels[level].parts = numbers.add(*m_levels[level - 1].parts, m_levels[level - 1].member());
+    numbers.keepDigits(numbers.add(*m_levels.back().parts, m_levels.back().member()), number);
 }
 
 class Nester {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Reader/WideNumbers.h"
 #include "Serialize/Json/FlatObject.h"
 
 #include <cstddef>
@@ -15,13 +16,14 @@ struct FlatDocument {
     unsigned long long root = 0; ///< id of the project's root object
 };
 
-/// What flatten() corrected.
+/// What flatten() found, and what it changed for the steps.
 struct FlattenNotes {
     std::vector<unsigned long long> duplicateIds; ///< ids that a second object had, ascending, each once
     std::size_t missingIds = 0;                   ///< number of objects without an id
     /// For duplicate ids: the new target of their links, which is the first object of the id that is no base
     /// class part.
     std::map<unsigned long long, unsigned long long> redirected;
+    WideNumbers wideNumbers; ///< whole numbers that steps see as floating numbers
 };
 
 /// Whether a value is a class object: an object whose "@meta" is an object.

@@ -1,12 +1,15 @@
 #include "Reader/JsonText.h"
 
 #include "Reader/Error.h"
+#include "Reader/TextForm.h"
+#include "Reader/WideNumbers.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 using nlohmann::json;
@@ -76,6 +79,9 @@ void Writer::writeScalar(const json& value) {
     case json::value_t::number_integer:
         writeInteger(value.get<json::number_integer_t>());
         break;
+    case json::value_t::binary:
+        m_text.append(digitsOf(value)->begin(), digitsOf(value)->end());
+        break;
     default:
         m_text += value.dump();
     }
@@ -100,25 +106,126 @@ void Writer::writeInteger(Integer number) {
     m_text.append(digits.data(), end);
 }
 
-/// The reason in an error text of the JSON library, without the error number at its start.
+[[noreturn]] void failAtNul(const QString& name, qint64 byte) {
+    throw Error(ErrorKind::BrokenJson,
+                {.file = name, .byte = byte, .reason = "a NUL byte, which JSON text never has"});
+}
+
+/// What is wrong, out of a text of the library, which leads with its own error number.
 std::string reasonIn(const std::string& text, std::string_view end) {
     const auto reason = text.find(end);
     return reason == std::string::npos ? text : text.substr(reason + end.size());
 }
 
+/// Takes what the parser finds and builds the value of it.
+class Builder {
+public:
+    using Number = json::number_float_t;
+
+    Builder(const QByteArray& bytes, const QString& name) : m_bytes(bytes), m_name(name) {}
+
+    json take() { return std::move(m_root); }
+
+    // Called by the parser. Each goes on.
+
+    bool null() { return add(nullptr); }
+    bool boolean(bool value) { return add(value); }
+    bool number_integer(json::number_integer_t value) { return add(value); }
+    bool number_unsigned(json::number_unsigned_t value) { return add(value); }
+    bool number_float(Number value, const std::string& token) {
+        const bool isWhole = token.find_first_of(".eE") == std::string::npos;
+        return isWhole ? add(wideNumber(token)) : add(value);
+    }
+    bool string(std::string& text) { return add(std::move(text)); }
+    bool binary(json::binary_t&) { return false; } // text has none
+    bool start_object(std::size_t) { return open(json::value_t::object); }
+    bool start_array(std::size_t) { return open(json::value_t::array); }
+    bool end_object() { return close(); }
+    bool end_array() { return close(); }
+    bool key(std::string& key) {
+        const auto member = m_levels.back().container->get_ref<json::object_t&>().try_emplace(std::move(key));
+        m_member = &*member.first; // of two members of one name the later counts
+        return true;
+    }
+    bool parse_error(std::size_t position, const std::string& token, const json::exception& error);
+
+private:
+    using Member = json::object_t::value_type;
+    struct Level {
+        json* container;
+        const Member* member; ///< of an object which holds it; null in an array and for the root
+    };
+
+    template <class Value>
+    json* place(Value&& value);
+    template <class Value>
+    bool add(Value&& value) {
+        return place(std::forward<Value>(value)) != nullptr;
+    }
+    bool open(json::value_t type);
+    bool close();
+    [[noreturn]] void failAtEnd() const;
+
+    const QByteArray& m_bytes;
+    const QString& m_name;
+    json m_root;
+    Member* m_member = nullptr; ///< the one that waits for its value
+    std::vector<Level> m_levels;
+};
+
+/// Puts a value where it belongs.
+template <class Value>
+json* Builder::place(Value&& value) {
+    if (m_levels.empty()) {
+        m_root = std::forward<Value>(value);
+        return &m_root;
+    }
+    if (auto* list = m_levels.back().container->get_ptr<json::array_t*>())
+        return &list->emplace_back(std::forward<Value>(value));
+    m_member->second = std::forward<Value>(value);
+    return &m_member->second;
+}
+
+bool Builder::open(json::value_t type) {
+    const bool isMember = !m_levels.empty() && m_levels.back().container->is_object();
+    const Member* member = isMember ? m_member : nullptr;
+    m_levels.push_back({place(json(type)), member});
+    return true;
+}
+
+bool Builder::close() {
+    m_levels.pop_back();
+    return true;
+}
+
+bool Builder::parse_error(std::size_t position, const std::string&, const json::exception& error) {
+    const auto byte = static_cast<qint64>(position);
+    if (byte > m_bytes.size())
+        failAtEnd();
+    // The library takes a NUL for the end of the text.
+    if (byte > 0 && m_bytes.at(static_cast<int>(byte) - 1) == '\0')
+        failAtNul(m_name, byte);
+    const bool isSyntax = dynamic_cast<const json::parse_error*>(&error) != nullptr;
+    const std::string reason = reasonIn(error.what(), isSyntax ? ": " : "] ");
+    throw Error(ErrorKind::BrokenJson, {.file = m_name, .byte = byte, .reason = reason});
+}
+
+/// The parser wanted more than there is, and all until here is well-formed.
+void Builder::failAtEnd() const {
+    const auto level = std::find_if(m_levels.rbegin(), m_levels.rend(),
+                                    [](const Level& candidate) { return candidate.member != nullptr; });
+    const std::string where = level == m_levels.rend() ? "the document" : json(level->member->first).dump();
+    throw cutOff(ErrorKind::BrokenJson, m_name, m_bytes, m_bytes.size(), where);
+}
+
 } // namespace
 
 json parseJson(const QByteArray& bytes, const QString& name) {
-    try {
-        return json::parse(bytes.begin(), bytes.end());
-    } catch (const json::parse_error& error) {
-        throw Error(
-            ErrorKind::BrokenJson,
-            {.file = name, .byte = static_cast<qint64>(error.byte), .reason = reasonIn(error.what(), ": ")});
-    } catch (const json::out_of_range&
-                 error) { // a number out of the range of double; the JSON library gives no position
-        throw Error(ErrorKind::BrokenJson, {.file = name, .reason = reasonIn(error.what(), "] ")});
-    }
+    Builder builder(bytes, name);
+    json::sax_parse(bytes.begin(), bytes.end(), &builder);
+    if (const int nul = bytes.indexOf('\0'); nul >= 0)
+        failAtNul(name, nul + 1); // what is behind it was not read
+    return builder.take();
 }
 
 QByteArray writeJson(const json& value) {

@@ -19,6 +19,7 @@ struct IntendedLoss {
     std::string_view step;
     PartKind kind;
     std::string_view reason;
+    std::string_view cause = {}; ///< in a word
 };
 
 constexpr std::array intendedLosses = {
@@ -27,7 +28,7 @@ constexpr std::array intendedLosses = {
     IntendedLoss{"V32_ColorFiltersAdaptor", PartKind::Effect, "each of its corrections became an effect"},
     IntendedLoss{"V40_RemoveQuizFromOverlayAdaptor", PartKind::Title, "it became a quiz"},
     IntendedLoss{"V51_MaskEffectAdaptor", PartKind::Effect, "it was merged into the mask effect of its clip"},
-    IntendedLoss{"V69_RemoveQuizzesAdaptor", PartKind::Clip, "projects have no quizzes any more"},
+    IntendedLoss{"V69_RemoveQuizzesAdaptor", PartKind::Clip, "projects have no quizzes any more", "quizzes"},
     IntendedLoss{"V69_RemoveQuizzesAdaptor", PartKind::Effect,
                  "it belonged to a quiz, and projects have none any more"},
     IntendedLoss{"V69_RemoveQuizzesAdaptor", PartKind::Title,
@@ -39,7 +40,7 @@ Loss lossAt(const Part& part, const std::string& step) {
         std::find_if(intendedLosses.begin(), intendedLosses.end(),
                      [&](const IntendedLoss& loss) { return loss.step == step && loss.kind == part.kind; });
     if (known != intendedLosses.end())
-        return {part, step, std::string(known->reason), true};
+        return {part, step, std::string(known->reason), true, std::string(known->cause)};
     return {part, step, step.empty() ? "it is not in the result" : "no reference leads to it any more",
             false};
 }

@@ -239,6 +239,12 @@ QByteArray Migration::save(bool toBundle) {
 QByteArray Migration::write() {
     Serialized result = serialize(std::move(m_document));
     m_report.leftOut = result.leftOut;
+    for (const MovedNumber& number : result.moved)
+        m_report.log.push_back({"Saving", "WARNING",
+                                "the number " + number.digits + " of object " + std::to_string(number.id) +
+                                    " (" + number.path +
+                                    ") is in another place now and keeps 17 digits, as a floating number",
+                                ""});
     return std::move(result.bytes);
 }
 

@@ -35,6 +35,7 @@ struct Loss {
               ///< not reach it either, or where that is not known
     std::string reason;      ///< for people, a part of a sentence
     bool isIntended = false; ///< whether the schema version meant it to go
+    std::string cause = {};  ///< the reason in a word for counts, such as "quizzes"; may be empty
 };
 
 /// What happened in a migration.

@@ -1,6 +1,7 @@
 #include "Reader/XmlText.h"
 
 #include "Reader/Error.h"
+#include "Reader/TextForm.h"
 #include "Reader/XmlTree.h"
 
 #include <QStringList>
@@ -39,14 +40,21 @@ private:
 };
 
 QString TagScan::run() {
+    long long mostNesting = maxXmlNesting;
+    long long nesting = 0;
     for (int depth = 0; m_refusal.isEmpty();) {
         const std::size_t tag = m_text.find('<', m_position);
         if (tag == std::string_view::npos)
             break;
         m_position = tag;
         depth += passTag();
+        nesting += depth;
+        mostNesting += maxXmlNestingOfEach;
         if (depth > maxXmlDepth)
             m_refusal = QStringLiteral("elements are nested deeper than %1 levels").arg(maxXmlDepth);
+        else if (nesting > mostNesting)
+            m_refusal =
+                QStringLiteral("too many elements are nested deeper than %1 levels").arg(maxXmlNestingOfEach);
     }
     return m_refusal;
 }
@@ -60,6 +68,10 @@ int TagScan::passTag() {
     }
     if (rest.starts_with("<![CDATA[")) {
         skipPast("]]>");
+        return 0;
+    }
+    if (rest == "<!" || rest == "<!-" || std::string_view("<![CDATA[").starts_with(rest)) {
+        m_position = m_text.size(); // the text was cut off
         return 0;
     }
     if (rest.starts_with("<!")) {
@@ -104,27 +116,23 @@ void TagScan::skipPast(std::string_view end) {
     m_position = found == std::string_view::npos ? m_text.size() : found + end.size();
 }
 
-std::pair<qint64, qint64> lineAndColumn(std::string_view text, std::size_t position) {
-    const std::string_view before = text.substr(0, position);
-    const auto line = std::count(before.begin(), before.end(), '\n') + 1;
-    const std::size_t lineStart = before.rfind('\n');
-    return {line,
-            static_cast<qint64>(lineStart == std::string_view::npos ? position + 1 : position - lineStart)};
+[[noreturn]] void failForEncoding(const QString& name, const std::string& encoding) {
+    throw Error(ErrorKind::ForeignEncoding, {.file = name, .line = 1, .column = 1, .reason = encoding});
 }
 
-/// Tags are searched in the bytes, so the encoding must be compatible with ASCII.
-void refuseForeignEncoding(const QByteArray& bytes, const QString& name) {
-    QXmlStreamReader start(bytes.left(1024));
+/// Tags are found in the bytes, so the encoding must be one that writes them as ASCII does.
+void refuseForeignEncoding(const QByteArray& text, const QString& name) {
+    QXmlStreamReader start(text.left(1024));
     start.readNext();
-    const QString encoding = start.documentEncoding().toString().toLower();
+    const QString encoding = start.documentEncoding().toString();
     static const QStringList known = {QStringLiteral("utf-8"), QStringLiteral("us-ascii"),
                                       QStringLiteral("iso-8859-"), QStringLiteral("windows-125")};
     const bool isKnown =
-        encoding.isEmpty() || std::any_of(known.begin(), known.end(),
-                                          [&](const QString& prefix) { return encoding.startsWith(prefix); });
-    if (!isKnown || bytes.left(4).contains('\0') || bytes.startsWith("\xFF\xFE") ||
-        bytes.startsWith("\xFE\xFF"))
-        throw Error(ErrorKind::ForeignEncoding, {.file = name, .line = 1, .column = 1});
+        encoding.isEmpty() || std::any_of(known.begin(), known.end(), [&](const QString& prefix) {
+            return encoding.startsWith(prefix, Qt::CaseInsensitive);
+        });
+    if (!isKnown)
+        failForEncoding(name, encoding.toStdString());
 }
 
 void refuseHostileText(const QByteArray& bytes, const QString& name) {
@@ -207,19 +215,45 @@ void Writer::writeAttributes(const QDomElement& element) {
         m_out.writeAttribute(key, value);
 }
 
+/// The tag of the element in which the text ends, and the text was cut off there.
+std::string innermostTag(const QByteArray& text) {
+    QXmlStreamReader reader(text);
+    reader.setNamespaceProcessing(false);
+    std::vector<QString> open;
+    while (!reader.atEnd()) {
+        const auto token = reader.readNext();
+        if (token == QXmlStreamReader::StartElement)
+            open.push_back(reader.qualifiedName().toString());
+        else if (token == QXmlStreamReader::EndElement)
+            open.pop_back();
+    }
+    return open.empty() ? "the document" : '<' + open.back().toStdString() + '>';
+}
+
+[[noreturn]] void failIn(const QXmlStreamReader& reader, const QString& name) {
+    throw Error(ErrorKind::BrokenXml, {.file = name,
+                                       .line = reader.lineNumber(),
+                                       .column = reader.columnNumber(),
+                                       .reason = reader.errorString().toStdString()});
+}
+
 } // namespace
 
 QDomDocument parseXml(const QByteArray& bytes, const QString& name, Archive::Internal::TreeFacts* facts) {
-    refuseForeignEncoding(bytes, name);
-    refuseHostileText(bytes, name);
-    QXmlStreamReader reader(bytes);
+    const Encoding encoding = encodingOf(bytes);
+    if (encoding == Encoding::Utf32Little || encoding == Encoding::Utf32Big)
+        failForEncoding(name, nameOf(encoding));
+    const auto [text, endsInCharacter] = decode(bytes, name);
+    refuseForeignEncoding(text, name);
+    refuseHostileText(text, name);
+    QXmlStreamReader reader(text);
     reader.setNamespaceProcessing(false);
     QDomDocument document = buildXmlTree(reader, facts);
+    if (reader.error() == QXmlStreamReader::PrematureEndOfDocumentError ||
+        (endsInCharacter && !reader.hasError()))
+        throw cutOff(ErrorKind::BrokenXml, name, text, bytes.size(), innermostTag(text));
     if (reader.hasError())
-        throw Error(ErrorKind::BrokenXml, {.file = name,
-                                           .line = reader.lineNumber(),
-                                           .column = reader.columnNumber(),
-                                           .reason = reader.errorString().toStdString()});
+        failIn(reader, name);
     return document;
 }
 

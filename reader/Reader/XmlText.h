@@ -14,13 +14,18 @@ namespace Reader {
 /// stack for each level, and a step that searches all descendants of each object is quadratic in the depth.
 inline constexpr int maxXmlDepth = 10000;
 
-/// Elements with more attributes than this are refused: the parser compares all attributes of an element with
-/// each other.
+/// Archives are refused where the depths of all tags, added up, are more than the first number and the second one for
+/// each tag: each change of an element takes a walk up to the root. A project has average depths below 20.
+inline constexpr long long maxXmlNesting = 32'000'000;
+inline constexpr long long maxXmlNestingOfEach = 64;
+
+/// Elements with more attributes than this are refused: the parser compares each attribute with all others.
 inline constexpr int maxXmlAttributes = 256;
 
-/// Reads XML text. `name` is the file's name in errors. Throws Error with line and column for text that is
-/// not well-formed, for document type declarations (the format has none), and for too great a depth or too
-/// many attributes. If `facts` is not null, it is filled with facts about the tree.
+/// Reads XML text in UTF-8, UTF-16, or an encoding that it declares and that writes ASCII characters as one byte; `name`
+/// is the file's name for errors. Throws Error with line and column for text that is not
+/// well-formed, for document type declarations (the format has none), and for hostile depth or
+/// numbers of attributes. `facts`, where they are given, get what the tree holds.
 ///
 /// Threads: thread-safe.
 QDomDocument parseXml(const QByteArray& bytes, const QString& name,

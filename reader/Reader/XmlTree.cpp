@@ -7,6 +7,8 @@
 
 #include <array>
 #include <optional>
+#include <utility>
+#include <vector>
 
 namespace Words = Archive::Words;
 using Archive::Internal::TreeFacts;
@@ -46,6 +48,7 @@ public:
 private:
     void declare();
     void startElement();
+    void endElement();
     QString takeName(const QStringRef& name);
     QString takeValue(const QStringRef& value);
     void takeCharacters();
@@ -58,7 +61,8 @@ private:
     bool m_showsTypes = true;
     Archive::Internal::GreatestId m_greatest;
     QDomDocument m_document;
-    QDomNode m_node; ///< the current parent
+    QDomNode m_node;                ///< what is open
+    std::vector<QDomNode> m_around; ///< the nodes around it, innermost last
     StringPool<1024> m_names;
     StringPool<4096> m_values;
 };
@@ -74,7 +78,7 @@ QDomDocument Builder::run() {
             startElement();
             break;
         case QXmlStreamReader::EndElement:
-            m_node = m_node.parentNode();
+            endElement();
             break;
         case QXmlStreamReader::Characters:
             takeCharacters();
@@ -93,6 +97,8 @@ QDomDocument Builder::run() {
             break;
         }
     }
+    while (!m_around.empty())
+        endElement(); // there was an error
     if (m_facts && m_isPlain && Archive::Internal::hasPlainFrame(m_document)) {
         m_facts->greatest = m_greatest;
         m_facts->showsTypes = m_showsTypes && !m_document.documentElement().isNull();
@@ -128,13 +134,19 @@ void Builder::startElement() {
         else if (name == Words::objectId)
             id = value;
     }
-    m_node.appendChild(element);
-    m_node = element;
+    m_around.push_back(std::exchange(m_node, element));
     if (m_facts)
         note(element, tag, type, id);
 }
 
-/// Adds an element to the facts.
+/// An element goes into the tree when it is complete: each change of a node in the tree takes a walk up to the root.
+void Builder::endElement() {
+    m_around.back().appendChild(m_node);
+    m_node = std::move(m_around.back());
+    m_around.pop_back();
+}
+
+/// Takes down what is known of an element by now.
 void Builder::note(const QDomElement& element, const QString& tag, const QString& type,
                    const std::optional<QString>& objectId) {
     if (tag == Words::RootObject)

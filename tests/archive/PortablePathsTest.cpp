@@ -1,7 +1,8 @@
-// Portable paths that depend on the working directory, and conversion in both directions.
+// Portable paths where the working directory plays a part, there and back again, and between systems.
 
 #include "Adaptors/Project/PortableLoadAdaptor.h"
 #include "Adaptors/Project/PortableSaveAdaptor.h"
+#include "FS/FS.h"
 #include "Serialize/Json/FlatObject.h"
 #include "support/Folders.h"
 
@@ -38,8 +39,8 @@ protected:
 };
 
 TEST_F(PortablePaths, ARelativeRootIsMadeAbsoluteAtLoad) {
-    setFolders({}, "C:/models", {});
-    EXPECT_EQ(loaded("#AI_MODELS_ROOT#/net.bin"), QDir::currentPath() + "/C:/models/net.bin");
+    setFolders({}, "models", {});
+    EXPECT_EQ(loaded("#AI_MODELS_ROOT#/net.bin"), QDir::currentPath() + "/models/net.bin");
 }
 
 TEST_F(PortablePaths, ARelativeLocationIsRelativeToTheWorkingDirectory) {
@@ -97,7 +98,97 @@ TEST_F(PortablePaths, OutsideTheRootsSavingAndLoadingGivesTheSameFile) {
     EXPECT_EQ(loaded(saved("")), QString());
 }
 
-TEST_F(PortablePaths, TheOldValueStaysIfAFieldCannotBeRead) {
+constexpr auto windowsLocation = "C:\\Users\\me\\holiday\\project.json";
+constexpr auto serverLocation = "\\\\server\\share\\holiday\\project.json";
+
+TEST_F(PortablePaths, ARootOnADriveOrServerIsAbsoluteAtLoad) {
+    setFolders("\\\\server\\packages\\", "C:/models", "D:\\");
+    EXPECT_EQ(loaded("#PACKAGES_ROOT#/a.svg"), QString("//server/packages/a.svg"));
+    EXPECT_EQ(loaded("#AI_MODELS_ROOT#/net.bin"), QString("C:/models/net.bin"));
+    EXPECT_EQ(loaded("#DOWNLOADABLE_ROOT#/a/../b.mp3"), QString("D:/b.mp3"));
+}
+
+TEST_F(PortablePaths, APathBelowARootOnADriveOrServerTakesItsMarker) {
+    setFolders("\\\\server\\packages\\", "C:/models", "D:\\");
+    EXPECT_EQ(saved("//SERVER/Packages/a.svg"), QString("#PACKAGES_ROOT#/a.svg"));
+    EXPECT_EQ(saved("c:\\Models\\nets\\Net.bin"), QString("#AI_MODELS_ROOT#/nets/Net.bin"));
+    EXPECT_EQ(saved("D:/a.mp3", windowsLocation), QString("#DOWNLOADABLE_ROOT#/a.mp3"));
+    // Not below a root: a mere common prefix, and the root itself.
+    EXPECT_EQ(saved("C:/models2/net.bin"), QString("C:/models2/net.bin"));
+    EXPECT_EQ(saved("C:\\models\\"), QString("C:/models"));
+    EXPECT_EQ(saved("D:\\"), QString("D:/"));
+}
+
+TEST_F(PortablePaths, NoForeignPathLiesBelowAPosixRoot) {
+    setFolders("/", QDir::currentPath(), {});
+    EXPECT_EQ(saved("C:/Users/me/clip.mp4"), QString("C:/Users/me/clip.mp4"));
+    EXPECT_EQ(saved("\\\\server\\share\\clip.mp4"), QString("//server/share/clip.mp4"));
+    setFolders("C:/", {}, "//server");
+    EXPECT_EQ(saved("/server/clip.mp4", "/projects/project.json"), QString("../server/clip.mp4"));
+}
+
+TEST_F(PortablePaths, AWindowsPathStaysAbsoluteInAPosixProject) {
+    for (const QString path :
+         {"C:/Users/me/clip.mp4", "c:\\Users\\me\\clip.mp4", "\\\\server\\share\\clip.mp4"}) {
+        EXPECT_EQ(loaded(path), path);
+        EXPECT_EQ(saved(loaded(path)), FS::normalizedPath(path));
+        EXPECT_EQ(loaded(saved(path), "/moved/elsewhere/project.json"), FS::normalizedPath(path));
+    }
+    EXPECT_EQ(saved("C:/Users/me/clip.mp4"), QString("C:/Users/me/clip.mp4"));
+    EXPECT_EQ(saved("C:\\Users\\me\\.\\clip.mp4"), QString("C:/Users/me/clip.mp4"));
+}
+
+TEST_F(PortablePaths, APosixPathStaysAbsoluteInAWindowsProject) {
+    for (const char* location : {windowsLocation, serverLocation}) {
+        EXPECT_EQ(loaded("/home/me/clip.mp4", location), QString("/home/me/clip.mp4"));
+        EXPECT_EQ(saved("/home/me/clip.mp4", location), QString("/home/me/clip.mp4"));
+        EXPECT_EQ(saved("/home/me/x/../clip.mp4", location), QString("/home/me/clip.mp4"));
+    }
+}
+
+TEST_F(PortablePaths, AWindowsProjectHasRelativePathsOnItsOwnDriveOnly) {
+    EXPECT_EQ(saved("C:\\Users\\me\\holiday\\raw\\clip.mp4", windowsLocation), QString("raw/clip.mp4"));
+    EXPECT_EQ(saved("c:/users/ME/Music/a.mp3", windowsLocation), QString("../Music/a.mp3"));
+    EXPECT_EQ(saved("D:\\clip.mp4", windowsLocation), QString("D:/clip.mp4"));
+    EXPECT_EQ(saved("//server/share/clip.mp4", windowsLocation), QString("//server/share/clip.mp4"));
+    EXPECT_EQ(saved("raw/./clip.mp4", windowsLocation), QString("raw/clip.mp4"));
+    EXPECT_EQ(saved("", windowsLocation), QString());
+    EXPECT_EQ(loaded("raw/clip.mp4", windowsLocation), QString("C:/Users/me/holiday/raw/clip.mp4"));
+    EXPECT_EQ(loaded("clip.mp4", "C:/project.json"), QString("C:/clip.mp4"));
+    EXPECT_EQ(loaded("", windowsLocation), QString());
+}
+
+TEST_F(PortablePaths, AProjectOnAServerHasRelativePathsOnThatServerOnly) {
+    EXPECT_EQ(saved("//Server/Share/holiday/clip.mp4", serverLocation), QString("clip.mp4"));
+    EXPECT_EQ(saved("//server/music/a.mp3", serverLocation), QString("../../music/a.mp3"));
+    EXPECT_EQ(saved("//server2/share/holiday/clip.mp4", serverLocation),
+              QString("//server2/share/holiday/clip.mp4"));
+    EXPECT_EQ(saved("C:/clip.mp4", serverLocation), QString("C:/clip.mp4"));
+    EXPECT_EQ(loaded("clip.mp4", serverLocation), QString("//server/share/holiday/clip.mp4"));
+}
+
+TEST_F(PortablePaths, InAWindowsProjectThereAndBackIsTheSameFile) {
+    setFolders("C:/packages", "D:/models", "//server/downloads");
+    for (const QString path : {"C:/Users/me/holiday/a.mp4", "C:/Users/\u00c4/a b.mp4", "C:/a.mp4", "C:/",
+                               "D:/a.mp4", "//server/share/a.mp4", "/home/me/a.mp4", "C:/packages/a.svg",
+                               "D:/models/a/net.bin", "//server/downloads/\u6620.mp3"})
+        EXPECT_EQ(FS::normalizedPath(loaded(saved(path, windowsLocation), windowsLocation)), path)
+            << path.toStdString();
+    // It moves with the project, to another system too.
+    EXPECT_EQ(loaded(saved("C:\\Users\\me\\holiday\\a.mp4", windowsLocation), "/moved/project.json"),
+              QString("/moved/a.mp4"));
+}
+
+TEST_F(PortablePaths, TheDescriptionOfAnImportFollowsAForeignPath) {
+    FlatObject document;
+    json* import = document.createObject("Import::Object");
+    (*import)["resourcePath"] = "C:\\Users\\me\\clip.mp4";
+    Project::PortableSaveAdaptor("/projects/holiday/project.json").adapt(document);
+    EXPECT_EQ((*import)["resourcePath"], "C:/Users/me/clip.mp4");
+    EXPECT_EQ((*import)["description"], "C:/Users/me/clip.mp4");
+}
+
+TEST_F(PortablePaths, TheOldValueStaysWhereAFieldCannotBeRead) {
     FlatObject document;
     json* object = document.createObject("Stabilization::Object");
     (*object)["pathStabilized"] = "/projects/holiday/a";

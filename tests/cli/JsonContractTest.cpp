@@ -214,7 +214,7 @@ TEST_F(JsonContractTest, EveryExitCodeKeepsTheSchemas) {
             EXPECT_FALSE(value["sha256"].is_null());
         }
     } else {
-        const Messages::Message memory = Messages::outOfMemory("film.xml");
+        const Messages::Message memory = Messages::outOfMemory("film.xml", "allowed");
         note(
             "info",
             {18, QByteArray::fromStdString(JsonReport::line({"info", "film.xml", {}, {}}, {}, &memory)), ""});
@@ -285,7 +285,7 @@ TEST_F(JsonContractTest, NamesAreExactAndWhatIsNoTextIsReplaced) {
     const Messages::Message message = Messages::unexpected("\xff\xfe half: \xe2\x80");
     Reader::MigrationReport report;
     report.objectsBefore = {{"A\xff", 1}};
-    report.lostClips = {{3, "\xc3"}};
+    report.losses = {{{Reader::PartKind::Clip, 3, "Timeline::Clip", "\xc3", 3, {}}, "", "lost", false}};
     const json all =
         note("migrate", {1,
                          QByteArray::fromStdString(JsonReport::line(

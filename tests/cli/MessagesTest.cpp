@@ -59,6 +59,7 @@ TEST(Messages, CodesAreThoseOfTheTable) {
         {ErrorKind::NoWayBack, 12},        {ErrorKind::StepFailed, 13},
         {ErrorKind::Unwritable, 15},       {ErrorKind::InUse, 15},
         {ErrorKind::ChangedMeanwhile, 15}, {ErrorKind::OutputExists, 16},
+        {ErrorKind::WrongForm, 12},
     };
     EXPECT_EQ(codes.size(), allKinds().size());
     for (const auto& [kind, code] : codes)
@@ -172,20 +173,22 @@ TEST(Messages, EveryOtherFailureHasItsSentence) {
     expectTexts({
         {Messages::inPlaceNeedsFile(),
          "--in-place needs a file, not standard input; name the file, or give -o"},
-        {Messages::notOneProject("old", 2), "old: the folder of a project holds one .xml or .json file, and "
-                                            "this one holds 2; name the project's own "
-                                            "file"},
-        {Messages::notOneProject("old", 0), "old: the folder of a project holds one .xml or .json file, and "
-                                            "this one holds none; name the project's own "
-                                            "file"},
+        {Messages::notOneProject("old", {"a.xml", "b.json"}),
+         "old: the folder of a project holds one .xml or .json file, and this one holds 2: a.xml, b.json; name the "
+         "project's own file"},
+        {Messages::notOneProject("old", {}),
+         "old: the folder of a project holds one .xml or .json file, and this one holds none; name the project's own "
+         "file"},
         {Messages::folderNotMade("a/b"),
          "a/b: can't make this folder; make the one above it first, or give another one"},
         {Messages::refusedByStrict(film), "film.xml: not written, because --strict allows neither errors nor "
                                           "losses; look at those listed here, or leave "
                                           "--strict out to write the result all the same"},
-        {Messages::outOfMemory(film), "film.xml: the document needs more memory than any project of its size "
-                                      "takes; nothing was written; check that "
-                                      "it is a project"},
+        {Messages::outOfMemory(film, "--max-memory allows, 64 MiB"),
+         "film.xml: the document needs more memory than --max-memory allows, 64 MiB; nothing was written; check that "
+         "it is a project, or give more with --max-memory"},
+        {Messages::wouldLose(film),
+         "film.xml: a migration would lose something or report an error, see the lines above; nothing was written"},
         {Messages::outputLost("No space left on device"),
          "standard output: No space left on device; free some space where it goes, or send it somewhere "
          "else"},
@@ -244,15 +247,37 @@ TEST(Messages, TheLibraryNamesNeitherOptionsNorCommands) {
 }
 
 TEST(Messages, AMessageIsALineForPeople) {
-    const std::string two = Messages::asText(Messages::notOneProject(QStringLiteral("old"), {"a.xml", "b.json"}));
-    EXPECT_EQ(two, "adaptors: error: old: the folder of a project holds one .xml or .json file, and this one holds 2: "
-                   "a.xml, b.json; name the project's own file\n");
+    const std::string two =
+        Messages::asText(Messages::notOneProject(QStringLiteral("old"), {"a.xml", "b.json"}));
+    EXPECT_EQ(
+        two,
+        "adaptors: error: old: the folder of a project holds one .xml or .json file, and this one holds 2: "
+        "a.xml, b.json; name the project's own file\n");
     const Message message = Messages::unexpected("two\nlines\x1b[31m \xff");
     EXPECT_EQ(Messages::asText(message),
               "adaptors: error: unexpected: two\\nlines\\x1b[31m \\xff; please report this "
               "with the file, if you can\n");
     EXPECT_EQ(Messages::asText(Messages::givenTwice("--to"), Terminal::Colours(true)),
               "adaptors: \x1b[31merror\x1b[0m: --to is given more than once; give it once\n");
+}
+
+TEST(Messages, ADocumentThatWasCutOffIsRestored) {
+    for (const ErrorKind kind : {ErrorKind::BrokenXml, ErrorKind::BrokenJson})
+        EXPECT_EQ(textFor(kind, {.file = film, .byte = 9, .reason = "the file ends", .isCutOff = true}),
+                  "film.xml: the file ends; restore the file from a backup");
+}
+
+TEST(Messages, AFileThatIsNoProjectIsNamed) {
+    EXPECT_EQ(textFor(ErrorKind::UnknownForm, {.file = film, .reason = "a gzip archive; unpack it first"}),
+              "film.xml: a project is XML or JSON; this is a gzip archive; unpack it first");
+    EXPECT_EQ(textFor(ErrorKind::ForeignEncoding, {.file = film, .reason = "UTF-32"}),
+              "film.xml: the text is in UTF-32, an encoding that projects do not use; convert it to UTF-8");
+}
+
+TEST(Messages, AVersionOfTheOtherFormIsNamed) {
+    EXPECT_EQ(textFor(ErrorKind::WrongForm, {.file = film, .version = 70, .reason = "JSON"}),
+              "film.xml: schema version 70 can't be JSON: documents are XML up to version 62, and JSON from "
+              "version 59 on; give the right version with --from");
 }
 
 } // namespace

@@ -276,7 +276,7 @@ std::vector<Hostile> hostileDocuments() {
         {"long attribute", inTimeline("<a type='String' value='" + many("x") + "'/>")},
         {"many attributes", inTimeline(many("<a b='' c='' d='' e=''/>"))},
         {"deep elements",
-         inTimeline(many(QByteArray("<a>").repeated(450) + QByteArray("</a>").repeated(450)))},
+         inTimeline(many(QByteArray("<a>").repeated(300) + QByteArray("</a>").repeated(300)))},
         {"items without index", inTimeline("<a type='Array'>" + many("<Item/>") + "</a>")},
         {"repeated links",
          inTimeline("<a type='Array'>" + many("<Item><Data type='ObjectRef' value='2'/></Item>") + "</a>")},

@@ -25,13 +25,26 @@ MigrationReport eventful() {
     report.to = 77;
     report.steps = {"V61_EffectProcessedRangeAdaptor", "V72_TrackTypeAdaptor"};
     report.skipped = {"V62_CollectionItemPayloadAdaptor"};
-    report.log = {{"V61_EffectProcessedRangeAdaptor", "ERROR", "no\nrange", "a.cpp:1"},
-                  {"XmlToJson", "WARNING", "odd\x1b value", "b.cpp:2"}};
+    const Reader::Part clip{Reader::PartKind::Clip, 8, "Timeline::Clip", "Har\nbour", 8, 3723004};
+    report.log = {{"V61_EffectProcessedRangeAdaptor", "ERROR", "no\nrange", "a.cpp:1", {}},
+                  {"V42_SideBySideTransformAdaptor", "ERROR", "Unexpected SideBySide mode. Assuming sbsLeft",
+                   "c.cpp:3", Reader::LoggedObject{"Effect::Side\n", 4, clip}},
+                  {"XmlToJson", "WARNING", "odd\x1b value", "b.cpp:2", {}}};
     report.objectsBefore = {{"File", 2}, {"Timeline::Clip", 1}};
     report.objectsAfter = {{"File", 2}};
     report.clipsBefore = 3;
-    report.clipsAfter = 1;
-    report.lostClips = {{8, "Har\nbour"}, {9, ""}};
+    report.clipsKept = 1;
+    report.clipsAdded = 2;
+    const auto part = [](Reader::PartKind kind, unsigned long long id, const char* name) {
+        return Reader::Part{kind, id, "A::Class", name, 8, {}};
+    };
+    report.losses = {
+        {part(Reader::PartKind::Clip, 8, "Har\nbour"), "V57_ProjectPersistentObjectAdaptor",
+         "nothing leads to it", false},
+        {part(Reader::PartKind::Clip, 9, ""), "V69_RemoveQuizzesAdaptor", "quizzes", true},
+        {part(Reader::PartKind::Effect, 10, ""), "V32_ColorFiltersAdaptor", "it became others", true},
+        {part(Reader::PartKind::Effect, 11, ""), "V32_ColorFiltersAdaptor", "it became others", true},
+        {part(Reader::PartKind::Title, 12, ""), "XmlToJson", "nothing leads to it", false}};
     report.duplicateIds = {3, 4};
     report.leftOut = 1;
     return report;
@@ -43,7 +56,7 @@ MigrationReport quiet() {
     report.to = 62;
     report.steps = {"V28_ClipLabelAdaptor"};
     report.objectsBefore = report.objectsAfter = {{"File", 1}};
-    report.clipsBefore = report.clipsAfter = 1;
+    report.clipsBefore = report.clipsKept = 1;
     return report;
 }
 
@@ -53,7 +66,7 @@ TEST(Summary, SaysWhatHappened) {
               "film.xml: XML archive of schema version 27 -> XML archive of schema version 62\n"
               "  steps:   1 run\n"
               "  objects: 1 in, 1 out\n"
-              "  clips:   1 in, 1 out\n"
+              "  1 clip: 1 kept\n"
               "  written: film.v62.xml\n");
     EXPECT_EQ(Texts::errors({report, "film.xml", "film.v62.xml"}, coloured), "");
     EXPECT_EQ(Texts::log(report, coloured), "");
@@ -66,13 +79,19 @@ TEST(Summary, SaysWhatHappened) {
               "           V72_TrackTypeAdaptor\n"
               "  warning: 1 step skipped, made for archives only: V62_CollectionItemPayloadAdaptor\n"
               "  error: V61_EffectProcessedRangeAdaptor: no\\nrange\n"
+              "  error: V42_SideBySideTransformAdaptor: Unexpected SideBySide mode. Assuming sbsLeft (clip "
+              "\"Har\\nbour\" at 1:02:03.004, Effect::Side\\n, id 4): this side-by-side effect shows its "
+              "picture on "
+              "the left now\n"
               "  warning: XmlToJson: odd\\x1b value\n"
               "  objects: 3 in, 2 out\n"
               "  1 object left out that nothing refers to\n"
               "  warning: 2 ids were used by several objects; the later ones have new ids\n"
-              "  clips:   3 in, 1 out\n"
-              "  lost clip: \"Har\\nbour\" (id 8)\n"
-              "  lost clip: unnamed (id 9)\n"
+              "  3 clips: 1 kept, 1 lost (nothing leads to it, V57), 1 removed (quizzes, V69); 2 "
+              "added: 3\n"
+              "  lost: clip \"Har\\nbour\" (id 8): nothing leads to it, V57\n"
+              "  lost: title \"A::Class\" (id 12): nothing leads to it, XmlToJson\n"
+              "  removed: 2 effects: it became others, V32\n"
               "  backup:  b\\u202e\n"
               "  written: o\\x1b\n");
 }
@@ -83,24 +102,44 @@ TEST(Summary, OnlyErrorsAndLossesAreRed) {
     std::string red;
     for (std::size_t at = 0; (at = text.find("\x1b[31m", at)) != std::string::npos; ++at)
         red += text.substr(at + 5, text.find('\x1b', at + 5) - at - 5) + ' ';
-    EXPECT_EQ(red, "error lost clip lost clip ");
-    EXPECT_EQ(Texts::errors({report, "fi\nlm"}, coloured),
-              "fi\\nlm: \x1b[31merror\x1b[0m: V61_EffectProcessedRangeAdaptor: no\\nrange\n"
-              "fi\\nlm: \x1b[31mlost clip\x1b[0m: \"Har\\nbour\" (id 8)\n"
-              "fi\\nlm: \x1b[31mlost clip\x1b[0m: unnamed (id 9)\n");
-    EXPECT_EQ(Texts::log(report, coloured),
-              "\x1b[31merror\x1b[0m: V61_EffectProcessedRangeAdaptor: no\\nrange\n"
-              "\x1b[33mwarning\x1b[0m: XmlToJson: odd\\x1b value\n");
+    EXPECT_EQ(red, "error error lost lost ");
+    EXPECT_EQ(
+        Texts::errors({report, "fi\nlm"}, coloured),
+        "fi\\nlm: \x1b[31merror\x1b[0m: V61_EffectProcessedRangeAdaptor: no\\nrange\n"
+        "fi\\nlm: \x1b[31merror\x1b[0m: V42_SideBySideTransformAdaptor: Unexpected SideBySide mode. Assuming "
+        "sbsLeft (clip \"Har\\nbour\" at 1:02:03.004, Effect::Side\\n, id 4): this side-by-side effect shows "
+        "its "
+        "picture on the left now\n"
+        "fi\\nlm: \x1b[31mlost\x1b[0m: clip \"Har\\nbour\" (id 8): nothing leads to it, V57\n"
+        "fi\\nlm: \x1b[31mlost\x1b[0m: title \"A::Class\" (id 12): nothing leads to it, XmlToJson\n");
+    EXPECT_EQ(
+        Texts::log(report, coloured),
+        "\x1b[31merror\x1b[0m: V61_EffectProcessedRangeAdaptor: no\\nrange\n"
+        "\x1b[31merror\x1b[0m: V42_SideBySideTransformAdaptor: Unexpected SideBySide mode. Assuming sbsLeft "
+        "(clip \"Har\\nbour\" at 1:02:03.004, Effect::Side\\n, id 4): this side-by-side effect shows its "
+        "picture "
+        "on the left now\n"
+        "\x1b[33mwarning\x1b[0m: XmlToJson: odd\\x1b value\n");
 }
 
 TEST(Summary, FindingsNameTheirPlace) {
-    EXPECT_EQ(Texts::findings({}, "film.xml"), "film.xml: no findings\n");
-    EXPECT_EQ(Texts::findings({{Reader::Fault::DanglingReference, "A\n", 2, "clips/0\x1b", "refers to 9", 9},
-                               {Reader::Fault::DuplicateId, "", 3, "", "is there twice"}},
-                              "fi\nlm"),
-              "fi\\nlm: 2 findings\n"
-              "  dangling-reference: A\\n (id 2) clips/0\\x1b: refers to 9\n"
-              "  duplicate-id: (no class) (id 3): is there twice\n");
+    using Reader::Fault;
+    using Reader::Severity;
+    EXPECT_EQ(Texts::findings({}, "film.xml", plain), "film.xml: no findings\n");
+    const std::vector<Reader::Finding> findings = {
+        {Fault::DanglingReference, Severity::Error, "A\n", 2, "clips/0\x1b", "refers to 9", 9},
+        {Fault::WrongSize, Severity::Warning, "", 3, "", "size is 4", 0},
+        {Fault::Unreachable, Severity::Note, "B", 4, "", "not used", 0}};
+    EXPECT_EQ(Texts::findings(findings, "fi\nlm", plain),
+              "fi\\nlm: 3 findings\n"
+              "  error: dangling-reference: A\\n (id 2) clips/0\\x1b: refers to 9\n"
+              "  warning: wrong-size: (no class) (id 3): size is 4\n"
+              "  note: unreachable: B (id 4): not used\n");
+    EXPECT_EQ(Texts::findings(findings, "film", coloured),
+              "film: 3 findings\n"
+              "  \x1b[31merror\x1b[0m: dangling-reference: A\\n (id 2) clips/0\\x1b: refers to 9\n"
+              "  \x1b[33mwarning\x1b[0m: wrong-size: (no class) (id 3): size is 4\n"
+              "  note: unreachable: B (id 4): not used\n");
 }
 
 TEST(Summary, ProgressFitsANarrowTerminal) {

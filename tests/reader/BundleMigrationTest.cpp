@@ -271,8 +271,11 @@ TEST_F(BundleMigrationTest, ItemsHaveAnEnvelopeAndAShadow) {
 
 TEST_F(BundleMigrationTest, NoQuizIsLeft) {
     std::set<std::string> lost;
-    for (const Reader::Clip& clip : whole().report.lostClips)
-        lost.insert(clip.name);
+    for (const Reader::Loss& loss : whole().report.losses) {
+        EXPECT_TRUE(loss.isIntended) << loss.part.className << ' ' << loss.part.id << ": " << loss.reason;
+        if (loss.part.kind == Reader::PartKind::Clip)
+            lost.insert(loss.part.name);
+    }
     EXPECT_EQ(lost, std::set<std::string>({"Where was the boat?", "Church quiz"}));
     const Project film = project();
     for (const auto& [id, object] : film.objects()) {

@@ -54,9 +54,9 @@ TEST_P(GeneratorTest, ItMigratesWithAllItsClips) {
     const std::size_t copies = often.clipsBefore / once.clipsBefore;
     EXPECT_GE(copies, 4u);
     EXPECT_EQ(often.clipsBefore, copies * once.clipsBefore);
-    EXPECT_EQ(often.lostClips.size(), copies * once.lostClips.size());
+    EXPECT_EQ(often.losses.size(), copies * once.losses.size());
     EXPECT_EQ(often.objectsBefore.at("Timeline::Clip"), copies * once.objectsBefore.at("Timeline::Clip"));
-    EXPECT_EQ(often.clipsAfter, copies * once.clipsAfter);
+    EXPECT_EQ(often.clipsKept, copies * once.clipsKept);
 }
 
 INSTANTIATE_TEST_SUITE_P(Versions, GeneratorTest, testing::Values(3, 12, 27, 34, 45, 62));

@@ -63,13 +63,13 @@ std::string textOf(const Reader::MigrationReport& report) {
                  {"objectsBefore", report.objectsBefore},
                  {"objectsAfter", report.objectsAfter},
                  {"clipsBefore", report.clipsBefore},
-                 {"clipsAfter", report.clipsAfter},
+                 {"clipsAfter", report.clipsAfter()},
                  {"duplicateIds", report.duplicateIds},
                  {"leftOut", report.leftOut}};
     for (const Reader::LogLine& line : report.log)
         text["log"].push_back({line.step, line.severity, line.text, line.place});
-    for (const Reader::Clip& clip : report.lostClips)
-        text["lostClips"].push_back({clip.id, clip.name});
+    for (const Reader::Loss& loss : report.losses)
+        text["losses"].push_back({loss.part.id, loss.part.name, loss.step, loss.reason});
     return text.dump(1);
 }
 

@@ -14,6 +14,15 @@ QDomNodeList listOf(const QDomNode& below, const QString& tag) {
 
 Elements elements(const QDomNode& below, const QString& tag) {
     Elements result;
+    if (!below.isDocument() && !below.parentNode().isDocument()) {
+        // Each access to an entry of a list takes a walk up to the root.
+        const auto enter = [&](const QDomElement& e) {
+            if (e.tagName() == tag)
+                result.push_back(e);
+        };
+        walkElements(below, enter, [](const QDomElement&) {});
+        return result;
+    }
     const QDomNodeList list = listOf(below, tag);
     const int length = list.length();
     result.reserve(static_cast<std::size_t>(length));
@@ -47,9 +56,13 @@ Elements children(const QDomElement& parent, const QString& tag) {
 }
 
 QDomElement firstDescendant(const QDomNode& below, const QString& tag) {
+    // Mostly it is near. If not, the list of all is faster than a walk with handles.
+    int steps = 32;
     for (QDomNode node = nextInDocument(below, below); !node.isNull(); node = nextInDocument(node, below)) {
         if (node.isElement() && node.nodeName() == tag)
             return node.toElement();
+        if (--steps == 0)
+            return listOf(below, tag).item(0).toElement();
     }
     return {};
 }
