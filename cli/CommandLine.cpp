@@ -1,7 +1,9 @@
 #include "CommandLine.h"
 
 #include "Commands.h"
+#include "Completions.h"
 #include "Help.h"
+#include "ManPage.h"
 #include "Memory.h"
 #include "Messages.h"
 #include "Names.h"
@@ -108,7 +110,7 @@ void addMaxMemory(CLI::App& command, Arguments& arguments) {
                                              "a project of the file's size takes at most, and "
                                              "three quarters of the machine's or container's]");
     option->type_name("SIZE")
-        ->transform(CLI::AsSizeValue(false))
+        ->transform(CLI::Validator(CLI::AsSizeValue(false)).description(""))
         // The last transformation comes first: a sign would pass as a number that wraps.
         ->transform(CLI::Validator(
             [](const std::string& size) {
@@ -315,9 +317,13 @@ struct Parser {
     OutputOptions options;
     CLI::App* help = nullptr;
     std::string helpTopic;
+    std::string installedFile;
 
     Parser() {
         addOptionsForEveryCommand(app, options);
+        // Without a group it is hidden: the build makes the files with it that are installed with the program.
+        addName(app, "--generate", installedFile, "NAME", "Print a file that is installed with the program")
+            ->group("");
         app.require_subcommand(0, 1);
         app.fallthrough(); // commands inherit it: options for every command may stand behind a command
         app.footer(std::string("Examples:\nadaptors migrate film.xml\t\nadaptors help migrate\t\n") +
@@ -343,6 +349,8 @@ std::vector<std::string> optionNames(const CLI::App& app, const std::string& com
     std::vector<std::string> names;
     const auto add = [&names](const CLI::App& from) {
         for (const CLI::Option* option : from.get_options()) {
+            if (option->get_group().empty())
+                continue;
             for (const std::string& name : option->get_lnames())
                 names.push_back("--" + name);
         }
@@ -468,7 +476,27 @@ int showHelpTopic(const Parser& parser) {
     return showHelp(Help::of(*parser.app.get_subcommand(parser.helpTopic), width));
 }
 
+/// A manual page or a script for a shell, by the name that its file has where it is installed.
+int showInstalledFile(const Parser& parser) {
+    const std::string& name = parser.installedFile;
+    if (name == "adaptors")
+        return showHelp(Completions::forBash(parser.app));
+    if (name == "_adaptors")
+        return showHelp(Completions::forZsh(parser.app));
+    if (name == "adaptors.fish")
+        return showHelp(Completions::forFish(parser.app));
+    if (name == "adaptors.1")
+        return showHelp(ManPage::of(parser.app));
+    for (const CLI::App* command : parser.app.get_subcommands({})) {
+        if (name == "adaptors-" + command->get_name() + ".1")
+            return showHelp(ManPage::of(*command));
+    }
+    throw Messages::Failure(Messages::badValue("--generate", name, "the name of a file that is installed"));
+}
+
 int runCommand(const Parser& parser, Output& output) {
+    if (!parser.installedFile.empty())
+        return showInstalledFile(parser);
     const std::string name = commandIn(parser.app);
     if (name == parser.help->get_name())
         return showHelpTopic(parser);

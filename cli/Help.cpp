@@ -10,12 +10,6 @@
 namespace Help {
 namespace {
 
-/// A name and what is said of it.
-struct Row {
-    std::string name;
-    std::string text;
-};
-
 /// Breaks a paragraph between words. The first line begins at column `at`, where the text before it ended; the others
 /// are indented by `indent`.
 std::string wrapped(const std::string& text, std::size_t at, std::size_t indent, std::size_t width) {
@@ -68,7 +62,7 @@ std::string table(const std::vector<Row>& rows, std::size_t second, std::size_t 
 }
 
 /// Tables with titles whose columns begin at the same place.
-std::string tables(const std::vector<std::pair<std::string, std::vector<Row>>>& titled, std::size_t width) {
+std::string tables(const std::vector<Table>& titled, std::size_t width) {
     std::vector<Row> all;
     for (const auto& [title, rows] : titled)
         all.insert(all.end(), rows.begin(), rows.end());
@@ -81,6 +75,14 @@ std::string tables(const std::vector<std::pair<std::string, std::vector<Row>>>& 
     return result;
 }
 
+} // namespace
+
+bool takesValue(const CLI::Option& option) {
+    return option.get_items_expected_max() != 0;
+}
+
+namespace {
+
 /// "-o, --output FILE"; names without a short one are indented by its width.
 Row rowFor(const CLI::Option& option) {
     if (option.get_positional())
@@ -88,7 +90,7 @@ Row rowFor(const CLI::Option& option) {
     std::string name = option.get_snames().empty() ? "    " : '-' + option.get_snames().front();
     if (!option.get_lnames().empty())
         name += (option.get_snames().empty() ? "--" : ", --") + option.get_lnames().front();
-    if (option.get_type_size() != 0)
+    if (takesValue(option))
         name += ' ' + option.get_type_name();
     return {name, option.get_description()};
 }
@@ -130,8 +132,8 @@ std::vector<Row> commandRows(const CLI::App& app) {
 }
 
 /// Lines with tabs that follow each other are one table.
-std::string footerOf(const CLI::App& app, std::size_t width) {
-    std::istringstream lines(app.get_footer());
+std::string footerOf(const std::string& footer, std::size_t width) {
+    std::istringstream lines(footer);
     std::string result;
     std::vector<Row> rows;
     const auto endTable = [&] {
@@ -153,22 +155,30 @@ std::string footerOf(const CLI::App& app, std::size_t width) {
 
 } // namespace
 
-std::string of(const CLI::App& app, int width) {
-    const auto columns = static_cast<std::size_t>(width);
+Texts textsOf(const CLI::App& app) {
     const auto positionals =
         app.get_options([](const CLI::Option* option) { return option->get_positional(); });
-    std::string text = wrapped(app.get_description(), 0, 0, columns);
-    text += "\nUsage: " + usageOf(app, positionals) + '\n';
-    text += tables({{"Commands", commandRows(app)}}, columns);
-    std::vector<std::pair<std::string, std::vector<Row>>> options = {{"Arguments", rowsFor(positionals)}};
+    Texts texts{nameOf(app), app.get_description(), usageOf(app, positionals), commandRows(app),
+                {},          app.get_footer()};
+    texts.arguments.emplace_back("Arguments", rowsFor(positionals));
     for (const CLI::App* from : {&app, app.get_parent()}) {
         if (!from)
             continue;
-        for (const std::string& group : from->get_groups())
-            options.emplace_back(group, groupRows(*from, group));
+        for (const std::string& group : from->get_groups()) {
+            if (!group.empty()) // options without a group are hidden
+                texts.arguments.emplace_back(group, groupRows(*from, group));
+        }
     }
-    text += tables(options, columns);
-    return text + footerOf(app, columns);
+    std::erase_if(texts.arguments, [](const Table& table) { return table.second.empty(); });
+    return texts;
+}
+
+std::string of(const CLI::App& app, int width) {
+    const auto columns = static_cast<std::size_t>(width);
+    const Texts texts = textsOf(app);
+    return wrapped(texts.description, 0, 0, columns) + "\nUsage: " + texts.usage + '\n' +
+           tables({{"Commands", texts.commands}}, columns) + tables(texts.arguments, columns) +
+           footerOf(texts.footer, columns);
 }
 
 std::string ofAll(const CLI::App& app, int width) {
