@@ -9,9 +9,9 @@ namespace Bundle {
 ///
 /// Threads: a plain value.
 struct PortableFolders {
-    QString packages;      ///< #PACKAGES_ROOT#
-    QString aiModels;      ///< #AI_MODELS_ROOT#
-    QString downloadables; ///< #DOWNLOADABLE_ROOT#
+    QString packages;      ///< `#PACKAGES_ROOT#`
+    QString aiModels;      ///< `#AI_MODELS_ROOT#`
+    QString downloadables; ///< `#DOWNLOADABLE_ROOT#`
 };
 
 } // namespace Bundle
