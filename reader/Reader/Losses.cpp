@@ -80,10 +80,18 @@ std::vector<unsigned long long> listedClips(const JsonDocument& document,
         const auto object = document.flat.objects.find(timeline);
         if (object == document.flat.objects.end())
             continue;
-        for (const json& entry : Archive::Internal::memberOf(object->second, "clips"))
-            ids.push_back(
-                Serialize::Json::getAnyObjectId(Archive::Internal::memberOf(entry, "clip")).value_or(0));
+        for (const json& entry : Archive::Internal::memberOf(object->second, "clips")) {
+            const json& clip = Archive::Internal::memberOf(entry, "clip");
+            ids.push_back(Serialize::Json::getAnyObjectId(clip.is_null() ? entry : clip).value_or(0));
+        }
     }
+    return ids;
+}
+
+std::vector<unsigned long long> idsOf(const std::vector<Clip>& clips) {
+    std::vector<unsigned long long> ids;
+    for (const Clip& clip : clips)
+        ids.push_back(clip.id);
     return ids;
 }
 
@@ -171,9 +179,10 @@ std::size_t LossTracker::countAddedClips(const Document& document) const {
     std::unordered_set<unsigned long long> known;
     for (const Part& part : m_parts)
         known.insert(idIn(document, part.id, m_wasXml));
-    const auto clips = listClips(document);
-    return static_cast<std::size_t>(std::count_if(
-        clips.begin(), clips.end(), [&](const Clip& clip) { return known.count(clip.id) == 0; }));
+    std::size_t added = 0;
+    for (const unsigned long long id : document.isXml() ? idsOf(listClips(document)) : m_listed)
+        added += id != 0 && known.insert(id).second ? 1 : 0;
+    return added;
 }
 
 std::vector<Loss> explainLosses(Document document, MigrationOptions options,

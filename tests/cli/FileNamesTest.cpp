@@ -3,6 +3,7 @@
 #include "FileNames.h"
 #include "Terminal.h"
 #include "support/ProgramTest.h"
+#include <nlohmann/json.hpp>
 
 #include <gtest/gtest.h>
 
