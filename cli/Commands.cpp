@@ -136,7 +136,7 @@ bool isRefused(const Arguments& arguments, const Reader::MigrationReport& report
 
 /// Whether all that the input held is in the result, except what schema versions removed on purpose.
 bool isWhole(const Reader::MigrationReport& report) {
-    return !report.hasUnintendedLosses() &&
+    return !report.hasHarmfulLosses() &&
            std::all_of(report.log.begin(), report.log.end(), [](const Reader::LogLine& line) {
                return !line.isError() || LossMessages::isHarmless(line);
            });

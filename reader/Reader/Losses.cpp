@@ -40,17 +40,14 @@ Loss lossAt(const Part& part, const std::string& step) {
         std::find_if(intendedLosses.begin(), intendedLosses.end(),
                      [&](const IntendedLoss& loss) { return loss.step == step && loss.kind == part.kind; });
     if (known != intendedLosses.end())
-        return {part, step, std::string(known->reason), true, std::string(known->cause)};
+        return {part, step, std::string(known->reason), true, true, std::string(known->cause)};
     return {part, step, step.empty() ? "it is not in the result" : "no reference leads to it any more",
             false};
 }
 
 /// A part that the document as it was read does not hold.
 Loss lossOfUnused(const Part& part) {
-    return {part,
-            {},
-            part.className.empty() ? "there is no such object" : "nothing in the project used it",
-            true};
+    return {part, {}, "nothing in the project used it", false, false};
 }
 
 /// The id that an object of the input has in the document now. Ids of an archive are kept in JSON, except those of
@@ -127,6 +124,7 @@ private:
 
 void LossTracker::start(std::vector<Part> parts, Bundle::Backend form) {
     m_parts = std::move(parts);
+    std::erase_if(m_parts, [](const Part& part) { return part.className.empty(); }); // references to nothing
     m_wasXml = form == Bundle::Backend::Xml;
     for (const Part& part : m_parts)
         m_ids.insert(part.id);

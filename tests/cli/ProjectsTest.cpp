@@ -56,7 +56,7 @@ TEST_F(ProgramTest, SeveralProjectsOfAFolderAreNamed) {
     for (int number = 0; number < 12; ++number)
         write("old/more" + QString::number(number) + ".xml", archive());
     const Outcome outcome = run({"info", "old"});
-    EXPECT_TRUE(outcome.err.contains("this one 14: ") && outcome.err.contains(" and 4 more; name"))
+    EXPECT_TRUE(outcome.err.contains("this one holds 14: ") && outcome.err.contains(" and 4 more; name"))
         << outcome.err.toStdString();
 }
 

@@ -198,10 +198,10 @@ TEST_F(SignalsTest, AProgramThatWaitsForAPipeEndsToo) {
 
 TEST_F(SignalsTest, AReaderThatHasSeenEnoughEndsTheProgramQuietly) {
     const Outcome outcome = Tests::runCommand("/bin/bash",
-                                              {"-c", "\"$0\" steps --json | head -1; echo ${PIPESTATUS[0]}",
+                                              {"-c", "\"$0\" steps | head -c 1; echo ${PIPESTATUS[0]}",
                                                QString::fromStdString(Tests::program().string())},
                                               m_folder.path());
-    EXPECT_EQ(outcome.out, "[\n141\n");
+    EXPECT_EQ(outcome.out, " 141\n");
     EXPECT_EQ(outcome.err, "");
 }
 
