@@ -54,7 +54,9 @@ public:
     void created(const QDomElement& e, long long id) { m_created.push_back({e, id}); }
     /// The ids of root objects that were removed since the last call, in order. One that was inserted again is among
     /// them.
-    std::vector<unsigned long long> takeRemovedRootObjects() { return std::exchange(m_removedRootObjects, {}); }
+    std::vector<unsigned long long> takeRemovedRootObjects() {
+        return std::exchange(m_removedRootObjects, {});
+    }
 
     /// A text was written to an attribute.
     void wrote(const QString& text);
