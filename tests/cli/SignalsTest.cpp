@@ -42,7 +42,8 @@ protected:
                process.state() != QProcess::NotRunning)
             std::this_thread::yield();
         std::this_thread::sleep_for(wait);
-        ::kill(static_cast<pid_t>(process.processId()), signal);
+        if (const auto id = static_cast<pid_t>(process.processId()); id > 0) // 0 would be this process group
+            ::kill(id, signal);
         process.waitForFinished(-1);
         return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
     }
