@@ -28,7 +28,7 @@ using namespace Places;
 /// The project's file. Failures from here on are reported with its name.
 QString inputOf(const Arguments& arguments, Output& output) {
     output.setInput(nameOf(path(arguments.file)));
-    const QString input = inputFor(arguments);
+    QString input = inputFor(arguments);
     output.setInput(nameOf(input));
     return input;
 }

@@ -87,6 +87,7 @@ std::vector<unsigned long long> listedClips(const JsonDocument& document,
 
 std::vector<unsigned long long> idsOf(const std::vector<Clip>& clips) {
     std::vector<unsigned long long> ids;
+    ids.reserve(clips.size());
     for (const Clip& clip : clips)
         ids.push_back(clip.id);
     return ids;
