@@ -74,7 +74,7 @@ void TimelineCollection::collectPrimaryTracks() {
 
 bool TimelineCollection::collectTimeline(const QDomElement& object) {
     const Subject subject(m_archive, object);
-    const QDomElement clips = object.firstChildElement("clips");
+    const QDomElement clips = childOf(object, "clips");
     if (clips.isNull()) {
         LOG(ERROR) << "Not found timeline <clips> element";
         return true;
@@ -231,7 +231,7 @@ void TimelineRecords::appendReference(std::size_t position, long long id) {
 void appendTitleTiming(ArchiveEditor& archive, const Timeline& timeline, long long clipId,
                        long long timingId) {
     const PrimaryClip& last = timeline.primaryClips.back();
-    const QDomElement item = archive.appendItem(timeline.object.firstChildElement("clips"));
+    const QDomElement item = archive.appendItem(childOf(timeline.object, "clips"));
     archive.fields(item).reference(Words::Key, clipId);
     archive.fields(archive.appendObject(item, Words::Value, "Timeline::ClipTiming", timingId))
         .reference("track", static_cast<long long>(timeline.primaryTrackId))
