@@ -54,6 +54,13 @@ std::string causeOf(const Loss& loss) {
            (loss.step.empty() ? "" : ", " + shortName(loss.step));
 }
 
+/// Of several parts: "it became" is "each became".
+std::string causeOf(const Group& group) {
+    const std::string cause = causeOf(*group.first);
+    constexpr std::string_view one = "it ";
+    return group.count > 1 && cause.starts_with(one) ? "each " + cause.substr(one.size()) : cause;
+}
+
 std::string partText(const Reader::Part& part) {
     const std::string& name = part.name.empty() ? part.className : part.name;
     return std::string(Reader::nameOf(part.kind)) + ' ' +
@@ -120,7 +127,7 @@ std::string clips(const Reader::MigrationReport& report) {
     out << plural(report.clipsBefore, "clip") << ": " << report.clipsKept << " kept";
     const auto isClip = [](const Loss& loss) { return loss.part.kind == PartKind::Clip; };
     for (const Group& group : groupsOf(report.losses, isClip))
-        out << ", " << group.count << ' ' << wordFor(*group.first) << " (" << causeOf(*group.first) << ')';
+        out << ", " << group.count << ' ' << wordFor(*group.first) << " (" << causeOf(group) << ')';
     if (report.clipsAdded > 0)
         out << "; " << report.clipsAdded << " added: " << report.clipsAfter();
     return out.str();
@@ -142,7 +149,7 @@ std::string losses(const Reader::MigrationReport& report, const Colours& colours
     };
     for (const Group& group : groupsOf(report.losses, isIntendedPart))
         out << "  removed: " << plural(group.count, std::string(Reader::nameOf(group.first->part.kind)))
-            << ": " << causeOf(*group.first) << '\n';
+            << ": " << causeOf(group) << '\n';
     return out.str();
 }
 
