@@ -28,7 +28,7 @@ using namespace Places;
 /// The project's file. Failures from here on are reported with its name.
 QString inputOf(const Arguments& arguments, Output& output) {
     output.setInput(nameOf(path(arguments.file)));
-    const QString input = inputFor(arguments);
+    QString input = inputFor(arguments);
     output.setInput(nameOf(input));
     return input;
 }
@@ -136,7 +136,7 @@ bool isRefused(const Arguments& arguments, const Reader::MigrationReport& report
 
 /// Whether all that the input held is in the result, except what schema versions removed on purpose.
 bool isWhole(const Reader::MigrationReport& report) {
-    return !report.hasUnintendedLosses() &&
+    return !report.hasHarmfulLosses() &&
            std::all_of(report.log.begin(), report.log.end(), [](const Reader::LogLine& line) {
                return !line.isError() || LossMessages::isHarmless(line);
            });

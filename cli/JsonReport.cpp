@@ -100,7 +100,8 @@ Json lossesAsJson(const Reader::MigrationReport& report) {
                     {"clip", loss.part.clip},
                     {"step", orNull(loss.step)},
                     {"reason", loss.reason},
-                    {"intended", loss.isIntended}};
+                    {"intended", loss.isIntended},
+                    {"used", loss.wasUsed}};
     });
 }
 

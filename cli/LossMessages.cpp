@@ -54,11 +54,23 @@ std::string causeOf(const Loss& loss) {
            (loss.step.empty() ? "" : ", " + shortName(loss.step));
 }
 
+/// Of several parts: "it became" is "each became".
+std::string causeOf(const Group& group) {
+    const std::string cause = causeOf(*group.first);
+    constexpr std::string_view one = "it ";
+    return group.count > 1 && cause.starts_with(one) ? "each " + cause.substr(one.size()) : cause;
+}
+
 std::string partText(const Reader::Part& part) {
     const std::string& name = part.name.empty() ? part.className : part.name;
     return std::string(Reader::nameOf(part.kind)) + ' ' +
            (name.empty() ? std::string("without a name") : '"' + escaped(name) + '"') + " (id " +
            std::to_string(part.id) + ')';
+}
+
+/// "removed", for a loss that the version intended.
+std::string wordFor(const Loss& loss) {
+    return loss.isIntended ? "removed" : loss.wasUsed ? "lost" : "left out";
 }
 
 /// What a line of a step means.
@@ -88,7 +100,7 @@ constexpr std::array meanings = {
     Meaning{"Can not parse mode of SideBySide", true,
             "this side-by-side effect shows its picture on the left now"},
     Meaning{"Unexpected SideBySide mode", true, "this side-by-side effect shows its picture on the left now"},
-    Meaning{"Can't adapt user collection", false, "the project gets no collection of its own"},
+    Meaning{"Can't adapt user collection", true, "the project gets no collection of its own"},
     Meaning{"Cannot find predeclaration", true, "the list of objects does not name a frame of this mask"},
     Meaning{"side file", false, "a text of a title is not where the project says; see the reason"},
     Meaning{"SVG", true, "the drawing of this title is left as it was"},
@@ -98,6 +110,10 @@ constexpr std::array meanings = {
 };
 
 const Meaning* find(const Reader::LogLine& line) {
+    // A text that can't be written to a side file stays inside the document.
+    static constexpr Meaning unwritten{"side file", true, "the text of this title stays inside the project"};
+    if (line.step == "OverlayFileContentWriteAdaptor" && line.text.starts_with(unwritten.start))
+        return &unwritten;
     const auto found = std::find_if(meanings.begin(), meanings.end(), [&](const Meaning& meaning) {
         return line.text.starts_with(meaning.start);
     });
@@ -111,15 +127,15 @@ std::string clips(const Reader::MigrationReport& report) {
     out << plural(report.clipsBefore, "clip") << ": " << report.clipsKept << " kept";
     const auto isClip = [](const Loss& loss) { return loss.part.kind == PartKind::Clip; };
     for (const Group& group : groupsOf(report.losses, isClip))
-        out << ", " << group.count << (group.first->isIntended ? " removed (" : " lost (")
-            << causeOf(*group.first) << ')';
+        out << ", " << group.count << ' ' << wordFor(*group.first) << " (" << causeOf(group) << ')';
     if (report.clipsAdded > 0)
         out << "; " << report.clipsAdded << " added: " << report.clipsAfter();
     return out.str();
 }
 
 std::string loss(const Loss& loss, const Colours& colours) {
-    return colours.red("lost") + ": " + partText(loss.part) + ": " + causeOf(loss) + '\n';
+    return (loss.wasUsed ? colours.red("lost") : colours.yellow("left out")) + ": " + partText(loss.part) +
+           ": " + causeOf(loss) + '\n';
 }
 
 std::string losses(const Reader::MigrationReport& report, const Colours& colours) {
@@ -133,7 +149,7 @@ std::string losses(const Reader::MigrationReport& report, const Colours& colours
     };
     for (const Group& group : groupsOf(report.losses, isIntendedPart))
         out << "  removed: " << plural(group.count, std::string(Reader::nameOf(group.first->part.kind)))
-            << ": " << causeOf(*group.first) << '\n';
+            << ": " << causeOf(group) << '\n';
     return out.str();
 }
 

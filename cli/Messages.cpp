@@ -159,7 +159,7 @@ std::string sentenceFor(ErrorKind kind, const ErrorFacts& facts) {
     case ErrorKind::ChangedMeanwhile:
         return "it was changed or removed while it was migrated, and was left alone; run this again";
     }
-    return reason;
+    return facts.reason;
 }
 
 /// "film.xml:3:7: "

@@ -50,7 +50,7 @@ QString outputFor(const Arguments& arguments, const QString& input, const QStrin
         return input;
     if (!arguments.bundle.empty())
         return inFolder(path(arguments.bundle), ownName);
-    const QString output = path(arguments.output);
+    QString output = path(arguments.output);
     if (isFolder(output))
         return inFolder(output, ownName);
     if (!output.isEmpty())

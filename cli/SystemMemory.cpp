@@ -36,7 +36,9 @@ std::optional<std::uint64_t> leastLimit(const std::string& hierarchy, std::strin
     while (true) {
         while (group.ends_with('/'))
             group.pop_back();
-        if (const auto limit = limitIn(hierarchy + group + '/' + file))
+        std::string path = hierarchy;
+        path.append(group).append("/").append(file);
+        if (const auto limit = limitIn(path))
             least = std::min(least.value_or(*limit), *limit);
         if (group.empty())
             return least;

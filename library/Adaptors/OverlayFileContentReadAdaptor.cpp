@@ -33,7 +33,7 @@ void OverlayFileContentReadAdaptor::convert(ArchiveEditor& archive) {
         if (Archive::typeOf(preset) != QLatin1String("Overlay::Preset"))
             continue;
         const Subject subject(archive, preset);
-        Archive::iterateArray(preset.firstChildElement("items"), [&](QDomElement& item) {
+        Archive::iterateArray(childOf(preset, "items"), [&](QDomElement& item) {
             for (QDomElement text = item.firstChildElement(); !text.isNull();
                  text = text.nextSiblingElement()) {
                 if (Archive::typeOf(text) == QLatin1String("FileContent"))

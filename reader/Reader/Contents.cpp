@@ -202,20 +202,25 @@ private:
     PartList m_parts;
 };
 
-/// Follows references from id to id. `refersTo(id, found)` must call `found` for each id that the object
-/// refers to.
-template <class RefersTo>
-std::set<unsigned long long> follow(unsigned long long root, RefersTo refersTo) {
+/// Follows references from the root object. `visit(id, found)` must call `found` for each id that the object refers to,
+/// and give false where there is no such object.
+template <class Visit>
+std::set<unsigned long long> follow(unsigned long long root, Visit visit) {
     std::set<unsigned long long> reached = {root};
+    std::vector<unsigned long long> missing;
     std::vector<unsigned long long> open = {root};
     while (!open.empty()) {
         const unsigned long long id = open.back();
         open.pop_back();
-        refersTo(id, [&](unsigned long long target) {
+        const bool exists = visit(id, [&](unsigned long long target) {
             if (target != 0 && reached.insert(target).second)
                 open.push_back(target);
         });
+        if (!exists && id != root)
+            missing.push_back(id);
     }
+    for (const unsigned long long id : missing)
+        reached.erase(id);
     return reached;
 }
 
@@ -225,26 +230,31 @@ std::set<unsigned long long> reachableInXml(const QDomDocument& xml) {
     return follow(root, [&](unsigned long long id, auto found) {
         const QDomElement object = objects.value(id);
         if (object.isNull())
-            return;
+            return false;
         walkElements(object, [&](const QDomElement& e) {
-            if (Archive::typeOf(e) == Words::ObjectRef && objects.contains(idIn(e)))
+            if (Archive::typeOf(e) == Words::ObjectRef)
                 found(idIn(e));
         });
+        return true;
     });
 }
 
 std::set<unsigned long long> reachableInJson(const JsonDocument& document) {
-    return follow(document.root, [&](unsigned long long id, auto found) {
+    std::vector<unsigned long long> embedded; // objects inside of others, whose values are visited with those
+    auto reached = follow(document.root, [&](unsigned long long id, auto found) {
         const auto object = document.flat.objects.find(id);
         if (object == document.flat.objects.end())
-            return;
+            return false;
         walkValues(object->second, [&](const json& value) {
-            if (const unsigned long long target = linkTarget(value); document.flat.objects.count(target) > 0)
-                found(target);
+            found(linkTarget(value));
             if (isClassObject(value))
-                found(Serialize::Json::getObjectId(value).value_or(0));
+                embedded.push_back(Serialize::Json::getObjectId(value).value_or(0));
         });
+        return true;
     });
+    reached.insert(embedded.begin(), embedded.end());
+    reached.erase(0);
+    return reached;
 }
 
 } // namespace

@@ -70,8 +70,9 @@ StatedVersion versionIn(const json& envelope) {
 void checkForm(Backend form, int version, const QString& name) {
     const bool isOther = form == Backend::Xml ? version > lastXmlVersion : version < firstJsonVersion;
     if (isOther && version <= currentVersion)
-        throw Error(ErrorKind::WrongForm,
-                    {.file = name, .version = version, .reason = formName(form).toStdString()});
+        throw Error(
+            ErrorKind::WrongForm,
+            {.file = name, .version = version, .reason = form == Backend::Xml ? "an XML archive" : "JSON"});
 }
 
 /// The version to go by: `given`, or else what the document says.

@@ -40,17 +40,14 @@ Loss lossAt(const Part& part, const std::string& step) {
         std::find_if(intendedLosses.begin(), intendedLosses.end(),
                      [&](const IntendedLoss& loss) { return loss.step == step && loss.kind == part.kind; });
     if (known != intendedLosses.end())
-        return {part, step, std::string(known->reason), true, std::string(known->cause)};
+        return {part, step, std::string(known->reason), true, true, std::string(known->cause)};
     return {part, step, step.empty() ? "it is not in the result" : "no reference leads to it any more",
             false};
 }
 
 /// A part that the document as it was read does not hold.
 Loss lossOfUnused(const Part& part) {
-    return {part,
-            {},
-            part.className.empty() ? "there is no such object" : "nothing in the project used it",
-            true};
+    return {part, {}, "nothing in the project used it", false, false};
 }
 
 /// The id that an object of the input has in the document now. Ids of an archive are kept in JSON, except those of
@@ -80,10 +77,19 @@ std::vector<unsigned long long> listedClips(const JsonDocument& document,
         const auto object = document.flat.objects.find(timeline);
         if (object == document.flat.objects.end())
             continue;
-        for (const json& entry : Archive::Internal::memberOf(object->second, "clips"))
-            ids.push_back(
-                Serialize::Json::getAnyObjectId(Archive::Internal::memberOf(entry, "clip")).value_or(0));
+        for (const json& entry : Archive::Internal::memberOf(object->second, "clips")) {
+            const json& clip = Archive::Internal::memberOf(entry, "clip");
+            ids.push_back(Serialize::Json::getAnyObjectId(clip.is_null() ? entry : clip).value_or(0));
+        }
     }
+    return ids;
+}
+
+std::vector<unsigned long long> idsOf(const std::vector<Clip>& clips) {
+    std::vector<unsigned long long> ids;
+    ids.reserve(clips.size());
+    for (const Clip& clip : clips)
+        ids.push_back(clip.id);
     return ids;
 }
 
@@ -119,6 +125,7 @@ private:
 
 void LossTracker::start(std::vector<Part> parts, Bundle::Backend form) {
     m_parts = std::move(parts);
+    std::erase_if(m_parts, [](const Part& part) { return part.className.empty(); }); // references to nothing
     m_wasXml = form == Bundle::Backend::Xml;
     for (const Part& part : m_parts)
         m_ids.insert(part.id);
@@ -171,9 +178,10 @@ std::size_t LossTracker::countAddedClips(const Document& document) const {
     std::unordered_set<unsigned long long> known;
     for (const Part& part : m_parts)
         known.insert(idIn(document, part.id, m_wasXml));
-    const auto clips = listClips(document);
-    return static_cast<std::size_t>(std::count_if(
-        clips.begin(), clips.end(), [&](const Clip& clip) { return known.count(clip.id) == 0; }));
+    std::size_t added = 0;
+    for (const unsigned long long id : document.isXml() ? idsOf(listClips(document)) : m_listed)
+        added += id != 0 && known.insert(id).second ? 1 : 0;
+    return added;
 }
 
 std::vector<Loss> explainLosses(Document document, MigrationOptions options,

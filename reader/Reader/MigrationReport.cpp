@@ -12,4 +12,9 @@ bool MigrationReport::hasUnintendedLosses() const {
     return std::any_of(losses.begin(), losses.end(), [](const Loss& loss) { return !loss.isIntended; });
 }
 
+bool MigrationReport::hasHarmfulLosses() const {
+    return std::any_of(losses.begin(), losses.end(),
+                       [](const Loss& loss) { return !loss.isIntended && loss.wasUsed; });
+}
+
 } // namespace Reader

@@ -35,6 +35,7 @@ struct Loss {
               ///< not reach it either, or where that is not known
     std::string reason;      ///< for people, a part of a sentence
     bool isIntended = false; ///< whether the schema version meant it to go
+    bool wasUsed = true;     ///< whether the project reached it before; known where the input was read again
     std::string cause = {};  ///< the reason in a word for counts, such as "quizzes"; may be empty
 };
 
@@ -62,6 +63,8 @@ struct MigrationReport {
     std::size_t clipsAfter() const { return clipsKept + clipsAdded; }
     bool hasErrors() const;
     bool hasUnintendedLosses() const;
+    /// Whether one of those was used by the project.
+    bool hasHarmfulLosses() const;
 };
 
 } // namespace Reader

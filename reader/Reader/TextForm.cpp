@@ -186,7 +186,7 @@ std::string describeFile(const QByteArray& bytes) {
     if (encoding == Encoding::Bytes)
         return {};
     const auto first = firstCharacter(bytes);
-    const bool isJson = first == U'{' || first == U'[';
+    const bool isJson = first && std::u32string_view(U"{[").find(*first) != std::u32string_view::npos;
     return isJson ? "JSON in " + nameOf(encoding) + "; convert it to UTF-8 first" : std::string();
 }
 

@@ -116,8 +116,9 @@ std::string WideNumbers::pathOf(Place place) const {
             return ".../" + path;
         const Name& name = m_places[place].name;
         const auto* key = std::get_if<std::string>(&name);
-        const std::string text = key ? *key : std::to_string(std::get<std::size_t>(name));
-        path = text + (path.empty() ? "" : "/") + path;
+        if (!path.empty())
+            path.insert(0, 1, '/');
+        path.insert(0, key ? *key : std::to_string(std::get<std::size_t>(name)));
     }
     return path;
 }

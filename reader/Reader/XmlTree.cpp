@@ -139,14 +139,14 @@ void Builder::startElement() {
         note(element, tag, type, id);
 }
 
-/// An element goes into the tree when it is complete: each change of a node in the tree takes a walk up to the root.
+/// An element is inserted into the tree when it is complete: each change of a node in the tree walks up to the root.
 void Builder::endElement() {
     m_around.back().appendChild(m_node);
-    m_node = std::move(m_around.back());
+    m_node = m_around.back();
     m_around.pop_back();
 }
 
-/// Takes down what is known of an element by now.
+/// Adds an element to the facts.
 void Builder::note(const QDomElement& element, const QString& tag, const QString& type,
                    const std::optional<QString>& objectId) {
     if (tag == Words::RootObject)

@@ -104,6 +104,41 @@ TEST_F(ArchiveEditorTest, InsertsRootObjectsAmongOthers) {
     expectSameAfter([&](ArchiveEditor& archive) { archive.insertAfter(m_root, newObject(archive, 12), {}); });
 }
 
+TEST_F(ArchiveEditorTest, InsertsRootObjectsThatContainOthers) {
+    expectSameAfter([&](ArchiveEditor& archive) {
+        const QDomElement object = newObject(archive, 9);
+        archive.appendObject(object, Words::RootObject, "E", 10);
+        archive.insertBefore(m_root, object, m_first);
+    });
+    // One is nested already.
+    expectSameAfter([&](ArchiveEditor& archive) {
+        archive.insertBefore(m_root, archive.newObject(Words::RootObject, "E", 11), m_first);
+    });
+}
+
+TEST_F(ArchiveEditorTest, InsertsAppendsAndRemovesRootObjectsInOneStep) {
+    expectSameAfter([&](ArchiveEditor& archive) {
+        archive.append(m_root, newObject(archive, 9));
+        archive.insertBefore(m_root, archive.newObject(Words::RootObject, "E", 10), m_first);
+        archive.append(m_root, newObject(archive, 11));
+        archive.remove(m_last);
+    });
+    expectSameAfter([&](ArchiveEditor& archive) {
+        // The last listed one is replaced while something else follows it.
+        m_root.appendChild(m_document.createComment("end"));
+        const QDomElement last = m_root.lastChildElement(Words::RootObject);
+        archive.replaceChild(m_root, archive.newObject(Words::RootObject, "E", 12), last);
+        archive.append(m_root, newObject(archive, 13));
+    });
+    expectSameAfter([&](ArchiveEditor& archive) {
+        const QDomElement object = archive.newObject(Words::RootObject, "E", 14);
+        archive.insertBefore(m_root, object, m_first);
+        archive.setType(object, "G");
+        archive.remove(object);
+        archive.insertAfter(m_root, object, m_first);
+    });
+}
+
 TEST_F(ArchiveEditorTest, AppendsObjectsInsideOthers) {
     expectSameAfter([&](ArchiveEditor& archive) { archive.append(m_first, newObject(archive, 9)); });
     expectSameAfter([&](ArchiveEditor& archive) {

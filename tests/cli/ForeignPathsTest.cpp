@@ -38,7 +38,7 @@ TEST_F(ForeignPaths, AWindowsProjectKeepsItsPathsInAnotherFolder) {
                               file("22", "\\\\server\\share\\music.mp3") + file("23", "near.mp4"));
     text.replace("<name type='String' value='Beach'/>", "<name type='String' value='Beach'/>" + files);
     write("from/here/film.xml", text);
-    const Outcome outcome = run({"migrate", "from/here/film.xml", "-o", "to/film.json"});
+    const Outcome outcome = run({"migrate", "from/here/film.xml", "-o", "to/film.json", "--to", "70"});
     ASSERT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
     EXPECT_EQ(pathsIn(json::parse(read("to/film.json").toStdString())),
               (std::vector<std::string>{"C:/Users/me/clip.mp4", "//server/share/music.mp3",

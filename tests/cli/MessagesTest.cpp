@@ -104,8 +104,18 @@ TEST(Messages, EveryKindHasItsSentence) {
          "backup"},
         {of(ErrorKind::RefusedXml, {.line = 1, .column = 1, .reason = "a document type declaration"}),
          "film.xml:1:1: a document type declaration, which no project has; name the project's own file"},
-        {of(ErrorKind::ForeignEncoding),
-         "film.xml: the text is not in an encoding that projects use; convert it to UTF-8"},
+        {of(ErrorKind::UnknownForm, {.reason = "a gzip archive; unpack it first"}),
+         "film.xml: a project is XML or JSON; this is a gzip archive; unpack it first"},
+        {of(ErrorKind::BrokenXml, {.byte = 9, .reason = "the file ends", .isCutOff = true}),
+         "film.xml: the file ends; restore the file from a backup"},
+        {of(ErrorKind::BrokenJson, {.byte = 9, .reason = "the file ends", .isCutOff = true}),
+         "film.xml: the file ends; restore the file from a backup"},
+        {of(ErrorKind::ForeignEncoding, {.reason = "UTF-32"}),
+         "film.xml: the text is in UTF-32, an encoding that projects do not use; convert it to UTF-8"},
+        {of(ErrorKind::WrongForm, {.version = 70, .reason = "an XML archive"}),
+         "film.xml: a document of schema version 70 can't be an XML archive: documents are XML up to version "
+         "62, and "
+         "JSON from version 59 on; give the right version with --from"},
         {of(ErrorKind::NoArchive, {.reason = "the document element is <Project>"}),
          "film.xml: the document element is <Project> (a project is one <Archive>); name the project's own "
          "file"},
@@ -144,8 +154,13 @@ TEST(Messages, EveryKindHasItsSentence) {
          "film.xml: V7_PenEnableAdaptor: no id; \"adaptors verify\" and \"adaptors trace\" help to find what "
          "is wrong "
          "in the document"},
-        {of(ErrorKind::Unwritable, {.reason = "No space left on device"}),
+        {of(ErrorKind::Unwritable, {.reason = "Input/output error"}),
+         "film.xml: Input/output error; give another output"},
+        {of(ErrorKind::Unwritable, {.reason = "No space left on device", .obstacle = WriteObstacle::NoSpace}),
          "film.xml: No space left on device; free some space on its disk, or give another output"},
+        {of(ErrorKind::Unwritable, {.reason = "is a link", .obstacle = WriteObstacle::NotRegular}),
+         "film.xml: is a link; only a regular file is replaced here; remove what has the name, or give "
+         "another output"},
         {of(ErrorKind::Unwritable,
             {.reason = "No such file or directory", .obstacle = WriteObstacle::NoFolder}),
          "film.xml: No such file or directory; make its folder first, or give another output"},
@@ -174,21 +189,23 @@ TEST(Messages, EveryOtherFailureHasItsSentence) {
         {Messages::inPlaceNeedsFile(),
          "--in-place needs a file, not standard input; name the file, or give -o"},
         {Messages::notOneProject("old", {"a.xml", "b.json"}),
-         "old: the folder of a project holds one .xml or .json file, and this one holds 2: a.xml, b.json; name the "
+         "old: the folder of a project holds one .xml or .json file, and this one holds 2: a.xml, b.json; "
+         "name the "
          "project's own file"},
-        {Messages::notOneProject("old", {}),
-         "old: the folder of a project holds one .xml or .json file, and this one holds none; name the project's own "
-         "file"},
+        {Messages::notOneProject("old", {}), "old: the folder of a project holds one .xml or .json file, and "
+                                             "this one holds none; name the project's own "
+                                             "file"},
         {Messages::folderNotMade("a/b"),
          "a/b: can't make this folder; make the one above it first, or give another one"},
         {Messages::refusedByStrict(film), "film.xml: not written, because --strict allows neither errors nor "
                                           "losses; look at those listed here, or leave "
                                           "--strict out to write the result all the same"},
         {Messages::outOfMemory(film, "--max-memory allows, 64 MiB"),
-         "film.xml: the document needs more memory than --max-memory allows, 64 MiB; nothing was written; check that "
+         "film.xml: the document needs more memory than --max-memory allows, 64 MiB; nothing was written; "
+         "check that "
          "it is a project, or give more with --max-memory"},
-        {Messages::wouldLose(film),
-         "film.xml: a migration would lose something or report an error, see the lines above; nothing was written"},
+        {Messages::wouldLose(film), "film.xml: a migration would lose something or report an error, see the "
+                                    "lines above; nothing was written"},
         {Messages::outputLost("No space left on device"),
          "standard output: No space left on device; free some space where it goes, or send it somewhere "
          "else"},
@@ -259,25 +276,6 @@ TEST(Messages, AMessageIsALineForPeople) {
               "with the file, if you can\n");
     EXPECT_EQ(Messages::asText(Messages::givenTwice("--to"), Terminal::Colours(true)),
               "adaptors: \x1b[31merror\x1b[0m: --to is given more than once; give it once\n");
-}
-
-TEST(Messages, ADocumentThatWasCutOffIsRestored) {
-    for (const ErrorKind kind : {ErrorKind::BrokenXml, ErrorKind::BrokenJson})
-        EXPECT_EQ(textFor(kind, {.file = film, .byte = 9, .reason = "the file ends", .isCutOff = true}),
-                  "film.xml: the file ends; restore the file from a backup");
-}
-
-TEST(Messages, AFileThatIsNoProjectIsNamed) {
-    EXPECT_EQ(textFor(ErrorKind::UnknownForm, {.file = film, .reason = "a gzip archive; unpack it first"}),
-              "film.xml: a project is XML or JSON; this is a gzip archive; unpack it first");
-    EXPECT_EQ(textFor(ErrorKind::ForeignEncoding, {.file = film, .reason = "UTF-32"}),
-              "film.xml: the text is in UTF-32, an encoding that projects do not use; convert it to UTF-8");
-}
-
-TEST(Messages, AVersionOfTheOtherFormIsNamed) {
-    EXPECT_EQ(textFor(ErrorKind::WrongForm, {.file = film, .version = 70, .reason = "JSON"}),
-              "film.xml: schema version 70 can't be JSON: documents are XML up to version 62, and JSON from "
-              "version 59 on; give the right version with --from");
 }
 
 } // namespace

@@ -130,7 +130,9 @@ TEST_F(OutputsTest, AStandardOutputThatTakesNothingIsAnError) {
         for (const char* redirection : {"exec >/dev/full; ", "exec >&-; "}) {
             const Outcome outcome = runAfter(redirection, command);
             EXPECT_EQ(outcome.exitCode, 15) << redirection << command.join(' ').toStdString();
-            EXPECT_TRUE(outcome.err.contains("adaptors: error: standard output: "))
+            const bool isJson = command.contains("--json");
+            EXPECT_TRUE(outcome.err.contains(isJson ? "\"kind\":\"unwritable\",\"text\":\"standard output: "
+                                                    : "adaptors: error: standard output: "))
                 << redirection << command.join(' ').toStdString() << outcome.err.toStdString();
         }
     }

@@ -48,15 +48,15 @@ TEST_F(ProgramTest, AFolderKeepsWorkingWhenItsResultLiesThere) {
 
 TEST_F(ProgramTest, SeveralProjectsOfAFolderAreNamed) {
     ASSERT_TRUE(QDir(m_folder.path()).mkdir("old"));
-    expectFailure({"info", "old"}, 3, "this one none; name the file");
+    expectFailure({"info", "old"}, 3, "this one holds none; name the project");
     write("old/film.xml", archive());
     write("old/film.v77.json", archive());
     write("old/other.json", "{}");
-    expectFailure({"info", "old"}, 3, "this one 2: film.xml, other.json; name the file");
+    expectFailure({"info", "old"}, 3, "this one holds 2: film.xml, other.json; name the project");
     for (int number = 0; number < 12; ++number)
         write("old/more" + QString::number(number) + ".xml", archive());
     const Outcome outcome = run({"info", "old"});
-    EXPECT_TRUE(outcome.err.contains("this one 14: ") && outcome.err.contains(" and 4 more; name"))
+    EXPECT_TRUE(outcome.err.contains("this one holds 14: ") && outcome.err.contains(" and 4 more; name"))
         << outcome.err.toStdString();
 }
 

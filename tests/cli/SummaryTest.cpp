@@ -91,7 +91,7 @@ TEST(Summary, SaysWhatHappened) {
               "added: 3\n"
               "  lost: clip \"Har\\nbour\" (id 8): nothing leads to it, V57\n"
               "  lost: title \"A::Class\" (id 12): nothing leads to it, XmlToJson\n"
-              "  removed: 2 effects: it became others, V32\n"
+              "  removed: 2 effects: each became others, V32\n"
               "  backup:  b\\u202e\n"
               "  written: o\\x1b\n");
 }

@@ -213,8 +213,9 @@ TEST_F(TerminalTest, AProjectReadFromTheTerminalIsAskedFor) {
 
 TEST_F(TerminalTest, LongWorkShowsItsStepsAndTakesThemAway) {
     const QByteArray erase = "\r\x1b[K";
-    // The second before the document comes counts.
-    const Tests::TerminalSetup slow = {.piped = archive({}, " schemaVersion='60'"), .pauseBefore = 1100};
+    // The second in which the program waits for the rest of the document counts.
+    const Tests::TerminalSetup slow = {.piped = archive({}, " schemaVersion='60'"),
+                                       .pauseAfterFirstByte = 1100};
     const Screen screen = show({"migrate", "-", "-o", "a.json"}, slow);
     EXPECT_EQ(screen.exitCode, 0) << screen.text.toStdString();
     const auto first = screen.text.indexOf(erase + "step 1 of ");

@@ -28,14 +28,15 @@ TEST_F(ProgramTest, VerifyNamesFaultAndPlace) {
         R"({"version":"1.0","data":{"@meta":{"class_name":"Timeline::Object","object_id":2},"clips":[{"clip":{"@meta_reference":9}}]}})");
     const Outcome text = run({"verify", "film.json"});
     EXPECT_EQ(text.exitCode, 17);
-    EXPECT_EQ(text.out,
-              "film.json: 1 finding\n"
-              "  dangling-reference: Timeline::Object (id 2) clips/0/clip: refers to 9, and there is no "
-              "such object\n");
+    EXPECT_EQ(
+        text.out,
+        "film.json: 1 finding\n"
+        "  error: dangling-reference: Timeline::Object (id 2) clips/0/clip: refers to 9, and there is no "
+        "such object\n");
     const Outcome machine = run({"verify", "film.json", "--json"});
     EXPECT_EQ(machine.exitCode, 17);
     EXPECT_EQ(json::parse(machine.out.toStdString())["findings"], json::parse(R"([{
-        "fault": "dangling-reference", "class": "Timeline::Object", "id": 2, "path": "clips/0/clip",
+        "fault": "dangling-reference", "severity": "error", "class": "Timeline::Object", "id": 2, "path": "clips/0/clip",
         "text": "refers to 9, and there is no such object", "to": 9}])"));
 }
 

@@ -179,7 +179,8 @@ TEST_F(SideFilesTest, FilesAreWrittenUnchanged) {
     const Log log;
     EXPECT_TRUE(SideFiles(bundle()).write(QStringLiteral("content_2.svg"), "<svg>\r\n\xc3\xa9</svg>"));
     EXPECT_EQ(get("film/content_2.svg"), "<svg>\r\n\xc3\xa9</svg>");
-    EXPECT_TRUE(SideFiles(bundle(), {Existing::Replace}).write(QStringLiteral("content_1.svg"), "<svg>new</svg>"));
+    EXPECT_TRUE(
+        SideFiles(bundle(), {Existing::Replace}).write(QStringLiteral("content_1.svg"), "<svg>new</svg>"));
     EXPECT_EQ(get("film/content_1.svg"), "<svg>new</svg>");
     EXPECT_EQ(files(), QStringList({"content_1.svg", "content_2.svg", "sub"}));
     EXPECT_TRUE(log.lines().empty());

@@ -60,7 +60,7 @@ inline QString migratedName(const QString& name) {
 
 /// A project of the newest version with that root object.
 inline QByteArray jsonProject(const QByteArray& root) {
-    return R"({"version": "1.0", "schemaVersion": )" + QByteArray::number(Reader::currentVersion) +
+    return R"({"version": "1.0", "schemaVersion": )" + QByteArray::number(Reader::currentVersion - 1) +
            ", \"data\": " + root + "}";
 }
 

@@ -6,6 +6,7 @@
 
 #include <fcntl.h>
 #include <pty.h>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
@@ -50,6 +51,15 @@ void writeAll(int descriptor, const QByteArray& bytes) {
     }
 }
 
+/// Waits until what the pipe holds is read: the program has started then. Gives up after a minute.
+void waitUntilRead(int pipe) {
+    constexpr int step = 10; // milliseconds
+    int waiting = 0;
+    for (int passed = 0; passed < 60000 && ioctl(pipe, FIONREAD, &waiting) == 0 && waiting > 0;
+         passed += step)
+        usleep(step * 1000);
+}
+
 } // namespace
 
 Screen runInTerminal(const QStringList& arguments, const QString& folder, const TerminalSetup& setup) {
@@ -73,8 +83,12 @@ Screen runInTerminal(const QStringList& arguments, const QString& folder, const 
     tcsetattr(terminal, TCSANOW, &mode);
     if (setup.piped) {
         close(input[0]);
-        usleep(static_cast<useconds_t>(setup.pauseBefore) * 1000);
-        writeAll(input[1], *setup.piped);
+        writeAll(input[1], setup.piped->left(1));
+        if (setup.pauseAfterFirstByte > 0) {
+            waitUntilRead(input[1]);
+            usleep(static_cast<useconds_t>(setup.pauseAfterFirstByte) * 1000);
+        }
+        writeAll(input[1], setup.piped->mid(1));
         close(input[1]);
     }
     writeAll(terminal, setup.typed);

@@ -16,7 +16,7 @@ struct TerminalSetup {
     std::map<std::string, std::string> environment = {}; ///< beside TERM, which is "xterm" unless it is here
     QByteArray typed = {};                               ///< what a user types
     std::optional<QByteArray> piped = {};                ///< standard input is this and no terminal
-    int pauseBefore = 0;                                 ///< milliseconds before `piped` comes
+    int pauseAfterFirstByte = 0;                         ///< milliseconds in which the rest of `piped` waits
 };
 
 struct Screen {

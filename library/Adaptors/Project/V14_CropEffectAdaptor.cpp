@@ -26,7 +26,7 @@ QTransform transformOf(const QDomElement& rect) {
 void V14_CropEffectAdaptor::convert(ArchiveEditor& archive) {
     TransformedEffects crops(archive, "Effect::Crop");
     for (const QDomElement& effect : crops.effects()) {
-        const QDomElement rect = effect.firstChildElement("rect");
+        const QDomElement rect = childOf(effect, "rect");
         const auto transform = toStored(transformOf(rect));
         archive.remove(rect);
         archive.undeclare(idOf(rect)); // 0 if there is no rectangle

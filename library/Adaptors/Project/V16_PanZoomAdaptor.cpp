@@ -57,7 +57,7 @@ void insert(KeyValues& keyValues, const KeyValue& keyValue) {
 KeyValues zoomKeyValues(const QDomElement& zoom) {
     const double partIn = doubleIn(zoom, "partIn");
     const double partOut = doubleIn(zoom, "partOut");
-    const Transform matrix = frameFilling(zoom.firstChildElement("rect"));
+    const Transform matrix = frameFilling(childOf(zoom, "rect"));
     KeyValues keyValues;
     if (partIn > 0.0) {
         insert(keyValues, {0.0, identityTransform});
@@ -72,8 +72,8 @@ KeyValues zoomKeyValues(const QDomElement& zoom) {
 
 KeyValues panAndZoomKeyValues(const QDomElement& panAndZoom) {
     KeyValues keyValues;
-    insert(keyValues, {0.0, frameFilling(panAndZoom.firstChildElement("rectIn"))});
-    insert(keyValues, {1.0, frameFilling(panAndZoom.firstChildElement("rectOut"))});
+    insert(keyValues, {0.0, frameFilling(childOf(panAndZoom, "rectIn"))});
+    insert(keyValues, {1.0, frameFilling(childOf(panAndZoom, "rectOut"))});
     return keyValues;
 }
 
@@ -139,7 +139,7 @@ void EnvelopeConversion::collectEffect(const QDomElement& effect, const KeyValue
 void EnvelopeConversion::collectTimings() {
     for (const QDomElement& timeline : m_archive.rootObjects("Timeline::Object")) {
         // Quirk: items at any depth are read, also those of an array in a timing.
-        for (const QDomElement& item : elements(timeline.firstChildElement("clips"), Words::Item)) {
+        for (const QDomElement& item : elements(childOf(timeline, "clips"), Words::Item)) {
             const QDomElement timing = item.firstChildElement(Words::Value);
             m_timings[int64In(item, Words::Key)] = {int64In(timing, "duration"),
                                                     int64In(timing, "sourcePosition"),
@@ -155,7 +155,7 @@ void EnvelopeConversion::removeEffects() {
 }
 
 void EnvelopeConversion::convertClip(const QDomElement& clip) {
-    const QDomElement effects = clip.firstChildElement("effects");
+    const QDomElement effects = childOf(clip, "effects");
     const long long effectId = convertibleEffect(effects);
     if (effectId == 0)
         return;

@@ -62,7 +62,7 @@ Mask::Mask(const QDomElement& effect)
     : maskType(int32In(effect, "maskType")), frameType(int32In(effect, "frameType")),
       hasOutline(int32In(effect, "borderType") == 0), isInverted(int32In(effect, "invertType") != 0),
       width(doubleIn(effect, "width")), opacity(doubleIn(effect, "opacity")),
-      transform(toStored(placement(effect.firstChildElement("rect")))) {}
+      transform(toStored(placement(childOf(effect, "rect")))) {}
 
 void renameEffect(ArchiveEditor& archive, const QDomElement& effect, const Kind& kind) {
     const QDomElement object = innerBase(effect);
@@ -104,7 +104,7 @@ void addFields(ArchiveEditor& archive, const QDomElement& effect, const Mask& ma
 void convertMask(ArchiveEditor& archive, const QDomElement& effect, long long effectId) {
     const Mask mask(effect);
     archive.undeclare(effectId);
-    archive.undeclare(wrappedIdOf(effect.firstChildElement("rect")));
+    archive.undeclare(wrappedIdOf(childOf(effect, "rect")));
     renameEffect(archive, effect, mask.kind());
     for (const char* field : oldFields)
         archive.removeField(effect, field);

@@ -8,7 +8,7 @@ namespace Project {
 namespace {
 
 void removeAspects(ArchiveEditor& archive, const QDomElement& envelope) {
-    archive.removeField(envelope.firstChildElement("defaultValue"), "aspect");
+    archive.removeField(childOf(envelope, "defaultValue"), "aspect");
     for (const QDomElement& value : elements(envelope, "value", "Transformation::Object"))
         archive.removeField(value, "aspect");
 }

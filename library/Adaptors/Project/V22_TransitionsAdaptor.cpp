@@ -71,8 +71,7 @@ void TimingShift::convertClips() {
         const QDomElement timing = m_timings.value(id);
         const long long half = int64In(timing, "transitionDuration") / 2;
         shrink(timing, half, previousHalf);
-        m_archive.fieldsInsteadOf(timing.firstChildElement("transitionDuration"))
-            .int64("transitionHalf", half);
+        m_archive.fieldsInsteadOf(childOf(timing, "transitionDuration")).int64("transitionHalf", half);
         for (const long long linked : m_linkedClips.value(id))
             moveLinked(linked, previousHalf);
         previousHalf = half;

@@ -148,10 +148,10 @@ void convertField(ArchiveEditor& archive, const QDomElement& field, std::span<co
 void V23_EffectTransitionIdToStringAdaptor::convert(ArchiveEditor& archive) {
     for (const auto& [object, type] : archive.baseParts()) {
         if (type == QLatin1String("Effect::Object")) {
-            convertField(archive, object.firstChildElement("id"), effectIdentifiers);
-            convertField(archive, object.firstChildElement("uniqueId"), effectIdentifiers);
+            convertField(archive, childOf(object, "id"), effectIdentifiers);
+            convertField(archive, childOf(object, "uniqueId"), effectIdentifiers);
         } else if (type == QLatin1String("Transition::Object")) {
-            convertField(archive, object.firstChildElement("id"), transitionIdentifiers);
+            convertField(archive, childOf(object, "id"), transitionIdentifiers);
         }
     }
 }

@@ -35,8 +35,8 @@ private:
             return;
         }
         const QDomElement composition = m_objects.value(id);
-        removeListed(composition.firstChildElement("markers"));
-        removeListed(composition.firstChildElement("ranges"));
+        removeListed(childOf(composition, "markers"));
+        removeListed(childOf(composition, "ranges"));
         removeObject(id);
     }
 

@@ -32,7 +32,7 @@ constexpr ColorFilter filters[] = {
 // clang-format on
 
 QDomElement effectsOf(const QDomElement& clip) {
-    return clip.firstChildElement("effects");
+    return childOf(clip, "effects");
 }
 
 /// Replaces each auto effect by one effect for each flag that is set in it.

@@ -29,10 +29,10 @@ bool isQuizPreset(const QDomElement& preset) {
 /// The texts of a preset's items, in order. Quirk: an item without a text counts as one with an empty text.
 QStringList itemTexts(const QDomElement& preset) {
     QStringList texts;
-    for (const QDomElement& item : elements(preset.firstChildElement("items"), Words::Item)) {
+    for (const QDomElement& item : elements(childOf(preset, "items"), Words::Item)) {
         const QDomElement data = item.firstChildElement(Words::Data);
         if (Archive::typeOf(data) == QLatin1String("Overlay::Item"))
-            texts.append(Archive::valueOf(data, "text"));
+            texts.append(textIn(data, "text"));
     }
     return texts;
 }
@@ -117,8 +117,8 @@ Quiz QuizConversion::newQuiz(const QDomElement& overlay) {
     for (const QString& text : itemTexts(overlay))
         moveQuestion(text, m_archive.appendItem(questions), quiz);
     m_archive.fields(quiz.preset)
-        .string("tag", Archive::valueOf(overlay, "tag"))
-        .string("description", Archive::valueOf(overlay, "description"));
+        .string("tag", textIn(overlay, "tag"))
+        .string("description", textIn(overlay, "description"));
     return quiz;
 }
 

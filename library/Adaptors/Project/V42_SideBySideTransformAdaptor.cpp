@@ -1,5 +1,6 @@
 #include "Adaptors/Project/V42_SideBySideTransformAdaptor.h"
 
+#include "Archive/Internal/Reading.h"
 #include "Archive/Internal/TransformedEffects.h"
 #include "Archive/Internal/Transforms.h"
 #include "Archive/Xml.h"
@@ -34,7 +35,7 @@ constexpr int sbsLeft = 0;
 
 int modeOf(const QDomElement& effect) {
     bool isNumber = false;
-    const int mode = Archive::valueOf(effect, "mode").toInt(&isNumber);
+    const int mode = textIn(effect, "mode").toInt(&isNumber);
     if (!isNumber) {
         LOG(ERROR) << "Can not parse mode of SideBySide effect. Assuming sbsLeft";
         return sbsLeft;

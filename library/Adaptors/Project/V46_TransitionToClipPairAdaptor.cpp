@@ -22,6 +22,9 @@ struct PrimaryClip {
     QDomElement clip;
     QDomElement timing;
     long long timestamp;
+
+    long long transition() const { return int64In(clip, "transition"); }
+    long long transitionHalf() const { return int64In(timing, "transitionHalf"); }
 };
 
 /// A timeline that has clips and a primary track.
@@ -31,13 +34,6 @@ struct Timeline {
     std::vector<PrimaryClip> primaryClips; ///< sorted by time
     Elements timings;                      ///< of all clips
 };
-
-long long transitionOf(const PrimaryClip& primary) {
-    return int64In(primary.clip, "transition");
-}
-long long transitionHalfOf(const PrimaryClip& primary) {
-    return int64In(primary.timing, "transitionHalf");
-}
 
 class TimelineCollection {
 public:
@@ -78,7 +74,7 @@ void TimelineCollection::collectPrimaryTracks() {
 
 bool TimelineCollection::collectTimeline(const QDomElement& object) {
     const Subject subject(m_archive, object);
-    const QDomElement clips = object.firstChildElement("clips");
+    const QDomElement clips = childOf(object, "clips");
     if (clips.isNull()) {
         LOG(ERROR) << "Not found timeline <clips> element";
         return true;
@@ -129,13 +125,13 @@ void setTime(ArchiveEditor& archive, const QDomElement& timing, const QString& n
 /// `second` is null for the transition of the last clip.
 void appendTransition(ArchiveEditor& archive, const QDomElement& transitions, const PrimaryClip& first,
                       const PrimaryClip* second) {
-    const long long half = transitionHalfOf(first); // Quirk: the half of the first clip is used for both
+    const long long half = first.transitionHalf(); // Quirk: the half of the first clip is used for both
     setTime(archive, first.timing, "transitionOut", half);
     if (second)
         setTime(archive, second->timing, "transitionIn", half);
 
     const QDomElement item = archive.appendItem(transitions);
-    archive.fields(item).reference(Words::Key, transitionOf(first));
+    archive.fields(item).reference(Words::Key, first.transition());
     archive.fields(archive.appendItem(item, Words::Value))
         .reference(Words::First, wrappedIdOf(first.clip))
         .reference(Words::Second, second ? wrappedIdOf(second->clip) : 0);
@@ -147,7 +143,7 @@ void appendTransitions(ArchiveEditor& archive, const Timeline& timeline) {
         return;
     const QDomElement transitions = archive.fields(timeline.object).array("transitions").last();
     for (std::size_t number = 0; number < clips.size(); ++number) {
-        if (transitionOf(clips[number]) != 0)
+        if (clips[number].transition() != 0)
             appendTransition(archive, transitions, clips[number],
                              number + 1 < clips.size() ? &clips[number + 1] : nullptr);
     }
@@ -235,7 +231,7 @@ void TimelineRecords::appendReference(std::size_t position, long long id) {
 void appendTitleTiming(ArchiveEditor& archive, const Timeline& timeline, long long clipId,
                        long long timingId) {
     const PrimaryClip& last = timeline.primaryClips.back();
-    const QDomElement item = archive.appendItem(timeline.object.firstChildElement("clips"));
+    const QDomElement item = archive.appendItem(childOf(timeline.object, "clips"));
     archive.fields(item).reference(Words::Key, clipId);
     archive.fields(archive.appendObject(item, Words::Value, "Timeline::ClipTiming", timingId))
         .reference("track", static_cast<long long>(timeline.primaryTrackId))
@@ -243,7 +239,7 @@ void appendTitleTiming(ArchiveEditor& archive, const Timeline& timeline, long lo
         .int64("timestamp", wrappingSum(last.timestamp, int64In(last.timing, "duration")))
         .int64("sourceDuration", Internal::titleDuration)
         .int64("sourcePosition", 0)
-        .int64("duration", transitionHalfOf(last))
+        .int64("duration", last.transitionHalf())
         .int64("transitionIn", 0)
         .int64("transitionOut", 0)
         .int64("fadeInDuraion", 0) // Quirk: misspelled up to version 77, as is the next one
@@ -290,7 +286,7 @@ void V46_TransitionToClipPairAdaptor::convert(ArchiveEditor& archive) {
     TimelineRecords records(archive, top);
     for (const Timeline& timeline : collection.timelines()) {
         appendTransitions(archive, timeline);
-        if (!timeline.primaryClips.empty() && transitionOf(timeline.primaryClips.back()) != 0)
+        if (!timeline.primaryClips.empty() && timeline.primaryClips.back().transition() != 0)
             appendTitle(archive, top, timeline, records);
         for (const QDomElement& timing : timeline.timings)
             completeTiming(archive, timing);

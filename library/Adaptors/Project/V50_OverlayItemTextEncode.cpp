@@ -1,6 +1,7 @@
 #include "Adaptors/Project/V50_OverlayItemTextEncode.h"
 
 #include "Archive/Internal/ArchiveEditor.h"
+#include "Archive/Internal/Reading.h"
 #include "Archive/Xml.h"
 
 using namespace Archive::Internal;
@@ -9,7 +10,7 @@ namespace Project {
 namespace {
 
 void encodeText(ArchiveEditor& archive, const QDomElement& item) {
-    const QByteArray text = Archive::valueOf(item, "text").toUtf8();
+    const QByteArray text = textIn(item, "text").toUtf8();
     archive.removeField(item, "text");
     // Quirk: an item without a text gets an `encodedText` as well, also if it already has one.
     archive.fields(item).string("encodedText", text.toBase64());
@@ -19,7 +20,7 @@ void encodeText(ArchiveEditor& archive, const QDomElement& item) {
 
 void V50_OverlayItemTextEncode::convert(ArchiveEditor& archive) {
     for (const QDomElement& preset : archive.rootObjects("Overlay::Preset"))
-        Archive::iterateArray(preset.firstChildElement("items"),
+        Archive::iterateArray(childOf(preset, "items"),
                               [&](QDomElement& item) { encodeText(archive, item); });
 }
 

@@ -118,7 +118,7 @@ void MaskMerge::collectFrameRecords() {
 void MaskMerge::collectGroup(const QDomElement& clip) {
     Group group{clip, {}, {}};
     // Quirk: of several effects of one kind the last one is converted; the others stay unchanged.
-    Archive::iterateArray(clip.firstChildElement("effects"), [&](const QDomElement& data) {
+    Archive::iterateArray(childOf(clip, "effects"), [&](const QDomElement& data) {
         const unsigned long long id = textOf(data).toULongLong();
         if (m_highlights.contains(id))
             group.highlight = m_highlights.value(id);
@@ -167,24 +167,24 @@ NewMask MaskMerge::newMask() {
 void MaskMerge::appendBackground(const NewMask& mask, const QDomElement& highlight) {
     m_archive.fields(mask.levels.root)
         .int32("backgroundFill", int32In(highlight, "method"))
-        .number("backgroundOpacity", Archive::valueOf(highlight, "opacity").toDouble())
-        .number("backgroundSmoothness", Archive::valueOf(highlight, "smoothness").toDouble());
+        .number("backgroundOpacity", textIn(highlight, "opacity").toDouble())
+        .number("backgroundSmoothness", textIn(highlight, "smoothness").toDouble());
 }
 
 void MaskMerge::moveHighlightFrames(NewMask& mask, const QDomElement& highlight) {
-    Archive::iterateArray(highlight.firstChildElement("frames"), [&](const QDomElement& frame) {
-        appendTracking(frame);
+    Archive::iterateArray(childOf(highlight, "frames"), [&](const QDomElement& frame) {
         moveFrame(mask, "highlightFrames", frame);
+        appendTracking(frame);
     });
 }
 
 void MaskMerge::moveConcealFrames(NewMask& mask, const QDomElement& conceal) {
-    Archive::iterateArray(conceal.firstChildElement("frames"), [&](const QDomElement& frame) {
+    Archive::iterateArray(childOf(conceal, "frames"), [&](const QDomElement& frame) {
+        moveFrame(mask, "concealFrames", frame);
         appendTracking(frame);
         // Quirk: the `pixelSize` of the effect, which normally has none: so a second one of 0 follows the
         // frame's own.
-        m_archive.fields(frame).number("pixelSize", Archive::valueOf(conceal, "pixelSize").toDouble());
-        moveFrame(mask, "concealFrames", frame);
+        m_archive.fields(frame).number("pixelSize", textIn(conceal, "pixelSize").toDouble());
     });
 }
 
@@ -235,7 +235,7 @@ void MaskMerge::removeEffect(NewMask& mask, const QDomElement& effect) {
 }
 
 void MaskMerge::replaceReferences(const QDomElement& clip, const NewMask& mask) {
-    const QDomElement effects = clip.firstChildElement("effects");
+    const QDomElement effects = childOf(clip, "effects");
     // Quirk: a text that is no number refers to the effect of id 0, but its entry is not removed.
     m_archive.removeItems(effects, [&mask](QDomElement& data) {
         return mask.replacedIds.contains(Archive::extractValue(textOf(data), -1LL));

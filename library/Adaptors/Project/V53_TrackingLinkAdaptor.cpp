@@ -8,7 +8,7 @@ namespace Project {
 
 void V53_TrackingLinkAdaptor::convert(ArchiveEditor& archive) {
     for (const QDomElement& timeline : archive.rootObjects("Timeline::Object")) {
-        if (timeline.firstChildElement("trackingLinks").isNull())
+        if (childOf(timeline, "trackingLinks").isNull())
             archive.fields(timeline).array("trackingLinks");
     }
 }

@@ -22,8 +22,8 @@ void V55_AudioEffectsGroupIdAdaptor::convert(ArchiveEditor& archive) {
         if (!isOneOf(groupClasses, type))
             continue;
         const QDomElement base = innerBase(effect);
-        if (Archive::valueOf(base, "uniqueId") == groupId)
-            archive.setField(base, "uniqueId", Archive::valueOf(base, "id"));
+        if (textIn(base, "uniqueId") == groupId)
+            archive.setField(base, "uniqueId", textIn(base, "id"));
     }
 }
 

@@ -35,11 +35,11 @@ constexpr PitchPreset pitchPresets[] = {
 // clang-format on
 
 QString tagOf(const QDomElement& effect) {
-    return Archive::valueOf(innerBase(effect), "tag");
+    return textIn(innerBase(effect), "tag");
 }
 
 void setIntensity(ArchiveEditor& archive, const QDomElement& effect, double intensity) {
-    archive.setNumber(innerBase(effect).firstChildElement("intensity"), intensity);
+    archive.setNumber(childOf(innerBase(effect), "intensity"), intensity);
 }
 
 void convertPhone(ArchiveEditor& archive, const QDomElement& effect) {
@@ -57,7 +57,7 @@ void convertPitch(ArchiveEditor& archive, const QDomElement& effect) {
     if (!preset)
         return;
     setIntensity(archive, effect, preset->intensity);
-    archive.setNumber(effect.firstChildElement("pitch"), preset->pitch);
+    archive.setNumber(childOf(effect, "pitch"), preset->pitch);
 }
 
 } // namespace

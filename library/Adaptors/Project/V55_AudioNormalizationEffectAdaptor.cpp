@@ -32,7 +32,7 @@ void V55_AudioNormalizationEffectAdaptor::convert(ArchiveEditor& archive) {
     for (const QDomElement& clip : archive.rootObjects("Timeline::Clip")) {
         // Quirk: `volumeNormalize` stays on every clip, although the effect replaces it.
         if (int64In(clip, "volumeNormalize") != 0)
-            archive.prependReference(clip.firstChildElement("effects"), appendNormalization(archive));
+            archive.prependReference(childOf(clip, "effects"), appendNormalization(archive));
     }
 }
 

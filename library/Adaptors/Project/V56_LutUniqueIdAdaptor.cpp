@@ -2,6 +2,7 @@
 
 #include "Archive/Internal/ArchiveEditor.h"
 #include "Archive/Internal/EffectObject.h"
+#include "Archive/Internal/Reading.h"
 #include "Archive/Xml.h"
 
 using namespace Archive::Internal;
@@ -12,8 +13,8 @@ void V56_LutUniqueIdAdaptor::convert(ArchiveEditor& archive) {
     const QString genericLut = "296139e9-c085-4e73-aacd-df41093c132a";
     for (const QDomElement& lut : archive.rootObjects("Effect::Lut")) {
         const QDomElement base = innerBase(lut);
-        if (Archive::valueOf(base, "uniqueId") == genericLut)
-            archive.setField(base, "uniqueId", Archive::valueOf(lut, "cubeResourceUuid"));
+        if (textIn(base, "uniqueId") == genericLut)
+            archive.setField(base, "uniqueId", textIn(lut, "cubeResourceUuid"));
     }
 }
 

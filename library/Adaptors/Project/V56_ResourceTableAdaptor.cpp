@@ -25,7 +25,7 @@ void V56_ResourceTableAdaptor::convert(ArchiveEditor& archive) {
     const QString type = "ResourceTable::Object";
     const long long id = archive.declare(type);
     const QDomElement content = archive.lastRootObject("Project::Content");
-    archive.fieldsBehind(content, content.firstChildElement("userCollection")).reference("resourceTable", id);
+    archive.fieldsBehind(content, childOf(content, "userCollection")).reference("resourceTable", id);
 
     const QDomElement table = archive.newObject(Words::RootObject, type, id);
     archive.fields(table).array("resource2fileInfo");

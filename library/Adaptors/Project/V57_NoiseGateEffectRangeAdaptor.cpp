@@ -15,8 +15,8 @@ constexpr double defaultRange = 0.06;
 
 void V57_NoiseGateEffectRangeAdaptor::convert(ArchiveEditor& archive) {
     for (const QDomElement& gate : archive.rootObjects("Effect::AudioNoiseGate")) {
-        const double range = Archive::readValue(gate.firstChildElement("range"), defaultRange);
-        archive.setNumber(innerBase(gate).firstChildElement("intensity"), 1.0 - range);
+        const double range = Archive::readValue(childOf(gate, "range"), defaultRange);
+        archive.setNumber(childOf(innerBase(gate), "intensity"), 1.0 - range);
         archive.removeField(gate, "range");
     }
 }

@@ -2,6 +2,7 @@
 
 #include "Archive/Internal/ArchiveEditor.h"
 #include "Archive/Internal/FlatObjects.h"
+#include "Archive/Internal/Reading.h"
 #include "Archive/Xml.h"
 
 #include <QSet>
@@ -20,15 +21,15 @@ namespace {
 // excludes effects and transitions of the themes.
 
 void describe(ArchiveEditor& archive, const QDomElement& object) {
-    archive.setField(object, "description", Archive::valueOf(object, "tag"));
+    archive.setField(object, "description", textIn(object, "tag"));
 }
 
 /// The ids that theme items refer to, as texts.
 QSet<QString> themeIds(ArchiveEditor& archive) {
     QSet<QString> ids;
     for (const QDomElement& item : archive.rootObjects("Collection::PersistentItem::Import::Object")) {
-        if (Archive::valueOf(item, "collectionId") == QLatin1String("Themes"))
-            ids.insert(Archive::valueOf(item, "item"));
+        if (textIn(item, "collectionId") == QLatin1String("Themes"))
+            ids.insert(textIn(item, "item"));
     }
     return ids;
 }

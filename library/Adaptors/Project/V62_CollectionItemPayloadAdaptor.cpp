@@ -58,10 +58,10 @@ public:
 private:
     /// Removes URL and size from an object and renames the path of its file, which it keeps.
     Download takeDownload(const QDomElement& holder) {
-        Download download = {Archive::valueOf(holder, "remoteUrl"), int64In(holder, "remoteSize")};
+        Download download = {textIn(holder, "remoteUrl"), int64In(holder, "remoteSize")};
         m_archive.removeField(holder, "remoteUrl");
         m_archive.removeField(holder, "remoteSize");
-        m_archive.rename(holder.firstChildElement("location"), "resourcePath");
+        m_archive.rename(childOf(holder, "location"), "resourcePath");
         return download;
     }
 
@@ -80,7 +80,7 @@ private:
 
     void convertItem(const QDomElement& object) {
         m_archive.setType(object, itemClass);
-        const QDomElement item = object.firstChildElement("item");
+        const QDomElement item = childOf(object, "item");
         const long long id = int64Of(item);
         m_archive.fieldsInsteadOf(item).reference("payload", id);
         const Download download = m_downloads.value(id);

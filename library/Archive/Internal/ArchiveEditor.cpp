@@ -136,10 +136,10 @@ QDomElement ArchiveEditor::appendItem(const QDomElement& array) {
     return item;
 }
 
-QDomElement ArchiveEditor::appendItem(const QDomElement& parent, const QString& name) {
-    QDomElement array = parent.firstChildElement(name);
+QDomElement ArchiveEditor::appendItem(const QDomElement& parent, const FieldName& name) {
+    QDomElement array = childOf(parent, name);
     if (array.isNull()) {
-        array = newArray(name);
+        array = newArray(m_fieldNames.textOf(name));
         append(parent, array);
     }
     return appendItem(array);
@@ -222,9 +222,20 @@ void ArchiveEditor::applyUndeclared() {
         return isRemoved;
     });
 
-    for (std::size_t late = 0; late < lateIndexes.size(); ++late)
-        setIndex(m_added[m_addedBeforeLastUndeclared + late],
-                 static_cast<long long>(static_cast<unsigned long long>(lateIndexes[late]) - removals));
+    // These are the last entries of the array. Mostly their new index is their position.
+    const RecordList records = m_index.records(predeclarations());
+    const auto listed = static_cast<std::size_t>(records.end() - records.begin());
+    for (std::size_t late = 0; late < lateIndexes.size(); ++late) {
+        QDomElement item = m_added[m_addedBeforeLastUndeclared + late];
+        const unsigned long long index = static_cast<unsigned long long>(lateIndexes[late]) - removals;
+        const std::size_t position = listed - lateIndexes.size() + late;
+        Internal::setIndex(item, static_cast<long long>(index));
+        const bool hasPosition = position < listed &&
+                                 records.begin()[static_cast<std::ptrdiff_t>(position)].item == item &&
+                                 index == position + 1;
+        if (!hasPosition)
+            m_index.renumbered(item.parentNode());
+    }
     m_undeclared.clear();
     m_added.clear();
     m_addedBeforeLastUndeclared = 0;
@@ -306,8 +317,8 @@ void ArchiveEditor::removeChild(const QDomElement& parent, const QDomElement& ch
     QDomNode(parent).removeChild(child);
 }
 
-void ArchiveEditor::removeField(const QDomElement& object, const QString& name) {
-    removeChild(object, object.firstChildElement(name));
+void ArchiveEditor::removeField(const QDomElement& object, const FieldName& name) {
+    removeChild(object, childOf(object, name));
 }
 
 bool ArchiveEditor::removeItems(QDomElement array, const std::function<bool(QDomElement&)>& predicate) {
@@ -358,11 +369,11 @@ void ArchiveEditor::setText(QDomElement e, const QString& text) {
     m_index.wrote(text);
 }
 
-void ArchiveEditor::setField(const QDomElement& object, const QString& name, const QString& text) {
-    setText(object.firstChildElement(name), text);
+void ArchiveEditor::setField(const QDomElement& object, const FieldName& name, const QString& text) {
+    setText(childOf(object, name), text);
 }
 
-void ArchiveEditor::setField(const QDomElement& object, const QString& name, long long number) {
+void ArchiveEditor::setField(const QDomElement& object, const FieldName& name, long long number) {
     setField(object, name, QString::number(number));
 }
 

@@ -124,7 +124,7 @@ public:
     /// Appends an empty entry to an array and increments its `size`. The form with a name creates the array
     /// if it is missing. If the array is null, the entry is not in the tree.
     QDomElement appendItem(const QDomElement& array);
-    QDomElement appendItem(const QDomElement& parent, const QString& name);
+    QDomElement appendItem(const QDomElement& parent, const FieldName& name);
     /// Adds an entry whose `Data` refers to an object.
     void appendReference(const QDomElement& array, long long id);
     /// The same at the front. The `index` of all other entries is incremented.
@@ -159,7 +159,7 @@ public:
     /// Removes a child. Does nothing if the element has another parent.
     void removeChild(const QDomElement& parent, const QDomElement& child);
     /// Removes the first child of that name.
-    void removeField(const QDomElement& object, const QString& name);
+    void removeField(const QDomElement& object, const FieldName& name);
     /// Removes the entries for whose `Data` the predicate holds, numbers the others from 1 and reduces
     /// `size`. Returns whether anything was removed.
     bool removeItems(QDomElement array, const std::function<bool(QDomElement&)>& predicate);
@@ -178,8 +178,8 @@ public:
     /// Sets the `value` of an element.
     void setText(QDomElement e, const QString& text);
     /// Sets the `value` of the first child of that name. Does nothing if there is none.
-    void setField(const QDomElement& object, const QString& name, const QString& text);
-    void setField(const QDomElement& object, const QString& name, long long number);
+    void setField(const QDomElement& object, const FieldName& name, const QString& text);
+    void setField(const QDomElement& object, const FieldName& name, long long number);
     /// Makes an element a "double" of that value.
     void setNumber(QDomElement e, double number);
     /// Removes the attribute `binaryData`, the exact form of a number, so that only its `value` counts.

@@ -85,13 +85,15 @@ void ArchiveIndex::inserted(const QDomElement& parent, const QDomNode& child, bo
     }
     if (!isIndexedTag(tag) && !child.hasChildNodes())
         return;
+    const bool isOfArchive = tag == Words::RootObject && m_archive && parent == *m_archive;
     bool hasRootObjects = false;
     bool hasBaseParts = false;
     forEachNode(child, [&](const QDomNode& node) {
         const QString name = node.nodeName();
-        hasRootObjects = hasRootObjects || name == Words::RootObject;
+        hasRootObjects = hasRootObjects || (name == Words::RootObject && !(isOfArchive && node == child));
         hasBaseParts = hasBaseParts || name == Words::BaseOfObject;
     });
+    m_isOneInserted = m_isOneInserted || isOfArchive;
     if ((hasRootObjects || hasBaseParts) && !isInNewRootObject(parent)) {
         if (hasRootObjects)
             m_rootObjects.reset();
@@ -163,6 +165,7 @@ void ArchiveIndex::retyped(const QDomElement& e) {
 void ArchiveIndex::update() {
     dropRemoved();
     collectAppended();
+    collectInserted();
     readTypes();
 }
 
@@ -202,6 +205,22 @@ void ArchiveIndex::collectAppended() {
                 own(m_baseParts).push_back({node.toElement(), node.toElement().attribute(Words::type)});
         });
     }
+}
+
+/// Lists the children of the archive again. Only if a root object is nested, the whole document has to be searched.
+void ArchiveIndex::collectInserted() {
+    if (!std::exchange(m_isOneInserted, false) || !m_rootObjects)
+        return;
+    const bool isOneNested =
+        std::any_of(m_rootObjects->begin(), m_rootObjects->end(),
+                    [this](const TypedElement& object) { return object.element.parentNode() != *m_archive; });
+    if (isOneNested) {
+        m_rootObjects.reset();
+        return;
+    }
+    m_rootObjects = std::make_shared<TypedElements::List>();
+    for (const QDomElement& object : children(*m_archive, Words::RootObject))
+        m_rootObjects->push_back({object, object.attribute(Words::type)});
 }
 
 void ArchiveIndex::readTypes() {
@@ -340,6 +359,7 @@ void ArchiveIndex::invalidate() {
     invalidateLists();
     m_removed.clear();
     m_lastAppended = QDomElement();
+    m_isOneInserted = false;
     m_areTypesStale = false;
     m_records.reset();
     invalidateTexts();

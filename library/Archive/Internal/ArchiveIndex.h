@@ -54,7 +54,9 @@ public:
     void created(const QDomElement& e, long long id) { m_created.push_back({e, id}); }
     /// The ids of root objects that were removed since the last call, in order. One that was inserted again is among
     /// them.
-    std::vector<unsigned long long> takeRemovedRootObjects() { return std::exchange(m_removedRootObjects, {}); }
+    std::vector<unsigned long long> takeRemovedRootObjects() {
+        return std::exchange(m_removedRootObjects, {});
+    }
 
     /// A text was written to an attribute.
     void wrote(const QString& text);
@@ -99,6 +101,7 @@ private:
     void update();
     void dropRemoved();
     void collectAppended();
+    void collectInserted();
     void readTypes();
     void invalidateLists();
     void invalidateTexts();
@@ -114,7 +117,8 @@ private:
     List m_baseParts;
     std::unordered_map<const void*, QDomElement> m_removed; ///< by identity
     std::vector<unsigned long long> m_removedRootObjects;
-    QDomElement m_lastAppended; ///< the last root object that was appended to the archive
+    QDomElement m_lastAppended;   ///< the last root object that was appended to the archive
+    bool m_isOneInserted = false; ///< a root object was inserted into the archive, not as its last child
     bool m_areTypesStale = false;
 
     std::optional<KnownRecords> m_records;

@@ -6,15 +6,6 @@
 
 namespace Archive::Internal {
 
-const QString& FieldNames::textOf(const FieldName& name) {
-    if (!name.m_literal)
-        return name.m_text;
-    QString& text = m_texts[name.m_literal];
-    if (text.isNull())
-        text = QString::fromLatin1(name.m_literal);
-    return text;
-}
-
 const QString& Fields::textOf(const FieldName& name) const {
     return m_archive.m_fieldNames.textOf(name);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Archive/Internal/FieldName.h"
 #include "MTime/MTime.h"
 #include "Stored/V14/Transform.h"
 #include "Stored/V57/ResourceType.h"
@@ -7,33 +8,9 @@
 #include <QDomElement>
 #include <QString>
 
-#include <unordered_map>
-
 namespace Archive::Internal {
 
 class ArchiveEditor;
-
-/// The name of a field: a string literal, or any text. Fields that are named by the same literal share its text.
-class FieldName {
-public:
-    FieldName(const char* literal) : m_literal(literal) {} // implicit: steps name fields by literals
-    FieldName(const QString& text) : m_text(text) {}
-
-private:
-    friend class FieldNames;
-
-    const char* m_literal = nullptr;
-    QString m_text;
-};
-
-/// The texts of all literals that name fields, so that not every field has a text of its own.
-class FieldNames {
-public:
-    const QString& textOf(const FieldName& name);
-
-private:
-    std::unordered_map<const char*, QString> m_texts; ///< by the address of the literal
-};
 
 /// Creates fields of one object, in the order of the calls:
 ///

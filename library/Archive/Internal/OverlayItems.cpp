@@ -26,7 +26,7 @@ OverlayItems::OverlayItems(ArchiveEditor& archive) {
 
 void OverlayItems::collectItems(const QDomElement& preset) {
     const int presetType = int32In(preset, "type");
-    for (const QDomElement& item : elements(preset.firstChildElement("items"), Words::Item)) {
+    for (const QDomElement& item : elements(childOf(preset, "items"), Words::Item)) {
         const QDomElement data = item.firstChildElement(Words::Data);
         m_items.push_back({data, idOf(data), presetType});
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Archive/Internal/FieldName.h"
 #include "Archive/Internal/Words.h"
 #include "Archive/Xml.h"
 
@@ -24,21 +25,24 @@ inline long long int64Of(const QDomElement& e) {
     return textOf(e).toLongLong();
 }
 
-inline int int32In(const QDomElement& parent, const QString& name) {
-    return valueOf(parent, name).toInt();
+inline QString textIn(const QDomElement& parent, const FieldName& name) {
+    return textOf(childOf(parent, name));
 }
-inline long long int64In(const QDomElement& parent, const QString& name) {
-    return valueOf(parent, name).toLongLong();
+inline int int32In(const QDomElement& parent, const FieldName& name) {
+    return textIn(parent, name).toInt();
+}
+inline long long int64In(const QDomElement& parent, const FieldName& name) {
+    return textIn(parent, name).toLongLong();
 }
 /// For ids that are compared as unsigned numbers.
-inline unsigned long long uint64In(const QDomElement& parent, const QString& name) {
-    return valueOf(parent, name).toULongLong();
+inline unsigned long long uint64In(const QDomElement& parent, const FieldName& name) {
+    return textIn(parent, name).toULongLong();
 }
 
 /// The double in the `binaryData` of the first child `name`, of any type. 0.0 if there is none, and for an
 /// infinity.
-inline double doubleIn(const QDomElement& parent, const QString& name) {
-    return extractValue(parent.firstChildElement(name).attribute(Words::binaryData), 0.0);
+inline double doubleIn(const QDomElement& parent, const FieldName& name) {
+    return extractValue(childOf(parent, name).attribute(Words::binaryData), 0.0);
 }
 
 /// The object id of an element, 64-bit and signed.

@@ -10,11 +10,12 @@ TransformedEffects::TransformedEffects(ArchiveEditor& archive, const QString& cl
     if (m_effects.empty())
         return;
     archive.startIds(); // so that ids of objects that the step removes are not used again
-    QHash<long long, QDomElement> records;
-    for (const Record& record : archive.records())
-        records.insert(record.id, record.data);
     for (const QDomElement& effect : m_effects)
-        m_records.insert(idOf(effect), records.value(idOf(effect)));
+        m_records.insert(idOf(effect), {});
+    for (const Record& record : archive.records()) {
+        if (const auto known = m_records.find(record.id); known != m_records.end())
+            *known = record.data;
+    }
 }
 
 QDomElement TransformedEffects::recordOf(const QDomElement& effect) const {

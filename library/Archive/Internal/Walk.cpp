@@ -10,11 +10,21 @@ QDomNodeList listOf(const QDomNode& below, const QString& tag) {
                               : below.toElement().elementsByTagName(tag);
 }
 
+bool isDeep(QDomNode node) {
+    constexpr int fewLevels = 64;
+    for (int level = 0; level < fewLevels; ++level) {
+        node = node.parentNode();
+        if (node.isNull())
+            return false;
+    }
+    return true;
+}
+
 } // namespace
 
 Elements elements(const QDomNode& below, const QString& tag) {
     Elements result;
-    if (!below.isDocument() && !below.parentNode().isDocument()) {
+    if (isDeep(below)) {
         // Each access to an entry of a list takes a walk up to the root.
         const auto enter = [&](const QDomElement& e) {
             if (e.tagName() == tag)
