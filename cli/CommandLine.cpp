@@ -319,7 +319,7 @@ struct Parser {
     Parser() {
         addOptionsForEveryCommand(app, options);
         app.require_subcommand(0, 1);
-        app.fallthrough(); // commands inherit it: options for every command may stand behind a command
+        app.fallthrough(); // commands inherit it: options for every command may follow a command
         app.footer(std::string("Examples:\nadaptors migrate film.xml\t\nadaptors help migrate\t\n") +
                    exitCodes);
         for (const Command& command : commands)

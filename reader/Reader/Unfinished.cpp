@@ -41,7 +41,7 @@ Unfinished::Unfinished(const QByteArray& path, Kind kind)
 }
 
 Unfinished::~Unfinished() {
-    const int error = errno; // of what went wrong, for whoever reports it
+    const int error = errno; // of what went wrong, for the caller that reports it
     const HeldSignals held;
     const std::lock_guard lock(listMutex);
     if (!m_isKept)
