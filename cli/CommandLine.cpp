@@ -262,6 +262,17 @@ void addTrace(CLI::App& command, Arguments& arguments) {
     command.footer("Example:\nadaptors trace film.xml --output-dir steps --to 30\t");
 }
 
+void addRestore(CLI::App& command, Arguments& arguments) {
+    addName(command, "FILE", arguments.file, "FILE",
+            "The project whose backup is put back, or the folder that holds it")
+        ->required();
+    command.add_flag("--list", arguments.list, "List the backups, the newest first, and change nothing");
+    command.footer("What FILE was before takes the backup's name, so the same command undoes it.\n\n"
+                   "Examples:\n"
+                   "adaptors restore film.xml --list\tthe backups of film.xml\n"
+                   "adaptors restore film.xml\tputs the newest one back");
+}
+
 struct Command {
     const char* name;
     const char* description;
@@ -281,6 +292,7 @@ constexpr Command commands[] = {
     {"trace",
      "Migrate and write the document after each step that changed it, to find the step that broke it",
      addTrace, Commands::trace},
+    {"restore", "Put the newest backup of a project back in its place", addRestore, Commands::restore},
 };
 
 void addOptionsForEveryCommand(CLI::App& app, OutputOptions& options) {

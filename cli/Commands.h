@@ -24,6 +24,7 @@ struct Arguments {
     bool force = false;
     bool inPlace = false;
     bool check = false;
+    bool list = false;
     std::string
         strict; ///< "all" for any loss, anything else that is not empty for those that are not intended
     Reader::Severity failOn = Reader::Severity::Error;
@@ -39,5 +40,6 @@ int run(const Arguments& arguments, Output& output);
 int info(const Arguments& arguments, Output& output);
 int verify(const Arguments& arguments, Output& output);
 int trace(const Arguments& arguments, Output& output);
+int restore(const Arguments& arguments, Output& output);
 
 } // namespace Commands

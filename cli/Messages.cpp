@@ -4,6 +4,8 @@
 #include "Reader/AdaptorTable.h"
 #include "Reader/Files.h"
 
+#include <QFileInfo>
+
 namespace Messages {
 namespace {
 
@@ -242,6 +244,12 @@ Message wouldLose(const QString& name) {
             FileNames::bytesOf(name) +
                 ": a migration would lose something or report an error, see the lines above; nothing "
                 "was written"};
+}
+
+Message noBackup(const QString& file) {
+    return {Unreadable, "no-backup",
+            FileNames::bytesOf(file) + ": has no backup " + FileNames::bytesOf(QFileInfo(file).fileName()) +
+                ".bak beside it; --in-place makes one"};
 }
 
 Message outOfMemory(const QString& name, const std::string& bound) {

@@ -59,6 +59,7 @@ Message notOneProject(const QString& folder, const QStringList& projects);
 Message folderNotMade(const QString& folder);
 Message refusedByStrict(const QString& name);
 Message wouldLose(const QString& name);
+Message noBackup(const QString& file);
 /// `bound` is what allows no more, such as "--max-memory allows, 64 MiB".
 Message outOfMemory(const QString& name, const std::string& bound);
 Message outputLost(const std::string& reason);

@@ -235,6 +235,11 @@ std::string stepList(int from, int to) {
     return out.str();
 }
 
+std::string restored(const QString& file, const QString& backup, const QString& kept) {
+    const std::string where = kept.isEmpty() ? "" : "\n  what it was: " + escaped(kept);
+    return escaped(file) + ": restored from " + escaped(backup) + where + '\n';
+}
+
 std::string readingFromTerminal() {
     return "reading the project from the terminal; end with Ctrl-D\n";
 }

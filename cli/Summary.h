@@ -54,6 +54,8 @@ std::string stepList(int from, int to);
 
 /// What is said before a project is read from a terminal.
 std::string readingFromTerminal();
+/// What restoring a backup did; `kept` is empty where there was no file.
+std::string restored(const QString& file, const QString& backup, const QString& kept);
 
 /// How far a migration is, in less than 60 characters: the step that runs now, its place among those to run, and how
 /// many there are. Without a step all have run.
