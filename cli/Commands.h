@@ -24,12 +24,13 @@ struct Arguments {
     bool force = false;
     bool inPlace = false;
     bool check = false;
+    bool repair = false;
     std::string
         strict; ///< "all" for any loss, anything else that is not empty for those that are not intended
     Reader::Severity failOn = Reader::Severity::Error;
 };
 
-/// What the program does, a function for each command. Each gives the exit code; all but steps() throw Reader::Error
+/// What the program does, a function for each command. Each gives the exit code; all but steps() and repairs() throw Reader::Error
 /// and Messages::Failure.
 namespace Commands {
 
@@ -39,5 +40,6 @@ int run(const Arguments& arguments, Output& output);
 int info(const Arguments& arguments, Output& output);
 int verify(const Arguments& arguments, Output& output);
 int trace(const Arguments& arguments, Output& output);
+int repairs(const Arguments& arguments, Output& output);
 
 } // namespace Commands

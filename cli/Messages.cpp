@@ -185,6 +185,15 @@ Message messageFor(const Reader::Error& error) {
             facts.step};
 }
 
+Message withAdvice(Message message, std::vector<Reader::RepairMade> repairs) {
+    std::string does;
+    for (const Reader::RepairMade& repair : repairs)
+        does += (does.empty() ? "" : "; ") + repair.text + " (" + repair.name + ')';
+    message.text += "; --repair would help: " + does;
+    message.repairs = std::move(repairs);
+    return message;
+}
+
 namespace {
 
 std::string quoted(const std::string& text) {
