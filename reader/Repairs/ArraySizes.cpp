@@ -13,17 +13,19 @@ bool isWrong(const QDomElement& array) {
     return !isNumber || size != children(array, Words::Item).size();
 }
 
-/// Steps and the conversion read `size` in places, and take a list for empty, or a pair for something else.
+/// Steps and the conversion read `size` in places, and take a list for empty, or a pair for something else. Nothing reads
+/// that of predeclarations, which steps write wrongly.
 class ArraySizes : public ArchiveRepair {
 public:
     bool find(ArchiveEditor& archive, const Place&) override {
-        walkElements(
-            archive.document(),
-            [this](const QDomElement& e) {
-                if (Archive::typeOf(e) == Words::Array && isWrong(e))
-                    m_arrays.push_back(e);
-            },
-            [](const QDomElement&) {});
+        for (const auto& [object, type] : projectObjects(archive))
+            walkElements(
+                object,
+                [this](const QDomElement& e) {
+                    if (Archive::typeOf(e) == Words::Array && isWrong(e))
+                        m_arrays.push_back(e);
+                },
+                [](const QDomElement&) {});
         return !m_arrays.empty();
     }
 
