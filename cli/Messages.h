@@ -54,7 +54,10 @@ struct Message {
 
 Message messageFor(const Reader::Error& error);
 
-/// The same where --repair would help by making these repairs.
+/// What a repair does, a part of a sentence: "second-timelines: timelines after the first get ...".
+std::string describe(const Reader::RepairMade& repair);
+
+/// The message of an error where --repair would help by making these repairs.
 Message withAdvice(Message message, std::vector<Reader::RepairMade> repairs);
 
 // Failures that the library does not know.

@@ -1,6 +1,7 @@
 #include "Summary.h"
 
 #include "LossMessages.h"
+#include "Messages.h"
 #include "Repairs/RepairTable.h"
 
 #include <algorithm>
@@ -98,6 +99,11 @@ std::string repairText(const Reader::RepairMade& repair) {
            concernedBy(repair);
 }
 
+/// The same for a repair that would be made.
+std::string neededText(const Reader::RepairMade& repair) {
+    return Messages::describe(repair) + concernedBy(repair);
+}
+
 std::string formsOf(const Repairs::RepairRow& row) {
     return row.hasText()                   ? "text"
            : row.hasXml() && row.hasJson() ? "XML, JSON"
@@ -187,7 +193,7 @@ std::string summary(const Summary& summary, Detail detail, const Colours& colour
     for (const std::string& note : summary.notes)
         out << "  note:    " << escaped(note) << '\n';
     for (const Reader::RepairMade& repair : summary.advice)
-        out << "  note:    --repair would help: " << repairText(repair) << '\n';
+        out << "  note:    --repair would help; " << neededText(repair) << '\n';
     return out.str();
 }
 
@@ -252,7 +258,7 @@ std::string info(const Reader::Document& document, const QString& name,
     out << "  repairs that it needs: " << repairs->size() << (repairs->empty() ? "" : "; --repair makes them")
         << '\n';
     for (const Reader::RepairMade& repair : *repairs)
-        out << "          " << repairText(repair) << '\n';
+        out << "          " << neededText(repair) << '\n';
     return out.str();
 }
 

@@ -2,9 +2,8 @@
 #include "Repairs/ArchiveObjects.h"
 #include "Repairs/Makers.h"
 
-#include <QSet>
-
 #include <limits>
+#include <set>
 
 using namespace Archive::Internal;
 
@@ -33,11 +32,8 @@ public:
     }
 
     void repair(ArchiveEditor& archive, Changes& changes) override {
-        QHash<long long, long long> ids;
-        long long last = 0;
+        const QHash<long long, long long> ids = newIds();
         for (const QDomElement& e : m_wide) {
-            if (!ids.contains(wrappedIdOf(e)))
-                ids.insert(wrappedIdOf(e), last = nextFree(last));
             archive.setObjectId(e, ids.value(wrappedIdOf(e)));
             if (e.tagName() == Words::RootObject)
                 changes.note(e);
@@ -63,15 +59,26 @@ private:
             m_used.insert(id);
     }
 
-    long long nextFree(long long last) const {
-        do
-            ++last;
-        while (m_used.contains(last));
-        return last;
+    /// New ids in the order of the old ones, above all others, or in the gaps where there is no room: version 69 takes
+    /// the timeline of the lowest id for the main one.
+    QHash<long long, long long> newIds() const {
+        std::set<unsigned long long> old;
+        for (const QDomElement& e : m_wide)
+            old.insert(Archive::objectIdOf(e));
+        const long long greatest = m_used.empty() ? 0 : *m_used.rbegin();
+        long long last = widest - greatest > static_cast<long long>(old.size()) ? greatest : 0;
+        QHash<long long, long long> ids;
+        for (const unsigned long long id : old) {
+            do
+                ++last;
+            while (m_used.count(last) > 0);
+            ids.insert(static_cast<long long>(id), last);
+        }
+        return ids;
     }
 
     Elements m_wide;
-    QSet<long long> m_used;
+    std::set<long long> m_used;
 };
 
 } // namespace

@@ -74,9 +74,10 @@ TEST(ForbiddenCharacters, InOtherEncodings) {
     EXPECT_EQ(nameAfter(latin), "B\xC3\xA9"
                                 "a\xEF\xBF\xBD");
 
-    const QString text = QString::fromUtf8(film().replace("encoding='UTF-8'", "encoding='UTF-16'"));
+    QString text = QString::fromUtf8(film().replace("encoding='UTF-8'", "encoding='UTF-16'"));
+    text.replace("Beach", QString("B") + QChar(0xE9) + QChar(1));
     QByteArray wide("\xFF\xFE");
-    for (const QChar c : QString(text).replace("Beach", QString("B") + QChar(0xE9) + QChar(1)))
+    for (const QChar c : text)
         wide.append(char(c.unicode() & 0xFF)).append(char(c.unicode() >> 8));
     EXPECT_TRUE(migrateOld(wide, false).error);
     EXPECT_EQ(nameAfter(wide), "B\xC3\xA9\xEF\xBF\xBD");
