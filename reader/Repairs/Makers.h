@@ -27,6 +27,7 @@ std::unique_ptr<ArchiveRepair> makeRoundedNumbers();
 std::unique_ptr<ArchiveRepair> makeProjectContent();
 std::unique_ptr<ArchiveRepair> makeDoubledFields();
 std::unique_ptr<ArchiveRepair> makeInfiniteNumbers();
+std::unique_ptr<JsonRepair> makeUnnamedEntries();
 std::unique_ptr<JsonRepair> makeOldCollections();
 std::unique_ptr<JsonRepair> makeLutWithoutCube();
 std::unique_ptr<JsonRepair> makeQuizLinks();

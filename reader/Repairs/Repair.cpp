@@ -29,6 +29,10 @@ void Changes::mention(const QDomElement& e) {
 
 void Changes::note(unsigned long long id, const nlohmann::json& object) {
     ++m_made.count;
+    mention(id, object);
+}
+
+void Changes::mention(unsigned long long id, const nlohmann::json& object) {
     add(Serialize::Json::getClassName(object).value_or(std::string()), id);
 }
 

@@ -44,8 +44,9 @@ public:
     void note(const QDomElement& e);
     /// Names an object that is concerned, without a place of its own.
     void mention(const QDomElement& e);
-    /// Notes a repaired place in an object of a flat document.
+    /// The same for an object of a flat document.
     void note(unsigned long long id, const nlohmann::json& object);
+    void mention(unsigned long long id, const nlohmann::json& object);
     /// Notes that byte of a text. The first places are listed.
     void note(std::string_view text, std::size_t byte, const std::string& what);
     /// What was done, a sentence without a full stop.

@@ -35,6 +35,7 @@ constexpr RepairRow table[] = {
     archive("missing-timeline", {loading}, "A project without a timeline gets one that holds its clips one after the other.", makeMissingTimeline),
     archive("root-reference", {loading}, "A root reference that leads to nothing leads to the project's root object again.", makeRootReference),
     {"dangling-references", {loading}, "References to objects that are missing are cleared, and lists lose such entries.", nullptr, makeDanglingReferences, makeDanglingLinks},
+    json("unnamed-entries", {loading}, "Entries of timelines whose parts are called first and second get the names of clips, timings, links and transitions.", makeUnnamedEntries),
     archive("predeclarations", {loading, "V41_CutawayToPictureInPictureAdaptor", conversion}, "Each object gets exactly one predeclaration, of its own class.", makePredeclarations),
     archive("second-timelines", {"V4_TrackValueAdaptor", "V22_TransitionsAdaptor", "V27_MultitrackAdaptor"}, "Timelines after the first get the track numbers and transitions that versions 4 and 22 gave to the first only.", makeSecondTimelines),
     archive("shared-quizzes", {"V40_RemoveQuizFromOverlayAdaptor"}, "Quiz clips that share a preset get one each; version 40 leaves nothing for the second.", makeSharedQuizzes),

@@ -435,6 +435,38 @@ TEST(OldCollections, OfJsonGetTheClassesOfVersion62) {
     EXPECT_EQ(repaired.repair("old-collections").before, "V62_CollectionItemPayloadAdaptor");
 }
 
+TEST(UnnamedEntries, OfJsonGetTheirNames) {
+    const QByteArray bytes =
+        R"({"version":"1.0","schemaVersion":65,"data":{"@meta":{"class_name":"Timeline::Object","object_id":1},"name":"Film",
+        "tracks":[{"@meta":{"class_name":"Timeline::Track","object_id":2},"type":16,"used":true,"hidden":false,
+        "timeline":{"@meta_reference":1}}],"trackingLinks":[],"clips":[
+        {"first":{"@meta":{"class_name":"Timeline::Clip","object_id":3},"name":"Beach","type":1},
+        "second":{"@meta":{"class_name":"Timeline::ClipTiming","object_id":4},"timestamp":0,"duration":10,
+        "track":{"@meta_reference":2}}},
+        {"clip":{"@meta":{"class_name":"Timeline::Clip","object_id":5},"name":"Boat","type":1},
+        "timing":{"@meta":{"class_name":"Timeline::ClipTiming","object_id":6},"timestamp":10,"duration":10,
+        "track":{"@meta_reference":2}}}],
+        "transitions":[{"first":{"@meta":{"class_name":"Transition::Crossfade","object_id":7}},
+        "second":[{"first":{"@meta_reference":3},"second":{"@meta_reference":5}}]}],
+        "links":[{"first":{"@meta_reference":5},"second":{"@meta":{"class_name":"Timeline::Link","object_id":8},
+        "master":{"@meta_reference":3},"offset":1}}]}})";
+    EXPECT_EQ(migrateOld(bytes, false).failedStep(), "V69_RemoveQuizzesAdaptor");
+    const Migrated repaired = migrateOld(bytes, true);
+    expectWhole(repaired);
+    const Project project = repaired.project();
+    EXPECT_THAT(clipNames(project, "Film"), ElementsAre("Beach", "Boat"));
+    EXPECT_EQ(timingOf(project, "Film", "Beach").at("duration"), 10);
+    const auto& transition = project.timeline("Film").at("transitions")[0];
+    EXPECT_EQ(Project::classOf(project.follow(transition, "transition")), "Transition::Crossfade");
+    EXPECT_EQ(project.follow(transition, "clipFrom").at("name"), "Beach");
+    EXPECT_EQ(project.follow(transition, "clipTo").at("name"), "Boat");
+    const auto& link = project.timeline("Film").at("links")[0];
+    EXPECT_EQ(project.follow(link, "slave").at("name"), "Boat");
+    EXPECT_EQ(project.follow(project.follow(link, "link"), "master").at("name"), "Beach");
+    EXPECT_THAT(repaired.repairs(), ElementsAre("unnamed-entries"));
+    EXPECT_THAT(namesOf(repaired.repair("unnamed-entries").clips()), ElementsAre("Beach", "Boat"));
+}
+
 TEST(OldCollections, AMissingPathOfALaterVersionIsEmpty) {
     const QByteArray bytes =
         R"({"version":"1.0","schemaVersion":70,"data":{"@meta":{"class_name":"Overlay::Preset","object_id":1},"tag":"a"}})";
