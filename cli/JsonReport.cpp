@@ -217,10 +217,12 @@ Json findings(const std::vector<Reader::Finding>& findings) {
 Json trace(const Reader::Trace& trace, const Reader::MigrationReport& report) {
     Json result;
     result["steps"] = listOf(trace.entries(), [](const Reader::Trace::Entry& entry) {
-        return Json{{"place", entry.place},
-                    {"class", entry.isRepair ? Json() : Json(entry.className)},
-                    {"repair", entry.isRepair ? Json(entry.className) : Json()},
-                    {"file", orNull(entry.file)}};
+        Json step{{"place", entry.place},
+                  {"class", entry.isRepair ? Json() : Json(entry.className)},
+                  {"file", orNull(entry.file)}};
+        if (entry.isRepair)
+            step["repair"] = entry.className;
+        return step;
     });
     result["repairs"] = repairsAsJson(report.repairs);
     result["log"] = logAsJson(report);

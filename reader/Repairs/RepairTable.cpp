@@ -63,7 +63,7 @@ std::vector<std::string_view> RepairRow::places() const {
 }
 
 bool RepairRow::looksBefore(std::string_view place) const {
-    return std::find(m_places.begin(), m_places.end(), place) != m_places.end();
+    return !place.empty() && std::find(m_places.begin(), m_places.end(), place) != m_places.end();
 }
 
 std::span<const RepairRow> repairTable() {

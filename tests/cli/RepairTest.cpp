@@ -201,7 +201,7 @@ TEST_F(RepairTest, TraceWritesTheDocumentBehindARepair) {
     EXPECT_EQ(namesIn(result["repairs"]), Names{"clips-without-track"});
     const json* entry = nullptr;
     for (const json& candidate : result["steps"]) {
-        if (candidate["repair"] == "clips-without-track")
+        if (candidate.value("repair", "") == "clips-without-track")
             entry = &candidate;
     }
     ASSERT_TRUE(entry);
