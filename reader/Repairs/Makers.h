@@ -32,6 +32,7 @@ std::unique_ptr<JsonRepair> makeOldCollections();
 std::unique_ptr<JsonRepair> makeLutWithoutCube();
 std::unique_ptr<JsonRepair> makeQuizLinks();
 std::unique_ptr<JsonRepair> makeQuizTracks();
+std::unique_ptr<JsonRepair> makeMissingFields();
 std::unique_ptr<JsonRepair> makeClipsWithoutTrack();
 
 } // namespace Repairs

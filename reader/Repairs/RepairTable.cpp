@@ -49,6 +49,7 @@ constexpr RepairRow table[] = {
     json("lut-without-cube", {"V63_LutEffectAuxResourceAdaptor"}, "A LUT without a cube gets the one that it is named after, or an empty one; version 63 fails without it.", makeLutWithoutCube),
     json("quiz-tracks", {"V69_RemoveQuizzesAdaptor"}, "Clips on the track of the quizzes move to another one before version 69 removes it.", makeQuizTracks),
     json("quiz-links", {"V69_RemoveQuizzesAdaptor"}, "Links and transitions to quiz clips end; version 69 removes the clips and keeps these.", makeQuizLinks),
+    json("missing-fields", {"V77_TrackUsedAdaptor", "PortableLoadAdaptor"}, "Fields of clips, tracks and files that steps need get their usual value where they are missing.", makeMissingFields),
     json("clips-without-track", {"V77_TrackUsedAdaptor"}, "Clips that lie on no track of their timeline get one for their type; version 77 fails on titles without a track.", makeClipsWithoutTrack),
 };
 // clang-format on
