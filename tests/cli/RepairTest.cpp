@@ -110,13 +110,14 @@ TEST_F(RepairTest, ALossSaysThatRepairWouldHelp) {
 }
 
 TEST_F(RepairTest, NothingIsSaidWhereRepairsDoNotHelp) {
-    // The file has no path, and no repair makes one up.
-    write("film.xml", archive("<RootObject type='File' objectId='4'/>")
-                          .replace("<name ", "<file type='ObjectRef' value='4'/><name "));
-    const Outcome outcome = run({"migrate", "film.xml"});
+    // An entry of the timeline is no clip, and no repair makes one of it.
+    write("film.json",
+          R"({"version":"1.0","schemaVersion":68,"data":{"@meta":{"class_name":"Timeline::Object",)"
+          R"("object_id":1},"clips":[{"clip":"Beach"}]}})");
+    const Outcome outcome = run({"migrate", "film.json"});
     EXPECT_EQ(outcome.exitCode, 13);
     EXPECT_FALSE(outcome.err.contains("--repair")) << outcome.err.toStdString();
-    EXPECT_FALSE(call({"migrate", "film.xml"}, 13)["error"].contains("repairs"));
+    EXPECT_FALSE(call({"migrate", "film.json"}, 13)["error"].contains("repairs"));
     write("holiday.xml", sample("holiday-v27.xml"));
     EXPECT_FALSE(run({"migrate", "holiday.xml"}).err.contains("--repair"));
 }
