@@ -1,5 +1,5 @@
 #include "Archive/Internal/Reading.h"
-#include "Repairs/ArchiveObjects.h"
+#include "Repairs/Internal/ArchiveObjects.h"
 #include "Repairs/Makers.h"
 
 using namespace Archive::Internal;
@@ -18,14 +18,10 @@ bool isWrong(const QDomElement& array) {
 class ArraySizes : public ArchiveRepair {
 public:
     bool find(ArchiveEditor& archive, const Place&) override {
-        for (const auto& [object, type] : projectObjects(archive))
-            walkElements(
-                object,
-                [this](const QDomElement& e) {
-                    if (Archive::typeOf(e) == Words::Array && isWrong(e))
-                        m_arrays.push_back(e);
-                },
-                [](const QDomElement&) {});
+        walkProject(archive, [this](const QDomElement& e) {
+            if (Archive::typeOf(e) == Words::Array && isWrong(e))
+                m_arrays.push_back(e);
+        });
         return !m_arrays.empty();
     }
 

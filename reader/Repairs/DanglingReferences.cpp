@@ -1,5 +1,5 @@
 #include "Archive/Internal/Reading.h"
-#include "Repairs/ArchiveObjects.h"
+#include "Repairs/Internal/ArchiveObjects.h"
 #include "Repairs/Makers.h"
 
 #include <QSet>
@@ -26,13 +26,11 @@ class DanglingReferences : public ArchiveRepair {
 public:
     bool find(ArchiveEditor& archive, const Place&) override {
         const auto objects = objectsById(archive);
-        for (const auto& [object, type] : projectObjects(archive)) {
-            for (const QDomElement& reference : referencesIn(object)) {
-                const auto id = targetOf(reference);
-                if (id != 0 && !objects.contains(id))
-                    m_references.push_back(reference);
-            }
-        }
+        walkProject(archive, [&](const QDomElement& e) {
+            const auto id = Archive::typeOf(e) == Words::ObjectRef ? targetOf(e) : 0;
+            if (id != 0 && !objects.contains(id))
+                m_references.push_back(e);
+        });
         return !m_references.empty();
     }
 

@@ -1,5 +1,5 @@
 #include "Archive/Internal/Reading.h"
-#include "Repairs/ArchiveObjects.h"
+#include "Repairs/Internal/ArchiveObjects.h"
 #include "Repairs/Makers.h"
 
 using namespace Archive::Internal;

@@ -1,5 +1,5 @@
 #include "Archive/Internal/Reading.h"
-#include "Repairs/ArchiveObjects.h"
+#include "Repairs/Internal/ArchiveObjects.h"
 #include "Repairs/Makers.h"
 
 #include <QSet>
@@ -47,7 +47,7 @@ public:
             changes.note(damage.object);
             const QString type = Archive::typeOf(damage.object);
             if (damage.records.empty()) {
-                archive.declareAs(idOf(damage.object), type, 0, embeddedIn(damage.object));
+                archive.declareAs(idOf(damage.object), type);
                 continue;
             }
             archive.settingFields(damage.records.front()).string(Words::typeName, type);
@@ -88,18 +88,6 @@ private:
         }
         archive.fields(predeclarator).array(Words::predeclarations);
         archive.setPredeclarations(predeclarator.firstChildElement(Words::predeclarations));
-    }
-
-    static QList<long long> embeddedIn(const QDomElement& object) {
-        QList<long long> ids;
-        walkElements(
-            object,
-            [&](const QDomElement& e) {
-                if (e.hasAttribute(Words::objectId) && e.tagName() != Words::BaseOfObject)
-                    ids.append(idOf(e));
-            },
-            [](const QDomElement&) {});
-        return ids;
     }
 
     std::vector<Damage> m_damages;

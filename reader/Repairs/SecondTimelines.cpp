@@ -1,7 +1,7 @@
 #include "Adaptors/Project/V22_TransitionsAdaptor.h"
 #include "Adaptors/Project/V4_TrackValueAdaptor.h"
 #include "Archive/Internal/Reading.h"
-#include "Repairs/ArchiveObjects.h"
+#include "Repairs/Internal/ArchiveObjects.h"
 #include "Repairs/Makers.h"
 
 #include <QDomDocument>

@@ -1,5 +1,5 @@
 #include "Archive/Internal/Reading.h"
-#include "Repairs/ArchiveObjects.h"
+#include "Repairs/Internal/ArchiveObjects.h"
 #include "Repairs/Makers.h"
 
 #include <QMap>
@@ -91,13 +91,13 @@ public:
 private:
     /// References of the project; those of predeclarations are written anew.
     void collectReferences(ArchiveEditor& archive) {
-        for (const auto& [object, type] : projectObjects(archive)) {
-            for (const QDomElement& reference : referencesIn(object)) {
-                const auto shared = m_shared.find(targetOf(reference));
-                if (shared != m_shared.end())
-                    shared->references.push_back(reference);
-            }
-        }
+        walkProject(archive, [this](const QDomElement& e) {
+            if (Archive::typeOf(e) != Words::ObjectRef)
+                return;
+            const auto shared = m_shared.find(targetOf(e));
+            if (shared != m_shared.end())
+                shared->references.push_back(e);
+        });
         const QDomElement root = archive.root().firstChildElement(Words::RootRef);
         if (const auto shared = m_shared.find(targetOf(root)); shared != m_shared.end())
             shared->references.push_back(root);

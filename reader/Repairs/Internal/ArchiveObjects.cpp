@@ -1,4 +1,4 @@
-#include "Repairs/ArchiveObjects.h"
+#include "Repairs/Internal/ArchiveObjects.h"
 
 #include "Archive/Internal/Reading.h"
 #include "Reader/Contents.h"
@@ -69,6 +69,22 @@ QHash<unsigned long long, QDomElement> objectsById(ArchiveEditor& archive) {
     for (const auto& [object, type] : projectObjects(archive))
         objects.insert(Archive::objectIdOf(object), object);
     return objects;
+}
+
+void walkProject(ArchiveEditor& archive, const std::function<void(const QDomElement&)>& visit) {
+    std::size_t declarators = 0; // that contain the current element
+    const auto isLeftOut = [](const QDomElement& e) {
+        return e.tagName() == Words::RootRef ||
+               (e.tagName() == Words::RootObject && Reader::isDeclaring(Archive::typeOf(e)));
+    };
+    walkElements(
+        archive.root(),
+        [&](const QDomElement& e) {
+            declarators += isLeftOut(e) ? 1 : 0;
+            if (declarators == 0)
+                visit(e);
+        },
+        [&](const QDomElement& e) { declarators -= isLeftOut(e) ? 1 : 0; });
 }
 
 Elements referencesIn(const QDomElement& e) {

@@ -21,6 +21,9 @@ Archive::Internal::TypedElements::List projectObjects(ArchiveEditor& archive);
 /// The root objects by id. Of several with one id the last counts, as in the conversion.
 QHash<unsigned long long, QDomElement> objectsById(ArchiveEditor& archive);
 
+/// Calls `visit` once for each element of the project, the root reference and predeclarations left out.
+void walkProject(ArchiveEditor& archive, const std::function<void(const QDomElement& e)>& visit);
+
 /// All references below an element, in document order.
 Elements referencesIn(const QDomElement& e);
 
