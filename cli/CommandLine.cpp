@@ -135,6 +135,13 @@ void addTo(CLI::App& command, Arguments& arguments, const std::string& help) {
     addVersion(command, "--to", arguments.to, help + " [" + newest + "]");
 }
 
+void addRepair(CLI::App& command, Arguments& arguments) {
+    command.add_flag(
+        "--repair", arguments.repair,
+        "Repair what the steps can't pass or would lose, and list what was repaired; \"adaptors repairs\" "
+        "lists all repairs");
+}
+
 void addFolders(CLI::App& command, Arguments& arguments) {
     const char* group = "Folders of the installed editor (unset, markers in paths stay as they are)";
     addName(command, "--packages-root", arguments.packagesRoot, "DIR",
@@ -182,6 +189,7 @@ void addMigrate(CLI::App& command, Arguments& arguments) {
     command.add_flag("--force", arguments.force, "Replace an output that exists");
     addFrom(command, arguments);
     addTo(command, arguments, "The schema version to stop at: up to 62 an XML archive, from 63 on JSON");
+    addRepair(command, arguments);
     addStrict(command, arguments);
     command
         .add_flag(
@@ -200,6 +208,7 @@ void addMigrate(CLI::App& command, Arguments& arguments) {
                    "adaptors migrate film.xml --in-place\tkeeps film.xml.bak\n"
                    "adaptors migrate film.xml -o film.json --strict\t\n"
                    "adaptors migrate film.xml --check\twrites nothing\n"
+                   "adaptors migrate film.xml --repair\twhere it fails or loses something without\n"
                    "adaptors migrate - --from 27 < film.xml > film.json\t");
 }
 
@@ -216,6 +225,7 @@ void addRun(CLI::App& command, Arguments& arguments) {
     addFile(command, arguments);
     addName(command, "-o,--output", arguments.output, "FILE", "Where the result goes [standard output]");
     command.add_flag("--force", arguments.force, "Replace an output that exists");
+    addRepair(command, arguments);
     addFolders(command, arguments);
     addMaxMemory(command, arguments);
     command.footer("Examples:\n"
@@ -257,6 +267,7 @@ void addTrace(CLI::App& command, Arguments& arguments) {
     addFrom(command, arguments);
     addTo(command, arguments, "The schema version to stop at");
     command.add_flag("--force", arguments.force, "Replace documents that exist");
+    addRepair(command, arguments);
     addFolders(command, arguments);
     addMaxMemory(command, arguments);
     command.footer("Example:\nadaptors trace film.xml --output-dir steps --to 30\t");
@@ -271,6 +282,11 @@ void addRestore(CLI::App& command, Arguments& arguments) {
                    "Examples:\n"
                    "adaptors restore film.xml --list\tthe backups of film.xml\n"
                    "adaptors restore film.xml\tputs the newest one back");
+}
+
+void addRepairs(CLI::App& command, Arguments&) {
+    command.footer("migrate, run and trace make them with --repair, where the document needs "
+                   "them.\n\nExamples:\nadaptors repairs\t\nadaptors repairs --json\tfor programs");
 }
 
 struct Command {
@@ -293,6 +309,8 @@ constexpr Command commands[] = {
      "Migrate and write the document after each step that changed it, to find the step that broke it",
      addTrace, Commands::trace},
     {"restore", "Put the newest backup of a project back in its place", addRestore, Commands::restore},
+    {"repairs", "List the repairs that --repair makes where a document needs them", addRepairs,
+     Commands::repairs},
 };
 
 void addOptionsForEveryCommand(CLI::App& app, OutputOptions& options) {

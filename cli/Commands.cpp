@@ -1,5 +1,6 @@
 #include "Commands.h"
 
+#include "Advice.h"
 #include "LossMessages.h"
 #include "Memory.h"
 #include "Messages.h"
@@ -10,6 +11,8 @@
 #include "Reader/Files.h"
 #include "Reader/Migration.h"
 #include "Reader/Unfinished.h"
+#include "Repairs/RepairTable.h"
+#include "Repairs/RepairTrial.h"
 #include "Summary.h"
 
 #include <QFileInfo>
@@ -71,6 +74,7 @@ Reader::MigrationOptions optionsFor(const Arguments& arguments, const QString& i
     options.location = projectLocation(input, target);
     options.target = projectLocation(target, input);
     options.to = arguments.to;
+    options.repair = arguments.repair;
     options.sourceFiles = Reader::SideFiles(folderOf(input));
     options.targetFiles = Reader::SideFiles(folderOf(target), optionsToWrite(arguments, input), made);
     options.folders = {path(arguments.packagesRoot), path(arguments.aiModelsRoot),
@@ -112,7 +116,7 @@ void showLog(const Summary& summary, Output& output) {
         output.note(Texts::errors(summary, output.colours()));
         return;
     }
-    output.note(Texts::log(summary.report, output.colours()));
+    output.note(Texts::repairs(summary.report.repairs) + Texts::log(summary.report, output.colours()));
     if (output.isVerbose())
         output.note("steps that ran:\n" + Texts::steps(summary.report));
 }
@@ -148,6 +152,17 @@ bool isUpToDate(const Reader::Document& document, const Arguments& arguments) {
     return document.version() == arguments.to && hasFormOfTarget && arguments.bundle.empty();
 }
 
+/// The text of the document, with the repairs that --repair makes on it.
+Repairs::RepairedText textOf(const QByteArray& bytes, const Arguments& arguments) {
+    return arguments.repair ? Repairs::repairText(bytes) : Repairs::RepairedText{bytes, {}};
+}
+
+/// Whether --repair changes the document.
+bool needsRepair(const QByteArray& bytes, const Arguments& arguments,
+                 const Reader::MigrationOptions& options) {
+    return arguments.repair && !Repairs::tryRepairs(bytes, arguments.from, options).report.repairs.empty();
+}
+
 /// A document that a command has read.
 struct Input {
     const QByteArray& bytes;
@@ -175,6 +190,119 @@ int passOn(const Arguments& arguments, const Input& input, Output& output) {
     return Messages::Done;
 }
 
+/// The work of `migrate` on a file that was read.
+struct Job {
+    const QString& input;
+    const QString& target;
+    const QByteArray& bytes;
+    const Reader::MigrationOptions& options;
+    const std::shared_ptr<Reader::UnfinishedParts>& made;
+    Reader::FileInPlace* file; ///< null unless the file is replaced
+};
+
+int migrateRead(const Arguments& arguments, const Job& job, Output& output) {
+    const QString name = nameOf(job.input);
+    const Repairs::RepairedText text = textOf(job.bytes, arguments);
+    const auto read = [&] { return Reader::parse(text.bytes, name, arguments.from); };
+    Reader::Document document = read();
+    if (isUpToDate(document, arguments) && !needsRepair(job.bytes, arguments, job.options))
+        return passOn(arguments, {job.bytes, document, job.input, job.target}, output);
+    if (!arguments.check)
+        checkOutput(arguments, job.input, job.target);
+
+    Progress progress(output);
+    Reader::MigrationOptions options = job.options;
+    options.textRepairs = text.repairs;
+    options.reread = read;
+    options.watch = [&](const Reader::MigrationPart& part, const Reader::Document&) { progress.note(part); };
+    Reader::Migration migration(std::move(document), std::move(options));
+    progress.expect(migration.document(), arguments.to);
+    migration.run();
+    const Reader::MigrationReport& report = migration.report();
+    // A project that is not written leaves no side files either.
+    const bool toBundle = !arguments.bundle.empty() && !isRefused(arguments, report);
+    if (toBundle)
+        makeBundle(path(arguments.bundle), *job.made);
+    const QByteArray result = migration.save(toBundle);
+
+    Summary summary{report, name};
+    if (!arguments.repair)
+        summary.advice = Advice::repairsFor(report, {job.bytes, arguments.from, job.options});
+    const bool isWritten = !arguments.check && !isRefused(arguments, report);
+    if (isWritten) {
+        if (job.file) {
+            const Reader::Replacement replacement = job.file->replace(result);
+            summary.backup = nameOf(replacement.backup);
+            summary.notes = Messages::notesOn(job.input, replacement);
+        } else {
+            writeResult(job.target, result, optionsToWrite(arguments, job.input), *job.made);
+        }
+        summary.output = nameOfTarget(job.target);
+    }
+    progress.end();
+    showSummary(summary, output);
+    if (arguments.check && wouldLose(report))
+        throw Messages::Failure(Messages::wouldLose(name));
+    if (arguments.check)
+        return Messages::WouldMigrate;
+    if (!isWritten)
+        throw Messages::Failure(Messages::refusedByStrict(name));
+    return isWhole(report) ? Messages::Done : Messages::Incomplete;
+}
+
+/// The work of `run` on a file that was read.
+int runRead(const Arguments& arguments, const QString& input, const QByteArray& bytes,
+            const std::string& step, Output& output) {
+    const Repairs::RepairedText text = textOf(bytes, arguments);
+    Reader::Document document = Reader::parse(text.bytes, nameOf(input), arguments.from);
+    const QString ownName = Reader::isStream(input) ? document.isXml() ? "project.xml" : "project.json"
+                                                    : QFileInfo(input).fileName();
+    const QString target =
+        arguments.output.empty() ? Reader::standardStream : outputFor(arguments, input, ownName);
+    checkOutput(arguments, input, target);
+    const auto made = std::make_shared<Reader::UnfinishedParts>();
+    const bool hasVersion = document.version().has_value();
+    Reader::MigrationOptions options = optionsFor(arguments, input, target, made);
+    options.textRepairs = text.repairs;
+    Reader::Migration migration(std::move(document), std::move(options));
+    migration.runOnly(step);
+    Summary summary{migration.report(), nameOf(input)};
+    summary.hasVersion = hasVersion;
+    summary.hasClips = false;
+    showLog(summary, output);
+    writeResult(target, migration.write(), optionsToWrite(arguments, input), *made);
+    summary.output = nameOfTarget(target);
+    if (output.isJson())
+        output.setResult(JsonReport::migration(summary));
+    return Messages::Done;
+}
+
+/// The work of `trace` on a file that was read.
+int traceRead(const Arguments& arguments, const QString& input, const QByteArray& bytes,
+              Reader::MigrationOptions options, Output& output) {
+    Reader::Trace trace(path(arguments.folder), optionsToWrite(arguments, input));
+    Progress progress(output);
+    const Repairs::RepairedText text = textOf(bytes, arguments);
+    options.textRepairs = text.repairs;
+    options.watch = [&](const Reader::MigrationPart& part, const Reader::Document& document) {
+        trace.note(part, document);
+        progress.note(part);
+    };
+    Reader::Migration migration(Reader::parse(text.bytes, nameOf(input), arguments.from), std::move(options));
+    progress.expect(migration.document(), arguments.to);
+    try {
+        migration.run();
+    } catch (const Reader::Error&) {
+        progress.end();
+        showTrace(trace, migration.report(), output); // people look for what led up to the step that fails
+        throw;
+    }
+    progress.end();
+    showLog({migration.report(), nameOf(input)}, output);
+    showTrace(trace, migration.report(), output);
+    return Messages::Done;
+}
+
 } // namespace
 
 int migrate(const Arguments& arguments, Output& output) {
@@ -186,53 +314,15 @@ int migrate(const Arguments& arguments, Output& output) {
     const QString target =
         arguments.check ? QString() : outputFor(arguments, input, resultName(arguments, input));
     setTarget(target, output);
-    const QString name = nameOf(input);
 
     std::optional<Reader::FileInPlace> file;
     const QByteArray bytes = readInput(arguments, input, output, arguments.inPlace ? &file : nullptr);
-    const auto read = [&] { return Reader::parse(bytes, name, arguments.from); };
-    Reader::Document document = read();
-    if (isUpToDate(document, arguments))
-        return passOn(arguments, {bytes, document, input, target}, output);
-    if (!arguments.check)
-        checkOutput(arguments, input, target);
-
     const auto made = std::make_shared<Reader::UnfinishedParts>();
-    Progress progress(output);
-    Reader::MigrationOptions options = optionsFor(arguments, input, target, made);
-    options.reread = read;
-    options.watch = [&](const Reader::MigrationPart& part, const Reader::Document&) { progress.note(part); };
-    Reader::Migration migration(std::move(document), std::move(options));
-    progress.expect(migration.document(), arguments.to);
-    migration.run();
-    const Reader::MigrationReport& report = migration.report();
-    // A project that is not written leaves no side files either.
-    const bool toBundle = !arguments.bundle.empty() && !isRefused(arguments, report);
-    if (toBundle)
-        makeBundle(path(arguments.bundle), *made);
-    const QByteArray result = migration.save(toBundle);
-
-    Summary summary{report, name};
-    const bool isWritten = !arguments.check && !isRefused(arguments, report);
-    if (isWritten) {
-        if (file) {
-            const Reader::Replacement replacement = file->replace(result);
-            summary.backup = nameOf(replacement.backup);
-            summary.notes = Messages::notesOn(input, replacement);
-        } else {
-            writeResult(target, result, optionsToWrite(arguments, input), *made);
-        }
-        summary.output = nameOfTarget(target);
-    }
-    progress.end();
-    showSummary(summary, output);
-    if (arguments.check && wouldLose(report))
-        throw Messages::Failure(Messages::wouldLose(name));
-    if (arguments.check)
-        return Messages::WouldMigrate;
-    if (!isWritten)
-        throw Messages::Failure(Messages::refusedByStrict(name));
-    return isWhole(report) ? Messages::Done : Messages::Incomplete;
+    const Reader::MigrationOptions options = optionsFor(arguments, input, target, made);
+    const Advice::Subject subject{bytes, arguments.from, options};
+    return Advice::advising(arguments, subject, [&] {
+        return migrateRead(arguments, {input, target, bytes, options, made, file ? &*file : nullptr}, output);
+    });
 }
 
 int steps(const Arguments& arguments, Output& output) {
@@ -251,38 +341,29 @@ int run(const Arguments& arguments, Output& output) {
         setTarget(path(arguments.output), output);
     const QString input = inputOf(arguments, output);
     const std::string step = Names::stepFor(arguments.step);
-    Reader::Document document =
-        Reader::parse(readInput(arguments, input, output), nameOf(input), arguments.from);
-    const QString ownName = Reader::isStream(input) ? document.isXml() ? "project.xml" : "project.json"
-                                                    : QFileInfo(input).fileName();
-    const QString target =
-        arguments.output.empty() ? Reader::standardStream : outputFor(arguments, input, ownName);
-    checkOutput(arguments, input, target);
-    const auto made = std::make_shared<Reader::UnfinishedParts>();
-    const bool hasVersion = document.version().has_value();
-    Reader::Migration migration(std::move(document), optionsFor(arguments, input, target, made));
-    migration.runOnly(step);
-    Summary summary{migration.report(), nameOf(input)};
-    summary.hasVersion = hasVersion;
-    summary.hasClips = false;
-    showLog(summary, output);
-    writeResult(target, migration.write(), optionsToWrite(arguments, input), *made);
-    summary.output = nameOfTarget(target);
-    if (output.isJson())
-        output.setResult(JsonReport::migration(summary));
-    return Messages::Done;
+    const QByteArray bytes = readInput(arguments, input, output);
+    Reader::MigrationOptions options = optionsFor(arguments, input, Reader::standardStream, nullptr);
+    return Advice::advising(arguments, {bytes, arguments.from, options, step},
+                            [&] { return runRead(arguments, input, bytes, step, output); });
 }
 
 int info(const Arguments& arguments, Output& output) {
     const QString input = inputOf(arguments, output);
     const QString name = nameOf(input);
-    const Reader::Document document =
-        Reader::parse(readInput(arguments, input, output), name, arguments.from);
-    if (output.isJson())
-        output.setResult(JsonReport::info(document));
-    else
-        output.print(Texts::info(document, name));
-    return Messages::Done;
+    const QByteArray bytes = readInput(arguments, input, output);
+    const Reader::MigrationOptions options = optionsFor(arguments, input, Reader::standardStream, nullptr);
+    return Advice::advising(arguments, {bytes, arguments.from, options}, [&] {
+        const Reader::Document document = Reader::parse(bytes, name, arguments.from);
+        std::optional<Repairs::Trial> trial;
+        if (document.version())
+            trial = Repairs::tryRepairs(bytes, arguments.from, options);
+        const auto* repairs = trial ? &trial->report.repairs : nullptr;
+        if (output.isJson())
+            output.setResult(JsonReport::info(document, repairs));
+        else
+            output.print(Texts::info(document, name, repairs));
+        return Messages::Done;
+    });
 }
 
 int verify(const Arguments& arguments, Output& output) {
@@ -302,27 +383,17 @@ int verify(const Arguments& arguments, Output& output) {
 
 int trace(const Arguments& arguments, Output& output) {
     const QString input = inputOf(arguments, output);
-    Reader::Trace trace(path(arguments.folder), optionsToWrite(arguments, input));
-    Progress progress(output);
-    Reader::MigrationOptions options = optionsFor(arguments, input, Reader::standardStream, nullptr);
-    options.watch = [&](const Reader::MigrationPart& part, const Reader::Document& document) {
-        trace.note(part, document);
-        progress.note(part);
-    };
-    Reader::Migration migration(
-        Reader::parse(readInput(arguments, input, output), nameOf(input), arguments.from),
-        std::move(options));
-    progress.expect(migration.document(), arguments.to);
-    try {
-        migration.run();
-    } catch (const Reader::Error&) {
-        progress.end();
-        showTrace(trace, migration.report(), output); // people look for what led up to the step that fails
-        throw;
-    }
-    progress.end();
-    showLog({migration.report(), nameOf(input)}, output);
-    showTrace(trace, migration.report(), output);
+    const QByteArray bytes = readInput(arguments, input, output);
+    const Reader::MigrationOptions options = optionsFor(arguments, input, Reader::standardStream, nullptr);
+    return Advice::advising(arguments, {bytes, arguments.from, options},
+                            [&] { return traceRead(arguments, input, bytes, options, output); });
+}
+
+int repairs(const Arguments&, Output& output) {
+    if (output.isJson())
+        output.setResult(JsonReport::repairList());
+    else
+        output.print(Texts::repairList());
     return Messages::Done;
 }
 

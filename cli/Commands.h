@@ -25,12 +25,13 @@ struct Arguments {
     bool inPlace = false;
     bool check = false;
     bool list = false;
+    bool repair = false;
     std::string
         strict; ///< "all" for any loss, anything else that is not empty for those that are not intended
     Reader::Severity failOn = Reader::Severity::Error;
 };
 
-/// What the program does, a function for each command. Each gives the exit code; all but steps() throw Reader::Error
+/// What the program does, a function for each command. Each gives the exit code; all but steps() and repairs() throw Reader::Error
 /// and Messages::Failure.
 namespace Commands {
 
@@ -41,5 +42,6 @@ int info(const Arguments& arguments, Output& output);
 int verify(const Arguments& arguments, Output& output);
 int trace(const Arguments& arguments, Output& output);
 int restore(const Arguments& arguments, Output& output);
+int repairs(const Arguments& arguments, Output& output);
 
 } // namespace Commands

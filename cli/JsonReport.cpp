@@ -2,6 +2,8 @@
 
 #include "FileNames.h"
 #include "LossMessages.h"
+#include "Repairs/RepairTable.h"
+
 namespace JsonReport {
 namespace {
 
@@ -77,6 +79,28 @@ Json logAsJson(const Reader::MigrationReport& report) {
     });
 }
 
+Json repairsAsJson(const std::vector<Reader::RepairMade>& repairs) {
+    return listOf(repairs, [](const Reader::RepairMade& repair) {
+        return Json{
+            {"name", repair.name},
+            {"before", repair.before},
+            {"count", repair.count},
+            {"text", repair.text},
+            {"objects", listOf(repair.objects,
+                               [](const Reader::LoggedObject& object) {
+                                   return Json{{"class", object.className}, {"id", object.id}};
+                               })},
+            {"clips",
+             listOf(repair.clips(),
+                    [](const Reader::Part& clip) {
+                        return Json{{"id", clip.id}, {"name", clip.name}, {"time", orNull(clip.time)}};
+                    })},
+            {"places", listOf(repair.places, [](const Reader::TextPlace& place) {
+                 return Json{{"line", place.line}, {"column", place.column}, {"what", place.what}};
+             })}};
+    });
+}
+
 Json clipsAsJson(const Reader::MigrationReport& report) {
     Json lost = Json::array();
     for (const Reader::Loss& loss : report.losses) {
@@ -115,6 +139,7 @@ Json errorAsJson(const Messages::Message& error) {
     add("column", orNull(error.column));
     add("byte", orNull(error.byte));
     add("step", orNull(error.step));
+    add("repairs", error.repairs.empty() ? Json() : repairsAsJson(error.repairs));
     return result;
 }
 
@@ -146,6 +171,8 @@ Json migration(const Summary& summary) {
     result["steps"] = report.steps;
     result["skipped"] = report.skipped;
     result["log"] = logAsJson(report);
+    result["repairs"] = repairsAsJson(report.repairs);
+    result["advice"] = repairsAsJson(summary.advice);
     result["objects"] = {{"in", countsAsJson(report.objectsBefore)},
                          {"out", countsAsJson(report.objectsAfter)},
                          {"leftOut", report.leftOut}};
@@ -155,7 +182,7 @@ Json migration(const Summary& summary) {
     return result;
 }
 
-Json info(const Reader::Document& document) {
+Json info(const Reader::Document& document, const std::vector<Reader::RepairMade>* repairs) {
     Json result;
     result["form"] = formAsJson(document.form());
     result["version"] = orNull(document.version());
@@ -169,6 +196,7 @@ Json info(const Reader::Document& document) {
     result["duplicateIds"] = listOf(ofKind(Reader::Fault::DuplicateId, findings),
                                     [](const Reader::Finding& finding) { return Json(finding.id); });
     result["steps"] = namesOfStepsToRun(document);
+    result["repairs"] = repairs ? repairsAsJson(*repairs) : Json();
     return result;
 }
 
@@ -189,8 +217,14 @@ Json findings(const std::vector<Reader::Finding>& findings) {
 Json trace(const Reader::Trace& trace, const Reader::MigrationReport& report) {
     Json result;
     result["steps"] = listOf(trace.entries(), [](const Reader::Trace::Entry& entry) {
-        return Json{{"place", entry.place}, {"class", entry.className}, {"file", orNull(entry.file)}};
+        Json step{{"place", entry.place},
+                  {"class", entry.isRepair ? Json() : Json(entry.className)},
+                  {"file", orNull(entry.file)}};
+        if (entry.isRepair)
+            step["repair"] = entry.className;
+        return step;
     });
+    result["repairs"] = repairsAsJson(report.repairs);
     result["log"] = logAsJson(report);
     return result;
 }
@@ -204,6 +238,23 @@ Json stepList(int from, int to) {
                              {"class", row->className},
                              {"forms", formsAsJson(*row)},
                              {"summary", row->summary}};
+             })}};
+}
+
+Json repairList() {
+    return {{"repairs", listOf(Repairs::repairTable(), [](const Repairs::RepairRow& row) {
+                 Json forms = Json::array();
+                 if (row.hasText())
+                     forms.push_back("text");
+                 if (row.hasXml())
+                     forms.push_back("xml");
+                 if (row.hasJson())
+                     forms.push_back("json");
+                 return Json{
+                     {"name", row.name},
+                     {"before", listOf(row.places(), [](std::string_view place) { return Json(place); })},
+                     {"forms", std::move(forms)},
+                     {"summary", row.summary}};
              })}};
 }
 

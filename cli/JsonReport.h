@@ -32,9 +32,11 @@ std::string line(const Envelope& envelope, const Json& result, const Messages::M
 // The keys of each command.
 
 Json migration(const Summary& summary);
-Json info(const Reader::Document& document);
+/// `repairs` are those that a migration needs; null where that is not known.
+Json info(const Reader::Document& document, const std::vector<Reader::RepairMade>* repairs);
 Json findings(const std::vector<Reader::Finding>& findings);
 Json trace(const Reader::Trace& trace, const Reader::MigrationReport& report);
 Json stepList(int from, int to);
+Json repairList();
 
 } // namespace JsonReport

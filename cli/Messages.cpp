@@ -3,6 +3,9 @@
 #include "FileNames.h"
 #include "Reader/AdaptorTable.h"
 #include "Reader/Files.h"
+#include "Repairs/RepairTable.h"
+
+#include <set>
 
 #include <QFileInfo>
 
@@ -185,6 +188,27 @@ Message messageFor(const Reader::Error& error) {
             facts.column,
             facts.byte,
             facts.step};
+}
+
+std::string describe(const Reader::RepairMade& repair) {
+    const Repairs::RepairRow* row = Repairs::findRepair(repair.name);
+    std::string sentence = withoutFullStop(row ? std::string(row->summary) : repair.text);
+    const bool isAcronym = sentence.size() > 1 && sentence[1] >= 'A' && sentence[1] <= 'Z';
+    if (!isAcronym && !sentence.empty() && sentence[0] >= 'A' && sentence[0] <= 'Z')
+        sentence[0] = static_cast<char>(sentence[0] - 'A' + 'a');
+    return repair.name + ": " + sentence;
+}
+
+Message withAdvice(Message message, std::vector<Reader::RepairMade> repairs) {
+    std::string what;
+    std::set<std::string> known;
+    for (const Reader::RepairMade& repair : repairs) {
+        if (known.insert(repair.name).second)
+            what += "; " + describe(repair);
+    }
+    message.text += "; --repair would help" + what;
+    message.repairs = std::move(repairs);
+    return message;
 }
 
 namespace {

@@ -2,6 +2,7 @@
 
 #include "Reader/Error.h"
 #include "Reader/Files.h"
+#include "Reader/MigrationReport.h"
 #include "Terminal.h"
 
 #include <QString>
@@ -47,10 +48,17 @@ struct Message {
     std::optional<qint64> line = {};
     std::optional<qint64> column = {};
     std::optional<qint64> byte = {};
-    std::string step = {}; ///< class name of the adaptor that failed; empty for none
+    std::string step = {};                        ///< class name of the adaptor that failed; empty for none
+    std::vector<Reader::RepairMade> repairs = {}; ///< those with which it would succeed
 };
 
 Message messageFor(const Reader::Error& error);
+
+/// What a repair does, a part of a sentence: "second-timelines: timelines after the first get ...".
+std::string describe(const Reader::RepairMade& repair);
+
+/// The message of an error where --repair would help by making these repairs.
+Message withAdvice(Message message, std::vector<Reader::RepairMade> repairs);
 
 // Failures that the library does not know.
 

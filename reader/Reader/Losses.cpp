@@ -99,7 +99,7 @@ public:
     explicit Search(std::vector<Loss> losses) : m_losses(std::move(losses)), m_isFound(m_losses.size()) {}
 
     void look(const MigrationPart& part, const Document& document) {
-        if (part.kind == MigrationPart::Kind::Comparison)
+        if (part.kind == MigrationPart::Kind::Comparison || part.kind == MigrationPart::Kind::Repair)
             return;
         m_wasXml = m_wasXml || document.isXml();
         const auto reachable = findReachable(document);

@@ -27,6 +27,27 @@ struct LogLine {
     bool isError() const { return severity == "ERROR"; }
 };
 
+/// A character or a number in a document's text that was repaired.
+struct TextPlace {
+    long long line = 0;   ///< from 1
+    long long column = 0; ///< from 1, in bytes
+    std::string what;     ///< what is there, such as "U+0001"
+};
+
+/// A repair that was made on a document.
+struct RepairMade {
+    std::string name;   ///< as in the table of repairs, such as "second-timelines"
+    std::string before; ///< class name of the adaptor before which it was made, or another place of the table
+    std::vector<LoggedObject>
+        objects;                   ///< what it changed, each object once, with the clip that it belongs to
+    std::vector<TextPlace> places; ///< the first places, of a repair on the text
+    std::size_t count = 0;         ///< how many places were repaired
+    std::string text;              ///< what was done, a sentence without a full stop
+
+    /// The clips among the objects and those that the objects belong to, each once.
+    std::vector<Part> clips() const;
+};
+
 /// A clip, an effect or a title of the input that the result does not reach.
 struct Loss {
     Part part;
@@ -51,6 +72,7 @@ struct MigrationReport {
     std::vector<std::string>
         skipped; ///< steps that exist for archives only and were left out of a JSON document
     std::vector<LogLine> log;
+    std::vector<RepairMade> repairs; ///< in the order in which they were made
     ObjectCounts objectsBefore;
     ObjectCounts objectsAfter;
     std::size_t clipsBefore = 0;                  ///< that the input's timelines list

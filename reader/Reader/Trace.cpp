@@ -32,13 +32,14 @@ void Trace::note(const MigrationPart& part, const Document& document) {
     QByteArray bytes = bytesOf(document, std::nullopt);
     const bool isChanged = bytes != m_last;
     m_last = std::move(bytes);
-    if (part.kind == MigrationPart::Kind::Preparation) {
+    if (m_entries.empty())
         m_version = document.version().value_or(0);
+    if (part.kind == MigrationPart::Kind::Preparation)
         return;
-    }
-    const AdaptorRow* row = findAdaptor(part.name);
+    const bool isRepair = part.kind == MigrationPart::Kind::Repair;
+    const AdaptorRow* row = isRepair ? nullptr : findAdaptor(part.name);
     m_version = row && row->isStep() ? row->number : m_version;
-    Entry entry{static_cast<int>(m_entries.size()) + 1, part.name, {}};
+    Entry entry{static_cast<int>(m_entries.size()) + 1, part.name, {}, isRepair};
     if (isChanged)
         entry.file = write(entry, document);
     m_entries.push_back(std::move(entry));

@@ -12,17 +12,19 @@
 
 namespace Reader {
 
-/// Writes a document after each adaptor that changed it, to find the one that broke it. MigrationOptions::watch calls
+/// Writes a document after each adaptor and repair that changed it, to find the one that broke it. MigrationOptions::watch calls
 /// note().
 ///
 /// Threads: belongs to the thread of its migration.
 class Trace {
 public:
-    /// The adaptor's place among those that ran, from 1, and the file with the document as it was after it.
+    /// The place of an adaptor or a repair among those that ran, from 1, and the file with the document as it was after
+    /// it.
     struct Entry {
         int place;
-        std::string className;
-        QString file; ///< empty where the adaptor changed nothing
+        std::string className; ///< or the name of the repair
+        QString file;          ///< empty where nothing was changed
+        bool isRepair = false;
     };
 
     /// Files go to `folder`, which is made where it is missing. What is no regular file is never written over.

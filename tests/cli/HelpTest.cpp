@@ -16,7 +16,8 @@ using Tests::Screen;
 
 namespace {
 
-const QStringList commands = {"migrate", "steps", "run", "info", "verify", "trace", "restore", "help"};
+const QStringList commands = {"migrate", "steps",   "run",     "info", "verify",
+                              "trace",   "repairs", "restore", "help"};
 
 class HelpTest : public Tests::ProgramTest {
 protected:
