@@ -80,7 +80,8 @@ Reader::MigrationOptions optionsFor(const Arguments& arguments, const QString& i
 
 /// Reports early what would keep the result from being written.
 void checkOutput(const Arguments& arguments, const QString& input, const QString& target) {
-    const bool isFolderToBeMade = !arguments.bundle.empty() && !QFileInfo(path(arguments.bundle)).isDir();
+    const bool isFolderToBeMade = (!arguments.bundle.empty() && !QFileInfo(path(arguments.bundle)).isDir()) ||
+                                  (arguments.beforeWriting && !QFileInfo(QFileInfo(target).path()).isDir());
     if (!arguments.inPlace && !isFolderToBeMade)
         Reader::checkTarget(target, optionsToWrite(arguments, input));
 }
@@ -166,6 +167,8 @@ int passOn(const Arguments& arguments, const Input& input, Output& output) {
     summary.isUpToDate = true;
     const bool isFilter = Reader::isStream(input.file) && Reader::isStandardOutput(input.target);
     if (!arguments.check && (!arguments.output.empty() || isFilter)) {
+        if (arguments.beforeWriting)
+            arguments.beforeWriting(input.target);
         checkOutput(arguments, input.file, input.target);
         Reader::UnfinishedParts made;
         writeResult(input.target, input.bytes, optionsToWrite(arguments, input.file), made);
@@ -206,14 +209,16 @@ int migrate(const Arguments& arguments, Output& output) {
     progress.expect(migration.document(), arguments.to);
     migration.run();
     const Reader::MigrationReport& report = migration.report();
+    const bool isWritten = !arguments.check && !isRefused(arguments, report);
+    if (isWritten && arguments.beforeWriting)
+        arguments.beforeWriting(target);
     // A project that is not written leaves no side files either.
-    const bool toBundle = !arguments.bundle.empty() && !isRefused(arguments, report);
+    const bool toBundle = !arguments.bundle.empty() && isWritten;
     if (toBundle)
         makeBundle(path(arguments.bundle), *made);
     const QByteArray result = migration.save(toBundle);
 
     Summary summary{report, name};
-    const bool isWritten = !arguments.check && !isRefused(arguments, report);
     if (isWritten) {
         if (file) {
             const Reader::Replacement replacement = file->replace(result);
