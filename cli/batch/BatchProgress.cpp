@@ -39,6 +39,8 @@ void BatchProgress::begin(const Tally& tally) {
     m_elapsed.restart();
     if (m_shape == Shape::Events)
         showEvent("begin");
+    if (m_shape == Shape::Bar)
+        show();
     if (m_shape != Shape::None)
         m_timer.start(m_shape == Shape::Bar      ? barInterval
                       : m_shape == Shape::Events ? eventInterval

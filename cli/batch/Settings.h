@@ -14,6 +14,9 @@ struct Settings {
     bool isInPlace = false;
     std::string shard; ///< "2/8"
 
+    /// Whether nothing is written.
+    bool isCheck() const { return results.empty() && !isInPlace; }
+
     bool operator==(const Settings&) const = default;
 
     /// For people: "--to=40, --output-dir new, --shard 2/8".

@@ -1,5 +1,7 @@
 #include "batch/Texts.h"
 
+#include "batch/Settings.h"
+
 #include <QString>
 
 namespace Batch::Texts {
@@ -61,7 +63,9 @@ std::string table(State& state, const Terminal::Colours& colours) {
     const qint64 open = counts[FileState::Waiting] + counts[FileState::Working];
     const qint64 failed = counts[FileState::Failed];
     const qint64 all = counts[FileState::Done] + counts[FileState::Current] + failed + open;
-    std::string text = counted(all, "project") + ": " + number(counts[FileState::Done]) + " done, " +
+    const auto settings = readSettings(state);
+    const char* const done = settings && settings->isCheck() ? " to be migrated, " : " done, ";
+    std::string text = counted(all, "project") + ": " + number(counts[FileState::Done]) + done +
                        number(counts[FileState::Current]) + " current already, ";
     const std::string failures = number(failed) + " failed";
     text += failed > 0 ? colours.red(failures) : failures;
