@@ -75,8 +75,6 @@ void Coordinator::startWorker(std::optional<Row> first) {
     events.ended = [this](WorkerProcess& worker) { guard([&] { takeEnd(worker); }); };
     m_workers.push_back(
         std::make_unique<WorkerProcess>(m_options.worker, m_options.timeout, std::move(events)));
-    if (!m_workers.back()->isStarted())
-        throw Messages::Failure(Messages::unexpected("no worker process can be started"));
     if (first)
         give(*m_workers.back(), std::move(*first));
     else
@@ -119,7 +117,7 @@ void Coordinator::takeAnswer(WorkerProcess& worker, const std::string& line) {
     if (m_options.takeReport)
         m_options.takeReport(answer->report);
     record(worker.takeRow(), answer->facts);
-    const bool isWorn = worker.filesBefore() >= filesOfWorker || answer->memory.value_or(0) > memoryOfWorker;
+    const bool isWorn = worker.files() >= filesOfWorker || answer->memory.value_or(0) > memoryOfWorker;
     if (isWorn && !m_isStopping)
         worker.retire();
     else
@@ -134,8 +132,6 @@ void Coordinator::takeEnd(WorkerProcess& worker) {
     m_ended.push_back(std::move(*slot));
     m_workers.erase(slot);
     QTimer::singleShot(0, &m_loop, [this] { m_ended.clear(); });
-    if (!worker.isStarted())
-        throw Messages::Failure(Messages::unexpected("no worker process can be started"));
     if (worker.row())
         takeDeath(worker);
     else if (!m_isStopping) {
@@ -150,7 +146,7 @@ void Coordinator::takeEnd(WorkerProcess& worker) {
 /// A worker ended before it answered.
 void Coordinator::takeDeath(WorkerProcess& worker) {
     const double seconds = worker.secondsSinceGiven();
-    const bool isFirst = worker.filesBefore() == 0;
+    const bool isFirst = worker.files() == 0;
     const JsonReport::Json& lastWords = worker.lastWords();
     Row row = worker.takeRow();
     Leftovers::remove(row, m_options.results, m_options.isInPlace);

@@ -14,10 +14,12 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <poll.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <fstream>
 #include <iostream>
 
@@ -88,10 +90,20 @@ Answer migrate(const Request& request, const Arguments& shared) {
     return answer;
 }
 
+/// Whether the other end of standard input is closed.
+bool isAbandoned() {
+    pollfd input = {STDIN_FILENO, POLLRDHUP, 0};
+    return poll(&input, 1, 0) == 1 && (input.revents & POLLRDHUP) != 0;
+}
+
 } // namespace
 
 int work(const Arguments& arguments, Output&) {
     prctl(PR_SET_NAME, "adaptors-worker"); // it was started under the name of a link to the program
+    // Without its batch nobody records what a worker does. The batch may have ended before this takes effect.
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (isAbandoned())
+        return Messages::Unexpected;
     for (std::string line; std::getline(std::cin, line);) {
         const auto request = Protocol::requestIn(line);
         if (!request)

@@ -57,7 +57,7 @@ protected:
 TEST_F(FailureTest, AWorkerThatIsKilledCostsOneFile) {
     for (const int signal : {SIGKILL, SIGSEGV, SIGTERM}) {
         QDir(path("out")).removeRecursively();
-        auto [run, worker] = stoppedRun();
+        auto [run, worker] = stoppedRun({"--force"});
         ASSERT_GT(worker, 0);
         kill(worker, signal);
         kill(worker, SIGCONT);

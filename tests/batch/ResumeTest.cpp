@@ -33,7 +33,7 @@ protected:
     /// A folder with some of everything: projects large and small, one that fails, a bundle, other files.
     void makeFolder() const {
         QDir(path("in")).removeRecursively();
-        for (int number = 0; number < 6; ++number) {
+        for (int number = 0; number < 4; ++number) {
             put("in/sub/clip" + QByteArray::number(number) + ".xml", oldProject());
             put("in/film" + QByteArray::number(number) + ".json", Tests::sample("holiday-v63.json"));
         }
