@@ -122,8 +122,8 @@ void takeOver(State& state, const Settings& settings) {
     }
 }
 
-/// Settings decide on results: a state goes on with those that it began with.
-void adoptSettings(State& state, const Settings& settings, const Arguments& arguments) {
+/// Settings decide on results: a state goes on with those that it began with. Gives whether they are others now.
+bool adoptSettings(State& state, const Settings& settings, const Arguments& arguments) {
     const auto earlier = readSettings(state);
     if (earlier) {
         takeOver(state, *earlier);
@@ -134,6 +134,7 @@ void adoptSettings(State& state, const Settings& settings, const Arguments& argu
     Sqlite::Transaction changes = state.transaction();
     writeSettings(state, settings);
     changes.commit();
+    return earlier && *earlier != settings;
 }
 
 /// Calls `take` for each name of a list, each ended by NUL.
@@ -163,9 +164,10 @@ void readList(const std::string& list, const std::function<void(const QByteArray
 /// Brings the state up to date with what is there. Gives how many files are done and unchanged; none where a signal
 /// came, and then the state is as it was.
 std::optional<qint64> findFiles(State& state, const QByteArray& statePath, const QByteArray& results,
-                                const Arguments& arguments, StopSignals& stopSignals) {
+                                const Arguments& arguments, bool choosesAnew, StopSignals& stopSignals) {
     const Options& options = arguments.batch;
-    Inventory inventory({results, arguments.to, options.shard, arguments.force, options.retryFailed}, state);
+    Inventory inventory(
+        {results, arguments.to, options.shard, arguments.force, options.retryFailed, choosesAnew}, state);
     Finder::Options search{Patterns(options.include), Patterns(options.exclude), {}, {}, false, {}, {}};
     search.results = results;
     for (const char* suffix : {"", ".lock", "-journal"})
@@ -252,11 +254,11 @@ int migrateAll(const Arguments& arguments, Output& output) {
     if (!path.isEmpty())
         lock.emplace(path);
     State state(path, Database::Access::Write);
-    adoptSettings(state, settingsOf(arguments, results), arguments);
+    const bool choosesAnew = adoptSettings(state, settingsOf(arguments, results), arguments);
 
     Tally tally;
     progress.search();
-    const auto kept = findFiles(state, path, results, arguments, stopSignals);
+    const auto kept = findFiles(state, path, results, arguments, choosesAnew, stopSignals);
     if (kept) {
         tally.kept = *kept;
         tally.total = state.counts()[FileState::Waiting];

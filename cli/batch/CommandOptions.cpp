@@ -145,10 +145,10 @@ void addOptions(CLI::App& command, Arguments& arguments) {
         "adaptors batch projects --output-dir new --retry-failed\t\n"
         "adaptors batch projects --in-place --exclude old\tkeeps backups\n"
         "adaptors batch projects --check --report found.html\twrites no project\n"
-        "find projects -name '*.xml' -print0 | adaptors batch --files0-from - --output-dir new\t\n"
-        "adaptors batch --status new/adaptors-batch.sqlite --report new.csv\t\n"
+        "adaptors batch --files0-from list --output-dir new\t\n"
+        "adaptors batch --status new/adaptors-batch.sqlite\t\n"
         "adaptors batch projects --output-dir new --shard 2/8\tthe second of eight parts\n"
-        "adaptors batch --merge new/adaptors-batch.*-of-8.sqlite --output-dir new\t");
+        "adaptors batch --merge new/*-of-8.sqlite --output-dir new\t");
 }
 
 std::vector<std::string> sharedOptions(const CLI::App& from, const CLI::App& to) {

@@ -102,6 +102,10 @@ void Inventory::take(const Found& found) {
         const bool isReplaceable = row.isReplaceable;
         row = row.forgotten();
         row.isReplaceable = isReplaceable;
+        if (m_options.choosesAnew) {
+            row.output.clear();
+            row.isReplaceable = false;
+        }
     }
     row.path = found.path;
     row.name = found.name;

@@ -19,6 +19,7 @@ public:
         Shard shard;
         bool force = false;
         bool retryFailed = false;
+        bool choosesAnew = false; ///< the outputs of earlier runs are those of other options
     };
 
     Inventory(Options options, State& state) : m_options(std::move(options)), m_state(state) {}

@@ -99,11 +99,11 @@ bool isAbandoned() {
 } // namespace
 
 int work(const Arguments& arguments, Output&) {
-    prctl(PR_SET_NAME, "adaptors-worker"); // it was started under the name of a link to the program
     // Without its batch nobody records what a worker does. The batch may have ended before this takes effect.
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (isAbandoned())
         return Messages::Unexpected;
+    prctl(PR_SET_NAME, "adaptors-worker"); // it was started under the name of a link to the program
     for (std::string line; std::getline(std::cin, line);) {
         const auto request = Protocol::requestIn(line);
         if (!request)

@@ -83,7 +83,8 @@ WorkerProcess::WorkerProcess(const QStringList& options, int timeout, Events eve
     }
     m_socket = ends[0];
     m_notifier = std::make_unique<QSocketNotifier>(m_socket, QSocketNotifier::Read);
-    QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(), [this] { readAnswers(); });
+    QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(),
+                     [this] { readAnswers(); });
     m_timer.setSingleShot(true);
     QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] {
         m_isTimedOut = true;

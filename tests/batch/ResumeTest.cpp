@@ -162,7 +162,8 @@ TEST_F(ResumeTest, AStateBelongsToItsOptions) {
         0);
     EXPECT_EQ(batch(toOut + QStringList{"--to", "70", "--force", "--state", "other"}), 0);
     EXPECT_EQ(batch(toOut + QStringList{"--to", "70", "--force"}), 0);
-    EXPECT_EQ(query(state, "SELECT to_version FROM files"), "70");
+    EXPECT_EQ(query(state, "SELECT to_version, output FROM files"), "70|a.v70.json");
+    EXPECT_TRUE(exists("out/a.v70.json"));
 }
 
 TEST_F(ResumeTest, WhatIsNoStateIsRefused) {

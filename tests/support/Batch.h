@@ -20,6 +20,7 @@ namespace Tests {
 class BatchTest : public ProgramTest {
 protected:
     BatchTest();
+    ~BatchTest() override;
 
     /// Writes a file below the test's folder, with its folders and a time of change that is always the same.
     void put(const QByteArray& name, const QByteArray& bytes) const;
@@ -62,7 +63,7 @@ public:
     /// Waits until this was said on standard error; false where it ended before.
     bool hasSaid(const QByteArray& text);
 
-    /// Processes that it has started.
+    /// Its workers that are ready to take files.
     std::vector<pid_t> workers() const;
     /// Waits until there is one, and gives it; 0 where the run ended before.
     pid_t aWorker();
