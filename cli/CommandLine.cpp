@@ -1,13 +1,16 @@
 #include "CommandLine.h"
 
 #include "Commands.h"
+#include "Failures.h"
 #include "Help.h"
-#include "Memory.h"
 #include "Messages.h"
 #include "Names.h"
 #include "Output.h"
 #include "Reader/Error.h"
 #include "Terminal.h"
+#include "batch/Batch.h"
+#include "batch/CommandOptions.h"
+#include "batch/Worker.h"
 
 #include <CLI/CLI.hpp>
 
@@ -47,6 +50,7 @@ Exit codes:
 17	verify found something
 18	more memory is needed than any project takes
 19	--check: the project would be migrated without a loss
+20	batch: files failed, or results are not whole
 22	written, but something of the project is missing in the result)";
 
 // Values
@@ -289,6 +293,29 @@ void addRepairs(CLI::App& command, Arguments&) {
                    "them.\n\nExamples:\nadaptors repairs\t\nadaptors repairs --json\tfor programs");
 }
 
+/// The options of `migrate` that hold for each file of a batch; workers get them all.
+void addOptionsForEachFile(CLI::App& command, Arguments& arguments) {
+    command.add_flag("--in-place", arguments.inPlace,
+                     "Replace the files and keep what they were as FILE.bak");
+    command.add_flag("--check", arguments.check, "Write no project, and say what a migration would do");
+    addRepair(command, arguments);
+    addFrom(command, arguments);
+    addTo(command, arguments, "The schema version to stop at: up to 62 an XML archive, from 63 on JSON");
+    addStrict(command, arguments);
+    addFolders(command, arguments);
+    addMaxMemory(command, arguments);
+}
+
+void addBatch(CLI::App& command, Arguments& arguments) {
+    addOptionsForEachFile(command, arguments);
+    Batch::addOptions(command, arguments);
+}
+
+void addBatchWorker(CLI::App& command, Arguments& arguments) {
+    addOptionsForEachFile(command, arguments);
+    command.group(Help::hidden);
+}
+
 struct Command {
     const char* name;
     const char* description;
@@ -302,7 +329,8 @@ constexpr Command commands[] = {
     {"run", "Run one step on a document in the form that it is in; its version stays", addRun, Commands::run},
     {"info", "Show what a project is and holds, and what it would need", addInfo, Commands::info},
     {"verify",
-     "Look for faults in a document: references that lead nowhere, ids that two objects have, wrong counts, "
+     "Look for faults in a document: references that lead nowhere, ids that two objects have, wrong "
+     "counts, "
      "objects that nothing declares or reaches",
      addVerify, Commands::verify},
     {"trace",
@@ -311,6 +339,9 @@ constexpr Command commands[] = {
     {"restore", "Put the newest backup of a project back in its place", addRestore, Commands::restore},
     {"repairs", "List the repairs that --repair makes where a document needs them", addRepairs,
      Commands::repairs},
+    {"batch", "Migrate all projects below folders, on all cores; can be stopped and taken up again", addBatch,
+     Batch::run},
+    {"batch-worker", "Migrate the files that a batch names on standard input", addBatchWorker, Batch::work},
 };
 
 void addOptionsForEveryCommand(CLI::App& app, OutputOptions& options) {
@@ -385,8 +416,10 @@ std::vector<std::string> optionNames(const CLI::App& app, const std::string& com
 
 std::vector<std::string> commandNames(const CLI::App& app) {
     std::vector<std::string> names;
-    for (const CLI::App* command : app.get_subcommands({}))
-        names.push_back(command->get_name());
+    for (const CLI::App* command : app.get_subcommands({})) {
+        if (!Help::isHidden(*command))
+            names.push_back(command->get_name());
+    }
     return names;
 }
 
@@ -432,7 +465,7 @@ std::optional<Messages::Message> messageForOptions(const CLI::App& app, const st
                                                  ? option->get_name(true)
                                                  : option->get_name() + ' ' + option->get_type_name(),
                                              command);
-        if (option->get_type_size() != 0 && option->count() > 1)
+        if (option->get_type_size() != 0 && option->count() > 1 && option->get_items_expected_max() == 1)
             return Messages::givenTwice(option->get_name());
         for (const CLI::Option* other : option->get_excludes()) {
             if (option->count() > 0 && other->count() > 0)
@@ -514,17 +547,9 @@ int runCommand(const Parser& parser, Output& output) {
 /// Runs a part of the program; what fails there is reported.
 template <class Part>
 int reportingFailures(Output& output, Part part) {
-    try {
-        return part();
-    } catch (const Reader::Error& error) {
-        return output.fail(Messages::messageFor(error));
-    } catch (const Messages::Failure& failure) {
-        return output.fail(failure.message());
-    } catch (const std::bad_alloc&) {
-        Memory::endProgram();
-    } catch (const std::exception& error) {
-        return output.fail(Messages::unexpected(error.what()));
-    }
+    int code = Messages::Done;
+    const auto failure = failureOf([&] { code = part(); });
+    return failure ? output.fail(*failure) : code;
 }
 
 /// Parses the command line. Gives an exit code where there is no command to run.
@@ -534,6 +559,9 @@ std::optional<int> parse(Parser& parser, int argc, char** argv) {
     try {
         refuseMissingValues(words, commandNames(parser.app));
         parser.app.parse(argc, argv);
+        if (command() == "batch")
+            parser.arguments.batch.workerOptions = Batch::sharedOptions(
+                *parser.app.get_subcommand("batch"), *parser.app.get_subcommand("batch-worker"));
         return std::nullopt;
     } catch (const CLI::CallForHelp&) {
         const std::string name = command();

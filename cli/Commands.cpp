@@ -84,7 +84,8 @@ Reader::MigrationOptions optionsFor(const Arguments& arguments, const QString& i
 
 /// Reports early what would keep the result from being written.
 void checkOutput(const Arguments& arguments, const QString& input, const QString& target) {
-    const bool isFolderToBeMade = !arguments.bundle.empty() && !QFileInfo(path(arguments.bundle)).isDir();
+    const bool isFolderToBeMade = (!arguments.bundle.empty() && !QFileInfo(path(arguments.bundle)).isDir()) ||
+                                  (arguments.beforeWriting && !QFileInfo(QFileInfo(target).path()).isDir());
     if (!arguments.inPlace && !isFolderToBeMade)
         Reader::checkTarget(target, optionsToWrite(arguments, input));
 }
@@ -181,6 +182,8 @@ int passOn(const Arguments& arguments, const Input& input, Output& output) {
     summary.isUpToDate = true;
     const bool isFilter = Reader::isStream(input.file) && Reader::isStandardOutput(input.target);
     if (!arguments.check && (!arguments.output.empty() || isFilter)) {
+        if (arguments.beforeWriting)
+            arguments.beforeWriting(input.target);
         checkOutput(arguments, input.file, input.target);
         Reader::UnfinishedParts made;
         writeResult(input.target, input.bytes, optionsToWrite(arguments, input.file), made);
@@ -219,8 +222,11 @@ int migrateRead(const Arguments& arguments, const Job& job, Output& output) {
     progress.expect(migration.document(), arguments.to);
     migration.run();
     const Reader::MigrationReport& report = migration.report();
+    const bool isWritten = !arguments.check && !isRefused(arguments, report);
+    if (isWritten && arguments.beforeWriting)
+        arguments.beforeWriting(job.target);
     // A project that is not written leaves no side files either.
-    const bool toBundle = !arguments.bundle.empty() && !isRefused(arguments, report);
+    const bool toBundle = !arguments.bundle.empty() && isWritten;
     if (toBundle)
         makeBundle(path(arguments.bundle), *job.made);
     const QByteArray result = migration.save(toBundle);
@@ -228,7 +234,6 @@ int migrateRead(const Arguments& arguments, const Job& job, Output& output) {
     Summary summary{report, name};
     if (!arguments.repair)
         summary.advice = Advice::repairsFor(report, {job.bytes, arguments.from, job.options});
-    const bool isWritten = !arguments.check && !isRefused(arguments, report);
     if (isWritten) {
         if (job.file) {
             const Reader::Replacement replacement = job.file->replace(result);

@@ -3,8 +3,12 @@
 #include "Output.h"
 #include "Reader/AdaptorTable.h"
 #include "Reader/Verify.h"
+#include "batch/Options.h"
+
+#include <QString>
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -29,6 +33,10 @@ struct Arguments {
     std::string
         strict; ///< "all" for any loss, anything else that is not empty for those that are not intended
     Reader::Severity failOn = Reader::Severity::Error;
+    Batch::Options batch;
+    /// Called before anything is written, with the target. Set by a worker of a batch, which chooses names itself and
+    /// makes missing folders.
+    std::function<void(const QString& target)> beforeWriting = {};
 };
 
 /// What the program does, a function for each command. Each gives the exit code; all but steps() and repairs() throw Reader::Error

@@ -124,8 +124,10 @@ std::string usageOf(const CLI::App& app, const std::vector<const CLI::Option*>& 
 
 std::vector<Row> commandRows(const CLI::App& app) {
     std::vector<Row> rows;
-    for (const CLI::App* command : app.get_subcommands({}))
-        rows.push_back({command->get_name(), command->get_description()});
+    for (const CLI::App* command : app.get_subcommands({})) {
+        if (!isHidden(*command))
+            rows.push_back({command->get_name(), command->get_description()});
+    }
     return rows;
 }
 
@@ -153,6 +155,10 @@ std::string footerOf(const CLI::App& app, std::size_t width) {
 
 } // namespace
 
+bool isHidden(const CLI::App& command) {
+    return command.get_group() == hidden;
+}
+
 std::string of(const CLI::App& app, int width) {
     const auto columns = static_cast<std::size_t>(width);
     const auto positionals =
@@ -173,8 +179,11 @@ std::string of(const CLI::App& app, int width) {
 
 std::string ofAll(const CLI::App& app, int width) {
     std::string text = of(app, width);
-    for (const CLI::App* command : app.get_subcommands({}))
+    for (const CLI::App* command : app.get_subcommands({})) {
+        if (isHidden(*command))
+            continue;
         text += '\n' + std::string(static_cast<std::size_t>(width), '-') + "\n\n" + of(*command, width);
+    }
     return text;
 }
 

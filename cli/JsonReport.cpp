@@ -145,7 +145,7 @@ Json errorAsJson(const Messages::Message& error) {
 
 } // namespace
 
-std::string line(const Envelope& envelope, const Json& result, const Messages::Message* error) {
+Json object(const Envelope& envelope, const Json& result, const Messages::Message* error) {
     Json all;
     all["format"] = format;
     all["tool"] = {{"name", "adaptors"}, {"version", ADAPTORS_VERSION}};
@@ -157,7 +157,11 @@ std::string line(const Envelope& envelope, const Json& result, const Messages::M
         all.update(result);
     if (error)
         all["error"] = errorAsJson(*error);
-    return all.dump(-1, ' ', true, Json::error_handler_t::replace) + '\n';
+    return all;
+}
+
+std::string line(const Json& object) {
+    return object.dump(-1, ' ', true, Json::error_handler_t::replace) + '\n';
 }
 
 Json migration(const Summary& summary) {

@@ -25,9 +25,16 @@ struct Envelope {
     std::optional<double> seconds; ///< since the program's start; none where they can't be known
 };
 
-/// One JSON object on one line, in ASCII. `result` holds the command's own keys; null for none. `error` is null where
-/// there is none.
-std::string line(const Envelope& envelope, const Json& result, const Messages::Message* error = nullptr);
+/// The whole object. `result` holds the command's own keys; null for none. `error` is null where there is none.
+Json object(const Envelope& envelope, const Json& result, const Messages::Message* error = nullptr);
+
+/// An object on one line, in ASCII.
+std::string line(const Json& object);
+
+inline std::string line(const Envelope& envelope, const Json& result,
+                        const Messages::Message* error = nullptr) {
+    return line(object(envelope, result, error));
+}
 
 // The keys of each command.
 

@@ -37,6 +37,7 @@ enum ExitCode {
     HasFindings = 17,
     OutOfMemory = 18,
     WouldMigrate = 19, ///< `--check`: a migration has something to do and would lose nothing
+    SomeFailed = 20,   ///< `batch`: files failed, or results are not whole
     Incomplete = 22,   ///< the result was written, and something of the project is missing in it
 };
 
