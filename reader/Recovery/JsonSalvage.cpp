@@ -278,36 +278,39 @@ ObjectId JsonSalvage::makeTrack(ObjectId id, long long type, ObjectId timeline) 
     return made;
 }
 
-/// The clip has the fields of another one, but for references and entries.
 ObjectId JsonSalvage::makeScene(ObjectId nested, ObjectId timeline, const std::string& name) {
+    const ObjectId id = make(clipClassName, 0);
+    at(id)["name"] = name;
+    at(id)["nestedTimeline"] = linkTo(nested);
+    completeScene(id, timeline);
+    return id;
+}
+
+/// The fields are those of another clip, but for references and entries.
+void JsonSalvage::completeScene(ObjectId id, ObjectId timeline) {
     const auto model = std::find_if(m_document.objects.begin(), m_document.objects.end(), [&](const auto& object) {
         return classOf(object.second) == clipClassName && m_document.closed.count(object.first) == 0;
     });
-    json fields = json::object();
-    if (model != m_document.objects.end())
-        fields = model->second;
-    fields.erase(MetaDetails::s_meta);
-    for (auto& field : fields) {
-        const json* target = find(linkTarget(field));
+    json fields = model == m_document.objects.end() ? json::object() : model->second;
+    fields["type"] = sceneClip;
+    fields["timeline"] = linkTo(timeline);
+    for (const auto& field : at(id).items())
+        fields.erase(field.key());
+    for (auto& field : fields.items()) {
+        json& value = field.value();
+        const json* target = find(linkTarget(value));
         if (target && classOf(*target) == itemInfoClassName) {
             json copy = *target;
             copy.erase(MetaDetails::s_meta);
-            const ObjectId id = make(itemInfoClassName, 0);
+            const ObjectId info = make(itemInfoClassName, 0);
             --m_report.objectsMade; // it is a part of the clip
-            at(id).update(copy);
-            field = linkTo(id);
-        } else if (field.is_structured()) {
-            field = field.is_array() ? json::array() : json();
+            at(info).update(copy);
+            value = linkTo(info);
+        } else if (value.is_structured() && field.key() != "timeline") {
+            value = value.is_array() ? json::array() : json();
         }
     }
-    const ObjectId made = make(clipClassName, 0);
-    json& clip = at(made);
-    clip.update(fields);
-    clip["name"] = name;
-    clip["type"] = sceneClip;
-    clip["timeline"] = linkTo(timeline);
-    clip["nestedTimeline"] = linkTo(nested);
-    return made;
+    at(id).update(fields);
 }
 
 void JsonSalvage::listTrack(ObjectId timeline, ObjectId track) {

@@ -44,6 +44,7 @@ public:
     ObjectId makeTimeline(ObjectId id) override;
     ObjectId makeTrack(ObjectId id, long long type, ObjectId timeline) override;
     ObjectId makeScene(ObjectId nested, ObjectId timeline, const std::string& name) override;
+    void completeScene(ObjectId clip, ObjectId timeline) override;
     void listTrack(ObjectId timeline, ObjectId track) override;
     void listClip(ObjectId timeline, ObjectId clip, const ClipPlace& place) override;
     void moveClip(ObjectId timeline, ObjectId clip, ObjectId track) override;

@@ -76,8 +76,11 @@ public:
 
     virtual ObjectId makeTimeline(ObjectId id) = 0;
     virtual ObjectId makeTrack(ObjectId id, long long type, ObjectId timeline) = 0;
-    /// A clip that shows a timeline as a scene. There must be a clip, whose fields it has.
+    /// A clip that shows a timeline as a scene. It gets the fields of another clip, so there should be one.
     virtual ObjectId makeScene(ObjectId nested, ObjectId timeline, const std::string& name) = 0;
+
+    /// Adds the fields that a damaged clip, which shows a scene, has lost.
+    virtual void completeScene(ObjectId clip, ObjectId timeline) = 0;
 
     virtual void listTrack(ObjectId timeline, ObjectId track) = 0;
     /// Adds the clip to the list of the timeline.

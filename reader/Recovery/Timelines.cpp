@@ -68,6 +68,10 @@ void TimelineMending::run() {
         m_clipsById.emplace(clip.id, &clip);
     readTimelines();
     makeLostTimelines();
+    for (const SalvagedClip& clip : m_clips) {
+        if (!clip.isWhole)
+            m_salvage.completeScene(clip.id, clip.timeline != 0 ? clip.timeline : m_order.front());
+    }
     if (hasTrackObjects()) {
         listTracks();
         mendTracks();

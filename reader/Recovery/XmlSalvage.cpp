@@ -529,14 +529,24 @@ ObjectId XmlSalvage::makeTrack(ObjectId id, long long type, ObjectId timeline) {
     return idOf(track);
 }
 
-/// The clip has the fields of another one, but for references and entries.
 ObjectId XmlSalvage::makeScene(ObjectId nested, ObjectId timeline, const std::string& name) {
+    const int clip = makeObject(clipClassName, 0);
+    at(clip).isCut = true; // it is no model for others
+    addField(clip, {"name", FieldKind::Text}, name);
+    addReference(clip, "nestedTimeline", nested);
+    completeScene(idOf(clip), timeline);
+    return idOf(clip);
+}
+
+/// The fields are those of another clip, but for references and entries.
+void XmlSalvage::completeScene(ObjectId id, ObjectId timeline) {
+    const int clip = objectAt(id);
     const auto model = std::find_if(m_rootObjects.begin(), m_rootObjects.end(), [&](int object) {
         return !at(object).isDead && !at(object).isCut && typeOf(object) == clipClassName;
     });
-    const std::vector<int> fields = model == m_rootObjects.end() ? std::vector<int>() : children(*model);
-    const int clip = makeObject(clipClassName, 0);
-    for (const int field : fields) {
+    for (const int field : model == m_rootObjects.end() ? std::vector<int>() : children(*model)) {
+        if (child(clip, at(field).tag) >= 0)
+            continue;
         const int copy = m_tree.add(at(field).tag, clip);
         at(copy).firstAttribute = static_cast<std::uint32_t>(m_tree.attributes.size());
         at(copy).attributes = at(field).attributes;
@@ -544,14 +554,11 @@ ObjectId XmlSalvage::makeScene(ObjectId nested, ObjectId timeline, const std::st
             m_tree.attributes.push_back(ScannedAttribute(m_tree.attributes[at(field).firstAttribute + number]));
         if (typeOf(copy) == referenceType)
             set(copy, "value", "0");
-        else if (at(copy).tag == "name")
-            set(copy, "value", name);
+        else if (at(copy).tag == "type")
+            set(copy, "value", std::to_string(sceneClip));
     }
-    if (const int type = child(clip, "type"); type >= 0)
-        set(type, "value", std::to_string(sceneClip));
-    setReference(clip, "timeline", timeline);
-    setReference(clip, "nestedTimeline", nested);
-    return idOf(clip);
+    if (refIn(clip, "timeline") == 0)
+        setReference(clip, "timeline", timeline);
 }
 
 void XmlSalvage::listTrack(ObjectId timeline, ObjectId track) {
