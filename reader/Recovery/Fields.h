@@ -55,9 +55,22 @@ inline constexpr FieldRow timingFields[] = {
     {"speedCompensated", FieldKind::Bool, 0, 52},
 };
 
+/// What a timing needs to say where a clip is.
+inline constexpr FieldRow placeFields[] = {
+    {"timestamp", FieldKind::Int64},
+    {"duration", FieldKind::Int64},
+};
+
+/// What a clip needs to be one.
+inline constexpr FieldRow clipFields[] = {
+    {"type", FieldKind::Int32},
+    {"timeline", FieldKind::Reference},
+    {"sourceDuration", FieldKind::Int64},
+};
+
 inline constexpr FieldRow trackFields[] = {
     {"type", FieldKind::Int32},
-    {"used", FieldKind::Bool, 1},
+    {"used", FieldKind::Bool, 1, 0, 77}, // tracks that the last step makes have none
     {"muted", FieldKind::Bool},
     {"hidden", FieldKind::Bool},
     {"linked", FieldKind::Bool},

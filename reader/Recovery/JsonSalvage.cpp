@@ -60,6 +60,25 @@ json valueOf(const FieldRow& row) {
     }
 }
 
+bool isOfKind(const json& value, FieldKind kind) {
+    switch (kind) {
+    case FieldKind::Bool:
+        return value.is_boolean();
+    case FieldKind::Int32:
+    case FieldKind::Int64:
+        return value.is_number_integer();
+    case FieldKind::Double:
+        return value.is_number();
+    case FieldKind::Text:
+        return value.is_string();
+    case FieldKind::Reference:
+        return value.is_null() || linkTarget(value) != 0;
+    case FieldKind::List:
+        return value.is_array();
+    }
+    return false;
+}
+
 /// The list of a timeline that an entry belongs to, and its member that names a clip.
 std::pair<const char*, const char*> placeOf(const json& entry) {
     if (entry.contains("clip"))
@@ -118,8 +137,7 @@ void JsonSalvage::complete(json& object, std::span<const FieldRow> fields) const
         const std::string name(row.name);
         if (!row.isAt(m_version))
             continue;
-        const json& value = member(object, name);
-        if (!object.contains(name) || (row.kind == FieldKind::List && !value.is_array()))
+        if (!object.contains(name) || !isOfKind(object[name], row.kind))
             object[name] = valueOf(row);
     }
 }
@@ -131,7 +149,46 @@ json& JsonSalvage::listIn(ObjectId id, const char* field) {
     return list;
 }
 
+/// Takes clips for damaged that lack what each clip has: two pieces that happen to fit. Completes tracks and removes
+/// the entries of timelines whose timing says no time. In a healthy project there is nothing to do.
+void JsonSalvage::checkParts() {
+    auto& objects = m_document.objects;
+    for (auto object = objects.begin(); object != objects.end();) {
+        const bool isClip = classOf(object->second) == clipClassName && !m_document.closed.count(object->first);
+        if (isClip && lacksFields(object->second, clipFields)) {
+            m_document.damagedClips.push_back({object->first, textIn(object->second, "name")});
+            ++m_document.droppedObjects;
+            object = objects.erase(object);
+        } else {
+            ++object;
+        }
+    }
+    for (auto& [id, object] : objects) {
+        if (classOf(object) == trackClassName && lacksFields(object, trackFields)) {
+            complete(object, trackFields);
+            m_document.closed.insert(id);
+        }
+        if (classOf(object) != timelineClassName || !member(object, "clips").is_array())
+            continue;
+        const std::size_t dropped =
+            std::erase_if(object["clips"].get_ref<json::array_t&>(), [this](const json& entry) {
+                const json* timing = find(refIn(entry, "timing"));
+                return !timing || lacksFields(*timing, placeFields);
+            });
+        m_report.entriesDropped += dropped;
+        if (dropped > 0)
+            m_document.closed.insert(id);
+    }
+}
+
+bool JsonSalvage::lacksFields(const json& object, std::span<const FieldRow> fields) const {
+    return std::any_of(fields.begin(), fields.end(), [&](const FieldRow& row) {
+        return row.isAt(m_version) && !isOfKind(member(object, std::string(row.name)), row.kind);
+    });
+}
+
 void JsonSalvage::closeDamaged() {
+    checkParts();
     m_report.objectsWhole = m_document.wholeObjects;
     m_report.objectsDropped = m_document.droppedObjects;
     m_report.objectsClosed = m_document.closed.size();

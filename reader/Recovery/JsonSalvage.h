@@ -60,6 +60,8 @@ private:
     ObjectId make(std::string_view className, ObjectId id);
     void complete(Object& object, std::span<const FieldRow> fields) const;
     Object& listIn(ObjectId id, const char* field);
+    void checkParts();
+    bool lacksFields(const Object& object, std::span<const FieldRow> fields) const;
     void placeLooseMembers();
     void placeLooseEntries();
     bool hasLostReference(const Object& value) const;

@@ -28,6 +28,7 @@ constexpr ObjectId firstTemporaryId = ObjectId(1) << 62;
 
 /// How far the text behind a loss is looked at to find out whether a string is open there.
 constexpr std::size_t lookAhead = 256;
+constexpr int mostTokens = 12;
 
 json linkTo(ObjectId id) {
     return {{MetaDetails::s_meta_reference, id}};
@@ -429,7 +430,7 @@ bool JsonScan::isStructure(std::size_t position) const {
     const std::size_t first = position;
     bool isAfterValue = true; // a comma or an end may come first
     bool isFirst = true;
-    while (true) {
+    for (int tokens = 0; tokens < mostTokens; ++tokens) {
         position = std::min(m_text.find_first_not_of(whiteSpace, position), m_text.size());
         if (position >= limit || m_text[position] == '\0')
             return true;
@@ -476,6 +477,7 @@ bool JsonScan::isStructure(std::size_t position) const {
         }
         isFirst = false;
     }
+    return true;
 }
 
 std::string JsonScan::placeNow() const {

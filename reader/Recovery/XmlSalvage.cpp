@@ -195,7 +195,11 @@ void XmlSalvage::dropDamaged() {
         const bool isDeclaring = className == predeclaratorClass;
         if (at(object).isDead)
             continue;
+        if (isDamaged() && !at(object).isCut && className == clipClassName && lacksFields(object, clipFields, m_version))
+            at(object).isCut = true; // two pieces that happen to fit
         if (!at(object).isCut) {
+            if (isDamaged())
+                checkParts(object);
             alive.push_back(object);
             m_report.objectsWhole += isDeclaring ? 0 : 1;
             continue;
@@ -222,6 +226,31 @@ void XmlSalvage::dropDamaged() {
         close(object);
     }
     m_rootObjects = std::move(alive);
+}
+
+bool XmlSalvage::lacksFields(int object, std::span<const FieldRow> fields, int version) const {
+    return std::any_of(fields.begin(), fields.end(), [&](const FieldRow& row) {
+        const int field = row.isAt(version) ? child(object, row.name) : 0;
+        return field < 0 || (row.kind != FieldKind::Text && field > 0 && m_tree.attribute(field, "value").empty());
+    });
+}
+
+/// Completes tracks, and removes the entries of a timeline whose timing says no time. In a healthy project there is
+/// nothing to do.
+void XmlSalvage::checkParts(int object) {
+    if (typeOf(object) == trackClassName && lacksFields(object, trackFields, m_version)) {
+        complete(object, trackFields);
+        ++m_report.objectsClosed;
+    }
+    const int clips = typeOf(object) == timelineClassName ? child(object, "clips") : -1;
+    for (const int item : clips < 0 ? std::vector<int>() : children(clips, "Item")) {
+        const int timing = child(item, "Value");
+        if (timing < 0 || child(item, "Key") < 0 || lacksFields(timing, placeFields, m_version)) {
+            at(item).isDead = true;
+            ++m_report.entriesDropped;
+            m_changed.insert(object);
+        }
+    }
 }
 
 /// Whether a damaged clip shows a timeline.
@@ -647,6 +676,7 @@ void XmlSalvage::setMainTimeline(ObjectId timeline) {
 
 void XmlSalvage::mendReferences() {
     clearReferences();
+    renumberCopies();
     mendPredeclarations();
     mendCounts();
 }
@@ -672,6 +702,28 @@ void XmlSalvage::clearReferences() {
         } else if (!at(item).isDead) {
             at(item).isDead = true;
             ++m_report.entriesDropped;
+        }
+    });
+}
+
+/// An object inside of another one gets a new id where its own is used already. No reference names it.
+void XmlSalvage::renumberCopies() {
+    std::unordered_set<ObjectId> seen;
+    ObjectId copiedId = 0; // of the last object that got a new id
+    ObjectId newIdOfCopy = 0;
+    walkProject([&](int node, int rootObject) {
+        const ObjectId id = idOf(node);
+        if (id == 0)
+            return;
+        if (at(node).tag == "BaseOfObject") {
+            if (id == copiedId)
+                set(node, "objectId", std::to_string(newIdOfCopy));
+        } else if (node != rootObject && (m_objectsById.count(id) > 0 || !seen.insert(id).second)) {
+            copiedId = id;
+            newIdOfCopy = newId();
+            set(node, "objectId", std::to_string(newIdOfCopy));
+        } else {
+            copiedId = 0;
         }
     });
 }
@@ -796,6 +848,7 @@ void XmlSalvage::mendPredeclarations() {
     }
     const int list = listIn(predeclarator, "predeclarations");
     std::vector<bool> hasRecord(objects.size(), false);
+    std::unordered_set<ObjectId> recordIds;
     for (const int item : children(list, "Item")) {
         const Record record{item, child(item, "Data")};
         const bool isRecord = record.data >= 0 && typeOf(record.data) == recordClass;
@@ -806,6 +859,8 @@ void XmlSalvage::mendPredeclarations() {
             ++m_report.predeclarationsMended;
             continue;
         }
+        if (!recordIds.insert(idOf(record.data)).second || places.count(idOf(record.data)))
+            set(record.data, "objectId", std::to_string(newId()));
         hasRecord[place->second] = true;
         const Declared& object = objects[place->second];
         m_report.predeclarationsMended += mendRecord(record, object.node, object.rootObject) ? 1 : 0;

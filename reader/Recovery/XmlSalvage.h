@@ -80,6 +80,8 @@ private:
     void walkProject(const std::function<void(int node, int rootObject)>& visit) const;
 
     void findRootObjects();
+    bool lacksFields(int object, std::span<const FieldRow> fields, int version) const;
+    void checkParts(int object);
     void close(int object);
     void closeTimeline(int timeline);
     void closeList(int list);
@@ -101,6 +103,7 @@ private:
     void setContentTimeline(int content, ObjectId timeline);
 
     void clearReferences();
+    void renumberCopies();
     void mendCounts();
     void mendPredeclarations();
     bool mendRecord(const Record& record, int object, int rootObject);
