@@ -177,6 +177,31 @@ ClipIds wholeClipsOfJson(const QByteArray& bytes) {
     return ids;
 }
 
+std::map<Id, long long> timesOf(const Reader::Document& document) {
+    std::map<Id, long long> times;
+    for (const Reader::Part& part : Reader::listParts(document)) {
+        if (part.kind == Reader::PartKind::Clip)
+            times.emplace(part.id, part.time.value_or(0));
+    }
+    return times;
+}
+
+/// The clips that are at another time than in the healthy project, but for those that are reported as moved.
+std::string wrongTimes(const Reader::Recovered& recovered, const Healthy& healthy) {
+    ClipIds moved;
+    for (const Reader::RecoveredClip& clip : recovered.report.clipsMoved)
+        moved.insert(clip.id);
+    for (const Reader::RecoveredClip& clip : recovered.report.clipsReduced)
+        moved.insert(clip.id);
+    std::string text;
+    for (const auto& [id, time] : timesOf(recovered.document)) {
+        const auto before = healthy.times.find(id);
+        if (before != healthy.times.end() && before->second != time && !moved.count(id))
+            text += ' ' + std::to_string(id);
+    }
+    return text;
+}
+
 std::string faultsOf(const Reader::Document& document) {
     std::string text;
     for (const Reader::Finding& finding : Reader::verify(document)) {
@@ -204,14 +229,17 @@ ClipIds common(const ClipIds& first, const ClipIds& second) {
 
 QByteArray projectWithClips(int version, std::size_t clips) {
     const bool isJson = version > Reader::lastXmlVersion;
-    const QByteArray project = generateProject(isJson ? sourceOfJson : version, {0, 0, clips, 0});
-    QDomDocument archive = Reader::parseXml(project, name);
-    const std::size_t count = clipsOf(Reader::Document(archive)).size();
-    if (count < clips)
-        throw std::logic_error("a generated project has too few clips");
-    removeClips(archive, count - clips);
-    const QByteArray text = Reader::writeXml(archive);
-    return isJson ? migrated(Reader::parse(text, name), version) : text;
+    const int source = isJson ? sourceOfJson : version;
+    // The migration of the sample adds a clip.
+    const std::size_t added = isJson ? 1 : 0;
+    QDomDocument archive = Reader::parseXml(generateProject(source, {0, 0, clips, 0}), name);
+    removeClips(archive, clipsOf(Reader::Document(archive)).size() + added - clips);
+    QByteArray project = Reader::writeXml(archive);
+    if (isJson)
+        project = migrated(Reader::parse(project, name), version);
+    if (clipsOf(Reader::parse(project, name)).size() != clips)
+        throw std::logic_error("a generated project has another number of clips");
+    return project;
 }
 
 QByteArray withLostBlock(QByteArray project, int place) {
@@ -226,7 +254,7 @@ ClipIds wholeClips(const QByteArray& bytes) {
 }
 
 Healthy::Healthy(const QByteArray& project)
-    : clips(clipsOf(Reader::parse(project, name))),
+    : clips(clipsOf(Reader::parse(project, name))), times(timesOf(Reader::parse(project, name))),
       migrated(clipsOf(Reader::parse(Bench::migrated(Reader::parse(project, name), Reader::currentVersion), name))) {}
 
 Rescue rescue(const QByteArray& damaged, const Healthy& healthy) {
@@ -244,6 +272,8 @@ Rescue rescue(const QByteArray& damaged, const Healthy& healthy) {
         result.inPlace = recovered->report.clipsInPlace;
         if (const std::string lost = missing(whole, clips); !lost.empty())
             result.problem += "recovery loses the clips" + lost + "; ";
+        if (const std::string wrong = wrongTimes(*recovered, healthy); !wrong.empty())
+            result.problem += "these clips are at another time:" + wrong + "; ";
         if (const std::string faults = faultsOf(recovered->document); !faults.empty())
             result.problem += "the recovered document has faults: " + faults;
         const Reader::Document document =

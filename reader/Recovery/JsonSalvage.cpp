@@ -238,7 +238,9 @@ void JsonSalvage::placeLooseEntries() {
             complete(at(make(timelineClassName, timelineId)), timelineFields);
             timeline = find(timelineId);
         }
-        if (timeline && classOf(*timeline) == timelineClassName && classOf(*clip) == clipClassName)
+        const json* timing = entry.contains("clip") ? find(refIn(entry, "timing")) : nullptr;
+        const bool isPlaced = !entry.contains("clip") || (timing && !lacksFields(*timing, placeFields));
+        if (isPlaced && timeline && classOf(*timeline) == timelineClassName && classOf(*clip) == clipClassName)
             listIn(timelineId, list).push_back(std::move(entry));
         else
             ++m_report.entriesDropped;
