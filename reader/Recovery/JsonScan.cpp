@@ -97,7 +97,7 @@ private:
     void closeRest(Kind kind);
     void add(json value);
     json flattened(json value, bool isCut);
-    bool beginsDocument() const;
+    void beginDocument();
 
     void lose(Damage damage, std::size_t position, std::size_t length);
     std::size_t resume(std::size_t position) const;
@@ -246,18 +246,6 @@ void JsonScan::readString() {
     if (m_frames.back().key.empty())
         m_frames.back().key = lostKey;
     m_position = next + 1;
-    if (beginsDocument()) {
-        Frame frame = std::move(m_frames.back());
-        m_frames.pop_back();
-        finishDocument();
-        m_frames.push_back(std::move(frame));
-    }
-}
-
-/// Whether the innermost frame is a second document: an object that begins with "data" where none can be.
-bool JsonScan::beginsDocument() const {
-    return m_frames.size() > 1 && m_frames.back().kind == Kind::Object && m_frames.back().key == "data" &&
-           m_frames.back().value.empty() && m_frames[m_frames.size() - 2].kind == Kind::Rest;
 }
 
 void JsonScan::readScalar() {
@@ -340,9 +328,32 @@ void JsonScan::add(json value) {
         frame.entries.push_back(std::move(value));
     else if (frame.key != lostKey)
         frame.value[frame.key] = std::move(value);
-    if (frame.key == MetaDetails::s_meta && leadsToClips(classOf(frame.value)))
-        m_containers.push_back(m_frames.size() - 1);
+    const bool isMeta = frame.key == MetaDetails::s_meta;
     frame.key.clear();
+    if (isMeta && classOf(frame.value) == persistentClassName && m_frames.size() > 1)
+        beginDocument();
+    if (isMeta && leadsToClips(classOf(m_frames.back().value)))
+        m_containers.push_back(m_frames.size() - 1);
+}
+
+/// The innermost frame is the root object of a project. Where it is not in an envelope, another document begins.
+void JsonScan::beginDocument() {
+    const Frame& parent = m_frames[m_frames.size() - 2];
+    const bool isInEnvelope = parent.kind == Kind::Object && parent.key == "data" && parent.value.empty();
+    if (m_frames.size() == 2 && isInEnvelope)
+        return;
+    Frame root = std::move(m_frames.back());
+    m_frames.pop_back();
+    if (isInEnvelope)
+        m_frames.pop_back();
+    if (m_document.hasObjects)
+        m_source.report(m_report, Damage::CutOff, m_position,
+                        "Another project begins here, " + placeNow() + '.');
+    m_document.isDamaged = true;
+    finishDocument();
+    m_document.isDamaged = !isInEnvelope;
+    m_frames.push_back({Kind::Object, json::object(), {}, "data"});
+    m_frames.push_back(std::move(root));
 }
 
 void JsonScan::forgetContainers() {

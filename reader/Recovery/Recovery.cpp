@@ -83,8 +83,8 @@ QByteArray recoverXml(DamagedText& text, std::optional<int> given, RecoveryRepor
     report.version =
         chooseVersion(Backend::Xml, given, salvage.statedVersion(), salvage.versionFacts(), report);
     salvage.setVersion(report.version);
-    const std::vector<RecoveredClip> mentioned = salvage.mentionedClips();
     salvage.dropDamaged();
+    const std::vector<RecoveredClip> mentioned = salvage.mentionedClips();
     const std::vector<SalvagedClip> clips = salvage.clips();
     if (salvage.isDamaged()) {
         mendTimelines(salvage, report.version, report);
@@ -106,9 +106,9 @@ QByteArray recoverJson(DamagedText& text, std::optional<int> given, RecoveryRepo
                            std::optional(stated.is_string() ? stated.get<std::string>() : stated.dump()),
         salvage.versionFacts(), report);
     salvage.setVersion(report.version);
-    const std::vector<RecoveredClip> mentioned = salvage.mentionedClips();
     if (salvage.isDamaged()) {
         salvage.closeDamaged();
+        const std::vector<RecoveredClip> mentioned = salvage.mentionedClips();
         const std::vector<SalvagedClip> clips = salvage.clips();
         mendTimelines(salvage, report.version, report);
         salvage.mendReferences();

@@ -288,11 +288,12 @@ void XmlSalvage::close(int object) {
 /// Removes the entries of a list that are not whole.
 void XmlSalvage::closeList(int list) {
     const bool isClips = at(list).tag == "clips";
+    const bool isDeclaring = at(list).tag == "predeclarations";
     for (int item = at(list).firstChild; item >= 0; item = at(item).next) {
         if (isClips && at(item).isCut && !at(item).isText)
             completeTiming(item);
         if (at(item).tag != "Item" || at(item).isText || at(item).isCut) {
-            m_report.entriesDropped += at(item).isDead ? 0 : 1;
+            m_report.entriesDropped += at(item).isDead || isDeclaring ? 0 : 1;
             at(item).isDead = true;
         }
     }

@@ -19,7 +19,7 @@
 
 namespace {
 
-constexpr int places = 8; // of each kind and version; `adaptors-bench --recovery` takes more
+constexpr int places = 5; // of each kind and version; `adaptors-bench --recovery` takes more
 constexpr std::size_t clips = 60;
 
 class DamagedProject : public testing::TestWithParam<int> {
@@ -116,7 +116,7 @@ void mutate(QByteArray& bytes, std::mt19937& random) {
 TEST(MutatedSamples, AreRecoveredToWhatCanBeReadOrRefused) {
     const std::vector<QByteArray> files = samples();
     std::size_t recovered = 0;
-    constexpr unsigned runs = 120;
+    constexpr unsigned runs = 80;
     for (unsigned seed = 0; seed < runs; ++seed) {
         std::mt19937 random(seed);
         QByteArray bytes = files[random() % files.size()];

@@ -183,7 +183,7 @@ TEST(CutJson, KeepsTheClipsBeforeTheCutAndGuessesTheVersion) {
     EXPECT_EQ(result.report.clipsInPlace, 3U);
     EXPECT_EQ(result.report.version, 63);
     ASSERT_TRUE(result.report.versionGuess);
-    EXPECT_THAT(result.report.versionGuess->reasons, Contains(HasSubstr("\"collectionItemInfo\": before version 67")));
+    EXPECT_THAT(result.report.versionGuess->reasons, Contains(HasSubstr("before version 64")));
     EXPECT_THAT(damagesIn(result.report), testing::IsSupersetOf({Damage::CutOff, Damage::Version}));
     expectMigrates(std::move(result), {"Summer by the sea", "Beach", "Harbour"});
 }
@@ -340,8 +340,8 @@ protected:
 TEST_P(LostScene, KeepsTheClipIfItStillNamesItsTimeline) {
     // In JSON the timeline is inside of the clip, and is its last member but for those that are lost.
     const int behind = m_bytes.startsWith('<') ? placeOf(m_bytes, "Village") :
-                                                 placeOf(m_bytes, "\"name\": \"Village\",\n             \"trackingLinks\"");
-    Recovered result = recovered(withNul(m_bytes, "rhythm", "mediaTrack", behind));
+                                                 placeOf(m_bytes, "\n        \"name\": \"Village\"");
+    Recovered result = recovered(withNul(m_bytes, "rhythm", m_bytes.startsWith('<') ? "mediaTrack" : "stabilization", behind));
     EXPECT_THAT(namesOf(result.report.clipsReduced), ElementsAre("Village"));
     EXPECT_THAT(result.report.clipsLost, IsEmpty());
     expectScene(std::move(result));
