@@ -35,7 +35,9 @@ Id valueIn(const QDomElement& parent, const QString& field) {
 /// Whether an entry of a list refers to one of the objects.
 bool refersTo(const QDomElement& item, const std::set<Id>& ids) {
     const Elements references = Archive::Internal::elements(item, Words::Key);
-    const auto isOfThem = [&](const QDomElement& e) { return ids.count(e.attribute(Words::value).toULongLong()) > 0; };
+    const auto isOfThem = [&](const QDomElement& e) {
+        return ids.count(e.attribute(Words::value).toULongLong()) > 0;
+    };
     bool refers = std::any_of(references.begin(), references.end(), isOfThem);
     for (const QString& tag : {Words::First, Words::Second, QStringLiteral("master")}) {
         const Elements others = Archive::Internal::elements(item, tag);
@@ -49,7 +51,8 @@ void removeClips(QDomDocument& archive, std::size_t surplus) {
     const QDomElement top = archive.documentElement();
     Elements timelines = Archive::Internal::rootObjects(archive, QStringLiteral("Timeline::Object"));
     std::set<Id> scenes;
-    for (const QDomElement& clip : Archive::Internal::rootObjects(archive, QStringLiteral("Timeline::Clip"))) {
+    for (const QDomElement& clip :
+         Archive::Internal::rootObjects(archive, QStringLiteral("Timeline::Clip"))) {
         if (valueIn(clip, QStringLiteral("nestedTimeline")) != 0)
             scenes.insert(Archive::objectIdOf(clip));
     }
@@ -61,7 +64,8 @@ void removeClips(QDomDocument& archive, std::size_t surplus) {
         if (!scenes.count(clip))
             removed.insert(clip);
     }
-    for (QDomElement list = timelines.front().firstChildElement(); !list.isNull(); list = list.nextSiblingElement()) {
+    for (QDomElement list = timelines.front().firstChildElement(); !list.isNull();
+         list = list.nextSiblingElement()) {
         int count = 0;
         for (QDomElement& item : Archive::Internal::children(list, Words::Item)) {
             if (refersTo(item, removed))
@@ -221,7 +225,8 @@ std::string missing(const ClipIds& expected, const ClipIds& found) {
 
 ClipIds common(const ClipIds& first, const ClipIds& second) {
     ClipIds ids;
-    std::set_intersection(first.begin(), first.end(), second.begin(), second.end(), std::inserter(ids, ids.end()));
+    std::set_intersection(first.begin(), first.end(), second.begin(), second.end(),
+                          std::inserter(ids, ids.end()));
     return ids;
 }
 
@@ -255,7 +260,8 @@ ClipIds wholeClips(const QByteArray& bytes) {
 
 Healthy::Healthy(const QByteArray& project)
     : clips(clipsOf(Reader::parse(project, name))), times(timesOf(Reader::parse(project, name))),
-      migrated(clipsOf(Reader::parse(Bench::migrated(Reader::parse(project, name), Reader::currentVersion), name))) {}
+      migrated(clipsOf(
+          Reader::parse(Bench::migrated(Reader::parse(project, name), Reader::currentVersion), name))) {}
 
 Rescue rescue(const QByteArray& damaged, const Healthy& healthy) {
     Rescue result;
@@ -278,7 +284,8 @@ Rescue rescue(const QByteArray& damaged, const Healthy& healthy) {
             result.problem += "the recovered document has faults: " + faults;
         const Reader::Document document =
             Reader::parse(migrated(std::move(recovered->document), Reader::currentVersion), name);
-        if (const std::string lost = missing(common(whole, healthy.migrated), clipsOf(document)); !lost.empty())
+        if (const std::string lost = missing(common(whole, healthy.migrated), clipsOf(document));
+            !lost.empty())
             result.problem += "the migration loses the clips" + lost + "; ";
         if (const std::string faults = faultsOf(document); !faults.empty())
             result.problem += "the migrated document has faults: " + faults;

@@ -29,7 +29,7 @@ ClipIds wholeClips(const QByteArray& bytes);
 struct Healthy {
     explicit Healthy(const QByteArray& project);
 
-    ClipIds clips;                               ///< in its timelines
+    ClipIds clips;                                 ///< in its timelines
     std::map<unsigned long long, long long> times; ///< where they begin
     ClipIds migrated; ///< those that are in the timelines after a migration to the newest version
 };

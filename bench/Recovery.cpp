@@ -8,33 +8,33 @@
 namespace Bench {
 namespace {
 
-constexpr int versions[] = {3, 34, 45, 55, 61, 77};
 constexpr std::size_t clips = 60;
 
 } // namespace
 
-std::size_t measureRecovery(std::ostream& out, int places) {
-    std::size_t problems = 0;
+void printRecoveryHeader(std::ostream& out) {
     out << "version,damage,place,whole,recovered,in place,problem\n";
-    for (const int version : versions) {
-        const QByteArray project = projectWithClips(version, clips);
-        const Healthy healthy(project);
-        std::mt19937 random(static_cast<unsigned>(version));
-        const auto measure = [&](const char* damage, int place, const QByteArray& damaged) {
-            const Rescue result = rescue(damaged, healthy);
-            problems += result.problem.empty() ? 0 : 1;
-            out << version << ',' << damage << ',' << static_cast<double>(place) / project.size() << ','
-                << result.whole << ',' << result.recovered << ',' << result.inPlace << ",\"" << result.problem
-                << "\"\n";
-        };
-        for (int number = 1; number <= places; ++number) {
-            const auto place = static_cast<int>(qint64(project.size()) * number / (places + 1));
-            measure("cut", place, project.left(place));
-        }
-        for (int number = 0; number < places; ++number) {
-            const auto place = static_cast<int>(random() % static_cast<unsigned>(project.size()));
-            measure("block", place, withLostBlock(project, place));
-        }
+}
+
+std::size_t measureRecovery(std::ostream& out, int version, int places) {
+    std::size_t problems = 0;
+    const QByteArray project = projectWithClips(version, clips);
+    const Healthy healthy(project);
+    std::mt19937 random(static_cast<unsigned>(version));
+    const auto measure = [&](const char* damage, int place, const QByteArray& damaged) {
+        const Rescue result = rescue(damaged, healthy);
+        problems += result.problem.empty() ? 0 : 1;
+        out << version << ',' << damage << ',' << static_cast<double>(place) / project.size() << ','
+            << result.whole << ',' << result.recovered << ',' << result.inPlace << ",\"" << result.problem
+            << "\"\n";
+    };
+    for (int number = 1; number <= places; ++number) {
+        const auto place = static_cast<int>(qint64(project.size()) * number / (places + 1));
+        measure("cut", place, project.left(place));
+    }
+    for (int number = 0; number < places; ++number) {
+        const auto place = static_cast<int>(random() % static_cast<unsigned>(project.size()));
+        measure("block", place, withLostBlock(project, place));
     }
     return problems;
 }

@@ -88,7 +88,11 @@ int measureRecovery(const std::vector<std::string>& arguments) {
     int places = 0;
     if (arguments.size() != 1 || !readNumber(arguments[0], places))
         return refuse();
-    return Bench::measureRecovery(std::cout, places) == 0 ? 0 : 1;
+    Bench::printRecoveryHeader(std::cout);
+    std::size_t problems = 0;
+    for (const int version : Bench::recoveryVersions)
+        problems += Bench::measureRecovery(std::cout, version, places);
+    return problems == 0 ? 0 : 1;
 }
 
 } // namespace

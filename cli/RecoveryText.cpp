@@ -40,8 +40,8 @@ void writeDamage(std::ostream& out, const RecoveryReport& report) {
     const std::size_t shown = std::min(report.findings.size(), mostLines);
     for (std::size_t number = 0; number < shown; ++number) {
         const Reader::DamageFinding& finding = report.findings[number];
-        out << "    byte " << finding.byte << ", line " << finding.line << ", column " << finding.column << ": "
-            << escaped(finding.text) << '\n';
+        out << "    byte " << finding.byte << ", line " << finding.line << ", column " << finding.column
+            << ": " << escaped(finding.text) << '\n';
     }
     if (const std::size_t more = report.findings.size() - shown + report.findingsLeftOut; more > 0)
         out << "    and " << plural(more, "place") << " more\n";
@@ -81,8 +81,8 @@ std::string Texts::recovery(const RecoveryReport& report, const Terminal::Colour
     if (report.charactersReplaced > 0)
         out << "    " << plural(report.charactersReplaced, "unreadable character") << " replaced by U+FFFD\n";
     out << "    " << plural(report.clipsInPlace, "clip") << " recovered in place\n"
-        << clipsText(report.clipsMoved, "recovered at the end of the timeline, as their time is lost")
-        << clipsText(report.clipsReduced, "recovered in part, with the scene that they show")
+        << clipsText(report.clipsMoved, "recovered at the end of the timeline, because the time is lost")
+        << clipsText(report.clipsReduced, "recovered in part, with the scene in it")
         << clipsText(report.clipsLost, "lost");
     return out.str();
 }

@@ -126,7 +126,8 @@ DamagedText::DamagedText(const QByteArray& bytes, RecoveryReport& report) {
     } else if (!looksLikeUtf8 && counts.invalid < static_cast<std::size_t>(bytes.size()) / 8) {
         report.encoding = "windows-1252";
         tell("The file is not in UTF-8. It has no character of UTF-8 beyond ASCII, and " +
-             std::to_string(counts.invalid) + " bytes that are letters in windows-1252: it was read as that.");
+             std::to_string(counts.invalid) +
+             " bytes that are letters in windows-1252: it was read as that.");
         decodeBytes(bytes, "windows-1252", report);
         return;
     }
@@ -145,8 +146,8 @@ void DamagedText::appendBad(std::size_t count, qint64 byte, RecoveryReport& repo
         return;
     }
     this->report(report, Damage::BadCharacters, m_text.size(),
-                 count == 1 ? "1 character is not readable." :
-                              std::to_string(count) + " characters are not readable.");
+                 count == 1 ? "1 character is not readable."
+                            : std::to_string(count) + " characters are not readable.");
     if (!report.findings.empty() && report.findingsLeftOut == 0)
         report.findings.back().byte = byte;
     report.charactersReplaced += count;
@@ -162,8 +163,8 @@ void DamagedText::decodeUtf8(const QByteArray& bytes, RecoveryReport& report) {
             return false;
         if (length == 1)
             return !isForbidden(at(bytes, place));
-        return length != 3 || !(at(bytes, place) == 0xEF && at(bytes, place + 1) == 0xBF &&
-                                at(bytes, place + 2) >= 0xBE);
+        return length != 3 ||
+               !(at(bytes, place) == 0xEF && at(bytes, place + 1) == 0xBF && at(bytes, place + 2) >= 0xBE);
     };
     while (position < bytes.size()) {
         const int length = characterLength(bytes, position);
@@ -247,8 +248,9 @@ void DamagedText::decodeBytes(const QByteArray& bytes, const QByteArray& codecNa
 }
 
 qint64 DamagedText::byteAt(std::size_t position) const {
-    auto next = std::upper_bound(m_anchors.begin(), m_anchors.end(), position,
-                                 [](std::size_t value, const Anchor& candidate) { return value < candidate.position; });
+    auto next = std::upper_bound(
+        m_anchors.begin(), m_anchors.end(), position,
+        [](std::size_t value, const Anchor& candidate) { return value < candidate.position; });
     if (next == m_anchors.begin())
         return 0;
     const Anchor& last = *std::prev(next);
@@ -285,7 +287,8 @@ void DamagedText::report(RecoveryReport& report, Damage damage, std::size_t posi
         return;
     }
     moveTo(position);
-    report.add({damage, byteAt(position), m_line, static_cast<qint64>(position - m_lineStart) + 1, std::move(sentence)});
+    report.add({damage, byteAt(position), m_line, static_cast<qint64>(position - m_lineStart) + 1,
+                std::move(sentence)});
 }
 
 } // namespace Reader

@@ -14,8 +14,8 @@ enum class FieldKind { Bool, Int32, Int64, Double, Text, Reference, List };
 struct FieldRow {
     std::string_view name;
     FieldKind kind;
-    int value = 0; ///< of a number or a boolean
-    int since = 0; ///< the first schema version with the field
+    int value = 0;                               ///< of a number or a boolean
+    int since = 0;                               ///< the first schema version with the field
     int until = std::numeric_limits<int>::max(); ///< the first schema version without it
 
     bool isAt(int version) const { return version >= since && version < until; }
@@ -68,14 +68,16 @@ inline constexpr FieldRow clipFields[] = {
     {"sourceDuration", FieldKind::Int64},
 };
 
-inline constexpr FieldRow trackFields[] = {
-    {"type", FieldKind::Int32},
-    {"used", FieldKind::Bool, 1, 0, 77}, // tracks that the last step makes have none
-    {"muted", FieldKind::Bool},
-    {"hidden", FieldKind::Bool},
-    {"linked", FieldKind::Bool},
-    {"timeline", FieldKind::Reference},
-    {"gapless", FieldKind::Bool, 0, 46},
+inline constexpr FieldRow
+    trackFields[] =
+        {
+            {"type", FieldKind::Int32},
+            {"used", FieldKind::Bool, 1, 0, 77}, // tracks that the last step makes have none
+            {"muted", FieldKind::Bool},
+            {"hidden", FieldKind::Bool},
+            {"linked", FieldKind::Bool},
+            {"timeline", FieldKind::Reference},
+            {"gapless", FieldKind::Bool, 0, 46},
 };
 
 inline constexpr FieldRow contentFields[] = {

@@ -125,7 +125,8 @@ ObjectId JsonSalvage::make(std::string_view className, ObjectId id) {
     id = id == 0 ? m_greatestId + 1 : id;
     m_greatestId = std::max(m_greatestId, id);
     m_document.objects[id] = {
-        {MetaDetails::s_meta, {{MetaDetails::s_class_name, std::string(className)}, {MetaDetails::s_object_id, id}}}};
+        {MetaDetails::s_meta,
+         {{MetaDetails::s_class_name, std::string(className)}, {MetaDetails::s_object_id, id}}}};
     m_document.closed.insert(id);
     ++m_report.objectsMade;
     return id;
@@ -154,7 +155,8 @@ json& JsonSalvage::listIn(ObjectId id, const char* field) {
 void JsonSalvage::checkParts() {
     auto& objects = m_document.objects;
     for (auto object = objects.begin(); object != objects.end();) {
-        const bool isClip = classOf(object->second) == clipClassName && !m_document.closed.count(object->first);
+        const bool isClip =
+            classOf(object->second) == clipClassName && !m_document.closed.count(object->first);
         if (isClip && lacksFields(object->second, clipFields)) {
             m_document.damagedClips.push_back({object->first, textIn(object->second, "name")});
             ++m_document.droppedObjects;
@@ -196,7 +198,8 @@ void JsonSalvage::closeDamaged() {
     for (const ObjectId id : m_document.closed) {
         json& object = at(id);
         const std::string className = classOf(object);
-        complete(object, className == timingClassName ? std::span<const FieldRow>(timingFields) : fieldsOf(className));
+        complete(object, className == timingClassName ? std::span<const FieldRow>(timingFields)
+                                                      : fieldsOf(className));
     }
     placeLooseEntries();
 }
@@ -240,7 +243,8 @@ void JsonSalvage::placeLooseEntries() {
         }
         const json* timing = entry.contains("clip") ? find(refIn(entry, "timing")) : nullptr;
         const bool isPlaced = !entry.contains("clip") || (timing && !lacksFields(*timing, placeFields));
-        if (isPlaced && timeline && classOf(*timeline) == timelineClassName && classOf(*clip) == clipClassName)
+        if (isPlaced && timeline && classOf(*timeline) == timelineClassName &&
+            classOf(*clip) == clipClassName)
             listIn(timelineId, list).push_back(std::move(entry));
         else
             ++m_report.entriesDropped;
@@ -280,7 +284,8 @@ std::vector<SalvagedClip> JsonSalvage::clips() const {
     for (const auto& [id, object] : m_document.objects) {
         if (classOf(object) == clipClassName)
             result.push_back({id, textIn(object, "name"), numberIn(object, "type"), refIn(object, "timeline"),
-                              refIn(object, "nestedTimeline"), clampedTime(numberIn(object, "sourceDuration")),
+                              refIn(object, "nestedTimeline"),
+                              clampedTime(numberIn(object, "sourceDuration")),
                               m_document.closed.count(id) == 0});
     }
     return result;
@@ -347,9 +352,10 @@ ObjectId JsonSalvage::makeScene(ObjectId nested, ObjectId timeline, const std::s
 
 /// The fields are those of another clip, but for references and entries.
 void JsonSalvage::completeScene(ObjectId id, ObjectId timeline) {
-    const auto model = std::find_if(m_document.objects.begin(), m_document.objects.end(), [&](const auto& object) {
-        return classOf(object.second) == clipClassName && m_document.closed.count(object.first) == 0;
-    });
+    const auto model =
+        std::find_if(m_document.objects.begin(), m_document.objects.end(), [&](const auto& object) {
+            return classOf(object.second) == clipClassName && m_document.closed.count(object.first) == 0;
+        });
     json fields = model == m_document.objects.end() ? json::object() : model->second;
     fields["type"] = sceneClip;
     fields["timeline"] = linkTo(timeline);
@@ -406,7 +412,8 @@ void JsonSalvage::moveClip(ObjectId, ObjectId clip, ObjectId track) {
 
 void JsonSalvage::setMainTimeline(ObjectId timeline) {
     const json* root = find(rootId());
-    ObjectId rootObject = root && classOf(*root) == persistentClassName ? rootId() : firstOf(persistentClassName);
+    ObjectId rootObject =
+        root && classOf(*root) == persistentClassName ? rootId() : firstOf(persistentClassName);
     if (rootObject == 0)
         rootObject = make(persistentClassName, 0);
     m_document.envelope["data"] = linkTo(rootObject);
@@ -459,7 +466,8 @@ void JsonSalvage::clearIn(json& object) {
         open.pop_back();
         if (value.is_array()) {
             auto& list = value.get_ref<json::array_t&>();
-            m_report.entriesDropped += std::erase_if(list, [this](const json& entry) { return hasLostReference(entry); });
+            m_report.entriesDropped +=
+                std::erase_if(list, [this](const json& entry) { return hasLostReference(entry); });
             continue;
         }
         for (json& part : value) {

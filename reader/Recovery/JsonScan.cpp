@@ -40,9 +40,10 @@ std::string classOf(const json& value) {
 }
 
 bool hasKeysOf(const json& members, std::initializer_list<std::string_view> keys) {
-    return !members.empty() && std::all_of(members.items().begin(), members.items().end(), [&](const auto& member) {
-        return std::find(keys.begin(), keys.end(), member.key()) != keys.end();
-    });
+    return !members.empty() &&
+           std::all_of(members.items().begin(), members.items().end(), [&](const auto& member) {
+               return std::find(keys.begin(), keys.end(), member.key()) != keys.end();
+           });
 }
 
 /// Whether objects of the class are closed where they are damaged.
@@ -53,7 +54,8 @@ bool leadsToClips(std::string_view className) {
 /// The class of an object that has lost its start, by the members behind it; empty for any that is not closed.
 std::string classByMembers(const json& members) {
     constexpr std::array<const char*, 5> lists = {"clips", "links", "tracks", "transitions", "trackingLinks"};
-    const bool hasList = std::any_of(lists.begin(), lists.end(), [&](const char* key) { return members.contains(key); });
+    const bool hasList =
+        std::any_of(lists.begin(), lists.end(), [&](const char* key) { return members.contains(key); });
     if (hasList && hasKeysOf(members, {"clips", "links", "tracks", "transitions", "trackingLinks", "name",
                                        "frameRate", "width", "height"}))
         return std::string(timelineClassName);
@@ -128,7 +130,6 @@ private:
     std::map<ObjectId, ObjectId> m_wantedIds; ///< by temporary id, those that base class parts had
     std::unordered_set<ObjectId> m_ids;
 
-    friend class Renumbering;
 };
 
 ScannedJson JsonScan::run() {
@@ -225,8 +226,10 @@ void JsonScan::readString() {
         return lose(Damage::LostBytes, stop, m_position - stop);
     }
     std::string token(m_text.substr(start, end + 1 - start));
-    for (const auto& [raw, escape] : {std::pair("\t", "\\t"), std::pair("\n", "\\n"), std::pair("\r", "\\r")}) {
-        for (std::size_t place = token.find(raw); place != std::string::npos; place = token.find(raw, place + 2))
+    for (const auto& [raw, escape] :
+         {std::pair("\t", "\\t"), std::pair("\n", "\\n"), std::pair("\r", "\\r")}) {
+        for (std::size_t place = token.find(raw); place != std::string::npos;
+             place = token.find(raw, place + 2))
             token.replace(place, 1, escape);
     }
     json text = json::parse(token, nullptr, false);
@@ -238,8 +241,8 @@ void JsonScan::readString() {
         m_position = end + 1;
         return add(std::move(text));
     }
-    const bool fits = !m_frames.empty() && m_frames.back().kind != Kind::Array && m_frames.back().key.empty() &&
-                      !m_frames.back().needsComma;
+    const bool fits = !m_frames.empty() && m_frames.back().kind != Kind::Array &&
+                      m_frames.back().key.empty() && !m_frames.back().needsComma;
     if (!fits)
         return lose(Damage::BrokenMarkup, start, next + 1 - start);
     m_frames.back().key = std::move(text.get_ref<std::string&>());
@@ -518,7 +521,8 @@ void JsonScan::attach(const json& members) {
         return;
     forgetContainers();
     constexpr std::size_t mostTried = 16;
-    const auto last = m_containers.rbegin() + static_cast<std::ptrdiff_t>(std::min(mostTried, m_containers.size()));
+    const auto last =
+        m_containers.rbegin() + static_cast<std::ptrdiff_t>(std::min(mostTried, m_containers.size()));
     const auto place = std::find_if(m_containers.rbegin(), last, [&](std::size_t candidate) {
         return classOf(m_frames[candidate].value) == className;
     });
@@ -591,12 +595,13 @@ void JsonScan::closeCut(Frame frame) {
 /// A damaged clip is kept where it shows a timeline.
 void JsonScan::closeCutClip(json value) {
     const auto name = value.find("name");
-    m_document.damagedClips.push_back({Serialize::Json::getObjectId(value).value_or(0),
-                                       name != value.end() && name->is_string() ? name->get<std::string>() :
-                                                                                  std::string()});
+    m_document.damagedClips.push_back(
+        {Serialize::Json::getObjectId(value).value_or(0),
+         name != value.end() && name->is_string() ? name->get<std::string>() : std::string()});
     const auto nested = value.find("nestedTimeline");
-    if (nested != value.end() && linkTarget(*nested) != 0 && Serialize::Json::getObjectId(value).value_or(0) != 0 &&
-        !m_frames.empty() && !m_frames.back().key.empty()) {
+    if (nested != value.end() && linkTarget(*nested) != 0 &&
+        Serialize::Json::getObjectId(value).value_or(0) != 0 && !m_frames.empty() &&
+        !m_frames.back().key.empty()) {
         const json link = flattened(std::move(value), true);
         m_frames.back().value[m_frames.back().key] = link;
         m_frames.back().key.clear();
@@ -632,8 +637,8 @@ void Renumbering::run() {
     std::unordered_set<ObjectId> taken;
     for (auto object = objects.lower_bound(firstTemporaryId); object != objects.end(); ++object) {
         const auto wanted = m_wanted.find(object->first);
-        const bool isFree = wanted != m_wanted.end() && wanted->second != 0 && !objects.count(wanted->second) &&
-                            taken.insert(wanted->second).second;
+        const bool isFree = wanted != m_wanted.end() && wanted->second != 0 &&
+                            !objects.count(wanted->second) && taken.insert(wanted->second).second;
         m_ids.emplace(object->first, isFree ? wanted->second : ++greatest);
     }
     if (m_ids.empty())

@@ -16,13 +16,13 @@ namespace Reader {
 
 /// What is whole in a damaged JSON document: a flat document, and what has no place in it yet.
 struct ScannedJson {
-    std::map<ObjectId, nlohmann::json> objects; ///< each object in them is replaced by a link
-    std::unordered_set<ObjectId> closed;        ///< objects that are not whole
+    std::map<ObjectId, nlohmann::json> objects;         ///< each object in them is replaced by a link
+    std::unordered_set<ObjectId> closed;                ///< objects that are not whole
     nlohmann::json envelope = nlohmann::json::object(); ///< its members; those lost are missing
     /// Entries of lists whose timeline is not known: the entry of a clip, a transition or a link.
     std::vector<nlohmann::json> looseEntries;
-    std::vector<nlohmann::json> looseItems;              ///< entries of the user's collection
-    std::map<std::string, nlohmann::json> looseMembers;  ///< by the class of the object that they belong to
+    std::vector<nlohmann::json> looseItems;             ///< entries of the user's collection
+    std::map<std::string, nlohmann::json> looseMembers; ///< by the class of the object that they belong to
     std::vector<RecoveredClip> damagedClips;
     VersionFacts facts;
     std::size_t wholeClips = 0;

@@ -19,13 +19,14 @@ namespace Reader {
 namespace {
 
 bool isVersionOf(Backend form, long long version) {
-    return form == Backend::Xml ? version >= 0 && version <= lastXmlVersion :
-                                  version >= firstJsonVersion && version <= currentVersion;
+    return form == Backend::Xml ? version >= 0 && version <= lastXmlVersion
+                                : version >= firstJsonVersion && version <= currentVersion;
 }
 
 std::size_t count(std::string_view text, std::string_view part) {
     std::size_t number = 0;
-    for (auto place = text.find(part); place != std::string_view::npos; place = text.find(part, place + part.size()))
+    for (auto place = text.find(part); place != std::string_view::npos;
+         place = text.find(part, place + part.size()))
         ++number;
     return number;
 }
@@ -102,8 +103,8 @@ QByteArray recoverJson(DamagedText& text, std::optional<int> given, RecoveryRepo
     const nlohmann::json stated = salvage.statedVersion();
     report.version = chooseVersion(
         Backend::Json, given,
-        stated.is_null() ? std::nullopt :
-                           std::optional(stated.is_string() ? stated.get<std::string>() : stated.dump()),
+        stated.is_null() ? std::nullopt
+                         : std::optional(stated.is_string() ? stated.get<std::string>() : stated.dump()),
         salvage.versionFacts(), report);
     salvage.setVersion(report.version);
     if (salvage.isDamaged()) {
@@ -145,8 +146,9 @@ std::optional<Recovered> recover(const QByteArray& bytes, const QString& name, s
     const QByteArray result = isXml ? recoverXml(text, version, report) : recoverJson(text, version, report);
     if (result.isEmpty())
         return std::nullopt;
-    std::stable_sort(report.findings.begin(), report.findings.end(),
-                     [](const DamageFinding& first, const DamageFinding& second) { return first.byte < second.byte; });
+    std::stable_sort(
+        report.findings.begin(), report.findings.end(),
+        [](const DamageFinding& first, const DamageFinding& second) { return first.byte < second.byte; });
     try {
         return Recovered{parse(result, name, report.version), std::move(report)};
     } catch (const Error&) {

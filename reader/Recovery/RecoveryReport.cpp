@@ -6,8 +6,8 @@
 namespace Reader {
 
 std::string_view nameOf(Damage damage) {
-    constexpr std::array<std::string_view, 8> names = {"cut-off",        "lost-bytes", "broken-markup",
-                                                       "bad-characters", "encoding",   "several-documents",
+    constexpr std::array<std::string_view, 8> names = {"cut-off",        "lost-bytes",    "broken-markup",
+                                                       "bad-characters", "encoding",      "several-documents",
                                                        "version",        "lost-structure"};
     return names[static_cast<std::size_t>(damage)];
 }

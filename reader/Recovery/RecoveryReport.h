@@ -65,14 +65,15 @@ struct RecoveryReport {
     std::size_t countsMended = 0;          ///< `size` and `index` of lists
     std::size_t charactersReplaced = 0;    ///< by U+FFFD
 
-    std::size_t clipsInPlace = 0;             ///< whole, at their time and on their track
-    std::vector<RecoveredClip> clipsMoved;    ///< whole, but their time is lost: they are at the end
-    std::vector<RecoveredClip> clipsReduced;  ///< damaged and kept, because scenes inside of them are whole
+    std::size_t clipsInPlace = 0;            ///< whole, at their time and on their track
+    std::vector<RecoveredClip> clipsMoved;   ///< whole, but their time is lost: they are at the end
+    std::vector<RecoveredClip> clipsReduced; ///< damaged and kept, because scenes inside of them are whole
     std::vector<RecoveredClip> clipsLost;
 
     int version = 0;
-    std::optional<VersionGuess> versionGuess; ///< none where the file states the version, or the caller gave it
-    std::string encoding;                     ///< the one that was used, "UTF-8"
+    std::optional<VersionGuess>
+        versionGuess;     ///< none where the file states the version, or the caller gave it
+    std::string encoding; ///< the one that was used, "UTF-8"
 
     /// How many findings are listed.
     static constexpr std::size_t mostFindings = 1000;

@@ -56,9 +56,9 @@ private:
     std::vector<ObjectId> m_order; ///< timelines, in the order of the file; those that were made come last
     std::unordered_map<ObjectId, Timeline> m_timelines;
     std::unordered_map<ObjectId, long long> m_trackTypes;
-    std::vector<std::pair<ObjectId, ObjectId>> m_lostTracks; ///< with the timeline of the clip on it
+    std::vector<std::pair<ObjectId, ObjectId>> m_lostTracks;   ///< with the timeline of the clip on it
     std::unordered_map<ObjectId, long long> m_clipTypeOnTrack; ///< of the first clip on a lost track
-    std::unordered_set<ObjectId> m_listed;    ///< clips at a known time
+    std::unordered_set<ObjectId> m_listed;                     ///< clips at a known time
     ObjectId m_main = 0;
     std::unordered_set<ObjectId> m_visited; ///< timelines that the main one leads to
 };
@@ -167,8 +167,7 @@ void TimelineMending::mendTracks() {
         if (lost != 0)
             addTrack(lost, missingType(m_clipTypeOnTrack.at(lost), timelineId), timelineId);
         else
-            m_salvage.moveClip(timelineId, clip,
-                               trackOfType(usualTrack(clipType, m_version), timelineId));
+            m_salvage.moveClip(timelineId, clip, trackOfType(usualTrack(clipType, m_version), timelineId));
     }
 }
 
@@ -256,9 +255,8 @@ void TimelineMending::chooseMain() {
         scenes.insert(clip.nested);
     }
     const auto rank = [&](ObjectId id) { return std::pair(scenes.count(id) == 0, clips[id]); };
-    m_main = *std::max_element(m_order.begin(), m_order.end(), [&](ObjectId first, ObjectId second) {
-        return rank(first) < rank(second);
-    });
+    m_main = *std::max_element(m_order.begin(), m_order.end(),
+                               [&](ObjectId first, ObjectId second) { return rank(first) < rank(second); });
     m_salvage.setMainTimeline(m_main);
 }
 

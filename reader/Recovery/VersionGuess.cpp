@@ -148,7 +148,6 @@ private:
     std::string m_highReason;
 };
 
-
 } // namespace
 
 bool VersionFacts::knows(std::string_view className) {
@@ -189,7 +188,9 @@ VersionGuess VersionFacts::guess(Bundle::Backend form) const {
     const auto location = m_classes.find("Effect::Object");
     const bool isEarlyJson =
         !isXml && location != m_classes.end() && location->second.fields.count("location") > 0;
-    Range range(isXml ? stepsFor(form, 0, currentVersion).front()->number - 1 : isEarlyJson ? firstJsonVersion : lastXmlVersion + 1,
+    Range range(isXml         ? stepsFor(form, 0, currentVersion).front()->number - 1
+                : isEarlyJson ? firstJsonVersion
+                              : lastXmlVersion + 1,
                 isXml ? lastXmlVersion : currentVersion);
     for (const FieldHistory& history : histories) {
         const bool isTyped = history.field.find(':') != std::string_view::npos;
@@ -198,9 +199,9 @@ VersionGuess VersionFacts::guess(Bundle::Backend form) const {
             continue;
         const std::string name(history.className);
         if (history.field.empty() || facts->second.fields.count(std::string(history.field))) {
-            const std::string reason = history.field.empty() ?
-                                           "there is a " + name :
-                                           "a " + name + " has \"" + std::string(history.field) + '"';
+            const std::string reason = history.field.empty()
+                                           ? "there is a " + name
+                                           : "a " + name + " has \"" + std::string(history.field) + '"';
             range.since(history.since, reason);
             if (history.until != always)
                 range.until(history.until, reason);

@@ -44,7 +44,7 @@ std::string unescaped(std::string_view text) {
 }
 
 std::string_view typeNameOf(FieldKind kind) {
-    constexpr std::array<std::string_view, 7> names = {"bool",   "int32_t", "int64_t", "double",
+    constexpr std::array<std::string_view, 7> names = {"bool",   "int32_t",   "int64_t", "double",
                                                        "String", "ObjectRef", "Array"};
     return names[static_cast<std::size_t>(kind)];
 }
@@ -139,7 +139,8 @@ void XmlSalvage::walkProject(const std::function<void(int, int)>& visit) const {
 void XmlSalvage::findRootObjects() {
     for (int node = 0; node < static_cast<int>(m_tree.nodes.size()); ++node) {
         const bool isReference = typeOf(node) == referenceType;
-        const ObjectId value = isReference ? toNumber<ObjectId>(m_tree.attribute(node, "value")).value_or(0) : 0;
+        const ObjectId value =
+            isReference ? toNumber<ObjectId>(m_tree.attribute(node, "value")).value_or(0) : 0;
         constexpr ObjectId highest = std::numeric_limits<long long>::max() / 2;
         for (const ObjectId id : {idOf(node), value}) {
             if (id < highest)
@@ -195,7 +196,8 @@ void XmlSalvage::dropDamaged() {
         const bool isDeclaring = className == predeclaratorClass;
         if (at(object).isDead)
             continue;
-        if (isDamaged() && !at(object).isCut && className == clipClassName && lacksFields(object, clipFields, m_version))
+        if (isDamaged() && !at(object).isCut && className == clipClassName &&
+            lacksFields(object, clipFields, m_version))
             at(object).isCut = true; // two pieces that happen to fit
         if (!at(object).isCut) {
             if (isDamaged())
@@ -206,7 +208,8 @@ void XmlSalvage::dropDamaged() {
         }
         const bool isClip = className == clipClassName;
         if (isClip)
-            m_damagedClips.push_back({idOf(object), unescaped(m_tree.attribute(std::max(child(object, "name"), 0), "value"))});
+            m_damagedClips.push_back(
+                {idOf(object), unescaped(m_tree.attribute(std::max(child(object, "name"), 0), "value"))});
         const bool leadsToClips =
             !fieldsOf(className).empty() || className == persistentClassName || (isClip && isScene(object));
         if (idOf(object) == 0 || (!leadsToClips && !isDeclaring)) {
@@ -231,7 +234,8 @@ void XmlSalvage::dropDamaged() {
 bool XmlSalvage::lacksFields(int object, std::span<const FieldRow> fields, int version) const {
     return std::any_of(fields.begin(), fields.end(), [&](const FieldRow& row) {
         const int field = row.isAt(version) ? child(object, row.name) : 0;
-        return field < 0 || (row.kind != FieldKind::Text && field > 0 && m_tree.attribute(field, "value").empty());
+        return field < 0 ||
+               (row.kind != FieldKind::Text && field > 0 && m_tree.attribute(field, "value").empty());
     });
 }
 
@@ -340,12 +344,12 @@ void XmlSalvage::closeTimeline(int timeline) {
             const int data = child(item, "Data");
             const std::string_view name =
                 listOfEntry(data < 0, value < 0 ? std::string_view() : typeOf(value));
-            const ObjectId id = toNumber<ObjectId>(m_tree.attribute(std::max({key, data, 0}), "value")).value_or(0);
+            const ObjectId id =
+                toNumber<ObjectId>(m_tree.attribute(std::max({key, data, 0}), "value")).value_or(0);
             const int target = objectAt(id);
-            const bool isOfClass =
-                target < 0 || (name == "tracks" ? typeOf(target) == trackClassName :
-                               name == "clips"  ? typeOf(target) == clipClassName :
-                                                  typeOf(target) != trackClassName);
+            const bool isOfClass = target < 0 || (name == "tracks"  ? typeOf(target) == trackClassName
+                                                  : name == "clips" ? typeOf(target) == clipClassName
+                                                                    : typeOf(target) != trackClassName);
             if (name.empty() || (key < 0 && data < 0) || !isOfClass || (target < 0 && at(item).isLate)) {
                 at(item).isDead = true;
                 ++m_report.entriesDropped;
@@ -392,7 +396,8 @@ int XmlSalvage::add(std::string_view tag, int parent,
 
 int XmlSalvage::addField(int parent, const FieldRow& row, const std::string& value) {
     const std::string type(typeNameOf(row.kind));
-    const std::string text = !value.empty() || row.kind == FieldKind::Text ? value : std::to_string(row.value);
+    const std::string text =
+        !value.empty() || row.kind == FieldKind::Text ? value : std::to_string(row.value);
     if (row.kind == FieldKind::List)
         return add(row.name, parent, {{"type", type}, {"size", "0"}});
     if (row.kind == FieldKind::Double)
@@ -417,7 +422,8 @@ ObjectId XmlSalvage::newId() {
 /// Makes a root object without fields.
 int XmlSalvage::makeObject(std::string_view className, ObjectId id) {
     id = id == 0 ? newId() : id;
-    const int object = add("RootObject", 0, {{"type", std::string(className)}, {"objectId", std::to_string(id)}});
+    const int object =
+        add("RootObject", 0, {{"type", std::string(className)}, {"objectId", std::to_string(id)}});
     m_rootObjects.push_back(object);
     m_objectsById[id] = object;
     m_changed.insert(object);
@@ -444,9 +450,9 @@ void XmlSalvage::set(int node, std::string_view attribute, const std::string& va
             return;
         }
     }
-    std::vector<ScannedAttribute> attributes(
-        m_tree.attributes.begin() + element.firstAttribute,
-        m_tree.attributes.begin() + element.firstAttribute + element.attributes);
+    std::vector<ScannedAttribute> attributes(m_tree.attributes.begin() + element.firstAttribute,
+                                             m_tree.attributes.begin() + element.firstAttribute +
+                                                 element.attributes);
     attributes.push_back({attribute, keep(escaped(value))});
     element.firstAttribute = static_cast<std::uint32_t>(m_tree.attributes.size());
     element.attributes = static_cast<std::uint32_t>(attributes.size());
@@ -490,8 +496,9 @@ std::vector<SalvagedClip> XmlSalvage::clips() const {
             continue;
         const int name = child(object, "name");
         result.push_back({idOf(object), name < 0 ? std::string() : unescaped(m_tree.attribute(name, "value")),
-                          numberIn(object, "type"), refIn(object, "timeline"), refIn(object, "nestedTimeline"),
-                          clampedTime(numberIn(object, "sourceDuration")), !at(object).isCut});
+                          numberIn(object, "type"), refIn(object, "timeline"),
+                          refIn(object, "nestedTimeline"), clampedTime(numberIn(object, "sourceDuration")),
+                          !at(object).isCut});
     }
     return result;
 }
@@ -581,7 +588,8 @@ void XmlSalvage::completeScene(ObjectId id, ObjectId timeline) {
         at(copy).firstAttribute = static_cast<std::uint32_t>(m_tree.attributes.size());
         at(copy).attributes = at(field).attributes;
         for (std::uint32_t number = 0; number < at(field).attributes; ++number)
-            m_tree.attributes.push_back(ScannedAttribute(m_tree.attributes[at(field).firstAttribute + number]));
+            m_tree.attributes.push_back(
+                ScannedAttribute(m_tree.attributes[at(field).firstAttribute + number]));
         if (typeOf(copy) == referenceType)
             set(copy, "value", "0");
         else if (at(copy).tag == "type")
@@ -627,12 +635,6 @@ void XmlSalvage::moveClip(ObjectId timeline, ObjectId clip, ObjectId track) {
     m_changed.insert(objectAt(timeline));
 }
 
-/// Sets the timeline of a content where it leads to none.
-void XmlSalvage::setContentTimeline(int content, ObjectId timeline) {
-    if (refIn(content, "timeline") != timeline)
-        setReference(content, "timeline", timeline);
-}
-
 void XmlSalvage::setMainTimeline(ObjectId timeline) {
     const auto firstOf = [&](std::string_view className) {
         const auto found = std::find_if(m_rootObjects.begin(), m_rootObjects.end(), [&](int object) {
@@ -640,10 +642,8 @@ void XmlSalvage::setMainTimeline(ObjectId timeline) {
         });
         return found == m_rootObjects.end() ? -1 : *found;
     };
-    if (mainTimeline() == timeline && objectAt(timeline) >= 0 &&
-        (m_version < contentVersion || m_rootRef >= 0))
-        if (m_rootRef >= 0)
-            return;
+    if (m_rootRef >= 0 && mainTimeline() == timeline)
+        return;
     int root = -1;
     if (m_version < contentVersion) {
         root = objectAt(timeline);
@@ -662,7 +662,7 @@ void XmlSalvage::setMainTimeline(ObjectId timeline) {
                 complete(embed(root, "resourceTable", tableClassName, newId()), tableFields);
         }
         complete(content, contentFields);
-        setContentTimeline(content, timeline);
+        setReference(content, "timeline", timeline);
         const int collection = firstOf(collectionClassName);
         if (refIn(content, "userCollection") == 0 && collection >= 0)
             setReference(content, "userCollection", idOf(collection));
@@ -875,7 +875,9 @@ void XmlSalvage::mendPredeclarations() {
 
 QByteArray XmlSalvage::write() const {
     QByteArray text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
-    const auto append = [&text](std::string_view part) { text.append(part.data(), static_cast<int>(part.size())); };
+    const auto append = [&text](std::string_view part) {
+        text.append(part.data(), static_cast<int>(part.size()));
+    };
     int node = 0;
     while (node >= 0) {
         const ScannedNode& element = at(node);

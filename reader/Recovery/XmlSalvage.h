@@ -90,7 +90,8 @@ private:
     bool isScene(int clip) const;
 
     std::string_view keep(std::string text);
-    int add(std::string_view tag, int parent, std::initializer_list<std::pair<std::string_view, std::string>> attributes);
+    int add(std::string_view tag, int parent,
+            std::initializer_list<std::pair<std::string_view, std::string>> attributes);
     int addField(int parent, const FieldRow& row, const std::string& value = {});
     int addReference(int parent, std::string_view field, ObjectId id);
     int addItem(int list);
@@ -100,7 +101,6 @@ private:
     void set(int node, std::string_view attribute, const std::string& value);
     void setReference(int object, std::string_view field, ObjectId id);
     ObjectId newId();
-    void setContentTimeline(int content, ObjectId timeline);
 
     void clearReferences();
     void renumberCopies();
@@ -113,13 +113,13 @@ private:
     ScannedTree m_tree;
     RecoveryReport& m_report;
     int m_version = 0;
-    std::deque<std::string> m_texts; ///< of what was added
-    std::vector<int> m_rootObjects;  ///< alive, with the predeclarations
+    std::deque<std::string> m_texts;                 ///< of what was added
+    std::vector<int> m_rootObjects;                  ///< alive, with the predeclarations
     std::unordered_map<ObjectId, int> m_objectsById; ///< without the predeclarations
     std::unordered_set<int> m_changed;               ///< root objects that were closed or made
     std::vector<RecoveredClip> m_damagedClips;
     std::unordered_map<ObjectId, int> m_timings; ///< of clips in timelines
-    std::unordered_set<ObjectId> m_embedded; ///< all objects, also those inside of others
+    std::unordered_set<ObjectId> m_embedded;     ///< all objects, also those inside of others
     ObjectId m_greatestId = 0;
     int m_rootRef = -1;
 };

@@ -48,7 +48,8 @@ bool isCharacterNumber(std::string_view text) {
 bool hasValidEntities(std::string_view text) {
     constexpr std::array<std::string_view, 5> names = {"amp", "lt", "gt", "quot", "apos"};
     constexpr std::size_t longest = 12;
-    for (std::size_t start = text.find('&'); start != std::string_view::npos; start = text.find('&', start + 1)) {
+    for (std::size_t start = text.find('&'); start != std::string_view::npos;
+         start = text.find('&', start + 1)) {
         const std::string_view rest = text.substr(start + 1, longest);
         const std::string_view name = rest.substr(0, rest.find(';'));
         const bool isKnown = std::find(names.begin(), names.end(), name) != names.end() ||
@@ -104,7 +105,7 @@ private:
     bool m_hasArchive = false;
     bool m_isEnded = false; ///< the archive's end was read
     std::vector<int> m_open;
-    std::size_t m_cut = 0; ///< so many of the open elements have lost something
+    std::size_t m_cut = 0;                     ///< so many of the open elements have lost something
     std::vector<std::size_t> m_openArrays;     ///< places in m_open
     std::vector<std::size_t> m_openContainers; ///< of objects that are closed where they are damaged
     std::unordered_map<std::string_view, std::size_t> m_openTags;
@@ -112,7 +113,8 @@ private:
 
 ScannedTree XmlScan::run() {
     while (m_position < m_text.size()) {
-        const std::size_t next = std::min(m_text.find_first_of(std::string_view("<\0", 2), m_position), m_text.size());
+        const std::size_t next =
+            std::min(m_text.find_first_of(std::string_view("<\0", 2), m_position), m_text.size());
         passText(next);
         m_position = next;
         if (next == m_text.size())
@@ -266,11 +268,12 @@ std::string XmlScan::placeNow() const {
         return "between the objects";
     const std::string_view type = m_tree.attribute(m_open[1], "type");
     const std::string_view id = m_tree.attribute(m_open[1], "objectId");
-    return type.empty() ? "inside of the archive" :
-                          "inside of the " + std::string(type) + ' ' + std::string(id);
+    return type.empty() ? "inside of the archive"
+                        : "inside of the " + std::string(type) + ' ' + std::string(id);
 }
 
-void XmlScan::startElement(std::string_view tag, const std::vector<ScannedAttribute>& attributes, bool isEmpty) {
+void XmlScan::startElement(std::string_view tag, const std::vector<ScannedAttribute>& attributes,
+                           bool isEmpty) {
     if (tag == "Archive" && (m_hasArchive || !m_open.empty())) {
         if (!m_open.empty())
             lose(Damage::CutOff, m_position, 0);
@@ -329,7 +332,8 @@ void XmlScan::findParent(std::string_view tag) {
         for (std::size_t place = m_openContainers.size(); place > first; --place) {
             const std::size_t container = m_openContainers[place - 1];
             const auto fields = fieldsOf(m_tree.attribute(m_open[container], "type"));
-            if (std::any_of(fields.begin(), fields.end(), [&](const FieldRow& row) { return row.name == tag; })) {
+            if (std::any_of(fields.begin(), fields.end(),
+                            [&](const FieldRow& row) { return row.name == tag; })) {
                 popTo(container + 1);
                 break;
             }

@@ -16,7 +16,8 @@ namespace {
 
 RecoveryReport eventful() {
     RecoveryReport report;
-    report.findings = {{Damage::LostBytes, 4096, 12, 5, "512 bytes are lost inside of the Timeline::Clip 7."}};
+    report.findings = {
+        {Damage::LostBytes, 4096, 12, 5, "512 bytes are lost inside of the Timeline::Clip 7."}};
     report.objectsWhole = 80;
     report.objectsClosed = 1;
     report.objectsDropped = 2;
@@ -28,23 +29,25 @@ RecoveryReport eventful() {
     report.clipsReduced = {{6, "Village"}};
     report.clipsLost = {{7, "Boat"}, {8, ""}, {0, ""}};
     report.version = 64;
-    report.versionGuess = Reader::VersionGuess{64, 66, {"a Timeline::Track has \"gapless\": version 46 or later"}};
+    report.versionGuess =
+        Reader::VersionGuess{64, 66, {"a Timeline::Track has \"gapless\": version 46 or later"}};
     return report;
 }
 
 TEST(RecoveryText, SaysWhatWasRecoveredAndWhatNot) {
-    EXPECT_EQ(Texts::recovery(eventful(), Terminal::Colours()),
-              "  damaged file: something is missing\n"
-              "    byte 4096, line 12, column 5: 512 bytes are lost inside of the Timeline::Clip 7.\n"
-              "    schema version 64 by its content; it may be up to 66\n"
-              "      a Timeline::Track has \"gapless\": version 46 or later\n"
-              "    80 objects whole, 1 kept in part, 2 lost, 0 made anew\n"
-              "    1 reference to lost objects cleared, 3 in lists removed\n"
-              "    4 unreadable characters replaced by U+FFFD\n"
-              "    50 clips recovered in place\n"
-              "    1 clip recovered at the end of the timeline, as their time is lost: \"Beach\\x1b\" (id 5)\n"
-              "    1 clip recovered in part, with the scene that they show: \"Village\" (id 6)\n"
-              "    3 clips lost: \"Boat\" (id 7), id 8, a clip without a name\n");
+    EXPECT_EQ(
+        Texts::recovery(eventful(), Terminal::Colours()),
+        "  damaged file: something is missing\n"
+        "    byte 4096, line 12, column 5: 512 bytes are lost inside of the Timeline::Clip 7.\n"
+        "    schema version 64 by its content; it may be up to 66\n"
+        "      a Timeline::Track has \"gapless\": version 46 or later\n"
+        "    80 objects whole, 1 kept in part, 2 lost, 0 made anew\n"
+        "    1 reference to lost objects cleared, 3 in lists removed\n"
+        "    4 unreadable characters replaced by U+FFFD\n"
+        "    50 clips recovered in place\n"
+        "    1 clip recovered at the end of the timeline, because the time is lost: \"Beach\\x1b\" (id 5)\n"
+        "    1 clip recovered in part, with the scene in it: \"Village\" (id 6)\n"
+        "    3 clips lost: \"Boat\" (id 7), id 8, a clip without a name\n");
 }
 
 TEST(RecoveryText, SaysWhereNothingIsMissing) {

@@ -87,7 +87,9 @@ std::vector<QByteArray> samples() {
 }
 
 void mutate(QByteArray& bytes, std::mt19937& random) {
-    const auto below = [&](int end) { return static_cast<int>(random() % static_cast<unsigned>(std::max(end, 1))); };
+    const auto below = [&](int end) {
+        return static_cast<int>(random() % static_cast<unsigned>(std::max(end, 1)));
+    };
     const int place = below(bytes.size());
     switch (below(6)) {
     case 0:

@@ -167,7 +167,8 @@ TEST(CutArchive, KeepsTheListOfATimelineUpToTheCut) {
 
 TEST(CutArchive, GivesAnEmptyTimelineWhereNoClipIsLeft) {
     const QByteArray bytes = archive();
-    for (const char* place : {"<predeclarations", "<RootObject type=\"Project::Persistent", "<timeline", "<clips"}) {
+    for (const char* place :
+         {"<predeclarations", "<RootObject type=\"Project::Persistent", "<timeline", "<clips"}) {
         SCOPED_TRACE(place);
         Recovered result = recovered(bytes.left(placeOf(bytes, place) + 20));
         EXPECT_FALSE(result.report.isComplete());
@@ -244,7 +245,8 @@ TEST(LostBlock, OfATimelinesStartMakesItAnew) {
 }
 
 TEST(LostBlock, OfTheRootObjectMakesItAnew) {
-    Recovered result = recovered(withNul(archive(), "<RootObject type=\"Project::PersistentObject\"", "<timeline"));
+    Recovered result =
+        recovered(withNul(archive(), "<RootObject type=\"Project::PersistentObject\"", "<timeline"));
     EXPECT_EQ(result.report.clipsInPlace, 6U);
     EXPECT_GE(result.report.objectsMade, 1U);
     expectMigrates(std::move(result), allClips);
@@ -333,15 +335,17 @@ protected:
         options.name = options.location = options.target = name;
         Reader::Migration migration(std::move(result.document), options);
         migration.run();
-        EXPECT_THAT(clipsOf(Reader::parse(migration.save(), name)), testing::IsSupersetOf({"Square", "Welcome", "Church"}));
+        EXPECT_THAT(clipsOf(Reader::parse(migration.save(), name)),
+                    testing::IsSupersetOf({"Square", "Welcome", "Church"}));
     }
 };
 
 TEST_P(LostScene, KeepsTheClipIfItStillNamesItsTimeline) {
     // In JSON the timeline is inside of the clip, and is its last member but for those that are lost.
-    const int behind = m_bytes.startsWith('<') ? placeOf(m_bytes, "Village") :
-                                                 placeOf(m_bytes, "\n        \"name\": \"Village\"");
-    Recovered result = recovered(withNul(m_bytes, "rhythm", m_bytes.startsWith('<') ? "mediaTrack" : "stabilization", behind));
+    const int behind = m_bytes.startsWith('<') ? placeOf(m_bytes, "Village")
+                                               : placeOf(m_bytes, "\n        \"name\": \"Village\"");
+    Recovered result = recovered(
+        withNul(m_bytes, "rhythm", m_bytes.startsWith('<') ? "mediaTrack" : "stabilization", behind));
     EXPECT_THAT(namesOf(result.report.clipsReduced), ElementsAre("Village"));
     EXPECT_THAT(result.report.clipsLost, IsEmpty());
     expectScene(std::move(result));
@@ -349,13 +353,16 @@ TEST_P(LostScene, KeepsTheClipIfItStillNamesItsTimeline) {
 
 TEST_P(LostScene, MakesAClipForTheTimeline) {
     const int village = placeOf(m_bytes, "Village");
-    Recovered result = m_bytes.startsWith('<') ? recovered(withNul(m_bytes, "<overlay", "<nestedTimeline", village)) :
-                                                 recovered(withNul(m_bytes, "\"name\"", "\"nestedTimeline\"", village - 10));
+    Recovered result = m_bytes.startsWith('<')
+                           ? recovered(withNul(m_bytes, "<overlay", "<nestedTimeline", village))
+                           : recovered(withNul(m_bytes, "\"name\"", "\"nestedTimeline\"", village - 10));
     EXPECT_THAT(result.report.clipsLost, testing::SizeIs(1));
     expectScene(std::move(result));
 }
 
-INSTANTIATE_TEST_SUITE_P(Films, LostScene, testing::Values("holiday-v34.xml", "holiday-v55.xml", "holiday-v70.json", "holiday-v76.json"));
+INSTANTIATE_TEST_SUITE_P(Films, LostScene,
+                         testing::Values("holiday-v34.xml", "holiday-v55.xml", "holiday-v70.json",
+                                         "holiday-v76.json"));
 
 // Encodings
 
@@ -427,7 +434,8 @@ TEST(Version, IsGuessedWhereItIsMissing) {
     Recovered result = recovered(bytes);
     EXPECT_EQ(result.report.version, 62);
     ASSERT_TRUE(result.report.versionGuess);
-    EXPECT_THAT(result.report.versionGuess->reasons, Contains(HasSubstr("\"resourcePath\": version 62 or later")));
+    EXPECT_THAT(result.report.versionGuess->reasons,
+                Contains(HasSubstr("\"resourcePath\": version 62 or later")));
     EXPECT_TRUE(result.report.isComplete());
     expectMigrates(std::move(result), allClips);
 }
@@ -485,8 +493,9 @@ TEST(SeveralDocuments, TheRestOfALongerFileIsIgnored) {
 // What is no project, and hostile files
 
 TEST(Recovery, GivesNothingForWhatIsNoProject) {
-    for (const QByteArray& bytes : {QByteArray(), QByteArray(5000, '\0'), QByteArray("text"), QByteArray("<html><b>"),
-                                    QByteArray("{\"a\": [1, 2"), QByteArray("\xFF\xFE\xFF\xFE")})
+    for (const QByteArray& bytes :
+         {QByteArray(), QByteArray(5000, '\0'), QByteArray("text"), QByteArray("<html><b>"),
+          QByteArray("{\"a\": [1, 2"), QByteArray("\xFF\xFE\xFF\xFE")})
         EXPECT_FALSE(Reader::recover(bytes, name)) << bytes.constData();
 }
 
@@ -495,7 +504,8 @@ TEST(Recovery, DepthTakesNoStack) {
     const QByteArray object = "{\"@meta\":{\"class_name\":\"Timeline::Object\",\"object_id\":1},\"clips\":[";
     EXPECT_NO_THROW(Reader::recover(object.repeated(depth), name));
     EXPECT_NO_THROW(Reader::recover("<Archive ><RootObject >" + QByteArray("<a>").repeated(depth), name));
-    EXPECT_NO_THROW(Reader::recover("<Archive ><RootObject >" + QByteArray("<a>\0", 4).repeated(depth), name));
+    EXPECT_NO_THROW(
+        Reader::recover("<Archive ><RootObject >" + QByteArray("<a>\0", 4).repeated(depth), name));
 }
 
 TEST(Recovery, ListsNoMoreFindingsThanItMay) {

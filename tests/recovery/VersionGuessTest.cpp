@@ -78,7 +78,8 @@ TEST(VersionGuess, DamagedObjectsShowNothingByWhatTheyLack) {
 TEST(VersionGuess, TracksShowWhetherTheirTypesAreOldOrNew) {
     Reader::VersionFacts old;
     old.addTrackType(16);
-    EXPECT_EQ(old.guess(Backend::Json).highest, Reader::currentVersion); // also the type of a new titles track
+    EXPECT_EQ(old.guess(Backend::Json).highest,
+              Reader::currentVersion); // also the type of a new titles track
     old.addTrackType(80);
     EXPECT_EQ(old.guess(Backend::Json).highest, 71);
     Reader::VersionFacts changed;
