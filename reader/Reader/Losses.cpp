@@ -1,15 +1,13 @@
 #include "Reader/Losses.h"
 
-#include "Archive/Internal/FlatObjects.h"
 #include "Reader/Error.h"
 #include "Reader/Migration.h"
+#include "Reader/ProjectView.h"
 
 #include <algorithm>
 #include <array>
 #include <string_view>
 #include <utility>
-
-using nlohmann::json;
 
 namespace Reader {
 namespace {
@@ -77,10 +75,8 @@ std::vector<unsigned long long> listedClips(const JsonDocument& document,
         const auto object = document.flat.objects.find(timeline);
         if (object == document.flat.objects.end())
             continue;
-        for (const json& entry : Archive::Internal::memberOf(object->second, "clips")) {
-            const json& clip = Archive::Internal::memberOf(entry, "clip");
-            ids.push_back(Serialize::Json::getAnyObjectId(clip.is_null() ? entry : clip).value_or(0));
-        }
+        for (const auto& [clip, timing] : FlatView::clipEntries(&object->second))
+            ids.push_back(FlatView::targetId(clip));
     }
     return ids;
 }
