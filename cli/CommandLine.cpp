@@ -226,8 +226,11 @@ void addRun(CLI::App& command, Arguments& arguments) {
 void addInfo(CLI::App& command, Arguments& arguments) {
     addFile(command, arguments);
     addFrom(command, arguments);
+    command.add_flag("--timeline", arguments.timeline, "Draw the timelines with their clips as well");
     addMaxMemory(command, arguments);
-    command.footer("Examples:\nadaptors info film.xml\t\nadaptors info film.xml --json\tfor programs");
+    command.footer(
+        "Examples:\nadaptors info film.xml\t\nadaptors info film.xml --timeline\twith a picture of the "
+        "film\nadaptors info film.xml --json\tfor programs");
 }
 
 void addVerify(CLI::App& command, Arguments& arguments) {

@@ -11,6 +11,7 @@
 #include "Reader/Migration.h"
 #include "Reader/Unfinished.h"
 #include "Summary.h"
+#include "TimelineReport.h"
 
 #include <QFileInfo>
 
@@ -278,10 +279,16 @@ int info(const Arguments& arguments, Output& output) {
     const QString name = nameOf(input);
     const Reader::Document document =
         Reader::parse(readInput(arguments, input, output), name, arguments.from);
-    if (output.isJson())
-        output.setResult(JsonReport::info(document));
-    else
-        output.print(Texts::info(document, name));
+    const TimelineReport::Project project = {Reader::readTimelines(document), folderOf(input)};
+    if (output.isJson()) {
+        JsonReport::Json result = JsonReport::info(document);
+        result.update(TimelineReport::asJson(project));
+        output.setResult(std::move(result));
+    } else {
+        const auto drawing =
+            arguments.timeline ? std::optional(TimelineDrawing::styleFor(STDOUT_FILENO)) : std::nullopt;
+        output.print(Texts::info(document, name) + TimelineReport::text(project, drawing));
+    }
     return Messages::Done;
 }
 

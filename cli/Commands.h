@@ -24,6 +24,7 @@ struct Arguments {
     bool force = false;
     bool inPlace = false;
     bool check = false;
+    bool timeline = false; ///< draw timelines
     std::string
         strict; ///< "all" for any loss, anything else that is not empty for those that are not intended
     Reader::Severity failOn = Reader::Severity::Error;

@@ -112,8 +112,7 @@ public:
 private:
     void addClip(const Value& clip, const Value& timing) {
         const unsigned long long id = View::targetId(clip);
-        if (!add(PartKind::Clip, clip, id,
-                 View::integer(View::field(m_view.target(timing), timestampField))))
+        if (!add(PartKind::Clip, clip, id, View::integer(View::field(m_view.target(timing), timestampField))))
             return;
         const Value object = m_view.target(clip);
         for (const Value& effect : View::items(View::field(object, effectsField)))

@@ -60,8 +60,8 @@ std::vector<ClipEntry<QDomElement>> ArchiveView::clipEntries(const QDomElement& 
     std::vector<ClipEntry<QDomElement>> entries;
     for (const QDomElement& item : Archive::Internal::children(field(timeline, clipsField), Words::Item)) {
         const QDomElement key = item.firstChildElement(Words::Key);
-        entries.push_back({key.isNull() ? item.firstChildElement(Words::Data) : key,
-                           item.firstChildElement(Words::Value)});
+        entries.push_back(
+            {key.isNull() ? item.firstChildElement(Words::Data) : key, item.firstChildElement(Words::Value)});
     }
     return entries;
 }
@@ -175,8 +175,8 @@ std::vector<ClipEntry<const json*>> FlatView::clipEntries(const json* timeline) 
 std::vector<TransitionEntry<const json*>> FlatView::transitionEntries(const json* timeline) {
     std::vector<TransitionEntry<const json*>> entries;
     for (const json* entry : items(field(timeline, transitionsField)))
-        entries.push_back({&memberOf(*entry, "transition"), &memberOf(*entry, "clipFrom"),
-                           &memberOf(*entry, "clipTo")});
+        entries.push_back(
+            {&memberOf(*entry, "transition"), &memberOf(*entry, "clipFrom"), &memberOf(*entry, "clipTo")});
     return entries;
 }
 

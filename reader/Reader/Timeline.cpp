@@ -61,8 +61,8 @@ struct Meaning {
 };
 
 constexpr Meaning<long long, ClipKind> clipKinds[] = {
-    {1, ClipKind::Video},  {2, ClipKind::Image},  {3, ClipKind::Audio}, {4, ClipKind::Title},
-    {8, ClipKind::Intro},  {16, ClipKind::Outro}, {32, ClipKind::Quiz}, {64, ClipKind::Nested},
+    {1, ClipKind::Video}, {2, ClipKind::Image},  {3, ClipKind::Audio}, {4, ClipKind::Title},
+    {8, ClipKind::Intro}, {16, ClipKind::Outro}, {32, ClipKind::Quiz}, {64, ClipKind::Nested},
 };
 
 /// The number of a track in a timing up to version 3.
@@ -197,8 +197,7 @@ private:
 
     std::size_t addTrack(Timeline& timeline, const Value& reference) {
         const Value object = m_view.target(reference);
-        const unsigned long long id =
-            View::isNone(object) ? View::targetId(reference) : View::idOf(object);
+        const unsigned long long id = View::isNone(object) ? View::targetId(reference) : View::idOf(object);
         const auto [place, isNew] = m_tracks.emplace(id, timeline.tracks.size());
         if (isNew)
             timeline.tracks.push_back(
@@ -225,8 +224,8 @@ private:
         TimelineClip clip{View::targetId(reference), View::idOf(timing)};
         clip.className = View::classOf(object);
         clip.name = View::text(View::field(object, Fields::name));
-        clip.kind =
-            kindIn(clipKinds, View::integer(View::field(object, Fields::type)).value_or(0), ClipKind::Unknown);
+        clip.kind = kindIn(clipKinds, View::integer(View::field(object, Fields::type)).value_or(0),
+                           ClipKind::Unknown);
         clip.start = time(timing, Fields::timestamp);
         clip.duration = time(timing, Fields::duration);
         clip.sourceStart = time(timing, Fields::sourcePosition);
@@ -276,7 +275,8 @@ private:
 
     // Transitions
 
-    void addTransitions(Timeline& timeline, const Value& object, const std::vector<ClipEntry<Value>>& entries) {
+    void addTransitions(Timeline& timeline, const Value& object,
+                        const std::vector<ClipEntry<Value>>& entries) {
         std::unordered_map<unsigned long long, Value> timings; // by clip
         for (const auto& [clip, timing] : entries)
             timings.emplace(View::targetId(clip), m_view.target(timing));
@@ -320,7 +320,8 @@ private:
 
     /// Times come from files: their sum may wrap.
     static long long sum(long long a, long long b) {
-        return static_cast<long long>(static_cast<unsigned long long>(a) + static_cast<unsigned long long>(b));
+        return static_cast<long long>(static_cast<unsigned long long>(a) +
+                                      static_cast<unsigned long long>(b));
     }
 
     void addTransition(Timeline& timeline, const Value& reference, unsigned long long from,
@@ -336,8 +337,9 @@ private:
     std::vector<Timeline> m_read;                                 ///< in document order
     std::unordered_map<unsigned long long, std::size_t> m_places; ///< in m_read, by id
     std::vector<Timeline> m_result;
-    std::unordered_map<unsigned long long, std::size_t> m_tracks; ///< places in the timeline that is read, by id
-    std::unordered_map<long long, std::size_t> m_numberedTracks;  ///< the same by number
+    std::unordered_map<unsigned long long, std::size_t>
+        m_tracks; ///< places in the timeline that is read, by id
+    std::unordered_map<long long, std::size_t> m_numberedTracks; ///< the same by number
 };
 
 /// Some numbers of tracks exist before and after version 72 and mean other tracks.
