@@ -28,7 +28,10 @@ constexpr std::string_view pathFields[] = {"path",           "resourcePath", "pa
 json shown(const json& value, const ObjectGraph& graph, int levels = 4) {
     if (const unsigned long long id = linkTarget(value)) {
         const GraphObject* object = graph.find(id);
-        return {{"class", object ? object->className : ""}, {"id", id}};
+        json result = {{"class", object ? object->className : ""}, {"id", id}};
+        if (object && object->fields.contains("name") && object->fields["name"].is_string())
+            result["name"] = object->fields["name"];
+        return result;
     }
     if (!value.is_structured())
         return value;
@@ -196,13 +199,13 @@ private:
         if (!one && !other)
             return; // both lead nowhere
         const bool areFree = m_partners.count(before) == 0 && m_taken.count(after) == 0;
-        if (one && other && areFree && one->className == other->className) {
+        if (!one || !other || one->className != other->className ||
+            (!areFree && one->className.starts_with("Timeline::")))
+            add(place, shown(linkTo(before), m_before), shown(linkTo(after), m_after));
+        else if (areFree)
             match(before, after, contextBelow(place));
-            return;
-        }
-        if (one && other && !areFree && isAlike(*one, *other))
-            return; // an object that is shared in one document only
-        add(place, shown(linkTo(before), m_before), shown(linkTo(after), m_after));
+        else if (m_compared.emplace(before, after).second) // an object that is shared in one document only
+            m_open.push_back({before, after, contextBelow(place)});
     }
 
     /// Objects below a clip are shown with the path from it, and others by themselves.
@@ -215,11 +218,6 @@ private:
 
     static json linkTo(unsigned long long id) {
         return {{Serialize::Json::MetaDetails::s_meta_reference, id}};
-    }
-
-    /// Whether two objects of one class hold the same, seen from outside: links in them count as equal.
-    static bool isAlike(const GraphObject& one, const GraphObject& other) {
-        return one.className == other.className && textOf(one) == textOf(other);
     }
 
     /// An object without its ids, for searches.
@@ -317,8 +315,9 @@ private:
     const ObjectGraph& m_before;
     const ObjectGraph& m_after;
     Paths m_paths;
-    std::unordered_map<unsigned long long, unsigned long long> m_partners; ///< of objects before
-    std::set<unsigned long long> m_taken;                                  ///< partners after
+    std::unordered_map<unsigned long long, unsigned long long> m_partners;  ///< of objects before
+    std::set<unsigned long long> m_taken;                                   ///< partners after
+    std::set<std::pair<unsigned long long, unsigned long long>> m_compared; ///< that are no partners
     std::deque<Pair> m_open;
     std::set<std::pair<unsigned long long, std::string>> m_reported; ///< object before and field
 };
@@ -356,12 +355,18 @@ private:
         matchTimeline([](const Timeline& one, const Timeline& other) {
             return one.role == Timeline::Role::Main && other.role == Timeline::Role::Main;
         });
-        for (std::size_t place = 0; place < m_timelines.size(); ++place)
-            matchNested(place);
+        matchAllNested(0);
+        const std::size_t byClips = m_timelines.size();
         matchTimeline([](const Timeline& one, const Timeline& other) {
-            return one.role != Timeline::Role::Unused && other.role != Timeline::Role::Unused &&
+            return one.role == Timeline::Role::Nested && other.role == Timeline::Role::Nested &&
                    one.name == other.name;
         });
+        matchAllNested(byClips);
+    }
+
+    void matchAllNested(std::size_t first) {
+        for (std::size_t place = first; place < m_timelines.size(); ++place)
+            matchNested(place);
     }
 
     template <class Test>
@@ -633,13 +638,15 @@ private:
 
     /// Transitions between the same clips are the same.
     void compareTransitions(const Timeline& before, const Timeline& after) {
-        const auto nameIn = [](const Timeline& timeline,
-                               unsigned long long id) -> std::optional<Difference::Subject> {
-            const auto clip = std::find_if(timeline.clips.begin(), timeline.clips.end(),
-                                           [id](const TimelineClip& c) { return c.id == id; });
-            return clip == timeline.clips.end() ? std::nullopt
-                                                : std::optional(Difference::Subject{clip->name, clip->start});
+        const Subjects subjectsBefore = subjectsOf(before);
+        const Subjects subjectsAfter = subjectsOf(after);
+        const auto subjectIn = [](const Subjects& subjects, const TimelineTransition& transition) {
+            const auto subject = subjects.find(transition.from != 0 ? transition.from : transition.to);
+            return subject == subjects.end() ? std::nullopt : std::optional(subject->second);
         };
+        std::unordered_map<unsigned long long, unsigned long long> partnersBefore;
+        for (const auto& [one, other] : m_partners)
+            partnersBefore.emplace(other, one);
         std::map<std::pair<unsigned long long, unsigned long long>, std::deque<const TimelineTransition*>>
             free;
         for (const TimelineTransition& transition : after.transitions)
@@ -653,7 +660,7 @@ private:
             const unsigned long long to = partner(transition.to);
             const bool isLost = (from == 0 && transition.from != 0) || (to == 0 && transition.to != 0);
             auto group = isLost ? free.end() : free.find({from, to});
-            const auto subject = nameIn(before, transition.from != 0 ? transition.from : transition.to);
+            const auto subject = subjectIn(subjectsBefore, transition);
             if (group == free.end() || group->second.empty()) {
                 addTransition(Kind::TransitionRemoved, transition, subject);
                 noteTransition(transition);
@@ -679,14 +686,23 @@ private:
         }
         for (const auto& [clips, transitions] : free) {
             for (const TimelineTransition* transition : transitions) {
-                addTransition(Kind::TransitionAdded, *transition,
-                              nameIn(after, transition->from != 0 ? transition->from : transition->to));
-                for (const auto& [one, other] : m_partners) {
-                    if (other != 0 && (other == transition->from || other == transition->to))
-                        m_withTransitions.insert(one);
+                addTransition(Kind::TransitionAdded, *transition, subjectIn(subjectsAfter, *transition));
+                for (const unsigned long long id : {transition->from, transition->to}) {
+                    const auto clip = partnersBefore.find(id);
+                    if (clip != partnersBefore.end())
+                        m_withTransitions.insert(clip->second);
                 }
             }
         }
+    }
+
+    using Subjects = std::unordered_map<unsigned long long, Difference::Subject>; // by clip
+
+    static Subjects subjectsOf(const Timeline& timeline) {
+        Subjects subjects;
+        for (const TimelineClip& clip : timeline.clips)
+            subjects.emplace(clip.id, Difference::Subject{clip.name, clip.start});
+        return subjects;
     }
 
     void addTransition(Kind kind, const TimelineTransition& transition,
