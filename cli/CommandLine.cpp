@@ -47,6 +47,7 @@ Exit codes:
 17	verify found something
 18	more memory is needed than any project takes
 19	--check: the project would be migrated without a loss
+21	diff found a difference
 22	written, but something of the project is missing in the result)";
 
 // Values
@@ -259,10 +260,44 @@ void addTrace(CLI::App& command, Arguments& arguments) {
         ->required();
     addFrom(command, arguments);
     addTo(command, arguments, "The schema version to stop at");
+    command.add_flag("--diff", arguments.diff,
+                     "Write what changed, as \"diff -u\" shows it, beside each document");
     command.add_flag("--force", arguments.force, "Replace documents that exist");
     addFolders(command, arguments);
     addMaxMemory(command, arguments);
-    command.footer("Example:\nadaptors trace film.xml --output-dir steps --to 30\t");
+    command.footer("Examples:\nadaptors trace film.xml --output-dir steps --to 30\t\n"
+                   "adaptors trace film.xml --output-dir steps --diff\twith a .diff beside each document");
+}
+
+void addDiff(CLI::App& command, Arguments& arguments) {
+    addName(command, "OLD", arguments.file, "OLD",
+            "The project as it was, or the folder that holds it; - is standard input")
+        ->required();
+    addName(command, "NEW", arguments.otherFile, "NEW", "The project as it is now, of any form and version")
+        ->required();
+    command.add_flag(
+        "--raw", arguments.raw,
+        "Compare the documents as they are; without it the older one is migrated in memory first");
+    addFolders(command, arguments);
+    addMaxMemory(command, arguments);
+    command.footer(
+        "Exits with 0 where there is no difference, and with 21 where there is one.\n\n"
+        "Examples:\nadaptors diff film.xml film.v" +
+        newest + ".json\twhat was edited since the migration\nadaptors diff film.xml.bak film.xml --json\t");
+}
+
+void addExplain(CLI::App& command, Arguments& arguments) {
+    addFile(command, arguments);
+    addName(command, "--step", arguments.step, "STEP",
+            "Only this step: a class name, or a beginning of it that no other has");
+    addName(command, "--clip", arguments.clip, "CLIP",
+            "Only what was done to the clips of this name or id, and to what belongs to them");
+    addFrom(command, arguments);
+    addTo(command, arguments, "The schema version to stop at");
+    addFolders(command, arguments);
+    addMaxMemory(command, arguments);
+    command.footer("Examples:\nadaptors explain film.xml\t\nadaptors explain film.xml --step V27\tone step\n"
+                   "adaptors explain film.xml --clip Beach\tone clip");
 }
 
 struct Command {
@@ -284,6 +319,10 @@ constexpr Command commands[] = {
     {"trace",
      "Migrate and write the document after each step that changed it, to find the step that broke it",
      addTrace, Commands::trace},
+    {"diff", "Compare two projects and say what is different, in the words of the project", addDiff,
+     Commands::diff},
+    {"explain", "Migrate in memory and say what each step did to this project", addExplain,
+     Commands::explain},
 };
 
 void addOptionsForEveryCommand(CLI::App& app, OutputOptions& options) {

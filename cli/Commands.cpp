@@ -1,5 +1,7 @@
 #include "Commands.h"
 
+#include "DiffReport.h"
+#include "ExplainReport.h"
 #include "LossMessages.h"
 #include "Memory.h"
 #include "Messages.h"
@@ -44,23 +46,30 @@ QString nameOfTarget(const QString& target) {
     return nameOf(target, "standard output");
 }
 
+/// Lets the program take as much memory as documents of that size need.
+void limitMemory(const Arguments& arguments, const QString& input, std::optional<qint64> size,
+                 Output& output) {
+    const auto lastWords = [&](const std::string& bound) {
+        return output.textFor(Messages::outOfMemory(nameOf(input), bound));
+    };
+    Memory::limitFor(arguments.maxMemory, size, lastWords, output.descriptorForFailures());
+}
+
+void announceTerminal(const QString& input, Output& output) {
+    if (input == Reader::standardStream && isatty(STDIN_FILENO) != 0 && !output.isQuiet())
+        output.note(Texts::readingFromTerminal());
+}
+
 /// Reads the input, that of `file` where it is given.
 QByteArray readInput(const Arguments& arguments, const QString& input, Output& output,
                      std::optional<Reader::FileInPlace>* file = nullptr) {
-    if (input == Reader::standardStream && isatty(STDIN_FILENO) != 0 && !output.isQuiet())
-        output.note(Texts::readingFromTerminal());
-    const auto limitFor = [&](std::optional<qint64> size) {
-        const auto lastWords = [&](const std::string& bound) {
-            return output.textFor(Messages::outOfMemory(nameOf(input), bound));
-        };
-        Memory::limitFor(arguments.maxMemory, size, lastWords, output.descriptorForFailures());
-    };
-    limitFor({});
+    announceTerminal(input, output);
+    limitMemory(arguments, input, {}, output);
     if (file)
         file->emplace(input);
     QByteArray bytes = file ? (*file)->bytes() : Reader::readFile(input);
     output.setBytes(bytes);
-    limitFor(bytes.size());
+    limitMemory(arguments, input, bytes.size(), output);
     return bytes;
 }
 
@@ -174,6 +183,27 @@ int passOn(const Arguments& arguments, const Input& input, Output& output) {
     }
     showSummary(summary, output);
     return Messages::Done;
+}
+
+/// A document brought to a version and saved as for its own place: side files are read, and paths are portable.
+Reader::Document broughtTo(int version, Reader::Document document, const Arguments& arguments,
+                           const QString& file) {
+    Reader::MigrationOptions options = optionsFor(arguments, file, file, nullptr);
+    options.to = version;
+    Reader::Migration migration(std::move(document), std::move(options));
+    migration.run();
+    return Reader::parse(migration.save(), nameOf(file), version);
+}
+
+/// The version that two documents are compared at: the newer one; where only one is an archive of it, the first one that
+/// both can have as JSON.
+int versionToCompare(const DiffReport::Input& before, const DiffReport::Input& after) {
+    for (const DiffReport::Input& input : {before, after}) {
+        if (!input.version)
+            throw Reader::Error(Reader::ErrorKind::NoVersion, {.file = input.name});
+    }
+    const int newer = std::max(*before.version, *after.version);
+    return before.form == after.form ? newer : std::max(newer, Reader::lastXmlVersion + 1);
 }
 
 } // namespace
@@ -309,7 +339,8 @@ int verify(const Arguments& arguments, Output& output) {
 
 int trace(const Arguments& arguments, Output& output) {
     const QString input = inputOf(arguments, output);
-    Reader::Trace trace(path(arguments.folder), optionsToWrite(arguments, input));
+    Reader::Trace trace(path(arguments.folder), optionsToWrite(arguments, input),
+                        arguments.diff ? Reader::Trace::Diffs::Unified : Reader::Trace::Diffs::None);
     Progress progress(output);
     Reader::MigrationOptions options = optionsFor(arguments, input, Reader::standardStream, nullptr);
     options.watch = [&](const Reader::MigrationPart& part, const Reader::Document& document) {
@@ -330,6 +361,83 @@ int trace(const Arguments& arguments, Output& output) {
     progress.end();
     showLog({migration.report(), nameOf(input)}, output);
     showTrace(trace, migration.report(), output);
+    return Messages::Done;
+}
+
+int diff(const Arguments& arguments, Output& output) {
+    if (path(arguments.file) == Reader::standardStream && path(arguments.otherFile) == Reader::standardStream)
+        throw Messages::Failure(Messages::oneStandardInput());
+    const QString fileBefore = inputOf(arguments, output);
+    Arguments others = arguments;
+    others.file = arguments.otherFile;
+    const QString fileAfter = inputFor(others);
+    for (const QString& file : {fileBefore, fileAfter})
+        announceTerminal(file, output);
+    limitMemory(arguments, fileBefore, {}, output);
+    const QByteArray bytesBefore = Reader::readFile(fileBefore);
+    output.setBytes(bytesBefore);
+    const QByteArray bytesAfter = Reader::readFile(fileAfter);
+    limitMemory(arguments, fileBefore, qint64(bytesBefore.size()) + bytesAfter.size(), output);
+
+    Reader::Document before = Reader::parse(bytesBefore, nameOf(fileBefore));
+    Reader::Document after = Reader::parse(bytesAfter, nameOf(fileAfter));
+    DiffReport::Result result = {{nameOf(fileBefore), before.form(), before.version()},
+                                 {nameOf(fileAfter), after.form(), after.version()},
+                                 {},
+                                 {}};
+    if (arguments.raw && before.form() != after.form())
+        throw Messages::Failure(Messages::differentForms(nameOf(fileBefore), nameOf(fileAfter)));
+    if (!arguments.raw) {
+        result.comparedAs = versionToCompare(result.before, result.after);
+        before = broughtTo(*result.comparedAs, std::move(before), arguments, fileBefore);
+        after = broughtTo(*result.comparedAs, std::move(after), arguments, fileAfter);
+    }
+    result.differences = Reader::compare(Reader::readForComparison(before, folderOf(fileBefore)),
+                                         Reader::readForComparison(after, folderOf(fileAfter)));
+    if (output.isJson())
+        output.setResult(DiffReport::asJson(result));
+    else
+        output.print(DiffReport::text(result));
+    return result.differences.empty() ? Messages::Done : Messages::IsDifferent;
+}
+
+int explain(const Arguments& arguments, Output& output) {
+    const QString input = inputOf(arguments, output);
+    const QString name = nameOf(input);
+    const std::string wanted = arguments.step.empty() ? std::string() : Names::stepFor(arguments.step);
+    Reader::Explanation explanation(arguments.clip);
+    Progress progress(output);
+    Reader::MigrationOptions options = optionsFor(arguments, input, Reader::standardStream, nullptr);
+    options.watch = [&](const Reader::MigrationPart& part, const Reader::Document& document) {
+        explanation.note(part, document);
+        progress.note(part);
+    };
+    Reader::Migration migration(Reader::parse(readInput(arguments, input, output), name, arguments.from),
+                                std::move(options));
+    progress.expect(migration.document(), arguments.to);
+    const auto show = [&] {
+        progress.end();
+        ExplainReport::Result result{name, migration.report(), explanation.steps(), !wanted.empty()};
+        if (!wanted.empty())
+            std::erase_if(result.steps,
+                          [&](const Reader::StepEffect& step) { return step.className != wanted; });
+        if (!wanted.empty() && result.steps.empty())
+            throw Messages::Failure(Messages::stepDidNotRun(name, wanted));
+        if (!arguments.clip.empty() && !explanation.hasFoundClip())
+            throw Messages::Failure(Messages::noSuchClip(name, arguments.clip));
+        if (output.isJson())
+            output.setResult(ExplainReport::asJson(result));
+        else
+            output.print(ExplainReport::text(result));
+    };
+    try {
+        migration.run();
+    } catch (const Reader::Error&) {
+        if (wanted.empty() && (arguments.clip.empty() || explanation.hasFoundClip()))
+            show(); // people look for what led up to the step that fails
+        throw;
+    }
+    show();
     return Messages::Done;
 }
 

@@ -11,6 +11,8 @@
 /// What the command line says beside the options for every command.
 struct Arguments {
     std::string file;
+    std::string otherFile; ///< what `diff` compares it with
+    std::string clip;      ///< name or id
     std::string output;
     std::string step;
     std::string bundle;
@@ -25,6 +27,8 @@ struct Arguments {
     bool inPlace = false;
     bool check = false;
     bool timeline = false; ///< draw timelines
+    bool raw = false;      ///< compare documents as they are
+    bool diff = false;     ///< write what changed beside documents
     std::string
         strict; ///< "all" for any loss, anything else that is not empty for those that are not intended
     Reader::Severity failOn = Reader::Severity::Error;
@@ -40,5 +44,7 @@ int run(const Arguments& arguments, Output& output);
 int info(const Arguments& arguments, Output& output);
 int verify(const Arguments& arguments, Output& output);
 int trace(const Arguments& arguments, Output& output);
+int diff(const Arguments& arguments, Output& output);
+int explain(const Arguments& arguments, Output& output);
 
 } // namespace Commands

@@ -36,6 +36,7 @@ enum ExitCode {
     HasFindings = 17,
     OutOfMemory = 18,
     WouldMigrate = 19, ///< `--check`: a migration has something to do and would lose nothing
+    IsDifferent = 21,  ///< `diff` found a difference
     Incomplete = 22,   ///< the result was written, and something of the project is missing in it
 };
 
@@ -55,6 +56,10 @@ Message messageFor(const Reader::Error& error);
 // Failures that the library does not know.
 
 Message inPlaceNeedsFile();
+Message oneStandardInput();
+Message differentForms(const QString& before, const QString& after);
+Message noSuchClip(const QString& name, const std::string& clip);
+Message stepDidNotRun(const QString& name, const std::string& step);
 Message notOneProject(const QString& folder, const QStringList& projects);
 Message folderNotMade(const QString& folder);
 Message refusedByStrict(const QString& name);

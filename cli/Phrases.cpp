@@ -18,6 +18,26 @@ std::size_t sizeOfFirst(std::size_t most, std::string_view text) {
     return at;
 }
 
+/// What valueText() cuts off. Values of documents are nested only some levels when they come here.
+std::string wholeText(const nlohmann::json& value) {
+    if (value.is_null())
+        return "none";
+    if (value.is_string())
+        return inQuotes(value.get_ref<const std::string&>());
+    if (!value.is_structured())
+        return value.dump();
+    if (value.is_object() && value.contains("class") && value["class"].is_string()) {
+        const bool hasName = value.contains("name") && value["name"].is_string();
+        return classText(value["class"].get<std::string>()) +
+               (hasName ? ' ' + inQuotes(value["name"].get_ref<const std::string&>()) : "");
+    }
+    std::string text;
+    for (const auto& [key, part] : value.items())
+        text +=
+            (text.empty() ? "" : ", ") + (value.is_object() ? shortText(key) + ": " : "") + wholeText(part);
+    return value.is_object() ? '{' + text + '}' : '[' + text + ']';
+}
+
 } // namespace
 
 std::string plural(std::size_t count, const std::string& noun) {
@@ -37,6 +57,25 @@ std::string timeText(long long milliseconds) {
 
 std::string classText(const std::string& className) {
     return className.empty() ? "(no class)" : Terminal::escaped(className);
+}
+
+std::string clipText(std::string_view name, long long start) {
+    return (name.empty() ? std::string("a clip without a name") : "clip " + inQuotes(name)) + " at " +
+           timeText(start);
+}
+
+std::string effectText(const std::string& className, const std::string& name) {
+    const std::size_t colons = className.rfind("::");
+    const std::string kind = colons == std::string::npos ? className : className.substr(colons + 2);
+    const std::string text = kind.empty() ? "(no class)" : shortText(kind);
+    return name.empty() || name == kind ? text : text + ' ' + inQuotes(name);
+}
+
+std::string valueText(const nlohmann::json& value) {
+    constexpr std::size_t longest = 200;
+    const std::string text = wholeText(value);
+    // Escaped already, and cut off between two characters at most.
+    return text.size() > longest ? text.substr(0, sizeOfFirst(longest, text)) + "..." : text;
 }
 
 std::string shortText(std::string_view text, std::size_t most) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <nlohmann/json.hpp>
+
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -21,5 +23,14 @@ std::string shortText(std::string_view text, std::size_t most = 60);
 
 /// The same in quotes.
 std::string inQuotes(std::string_view text, std::size_t most = 60);
+
+/// `clip "Beach" at 0:00:39.000`
+std::string clipText(std::string_view name, long long start);
+
+/// "Blur" for "Effect::Blur", with the name of a preset behind it: `Blur "Soft"`.
+std::string effectText(const std::string& className, const std::string& name);
+
+/// A value of a field: texts in quotes, objects by class and name, "none" for null.
+std::string valueText(const nlohmann::json& value);
 
 } // namespace Phrases

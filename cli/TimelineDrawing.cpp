@@ -251,6 +251,21 @@ void drawClip(Line& line, const TimelineClip& clip, const Scale& scale, const St
         line.write(begin + 1, end - 1, name, style.isUtf8);
 }
 
+/// Where transitions are shown, by the clip before each: at the start of the clip behind it.
+std::unordered_map<unsigned long long, long long> transitionMarks(const Timeline& timeline) {
+    std::unordered_map<unsigned long long, const TimelineClip*> clips;
+    for (const TimelineClip& clip : timeline.clips)
+        clips.emplace(clip.id, &clip);
+    std::unordered_map<unsigned long long, long long> marks;
+    for (const Reader::TimelineTransition& transition : timeline.transitions) {
+        const auto from = clips.find(transition.from);
+        const auto to = clips.find(transition.to);
+        if (from != clips.end())
+            marks.emplace(transition.from, to == clips.end() ? from->second->end() : to->second->start);
+    }
+    return marks;
+}
+
 std::string padded(const std::string& label) {
     std::string text = label.substr(0, labelWidth - 1);
     return text + std::string(labelWidth - text.size(), ' ');
@@ -266,10 +281,7 @@ std::string draw(const Timeline& timeline, const Style& style) {
     const EnvironmentLocale locale; // for the widths of characters
     const std::size_t columns = static_cast<std::size_t>(std::max(style.width, 40)) - labelWidth - 1;
     const Scale scale(timeline, columns);
-    std::unordered_map<unsigned long long, const Reader::TimelineTransition*>
-        transitions; // by the clip before
-    for (const Reader::TimelineTransition& transition : timeline.transitions)
-        transitions.emplace(transition.from, &transition);
+    const std::unordered_map<unsigned long long, long long> marks = transitionMarks(timeline);
     std::string text = ruler(scale, style, columns);
     const std::vector<Lane> lanes = lanesOf(timeline);
     for (std::size_t number = 0; number < std::min(lanes.size(), mostLanes); ++number) {
@@ -278,8 +290,9 @@ std::string draw(const Timeline& timeline, const Style& style) {
         for (const TimelineClip* clip : lanes[number].clips)
             drawClip(line, *clip, scale, style, taken);
         for (const TimelineClip* clip : lanes[number].clips) {
-            if (transitions.count(clip->id) > 0)
-                line.put(std::min(scale.columnOf(static_cast<double>(clip->end())), columns - 1),
+            const auto mark = marks.find(clip->id);
+            if (mark != marks.end())
+                line.put(std::min(scale.columnOf(static_cast<double>(mark->second)), columns - 1),
                          signsOf(style).transition);
         }
         text += padded(lanes[number].label) + line.text() + '\n';

@@ -23,31 +23,6 @@ using Kind = Difference::Kind;
 constexpr std::string_view pathFields[] = {"path",           "resourcePath", "pathOriginal",
                                            "pathStabilized", "aiModelPath",  "location"};
 
-/// A value as a difference shows it: links become the class and id of their object, and what is nested deeply is left
-/// out.
-json shown(const json& value, const ObjectGraph& graph, int levels = 4) {
-    if (const unsigned long long id = linkTarget(value)) {
-        const GraphObject* object = graph.find(id);
-        json result = {{"class", object ? object->className : ""}, {"id", id}};
-        if (object && object->fields.contains("name") && object->fields["name"].is_string())
-            result["name"] = object->fields["name"];
-        return result;
-    }
-    if (!value.is_structured())
-        return value;
-    if (levels == 0)
-        return "...";
-    json result = value.is_array() ? json::array() : json::object();
-    for (auto it = value.begin(); it != value.end(); ++it) {
-        json part = shown(*it, graph, levels - 1);
-        if (value.is_array())
-            result.push_back(std::move(part));
-        else
-            result[it.key()] = std::move(part);
-    }
-    return result;
-}
-
 /// Whether two paths lead to one file: as they are written, or seen from the folders of their projects.
 class Paths {
 public:
@@ -333,7 +308,7 @@ public:
         for (const auto& [before, after] : m_timelines)
             compareTimelines(m_before.timelines[before], m_after.timelines[after]);
         noteOtherTimelines();
-        m_objects.match(m_before.objects.root, m_after.objects.root, {.differences = &m_others});
+        compareRoots();
         m_objects.run();
         m_objects.compareEnvelopes(m_others);
         std::vector<Difference> result;
@@ -345,6 +320,18 @@ public:
     }
 
 private:
+    /// A broken archive may have no root object.
+    void compareRoots() {
+        const GraphObject* before = m_before.objects.find(m_before.objects.root);
+        const GraphObject* after = m_after.objects.find(m_after.objects.root);
+        if (!before != !after)
+            m_others.push_back({.kind = Kind::ObjectChanged,
+                                .field = "root object",
+                                .before = before ? json(before->className) : json(),
+                                .after = after ? json(after->className) : json()});
+        m_objects.match(m_before.objects.root, m_after.objects.root, {.differences = &m_others});
+    }
+
     static void move(std::vector<Difference>& from, std::vector<Difference>& to) {
         to.insert(to.end(), std::make_move_iterator(from.begin()), std::make_move_iterator(from.end()));
     }

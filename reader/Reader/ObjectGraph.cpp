@@ -368,6 +368,48 @@ ObjectGraph readObjects(const Document& document) {
     return document.isXml() ? ArchiveObjects(document.xml()).read() : FlatObjects(document.json()).read();
 }
 
+json shown(const json& value, const ObjectGraph& graph, int levels) {
+    if (const unsigned long long id = linkTarget(value)) {
+        const GraphObject* object = graph.find(id);
+        json result = {{"class", object ? object->className : ""}, {"id", id}};
+        if (object && object->fields.contains("name") && object->fields["name"].is_string())
+            result["name"] = object->fields["name"];
+        return result;
+    }
+    if (!value.is_structured())
+        return value;
+    if (levels == 0)
+        return "...";
+    constexpr std::size_t mostParts = 8;
+    json result = value.is_array() ? json::array() : json::object();
+    for (auto it = value.begin(); it != value.end() && result.size() < mostParts; ++it) {
+        json part = shown(*it, graph, levels - 1);
+        if (value.is_array())
+            result.push_back(std::move(part));
+        else
+            result[it.key()] = std::move(part);
+    }
+    if (value.size() > mostParts && value.is_array())
+        result.push_back("and " + std::to_string(value.size() - mostParts) + " more");
+    return result;
+}
+
+ObjectGraph reachable(ObjectGraph graph) {
+    std::map<unsigned long long, GraphObject> reached;
+    std::vector<unsigned long long> open = {graph.root};
+    while (!open.empty()) {
+        auto object = graph.objects.extract(open.back());
+        open.pop_back();
+        if (object.empty())
+            continue;
+        for (const unsigned long long id : linksIn(object.mapped().fields))
+            open.push_back(id);
+        reached.emplace(object.key(), std::move(object.mapped()));
+    }
+    graph.objects = std::move(reached);
+    return graph;
+}
+
 std::vector<unsigned long long> linksIn(const json& top) {
     std::vector<unsigned long long> links;
     std::vector<const json*> open = {&top};

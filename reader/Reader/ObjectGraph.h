@@ -38,6 +38,13 @@ struct ObjectGraph {
 /// Reads all objects. Depth costs memory, not stack.
 ObjectGraph readObjects(const Document& document);
 
+/// A value as people and programs are shown it: a link becomes {"class", "id"}, with "name" if the object has one; the
+/// rest of a long list becomes a text such as "and 5 more", and what is nested deeply "...".
+nlohmann::json shown(const nlohmann::json& value, const ObjectGraph& graph, int levels = 4);
+
+/// Leaves out what no references lead to from the root object.
+ObjectGraph reachable(ObjectGraph graph);
+
 /// The ids of the links in a value, in order. Depth costs memory, not stack.
 std::vector<unsigned long long> linksIn(const nlohmann::json& value);
 

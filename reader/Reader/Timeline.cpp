@@ -106,7 +106,10 @@ std::string plainText(const QString& text) {
         return {};
     QString characters;
     while (!xml.atEnd()) {
-        if (xml.readNext() == QXmlStreamReader::Characters)
+        xml.readNext();
+        if (xml.isStartElement() && xml.name() == QLatin1String("style"))
+            xml.skipCurrentElement();
+        else if (xml.isCharacters())
             characters += xml.text();
     }
     return characters.simplified().toStdString();
