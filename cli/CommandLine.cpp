@@ -280,10 +280,10 @@ void addDiff(CLI::App& command, Arguments& arguments) {
         "Compare the documents as they are; without it the older one is migrated in memory first");
     addFolders(command, arguments);
     addMaxMemory(command, arguments);
-    command.footer(
-        "Exits with 0 where there is no difference, and with 21 where there is one.\n\n"
-        "Examples:\nadaptors diff film.xml film.v" +
-        newest + ".json\twhat was edited since the migration\nadaptors diff film.xml.bak film.xml --json\t");
+    command.footer("Exits with 0 where there is no difference, and with 21 where there is one.\n\n"
+                   "Examples:\nadaptors diff film.xml film.v" +
+                   newest + ".json\twhat was edited since the migration\nadaptors diff film.xml film.v" +
+                   newest + ".json --json\t");
 }
 
 void addExplain(CLI::App& command, Arguments& arguments) {
