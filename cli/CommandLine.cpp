@@ -300,6 +300,16 @@ void addExplain(CLI::App& command, Arguments& arguments) {
                    "adaptors explain film.xml --clip Beach\tone clip");
 }
 
+void addTimeline(CLI::App& command, Arguments& arguments) {
+    addFile(command, arguments);
+    addName(command, "-o,--output", arguments.output, "FILE", "Where the picture goes [standard output]");
+    command.add_flag("--force", arguments.force, "Replace an output that exists");
+    addFrom(command, arguments);
+    addMaxMemory(command, arguments);
+    command.footer(
+        "Examples:\nadaptors timeline film.xml -o film.svg\t\nadaptors timeline film.xml > film.svg\t");
+}
+
 struct Command {
     const char* name;
     const char* description;
@@ -323,6 +333,7 @@ constexpr Command commands[] = {
      Commands::diff},
     {"explain", "Migrate in memory and say what each step did to this project", addExplain,
      Commands::explain},
+    {"timeline", "Draw the timelines of a project as an SVG picture", addTimeline, Commands::timeline},
 };
 
 void addOptionsForEveryCommand(CLI::App& app, OutputOptions& options) {

@@ -2,6 +2,7 @@
 
 #include "DiffReport.h"
 #include "ExplainReport.h"
+#include "FileNames.h"
 #include "LossMessages.h"
 #include "Memory.h"
 #include "Messages.h"
@@ -14,6 +15,7 @@
 #include "Reader/Unfinished.h"
 #include "Summary.h"
 #include "TimelineReport.h"
+#include "TimelineSvg.h"
 
 #include <QFileInfo>
 
@@ -438,6 +440,31 @@ int explain(const Arguments& arguments, Output& output) {
         throw;
     }
     show();
+    return Messages::Done;
+}
+
+int timeline(const Arguments& arguments, Output& output) {
+    if (arguments.output.empty())
+        output.yieldStandardOutput();
+    else
+        setTarget(path(arguments.output), output);
+    const QString input = inputOf(arguments, output);
+    const QString name = nameOf(input);
+    const Reader::Document document =
+        Reader::parse(readInput(arguments, input, output), name, arguments.from);
+    const QString ownName =
+        (Reader::isStream(input) ? QStringLiteral("project") : QFileInfo(input).completeBaseName()) +
+        QStringLiteral(".svg");
+    const QString target =
+        arguments.output.empty() ? Reader::standardStream : outputFor(arguments, input, ownName);
+    checkOutput(arguments, input, target);
+    TimelineSvg::Options options;
+    options.title = FileNames::bytesOf(name);
+    const std::string picture = TimelineSvg::timelineSvg(Reader::readTimelines(document), options);
+    Reader::UnfinishedParts made;
+    writeResult(target, QByteArray::fromStdString(picture), optionsToWrite(arguments, input), made);
+    if (output.isJson())
+        output.setResult({{"output", FileNames::bytesOf(nameOfTarget(target))}});
     return Messages::Done;
 }
 

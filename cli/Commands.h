@@ -46,5 +46,6 @@ int verify(const Arguments& arguments, Output& output);
 int trace(const Arguments& arguments, Output& output);
 int diff(const Arguments& arguments, Output& output);
 int explain(const Arguments& arguments, Output& output);
+int timeline(const Arguments& arguments, Output& output);
 
 } // namespace Commands

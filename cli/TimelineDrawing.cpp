@@ -2,20 +2,22 @@
 
 #include "Phrases.h"
 #include "Terminal.h"
+#include "TimelineLanes.h"
 
 #include <langinfo.h>
 #include <locale.h>
 #include <wchar.h>
 
 #include <algorithm>
-#include <array>
 #include <cstring>
-#include <map>
 #include <string_view>
-#include <unordered_map>
+#include <vector>
 
 using Reader::Timeline;
 using Reader::TimelineClip;
+using TimelineLanes::Lane;
+using TimelineLanes::markText;
+using TimelineLanes::Scale;
 
 namespace TimelineDrawing {
 namespace {
@@ -112,68 +114,20 @@ private:
     std::vector<std::string> m_cells;
 };
 
-/// Columns of times.
-class Scale {
-public:
-    Scale(const Timeline& timeline, std::size_t columns) : m_columns(columns) {
-        for (const TimelineClip& clip : timeline.clips)
-            m_first = std::min(m_first, static_cast<double>(clip.start));
-        m_length = std::max(static_cast<double>(timeline.duration()) - m_first, 1.0);
-    }
-
-    std::size_t columnOf(double time) const {
-        const double column = (time - m_first) * static_cast<double>(m_columns) / m_length;
-        return static_cast<std::size_t>(std::clamp(column, 0.0, static_cast<double>(m_columns)));
-    }
-    /// The time between two marks that leaves so many columns between them.
-    double stepFor(std::size_t columns) const {
-        constexpr double second = 1000;
-        constexpr double hour = 3600 * second;
-        constexpr std::array steps = {0.01,  0.02,   0.05,   0.1,    0.2,     0.5,     1.0,    2.0,
-                                      5.0,   10.0,   15.0,   30.0,   60.0,    120.0,   300.0,  600.0,
-                                      900.0, 1800.0, 3600.0, 7200.0, 14400.0, 21600.0, 43200.0};
-        const double least = m_length * static_cast<double>(columns) / static_cast<double>(m_columns);
-        for (const double step : steps) {
-            if (step * second >= least)
-                return step * second;
-        }
-        double step = 24 * hour;
-        while (step < least)
-            step *= 2;
-        return step;
-    }
-    double first() const { return m_first; }
-    double last() const { return m_first + m_length; }
-
-private:
-    std::size_t m_columns;
-    double m_first = 0;
-    double m_length = 1;
-};
-
-/// "0:30", "1:05:00", or "0:00.5" where marks stand closer than a second
-std::string markText(double time, double step) {
-    const auto milliseconds = static_cast<unsigned long long>(time + 0.5);
-    const auto two = [](unsigned long long n) { return (n < 10 ? "0" : "") + std::to_string(n); };
-    const unsigned long long hours = milliseconds / 3600000;
-    const unsigned long long minutes = milliseconds / 60000 % 60;
-    std::string text = hours > 0 ? std::to_string(hours) + ':' + two(minutes) : std::to_string(minutes);
-    text += ':' + two(milliseconds / 1000 % 60);
-    if (step < 1000)
-        text += '.' + two(milliseconds / 10 % 100);
-    return text;
+/// The column of a place.
+std::size_t columnOf(double place) {
+    return static_cast<std::size_t>(place);
 }
 
 std::string ruler(const Scale& scale, const Style& style, std::size_t columns) {
-    constexpr std::size_t leastColumnsBetweenMarks = 11;
+    constexpr double columnsBetweenMarks = 11;
     Line times(columns);
     Line ticks(columns);
     for (std::size_t column = 0; column < columns; ++column)
         ticks.put(column, signsOf(style).line);
-    const double step = scale.stepFor(leastColumnsBetweenMarks);
-    const double start = scale.first() < 0 ? 0 : scale.first();
-    for (double time = start; time < scale.last(); time += step) {
-        const std::size_t column = scale.columnOf(time);
+    const double step = scale.stepFor(columnsBetweenMarks);
+    for (const double time : scale.marks(step)) {
+        const std::size_t column = columnOf(scale.placeOf(static_cast<long long>(time)));
         times.write(column, columns, markText(time, step), style.isUtf8);
         ticks.put(column, signsOf(style).tick);
     }
@@ -181,59 +135,12 @@ std::string ruler(const Scale& scale, const Style& style, std::size_t columns) {
     return margin + times.text() + '\n' + margin + ticks.text() + '\n';
 }
 
-/// The clips on a line.
-struct Lane {
-    std::string label;
-    std::vector<const TimelineClip*> clips; ///< by start
-};
-
-/// Ends of clips at which the next one may begin earlier, because a transition leads to it.
-using Overlaps = std::unordered_map<unsigned long long, long long>;
-
-std::vector<Lane> lanesOf(const Timeline& timeline) {
-    // Upper levels first, as upper tracks.
-    std::map<std::pair<std::size_t, long long>, std::vector<const TimelineClip*>> places;
-    for (std::size_t track = 0; track < timeline.tracks.size(); ++track)
-        places[{track, 0}];
-    for (const TimelineClip& clip : timeline.clips)
-        places[{clip.track, clip.level}].push_back(&clip);
-    Overlaps overlaps;
-    for (const Reader::TimelineTransition& transition : timeline.transitions)
-        overlaps[transition.from] = transition.duration;
-    std::vector<Lane> lanes;
-    for (auto& [place, clips] : places) {
-        const auto& [track, level] = place;
-        std::stable_sort(clips.begin(), clips.end(),
-                         [](const TimelineClip* a, const TimelineClip* b) { return a->start < b->start; });
-        std::string label(nameOf(timeline.tracks[track].kind));
-        label += level == 0 ? "" : " " + std::to_string(level);
-        const std::size_t first = lanes.size();
-        lanes.push_back({label, {}});
-        for (const TimelineClip* clip : clips) {
-            std::size_t lane = first;
-            const auto isFree = [&](const Lane& candidate) {
-                if (candidate.clips.empty())
-                    return true;
-                const TimelineClip& last = *candidate.clips.back();
-                const auto overlap = overlaps.find(last.id);
-                return clip->start >= last.end() - (overlap == overlaps.end() ? 0 : overlap->second);
-            };
-            while (lane < lanes.size() && !isFree(lanes[lane]))
-                ++lane;
-            if (lane == lanes.size())
-                lanes.push_back({{}, {}});
-            lanes[lane].clips.push_back(clip);
-        }
-    }
-    return lanes;
-}
-
 void drawClip(Line& line, const TimelineClip& clip, const Scale& scale, const Style& style,
               std::vector<bool>& taken) {
     const Signs& signs = signsOf(style);
     const std::size_t columns = taken.size();
-    std::size_t begin = std::min(scale.columnOf(static_cast<double>(clip.start)), columns - 1);
-    const std::size_t end = std::clamp(scale.columnOf(static_cast<double>(clip.end())), begin + 1, columns);
+    std::size_t begin = std::min(columnOf(scale.placeOf(clip.start)), columns - 1);
+    const std::size_t end = std::clamp(columnOf(scale.placeOf(clip.end())), begin + 1, columns);
     if (taken[begin] && end - begin > 1)
         ++begin;
     if (end - begin == 1) {
@@ -251,21 +158,6 @@ void drawClip(Line& line, const TimelineClip& clip, const Scale& scale, const St
         line.write(begin + 1, end - 1, name, style.isUtf8);
 }
 
-/// Where transitions are shown, by the clip before each: at the start of the clip behind it.
-std::unordered_map<unsigned long long, long long> transitionMarks(const Timeline& timeline) {
-    std::unordered_map<unsigned long long, const TimelineClip*> clips;
-    for (const TimelineClip& clip : timeline.clips)
-        clips.emplace(clip.id, &clip);
-    std::unordered_map<unsigned long long, long long> marks;
-    for (const Reader::TimelineTransition& transition : timeline.transitions) {
-        const auto from = clips.find(transition.from);
-        const auto to = clips.find(transition.to);
-        if (from != clips.end())
-            marks.emplace(transition.from, to == clips.end() ? from->second->end() : to->second->start);
-    }
-    return marks;
-}
-
 std::string padded(const std::string& label) {
     std::string text = label.substr(0, labelWidth - 1);
     return text + std::string(labelWidth - text.size(), ' ');
@@ -280,21 +172,17 @@ Style styleFor(int descriptor) {
 std::string draw(const Timeline& timeline, const Style& style) {
     const EnvironmentLocale locale; // for the widths of characters
     const std::size_t columns = static_cast<std::size_t>(std::max(style.width, 40)) - labelWidth - 1;
-    const Scale scale(timeline, columns);
-    const std::unordered_map<unsigned long long, long long> marks = transitionMarks(timeline);
+    const Scale scale(timeline, static_cast<double>(columns));
     std::string text = ruler(scale, style, columns);
-    const std::vector<Lane> lanes = lanesOf(timeline);
+    const std::vector<Lane> lanes = TimelineLanes::lanesOf(timeline);
+    const auto marks = TimelineLanes::marksOf(timeline, lanes);
     for (std::size_t number = 0; number < std::min(lanes.size(), mostLanes); ++number) {
         Line line(columns);
         std::vector<bool> taken(columns);
         for (const TimelineClip* clip : lanes[number].clips)
             drawClip(line, *clip, scale, style, taken);
-        for (const TimelineClip* clip : lanes[number].clips) {
-            const auto mark = marks.find(clip->id);
-            if (mark != marks.end())
-                line.put(std::min(scale.columnOf(static_cast<double>(mark->second)), columns - 1),
-                         signsOf(style).transition);
-        }
+        for (const TimelineLanes::Mark& mark : marks[number])
+            line.put(std::min(columnOf(scale.placeOf(mark.time)), columns - 1), signsOf(style).transition);
         text += padded(lanes[number].label) + line.text() + '\n';
         text.erase(text.find_last_not_of(" \n") + 1);
         text += '\n';

@@ -139,6 +139,7 @@ TEST_F(JsonContractTest, EveryCommandKeepsItsSchema) {
         call({"verify", "sample"});
         call({"trace", "sample", "--output-dir", QStringLiteral("steps-") + name, "--diff"});
         call({"explain", "sample"});
+        call({"timeline", "sample", "-o", QStringLiteral("film-") + name + ".svg"});
         EXPECT_EQ(call({"diff", "sample", "sample.json"})["differences"], json::array());
         EXPECT_FALSE(call({"diff", "sample", "film.xml"})["differences"].empty());
     }
