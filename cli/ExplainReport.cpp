@@ -41,7 +41,7 @@ std::string exampleText(const FieldChange& change, const FieldChange::Example& e
 
 /// The change of a field with its examples. Examples of one value are shown once.
 std::string fieldText(const FieldChange& change) {
-    std::string text = "    " + Phrases::classText(change.className) + "  " +
+    std::string text = "    " + Phrases::classText(change.className) + '.' +
                        Phrases::shortText(change.field) + ' ' + std::string(nameOf(change.kind)) + " in " +
                        Phrases::plural(change.count, "object") + '\n';
     const auto isSame = [&](const FieldChange::Example& example) {

@@ -189,10 +189,10 @@ Json findings(const std::vector<Reader::Finding>& findings) {
 Json trace(const Reader::Trace& trace, const Reader::MigrationReport& report) {
     Json result;
     result["steps"] = listOf(trace.entries(), [](const Reader::Trace::Entry& entry) {
-        Json result = {{"place", entry.place}, {"class", entry.className}, {"file", orNull(entry.file)}};
+        Json row = {{"place", entry.place}, {"class", entry.className}, {"file", orNull(entry.file)}};
         if (!entry.diff.isEmpty())
-            result["diff"] = orNull(entry.diff);
-        return result;
+            row["diff"] = orNull(entry.diff);
+        return row;
     });
     result["log"] = logAsJson(report);
     return result;
