@@ -24,24 +24,34 @@ constexpr double laneHeight = 30;
 constexpr double barHeight = 26;
 constexpr std::size_t longestName = 200;
 
+/// Without variables, which many programs for SVG don't know.
 constexpr const char* style = R"(
-svg { font: 12px system-ui, sans-serif; --back: #ffffff; --text: #1d2430; --soft: #66707f; --line: #d9dee6; --lane: #f4f6f9; }
-.back { fill: var(--back); }
-.heading { font-size: 15px; font-weight: 600; fill: var(--text); }
-.facts, .time, .label { fill: var(--soft); }
-.tick { stroke: var(--line); }
-.lane { fill: var(--lane); }
-.clip rect { stroke: #00000033; }
-.clip text { fill: #10151d; }
-.video rect { fill: #8ab4f0; } .image rect { fill: #8fd3b6; } .audio rect { fill: #f0c674; } .title rect { fill: #d7a8e8; }
-.intro rect, .outro rect { fill: #b9a7ea; } .quiz rect { fill: #f29c9c; } .timeline rect { fill: #9ad5e0; } .unknown rect { fill: #c3c9d2; }
+text { font: 12px system-ui, sans-serif; }
+.heading { font-size: 15px; font-weight: 600; }
+.back { fill: #ffffff; }
+.heading { fill: #1d2430; }
+.facts, .time, .label { fill: #5c6675; }
+.tick { stroke: #d3d9e2; }
+.lane { fill: #f2f4f8; }
+.clip rect { stroke: #7c8798; stroke-width: 0.5; }
+.clip text, .effects { fill: #10151d; }
+.video rect { fill: #8ab4f0; }
+.image rect { fill: #8fd3b6; }
+.audio rect { fill: #f0c674; }
+.title rect { fill: #d7a8e8; }
+.intro rect, .outro rect { fill: #b9a7ea; }
+.quiz rect { fill: #f29c9c; }
+.timeline rect { fill: #9ad5e0; }
+.unknown rect { fill: #c3c9d2; }
 .off { opacity: 0.45; }
-.clip .effects { fill: #10151d; stroke: none; }
 .transition { fill: #1d2430; stroke: #ffffff; }
 @media (prefers-color-scheme: dark) {
-svg { --back: #14181f; --text: #e6eaf0; --soft: #98a2b3; --line: #2b323d; --lane: #1b2029; }
-.clip rect { stroke: #ffffff22; }
-.transition { fill: #e6eaf0; stroke: #14181f; }
+.back { fill: #14181f; }
+.heading { fill: #e6eaf0; }
+.facts, .time, .label { fill: #98a2b3; }
+.tick { stroke: #2b323d; }
+.lane { fill: #1b2029; }
+.transition { fill: #f4f6f9; stroke: #14181f; }
 }
 )";
 
@@ -161,14 +171,14 @@ private:
         if (width >= leastWidthForName)
             text += "<svg" + attribute("x", left + x) + attribute("y", y + 1) +
                     attribute("width", width - 4) + attribute("height", barHeight) +
-                    "><text x=\"6\" y=\"17\">" + escaped(clip.name) + "</text></svg>";
+                    "><text x=\"6\" y=\"15\">" + escaped(clip.name) + "</text></svg>";
         if (!clip.effects.empty() && width >= 8)
             text += "<circle class=\"effects\"" + attribute("cx", left + x + width - 5) +
                     attribute("cy", y + 6) + " r=\"2.5\"/>";
         return text + "</g>\n";
     }
 
-    /// Two triangles that meet where the clips do, as wide as the transition is long.
+    /// Two triangles that meet where the clips do, below their names and as wide as the transition is long.
     std::string drawTransition(const Mark& mark, double y) const {
         constexpr double leastHalf = 4;
         const double length = static_cast<double>(std::max(mark.transition->duration, 0LL));
@@ -177,14 +187,15 @@ private:
             m_scale.placeOf(static_cast<long long>(std::min(static_cast<double>(mark.time) + length, 9e18)));
         const double half = std::max((end - start) / 2, leastHalf);
         const double x = left + start;
-        const double middle = y + 1 + barHeight / 2;
+        constexpr double halfHeight = 4;
+        const double middle = y + 1 + barHeight - halfHeight - 1;
         const std::string name =
             inXml(Phrases::effectText(mark.transition->className, mark.transition->name));
         const auto point = [](double px, double py) { return number(px) + ',' + number(py) + ' '; };
         return "<g role=\"img\" aria-label=\"transition " + name + "\"><title>transition " + name +
-               "</title><polygon class=\"transition\" points=\"" + point(x - half, middle - 6) +
-               point(x + half, middle + 6) + point(x + half, middle - 6) + point(x - half, middle + 6) +
-               "\"/></g>\n";
+               "</title><polygon class=\"transition\" points=\"" + point(x - half, middle - halfHeight) +
+               point(x + half, middle + halfHeight) + point(x + half, middle - halfHeight) +
+               point(x - half, middle + halfHeight) + "\"/></g>\n";
     }
 
     const Timeline& m_timeline;
