@@ -17,6 +17,7 @@
 #include "TimelineReport.h"
 #include "TimelineSvg.h"
 
+#include <QDir>
 #include <QFileInfo>
 
 #include <unistd.h>
@@ -389,13 +390,16 @@ int diff(const Arguments& arguments, Output& output) {
                                  {}};
     if (arguments.raw && before.form() != after.form())
         throw Messages::Failure(Messages::differentForms(nameOf(fileBefore), nameOf(fileAfter)));
-    if (!arguments.raw) {
+    if (!arguments.raw)
         result.comparedAs = versionToCompare(result.before, result.after);
-        before = broughtTo(*result.comparedAs, std::move(before), arguments, fileBefore);
-        after = broughtTo(*result.comparedAs, std::move(after), arguments, fileAfter);
-    }
-    result.differences = Reader::compare(Reader::readForComparison(before, folderOf(fileBefore)),
-                                         Reader::readForComparison(after, folderOf(fileAfter)));
+    const auto prepared = [&](Reader::Document document, const QString& file) {
+        if (result.comparedAs)
+            document = broughtTo(*result.comparedAs, std::move(document), arguments, file);
+        return Reader::readForComparison(document,
+                                         Reader::isStream(file) ? QDir::currentPath() : folderOf(file));
+    };
+    const Reader::ComparedProject projectBefore = prepared(std::move(before), fileBefore);
+    result.differences = Reader::compare(projectBefore, prepared(std::move(after), fileAfter));
     if (output.isJson())
         output.setResult(DiffReport::asJson(result));
     else

@@ -46,6 +46,13 @@ std::string headingOf(const Timeline& timeline) {
            plural(timeline.transitions.size(), "transition") + (picture.empty() ? "" : ", " + picture);
 }
 
+/// The heading of a picture, in less than 60 characters.
+std::string shortHeadingOf(const Timeline& timeline) {
+    constexpr std::size_t longestName = 20;
+    return (timeline.name.empty() ? "timeline without a name" : inQuotes(timeline.name, longestName)) + ", " +
+           std::string(nameOf(timeline.role)) + ", " + timeText(timeline.duration());
+}
+
 /// "12 video, 3 title"
 std::string kindsOf(const Timeline& timeline, std::size_t track) {
     std::map<Reader::ClipKind, std::size_t> counts;
@@ -172,7 +179,7 @@ std::string text(const Project& project, const std::optional<TimelineDrawing::St
     if (!drawing)
         return out;
     for (const Timeline& timeline : project.timelines)
-        out += '\n' + headingOf(timeline) + '\n' + TimelineDrawing::draw(timeline, *drawing);
+        out += '\n' + shortHeadingOf(timeline) + '\n' + TimelineDrawing::draw(timeline, *drawing);
     return out + '\n' + TimelineDrawing::legend(*drawing);
 }
 

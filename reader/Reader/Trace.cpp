@@ -19,6 +19,9 @@ namespace {
 QByteArray bytesOf(const Document& document, std::optional<int> version) {
     Document copy = document.clone(); // serialize() consumes its argument
     copy.setVersion(version);
+    if (!version &&
+        copy.isXml()) // so that diffs don't show the version that the document had in the beginning
+        copy.xml().documentElement().removeAttribute(QStringLiteral("schemaVersion"));
     return serialize(std::move(copy)).bytes;
 }
 

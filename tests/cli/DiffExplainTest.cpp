@@ -137,9 +137,9 @@ TEST_F(Diff, ErrorsAreAsElsewhere) {
 }
 
 TEST_F(Diff, HostileNamesAreEscapedAndShort) {
-    const QByteArray hostile = "\xe2\x80\xae&#27;[31m" + QByteArray("x").repeated(1 << 20);
+    const QByteArray hostile = "\xe2\x80\xae&#10;[31m" + QByteArray("x").repeated(1 << 20);
     const QByteArray lines = linesOf(archive(), archive().replace("'Beach'", "'" + hostile + "'"));
-    EXPECT_TRUE(lines.contains("\\u202e\\x1b[31mxxx")) << lines.left(500).toStdString();
+    EXPECT_TRUE(lines.contains("\\u202e\\n[31mxxx")) << lines.left(500).toStdString();
     EXPECT_LT(lines.size(), 400);
 }
 
@@ -236,10 +236,10 @@ TEST_F(Explain, SaysWhatLedUpToAStepThatFails) {
 }
 
 TEST_F(Explain, HostileNamesAreEscapedAndShort) {
-    const QByteArray hostile = "\xe2\x80\xae&#27;[31m" + QByteArray("x").repeated(1 << 20);
+    const QByteArray hostile = "\xe2\x80\xae&#10;[31m" + QByteArray("x").repeated(1 << 20);
     write("film.xml", archive({}, " schemaVersion='27'").replace("'Beach'", "'" + hostile + "'"));
     const Outcome outcome = run({"explain", "film.xml", "--to", "29"});
-    EXPECT_TRUE(outcome.out.contains("\\u202e\\x1b[31mxxx"));
+    EXPECT_TRUE(outcome.out.contains("\\u202e\\n[31mxxx"));
     EXPECT_LT(outcome.out.size(), 2000);
 }
 
