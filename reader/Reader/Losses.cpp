@@ -1,5 +1,6 @@
 #include "Reader/Losses.h"
 
+#include "Archive/Internal/FlatObjects.h"
 #include "Reader/Error.h"
 #include "Reader/Migration.h"
 #include "Reader/ProjectView.h"
@@ -8,6 +9,8 @@
 #include <array>
 #include <string_view>
 #include <utility>
+
+using nlohmann::json;
 
 namespace Reader {
 namespace {
@@ -75,8 +78,8 @@ std::vector<unsigned long long> listedClips(const JsonDocument& document,
         const auto object = document.flat.objects.find(timeline);
         if (object == document.flat.objects.end())
             continue;
-        for (const auto& [clip, timing] : FlatView::clipEntries(&object->second))
-            ids.push_back(FlatView::targetId(clip));
+        for (const json& entry : Archive::Internal::memberOf(object->second, "clips"))
+            ids.push_back(FlatView::targetId(FlatView::clipOf(&entry)));
     }
     return ids;
 }

@@ -165,11 +165,14 @@ std::vector<const json*> FlatView::items(const json* array) {
 
 std::vector<ClipEntry<const json*>> FlatView::clipEntries(const json* timeline) {
     std::vector<ClipEntry<const json*>> entries;
-    for (const json* entry : items(field(timeline, clipsField))) {
-        const bool isPair = entry->is_object() && entry->contains("clip");
-        entries.push_back({isPair ? &(*entry)["clip"] : entry, &memberOf(*entry, "timing")});
-    }
+    for (const json* entry : items(field(timeline, clipsField)))
+        entries.push_back({clipOf(entry), &memberOf(*entry, "timing")});
     return entries;
+}
+
+const json* FlatView::clipOf(const json* entry) {
+    const json& clip = memberOf(*entry, "clip");
+    return clip.is_null() ? entry : &clip;
 }
 
 std::vector<TransitionEntry<const json*>> FlatView::transitionEntries(const json* timeline) {

@@ -97,6 +97,8 @@ public:
     Value inheritedField(Value object, const FieldName& name) const;
     static std::vector<Value> items(Value array);
     static std::vector<ClipEntry<Value>> clipEntries(Value timeline);
+    /// The clip of an entry in a timeline's list; the entry itself where it has no timing.
+    static Value clipOf(Value entry);
     static std::vector<TransitionEntry<Value>> transitionEntries(Value timeline);
 
     static bool isReference(Value value) { return linkTarget(*value) != 0; }
