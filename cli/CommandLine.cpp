@@ -296,7 +296,7 @@ void addExplain(CLI::App& command, Arguments& arguments) {
     addTo(command, arguments, "The schema version to stop at");
     addFolders(command, arguments);
     addMaxMemory(command, arguments);
-    command.footer("Examples:\nadaptors explain film.xml\t\nadaptors explain film.xml --step V27\tone step\n"
+    command.footer("Examples:\nadaptors explain film.xml\t\nadaptors explain film.xml --step V28\tone step\n"
                    "adaptors explain film.xml --clip Beach\tone clip");
 }
 
