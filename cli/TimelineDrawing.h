@@ -17,7 +17,7 @@ struct Style {
 Style styleFor(int descriptor);
 
 /// A ruler with times, and a lane for each level of each track; clips that overlap have lanes of their own. Names
-/// stand where there is room.
+/// stand where there is space.
 std::string draw(const Reader::Timeline& timeline, const Style& style);
 
 /// What the signs mean, a line.

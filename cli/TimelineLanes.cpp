@@ -91,13 +91,13 @@ double Scale::placeOf(long long time) const {
     return std::clamp((static_cast<double>(time) - m_first) * m_width / m_length, 0.0, m_width);
 }
 
-double Scale::stepFor(double room) const {
+double Scale::stepFor(double space) const {
     constexpr double second = 1000;
     constexpr double day = 86400 * second;
     constexpr std::array steps = {0.01,  0.02,   0.05,   0.1,    0.2,     0.5,     1.0,    2.0,
                                   5.0,   10.0,   15.0,   30.0,   60.0,    120.0,   300.0,  600.0,
                                   900.0, 1800.0, 3600.0, 7200.0, 14400.0, 21600.0, 43200.0};
-    const double least = m_length * room / m_width;
+    const double least = m_length * space / m_width;
     for (const double step : steps) {
         if (step * second >= least)
             return step * second;

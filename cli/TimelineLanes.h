@@ -35,8 +35,8 @@ public:
 
     /// From 0 to the width.
     double placeOf(long long time) const;
-    /// The time between two marks that leaves at least so much room between them, a round number.
-    double stepFor(double room) const;
+    /// The time between two marks that leaves at least so much space between them, a round number.
+    double stepFor(double space) const;
     /// The marks of the ruler, in milliseconds.
     std::vector<double> marks(double step) const;
 

@@ -145,9 +145,9 @@ private:
     }
 
     std::string ruler(double top) const {
-        constexpr double roomBetweenMarks = 90;
+        constexpr double spaceBetweenMarks = 90;
         const double bottom = top + laneHeight * static_cast<double>(m_lanes.size());
-        const double step = m_scale.stepFor(roomBetweenMarks);
+        const double step = m_scale.stepFor(spaceBetweenMarks);
         std::string text;
         for (const double time : m_scale.marks(step)) {
             const double x = left + m_scale.placeOf(static_cast<long long>(time));

@@ -125,16 +125,16 @@ private:
 
     void compareMembers(const Place& place, const json& before, const json& after) {
         for (const auto& [key, value] : before.items()) {
-            const bool isTold = place.path.empty() && m_reported.count({place.before, key}) > 0;
+            const bool isReported = place.path.empty() && m_reported.count({place.before, key}) > 0;
             const bool isInBoth = after.contains(key);
-            if (!isTold && isInBoth)
+            if (!isReported && isInBoth)
                 compareValues(place.at(key), value, after[key]);
-            else if (!isTold)
+            else if (!isReported)
                 add(place.at(key), shown(value, m_before), {});
         }
         for (const auto& [key, value] : after.items()) {
-            const bool isTold = place.path.empty() && m_reported.count({place.before, key}) > 0;
-            if (!isTold && !before.contains(key))
+            const bool isReported = place.path.empty() && m_reported.count({place.before, key}) > 0;
+            if (!isReported && !before.contains(key))
                 add(place.at(key), {}, shown(value, m_after));
         }
     }

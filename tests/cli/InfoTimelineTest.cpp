@@ -69,7 +69,7 @@ TEST(Drawing, BarsHaveTheLengthOfTheirClips) {
               (Lines{"                    [Ra]", "[Beach---][Pier------------------------]"}));
 }
 
-TEST(Drawing, NamesStandWhereThereIsRoom) {
+TEST(Drawing, NamesStandWhereTheyFit) {
     EXPECT_EQ(lanes(withTracks({clip(1, "Beach", 0, 1000, 1), clip(2, "Beach", 1000, 2000, 1),
                                 clip(3, "Beach", 3000, 3000, 1), clip(4, "Beach", 6000, 4000, 1),
                                 clip(5, "A long name of a clip", 10000, 30000, 1)})),

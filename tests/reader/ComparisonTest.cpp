@@ -354,7 +354,7 @@ TEST(Comparison, SeveralEditsOfRenumberedClips) {
               (Texts{"clip-moved Song", "clip-renamed Beach", "clip-trimmed Boat"}));
 }
 
-TEST(Comparison, ClipsOfOneNameAreToldApartByTheirPlaces) {
+TEST(Comparison, ClipsOfOneNameAreDistinguishedByTheirPlaces) {
     json several = holiday();
     clipNamed(several, "Boat")["name"] = "Beach";
     clipNamed(several, "Harbour")["name"] = "Beach";
