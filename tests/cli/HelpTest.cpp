@@ -16,7 +16,8 @@ using Tests::Screen;
 
 namespace {
 
-const QStringList commands = {"migrate", "steps", "run", "info", "verify", "trace", "diff", "explain", "timeline", "help"};
+const QStringList commands = {"migrate", "steps", "run",     "info",     "verify",
+                              "trace",   "diff",  "explain", "timeline", "help"};
 
 class HelpTest : public Tests::ProgramTest {
 protected:
