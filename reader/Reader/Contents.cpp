@@ -4,7 +4,7 @@
 #include "Archive/Internal/TreeFacts.h"
 #include "Archive/Internal/Walk.h"
 #include "Archive/Xml.h"
-#include "Reader/ProjectView.h"
+#include "Reader/Internal/ProjectView.h"
 
 #include <QHash>
 

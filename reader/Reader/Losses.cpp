@@ -2,8 +2,8 @@
 
 #include "Archive/Internal/FlatObjects.h"
 #include "Reader/Error.h"
+#include "Reader/Internal/ProjectView.h"
 #include "Reader/Migration.h"
-#include "Reader/ProjectView.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #include "Reader/Timeline.h"
 
 #include "FS/FS.h"
-#include "Reader/ProjectView.h"
+#include "Reader/Internal/ProjectView.h"
 
 #include <QFileInfo>
 #include <QXmlStreamReader>

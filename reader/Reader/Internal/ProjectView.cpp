@@ -1,4 +1,4 @@
-#include "Reader/ProjectView.h"
+#include "Reader/Internal/ProjectView.h"
 
 #include "Archive/Internal/ArchiveEditor.h"
 #include "Archive/Internal/FlatObjects.h"
