@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <map>
 #include <unordered_map>
 #include <utility>
@@ -116,7 +117,7 @@ std::vector<double> Scale::marks(double step) const {
 }
 
 std::string markText(double time, double step) {
-    const auto milliseconds = static_cast<unsigned long long>(time + 0.5);
+    const auto milliseconds = static_cast<unsigned long long>(std::llround(time));
     const auto two = [](unsigned long long n) { return (n < 10 ? "0" : "") + std::to_string(n); };
     const unsigned long long hours = milliseconds / 3600000;
     const unsigned long long minutes = milliseconds / 60000 % 60;

@@ -176,7 +176,11 @@ public:
         Range place{0, 0, 0, 0}; // `end` is not used
         while (skipKept(place)) {
             if (text.isEmpty())
-                text += QByteArray::fromStdString("--- " + nameBefore + "\n+++ " + nameAfter + '\n');
+                text.append("--- ")
+                    .append(nameBefore.c_str())
+                    .append("\n+++ ")
+                    .append(nameAfter.c_str())
+                    .append('\n');
             text += hunkAt(place);
         }
         return text;
