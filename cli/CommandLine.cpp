@@ -51,6 +51,7 @@ Exit codes:
 18	more memory is needed than any project takes
 19	--check: the project would be migrated without a loss
 20	batch: files failed, or results are not whole
+21	diff found a difference
 22	written, but something of the project is missing in the result)";
 
 // Values
@@ -240,8 +241,11 @@ void addRun(CLI::App& command, Arguments& arguments) {
 void addInfo(CLI::App& command, Arguments& arguments) {
     addFile(command, arguments);
     addFrom(command, arguments);
+    command.add_flag("--timeline", arguments.timeline, "Draw the timelines with their clips as well");
     addMaxMemory(command, arguments);
-    command.footer("Examples:\nadaptors info film.xml\t\nadaptors info film.xml --json\tfor programs");
+    command.footer(
+        "Examples:\nadaptors info film.xml\t\nadaptors info film.xml --timeline\twith a picture of the "
+        "film\nadaptors info film.xml --json\tfor programs");
 }
 
 void addVerify(CLI::App& command, Arguments& arguments) {
@@ -270,11 +274,55 @@ void addTrace(CLI::App& command, Arguments& arguments) {
         ->required();
     addFrom(command, arguments);
     addTo(command, arguments, "The schema version to stop at");
+    command.add_flag("--diff", arguments.diff,
+                     "Write what changed, as \"diff -u\" shows it, beside each document");
     command.add_flag("--force", arguments.force, "Replace documents that exist");
     addRepair(command, arguments);
     addFolders(command, arguments);
     addMaxMemory(command, arguments);
-    command.footer("Example:\nadaptors trace film.xml --output-dir steps --to 30\t");
+    command.footer("Examples:\nadaptors trace film.xml --output-dir steps --to 30\t\n"
+                   "adaptors trace film.xml --output-dir steps --diff\twith a .diff beside each document");
+}
+
+void addDiff(CLI::App& command, Arguments& arguments) {
+    addName(command, "OLD", arguments.file, "OLD",
+            "The project as it was, or the folder that holds it; - is standard input")
+        ->required();
+    addName(command, "NEW", arguments.otherFile, "NEW", "The project as it is now, of any form and version")
+        ->required();
+    command.add_flag(
+        "--raw", arguments.raw,
+        "Compare the documents as they are; without it the older one is migrated in memory first");
+    addFolders(command, arguments);
+    addMaxMemory(command, arguments);
+    command.footer("Exits with 0 where there is no difference, and with 21 where there is one.\n\n"
+                   "Examples:\nadaptors diff film.xml film.v" +
+                   newest + ".json\twhat was edited since the migration\nadaptors diff film.xml film.v" +
+                   newest + ".json --json\t");
+}
+
+void addExplain(CLI::App& command, Arguments& arguments) {
+    addFile(command, arguments);
+    addName(command, "--step", arguments.step, "STEP",
+            "Only this step: a class name, or a beginning of it that no other has");
+    addName(command, "--clip", arguments.clip, "CLIP",
+            "Only what was done to the clips of this name or id, and to what belongs to them");
+    addFrom(command, arguments);
+    addTo(command, arguments, "The schema version to stop at");
+    addFolders(command, arguments);
+    addMaxMemory(command, arguments);
+    command.footer("Examples:\nadaptors explain film.xml\t\nadaptors explain film.xml --step V28\tone step\n"
+                   "adaptors explain film.xml --clip Beach\tone clip");
+}
+
+void addTimeline(CLI::App& command, Arguments& arguments) {
+    addFile(command, arguments);
+    addName(command, "-o,--output", arguments.output, "FILE", "Where the picture goes [standard output]");
+    command.add_flag("--force", arguments.force, "Replace an output that exists");
+    addFrom(command, arguments);
+    addMaxMemory(command, arguments);
+    command.footer(
+        "Examples:\nadaptors timeline film.xml -o film.svg\t\nadaptors timeline film.xml > film.svg\t");
 }
 
 void addRestore(CLI::App& command, Arguments& arguments) {
@@ -342,6 +390,11 @@ constexpr Command commands[] = {
     {"batch", "Migrate all projects below folders, on all cores; can be stopped and taken up again", addBatch,
      Batch::run},
     {"batch-worker", "Migrate the files that a batch names on standard input", addBatchWorker, Batch::work},
+    {"diff", "Compare two projects and say what is different, in the words of the project", addDiff,
+     Commands::diff},
+    {"explain", "Migrate in memory and say what each step did to this project", addExplain,
+     Commands::explain},
+    {"timeline", "Draw the timelines of a project as an SVG picture", addTimeline, Commands::timeline},
 };
 
 void addOptionsForEveryCommand(CLI::App& app, OutputOptions& options) {

@@ -1,6 +1,9 @@
 #include "Commands.h"
 
 #include "Advice.h"
+#include "DiffReport.h"
+#include "ExplainReport.h"
+#include "FileNames.h"
 #include "LossMessages.h"
 #include "Memory.h"
 #include "Messages.h"
@@ -14,7 +17,10 @@
 #include "Repairs/RepairTable.h"
 #include "Repairs/RepairTrial.h"
 #include "Summary.h"
+#include "TimelineReport.h"
+#include "TimelineSvg.h"
 
+#include <QDir>
 #include <QFileInfo>
 
 #include <unistd.h>
@@ -46,23 +52,30 @@ QString nameOfTarget(const QString& target) {
     return nameOf(target, "standard output");
 }
 
+/// Lets the program take as much memory as documents of that size need.
+void limitMemory(const Arguments& arguments, const QString& input, std::optional<qint64> size,
+                 Output& output) {
+    const auto lastWords = [&](const std::string& bound) {
+        return output.textFor(Messages::outOfMemory(nameOf(input), bound));
+    };
+    Memory::limitFor(arguments.maxMemory, size, lastWords, output.descriptorForFailures());
+}
+
+void announceTerminal(const QString& input, Output& output) {
+    if (input == Reader::standardStream && isatty(STDIN_FILENO) != 0 && !output.isQuiet())
+        output.note(Texts::readingFromTerminal());
+}
+
 /// Reads the input, that of `file` where it is given.
 QByteArray readInput(const Arguments& arguments, const QString& input, Output& output,
                      std::optional<Reader::FileInPlace>* file = nullptr) {
-    if (input == Reader::standardStream && isatty(STDIN_FILENO) != 0 && !output.isQuiet())
-        output.note(Texts::readingFromTerminal());
-    const auto limitFor = [&](std::optional<qint64> size) {
-        const auto lastWords = [&](const std::string& bound) {
-            return output.textFor(Messages::outOfMemory(nameOf(input), bound));
-        };
-        Memory::limitFor(arguments.maxMemory, size, lastWords, output.descriptorForFailures());
-    };
-    limitFor({});
+    announceTerminal(input, output);
+    limitMemory(arguments, input, {}, output);
     if (file)
         file->emplace(input);
     QByteArray bytes = file ? (*file)->bytes() : Reader::readFile(input);
     output.setBytes(bytes);
-    limitFor(bytes.size());
+    limitMemory(arguments, input, bytes.size(), output);
     return bytes;
 }
 
@@ -285,7 +298,8 @@ int runRead(const Arguments& arguments, const QString& input, const QByteArray& 
 /// The work of `trace` on a file that was read.
 int traceRead(const Arguments& arguments, const QString& input, const QByteArray& bytes,
               Reader::MigrationOptions options, Output& output) {
-    Reader::Trace trace(path(arguments.folder), optionsToWrite(arguments, input));
+    Reader::Trace trace(path(arguments.folder), optionsToWrite(arguments, input),
+                        arguments.diff ? Reader::Trace::Diffs::Unified : Reader::Trace::Diffs::None);
     Progress progress(output);
     const Repairs::RepairedText text = textOf(bytes, arguments);
     options.textRepairs = text.repairs;
@@ -306,6 +320,27 @@ int traceRead(const Arguments& arguments, const QString& input, const QByteArray
     showLog({migration.report(), nameOf(input)}, output);
     showTrace(trace, migration.report(), output);
     return Messages::Done;
+}
+
+/// A document brought to a version and saved as for its own place: side files are read, and paths are portable.
+Reader::Document broughtTo(int version, Reader::Document document, const Arguments& arguments,
+                           const QString& file) {
+    Reader::MigrationOptions options = optionsFor(arguments, file, file, nullptr);
+    options.to = version;
+    Reader::Migration migration(std::move(document), std::move(options));
+    migration.run();
+    return Reader::parse(migration.save(), nameOf(file), version);
+}
+
+/// The version that two documents are compared at: the newer one; where only one is an archive of it, the first one that
+/// both can have as JSON.
+int versionToCompare(const DiffReport::Input& before, const DiffReport::Input& after) {
+    for (const DiffReport::Input& input : {before, after}) {
+        if (!input.version)
+            throw Reader::Error(Reader::ErrorKind::NoVersion, {.file = input.name});
+    }
+    const int newer = std::max(*before.version, *after.version);
+    return before.form == after.form ? newer : std::max(newer, Reader::lastXmlVersion + 1);
 }
 
 } // namespace
@@ -359,14 +394,20 @@ int info(const Arguments& arguments, Output& output) {
     const Reader::MigrationOptions options = optionsFor(arguments, input, Reader::standardStream, nullptr);
     return Advice::advising(arguments, {bytes, arguments.from, options}, [&] {
         const Reader::Document document = Reader::parse(bytes, name, arguments.from);
+        const TimelineReport::Project project = {Reader::readTimelines(document), folderOf(input)};
         std::optional<Repairs::Trial> trial;
         if (document.version())
             trial = Repairs::tryRepairs(bytes, arguments.from, options);
         const auto* repairs = trial ? &trial->report.repairs : nullptr;
-        if (output.isJson())
-            output.setResult(JsonReport::info(document, repairs));
-        else
-            output.print(Texts::info(document, name, repairs));
+        if (output.isJson()) {
+            JsonReport::Json result = JsonReport::info(document, repairs);
+            result.update(TimelineReport::asJson(project));
+            output.setResult(std::move(result));
+        } else {
+            const auto drawing =
+                arguments.timeline ? std::optional(TimelineDrawing::styleFor(STDOUT_FILENO)) : std::nullopt;
+            output.print(Texts::info(document, name, repairs) + TimelineReport::text(project, drawing));
+        }
         return Messages::Done;
     });
 }
@@ -399,6 +440,111 @@ int repairs(const Arguments&, Output& output) {
         output.setResult(JsonReport::repairList());
     else
         output.print(Texts::repairList());
+    return Messages::Done;
+}
+
+int diff(const Arguments& arguments, Output& output) {
+    if (path(arguments.file) == Reader::standardStream && path(arguments.otherFile) == Reader::standardStream)
+        throw Messages::Failure(Messages::oneStandardInput());
+    const QString fileBefore = inputOf(arguments, output);
+    Arguments others = arguments;
+    others.file = arguments.otherFile;
+    const QString fileAfter = inputFor(others);
+    for (const QString& file : {fileBefore, fileAfter})
+        announceTerminal(file, output);
+    limitMemory(arguments, fileBefore, {}, output);
+    const QByteArray bytesBefore = Reader::readFile(fileBefore);
+    output.setBytes(bytesBefore);
+    const QByteArray bytesAfter = Reader::readFile(fileAfter);
+    limitMemory(arguments, fileBefore, qint64(bytesBefore.size()) + bytesAfter.size(), output);
+
+    Reader::Document before = Reader::parse(bytesBefore, nameOf(fileBefore));
+    Reader::Document after = Reader::parse(bytesAfter, nameOf(fileAfter));
+    DiffReport::Result result = {{nameOf(fileBefore), before.form(), before.version()},
+                                 {nameOf(fileAfter), after.form(), after.version()},
+                                 {},
+                                 {}};
+    if (arguments.raw && before.form() != after.form())
+        throw Messages::Failure(Messages::differentForms(nameOf(fileBefore), nameOf(fileAfter)));
+    if (!arguments.raw)
+        result.comparedAs = versionToCompare(result.before, result.after);
+    const auto prepared = [&](Reader::Document document, const QString& file) {
+        if (result.comparedAs)
+            document = broughtTo(*result.comparedAs, std::move(document), arguments, file);
+        return Reader::readForComparison(document,
+                                         Reader::isStream(file) ? QDir::currentPath() : folderOf(file));
+    };
+    const Reader::ComparedProject projectBefore = prepared(std::move(before), fileBefore);
+    result.differences = Reader::compare(projectBefore, prepared(std::move(after), fileAfter));
+    if (output.isJson())
+        output.setResult(DiffReport::asJson(result));
+    else
+        output.print(DiffReport::text(result));
+    return result.differences.empty() ? Messages::Done : Messages::IsDifferent;
+}
+
+int explain(const Arguments& arguments, Output& output) {
+    const QString input = inputOf(arguments, output);
+    const QString name = nameOf(input);
+    const std::string wanted = arguments.step.empty() ? std::string() : Names::stepFor(arguments.step);
+    Reader::Explanation explanation(arguments.clip);
+    Progress progress(output);
+    Reader::MigrationOptions options = optionsFor(arguments, input, Reader::standardStream, nullptr);
+    options.watch = [&](const Reader::MigrationPart& part, const Reader::Document& document) {
+        explanation.note(part, document);
+        progress.note(part);
+    };
+    Reader::Migration migration(Reader::parse(readInput(arguments, input, output), name, arguments.from),
+                                std::move(options));
+    progress.expect(migration.document(), arguments.to);
+    const auto show = [&] {
+        progress.end();
+        ExplainReport::Result result{name, migration.report(), explanation.steps(), !wanted.empty()};
+        if (!wanted.empty())
+            std::erase_if(result.steps,
+                          [&](const Reader::StepEffect& step) { return step.className != wanted; });
+        if (!wanted.empty() && result.steps.empty())
+            throw Messages::Failure(Messages::stepDidNotRun(name, wanted));
+        if (!arguments.clip.empty() && !explanation.hasFoundClip())
+            throw Messages::Failure(Messages::noSuchClip(name, arguments.clip));
+        if (output.isJson())
+            output.setResult(ExplainReport::asJson(result));
+        else
+            output.print(ExplainReport::text(result));
+    };
+    try {
+        migration.run();
+    } catch (const Reader::Error&) {
+        if (wanted.empty() && (arguments.clip.empty() || explanation.hasFoundClip()))
+            show(); // people look for what led up to the step that fails
+        throw;
+    }
+    show();
+    return Messages::Done;
+}
+
+int timeline(const Arguments& arguments, Output& output) {
+    if (arguments.output.empty())
+        output.yieldStandardOutput();
+    else
+        setTarget(path(arguments.output), output);
+    const QString input = inputOf(arguments, output);
+    const QString name = nameOf(input);
+    const Reader::Document document =
+        Reader::parse(readInput(arguments, input, output), name, arguments.from);
+    const QString ownName =
+        (Reader::isStream(input) ? QStringLiteral("project") : QFileInfo(input).completeBaseName()) +
+        QStringLiteral(".svg");
+    const QString target =
+        arguments.output.empty() ? Reader::standardStream : outputFor(arguments, input, ownName);
+    checkOutput(arguments, input, target);
+    TimelineSvg::Options options;
+    options.title = FileNames::bytesOf(name);
+    const std::string picture = TimelineSvg::timelineSvg(Reader::readTimelines(document), options);
+    Reader::UnfinishedParts made;
+    writeResult(target, QByteArray::fromStdString(picture), optionsToWrite(arguments, input), made);
+    if (output.isJson())
+        output.setResult({{"output", FileNames::bytesOf(nameOfTarget(target))}});
     return Messages::Done;
 }
 

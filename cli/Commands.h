@@ -15,6 +15,8 @@
 /// What the command line says beside the options for every command.
 struct Arguments {
     std::string file;
+    std::string otherFile; ///< what `diff` compares it with
+    std::string clip;      ///< name or id
     std::string output;
     std::string step;
     std::string bundle;
@@ -30,6 +32,9 @@ struct Arguments {
     bool check = false;
     bool list = false;
     bool repair = false;
+    bool timeline = false; ///< draw timelines
+    bool raw = false;      ///< compare documents as they are
+    bool diff = false;     ///< write what changed beside documents
     std::string
         strict; ///< "all" for any loss, anything else that is not empty for those that are not intended
     Reader::Severity failOn = Reader::Severity::Error;
@@ -51,5 +56,8 @@ int verify(const Arguments& arguments, Output& output);
 int trace(const Arguments& arguments, Output& output);
 int restore(const Arguments& arguments, Output& output);
 int repairs(const Arguments& arguments, Output& output);
+int diff(const Arguments& arguments, Output& output);
+int explain(const Arguments& arguments, Output& output);
+int timeline(const Arguments& arguments, Output& output);
 
 } // namespace Commands

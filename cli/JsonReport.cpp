@@ -226,6 +226,8 @@ Json trace(const Reader::Trace& trace, const Reader::MigrationReport& report) {
                   {"file", orNull(entry.file)}};
         if (entry.isRepair)
             step["repair"] = entry.className;
+        if (!entry.diff.isEmpty())
+            step["diff"] = orNull(entry.diff);
         return step;
     });
     result["repairs"] = repairsAsJson(report.repairs);

@@ -236,6 +236,25 @@ Message inPlaceNeedsFile() {
     return wrongUse("--in-place needs a file, not standard input; name the file, or give -o");
 }
 
+Message oneStandardInput() {
+    return wrongUse("only one of the two files can be standard input; name the other one");
+}
+
+Message differentForms(const QString& before, const QString& after) {
+    return wrongUse(FileNames::bytesOf(before) + " and " + FileNames::bytesOf(after) +
+                    " have different forms, and --raw compares only documents of one form; leave --raw out");
+}
+
+Message noSuchClip(const QString& name, const std::string& clip) {
+    return wrongUse(FileNames::bytesOf(name) + " has no clip with the name or id " + quoted(clip) +
+                    "; \"adaptors info --timeline\" shows the clips");
+}
+
+Message stepDidNotRun(const QString& name, const std::string& step) {
+    return wrongUse(step + " does not run on " + FileNames::bytesOf(name) +
+                    "; \"adaptors info\" lists the steps that do");
+}
+
 Message notOneProject(const QString& folder, const QStringList& projects) {
     constexpr int mostNames = 10;
     std::string names;

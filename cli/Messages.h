@@ -38,6 +38,7 @@ enum ExitCode {
     OutOfMemory = 18,
     WouldMigrate = 19, ///< `--check`: a migration has something to do and would lose nothing
     SomeFailed = 20,   ///< `batch`: files failed, or results are not whole
+    IsDifferent = 21,  ///< `diff` found a difference
     Incomplete = 22,   ///< the result was written, and something of the project is missing in it
 };
 
@@ -64,6 +65,10 @@ Message withAdvice(Message message, std::vector<Reader::RepairMade> repairs);
 // Failures that the library does not know.
 
 Message inPlaceNeedsFile();
+Message oneStandardInput();
+Message differentForms(const QString& before, const QString& after);
+Message noSuchClip(const QString& name, const std::string& clip);
+Message stepDidNotRun(const QString& name, const std::string& step);
 Message notOneProject(const QString& folder, const QStringList& projects);
 Message folderNotMade(const QString& folder);
 Message refusedByStrict(const QString& name);

@@ -2,6 +2,7 @@
 
 #include "LossMessages.h"
 #include "Messages.h"
+#include "Phrases.h"
 #include "Repairs/RepairTable.h"
 
 #include <algorithm>
@@ -9,6 +10,9 @@
 #include <numeric>
 #include <sstream>
 
+using Phrases::classText;
+using Phrases::plural;
+using Phrases::timeText;
 using Reader::AdaptorRow;
 using Terminal::Colours;
 using Terminal::escaped;
@@ -22,25 +26,6 @@ std::size_t total(const Reader::ObjectCounts& counts) {
 
 std::string stateOf(Bundle::Backend form, int version) {
     return Reader::formName(form).toStdString() + " of schema version " + std::to_string(version);
-}
-
-std::string plural(std::size_t count, const std::string& noun) {
-    return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
-}
-
-std::string classText(const std::string& className) {
-    return className.empty() ? "(no class)" : escaped(className);
-}
-
-/// "0:01:02.345"
-std::string timeText(long long milliseconds) {
-    const auto part = [](long long number, int digits) {
-        const std::string text = std::to_string(number);
-        return std::string(static_cast<std::size_t>(std::max(0, digits - int(text.size()))), '0') + text;
-    };
-    const long long size = milliseconds < 0 ? -(milliseconds + 1) + 1 : milliseconds;
-    return (milliseconds < 0 ? "-" : "") + part(size / 3600000, 1) + ':' + part(size / 60000 % 60, 2) + ':' +
-           part(size / 1000 % 60, 2) + '.' + part(size % 1000, 3);
 }
 
 /// " (clip "Beach" at 0:00:39.000, Effect::SideBySide, id 12)"

@@ -2,6 +2,7 @@
 
 #include "Archive/Internal/FlatObjects.h"
 #include "Reader/Error.h"
+#include "Reader/Internal/ProjectView.h"
 #include "Reader/Migration.h"
 
 #include <algorithm>
@@ -77,10 +78,8 @@ std::vector<unsigned long long> listedClips(const JsonDocument& document,
         const auto object = document.flat.objects.find(timeline);
         if (object == document.flat.objects.end())
             continue;
-        for (const json& entry : Archive::Internal::memberOf(object->second, "clips")) {
-            const json& clip = Archive::Internal::memberOf(entry, "clip");
-            ids.push_back(Serialize::Json::getAnyObjectId(clip.is_null() ? entry : clip).value_or(0));
-        }
+        for (const json& entry : Archive::Internal::memberOf(object->second, "clips"))
+            ids.push_back(FlatView::targetId(FlatView::clipOf(&entry)));
     }
     return ids;
 }

@@ -55,7 +55,8 @@ protected:
         if (value.contains("error")) {
             EXPECT_EQ(value["error"]["code"], outcome.exitCode);
         } else {
-            EXPECT_TRUE(outcome.exitCode == 0 || outcome.exitCode == 17) << outcome.exitCode;
+            const std::set<int> resultCodes = {0, 17, 21};
+            EXPECT_TRUE(resultCodes.count(outcome.exitCode)) << outcome.exitCode;
         }
         m_codes.insert(outcome.exitCode);
         return value;
@@ -144,7 +145,11 @@ TEST_F(JsonContractTest, EveryCommandKeepsItsSchema) {
         call({"migrate", "sample", "-o", "sample.json", "--force"});
         call({"info", "sample"});
         call({"verify", "sample"});
-        call({"trace", "sample", "--output-dir", QStringLiteral("steps-") + name});
+        call({"trace", "sample", "--output-dir", QStringLiteral("steps-") + name, "--diff"});
+        call({"explain", "sample"});
+        call({"timeline", "sample", "-o", QStringLiteral("film-") + name + ".svg"});
+        EXPECT_EQ(call({"diff", "sample", "sample.json"})["differences"], json::array());
+        EXPECT_FALSE(call({"diff", "sample", "film.xml"})["differences"].empty());
     }
     expectSchemasHold();
 }
@@ -230,11 +235,11 @@ TEST_F(JsonContractTest, EveryExitCodeKeepsTheSchemas) {
 
     EXPECT_EQ(fail(2, {"run", "V1_Nothing", "film.xml", "-o", "x.xml"})["error"]["kind"], "unknown-step");
     EXPECT_EQ(fail(2, {"run", "V55", "film.xml", "-o", "x.xml"})["error"]["kind"], "ambiguous-step");
-    for (const char* command : {"migrate", "run", "info", "verify", "trace", "steps"}) {
+    for (const char* command : {"migrate", "run", "info", "verify", "trace", "steps", "diff", "explain"}) {
         EXPECT_EQ(fail(2, {command, "--what"})["error"]["kind"], "wrong-use");
         EXPECT_EQ(fail(2, {command, "a", "b", "c"})["command"], command);
     }
-    for (const char* command : {"migrate", "run", "info", "verify", "trace"})
+    for (const char* command : {"migrate", "run", "info", "verify", "trace", "diff", "explain"})
         fail(2, {command, ""});
     fail(2, {"migrate", "--in-place", "-"});
     fail(2, {"migrate", "film.xml", "--to", "x"});
