@@ -53,7 +53,7 @@ void sortRootObjects(ArchiveEditor& archive) {
         if (e == place)
             place = place.nextSiblingElement(Words::RootObject);
         else
-            archive.insertBefore(top, e, place);
+            archive.placeBefore(top, e, place);
     }
 }
 
