@@ -55,7 +55,7 @@ void sortRootObjects(ArchiveEditor& archive) {
         if (e == place)
             place = place.nextSiblingElement(Words::RootObject);
         else
-            archive.insertBefore(top, e, place);
+            archive.placeBefore(top, e, place);
     }
 }
 

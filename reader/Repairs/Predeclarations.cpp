@@ -84,7 +84,7 @@ private:
         if (predeclarator.isNull()) {
             predeclarator = archive.appendRootObject(Words::Predeclarator, archive.nextId());
             const QDomElement top = archive.root();
-            archive.insertBefore(top, predeclarator, top.firstChildElement(Words::RootObject));
+            archive.placeBefore(top, predeclarator, top.firstChildElement(Words::RootObject));
         }
         archive.fields(predeclarator).array(Words::predeclarations);
         archive.setPredeclarations(predeclarator.firstChildElement(Words::predeclarations));

@@ -27,7 +27,7 @@ public:
         const QDomElement top = archive.root();
         if (top.firstChildElement(Words::RootRef).isNull()) {
             archive.fields(top).reference(Words::RootRef, wrappedIdOf(m_root));
-            archive.insertBefore(top, top.lastChildElement(Words::RootRef), top.firstChildElement());
+            archive.placeBefore(top, top.lastChildElement(Words::RootRef), top.firstChildElement());
         } else {
             archive.setField(top, Words::RootRef, QString::number(Archive::objectIdOf(m_root)));
         }
