@@ -1,6 +1,7 @@
 #include "batch/StopSignals.h"
 
 #include "Messages.h"
+#include "Reader/Unfinished.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -26,7 +27,7 @@ extern "C" void noteSignal(int number) {
 StopSignals::StopSignals() {
     if (pipe2(pipeEnds.data(), O_CLOEXEC | O_NONBLOCK) != 0)
         throw Messages::Failure(Messages::unexpected("no pipe for signals"));
-    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const int number : Reader::endingSignals) {
         struct sigaction action = {};
         if (sigaction(number, nullptr, &action) != 0 || action.sa_handler == SIG_IGN)
             continue;
@@ -39,7 +40,7 @@ StopSignals::StopSignals() {
 
 StopSignals::~StopSignals() {
     m_notifier.reset();
-    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const int number : Reader::endingSignals) {
         struct sigaction action = {};
         if (sigaction(number, nullptr, &action) == 0 && action.sa_handler == noteSignal) {
             action = {};
