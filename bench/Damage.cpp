@@ -7,7 +7,7 @@
 #include "Reader/Migration.h"
 #include "Reader/Verify.h"
 #include "Reader/XmlText.h"
-#include "Recovery/Recovery.h"
+#include "Repairs/Opening.h"
 #include "bench/Generator.h"
 
 #include <algorithm>
@@ -110,10 +110,11 @@ void removeClips(QDomDocument& archive, std::size_t surplus) {
     }
 }
 
-QByteArray migrated(Reader::Document document, int to) {
+QByteArray migrated(Reader::Document document, int to, bool repair = false) {
     Reader::MigrationOptions options;
     options.name = options.location = options.target = name;
     options.to = to;
+    options.repair = repair;
     Reader::Migration migration(std::move(document), options);
     migration.run();
     return migration.save();
@@ -191,14 +192,15 @@ std::map<Id, long long> timesOf(const Reader::Document& document) {
 }
 
 /// The clips that are at another time than in the healthy project, but for those that are reported as moved.
-std::string wrongTimes(const Reader::Recovered& recovered, const Healthy& healthy) {
+std::string wrongTimes(const Reader::Document& document, const Reader::RecoveryReport& report,
+                       const Healthy& healthy) {
     ClipIds moved;
-    for (const Reader::RecoveredClip& clip : recovered.report.clipsMoved)
+    for (const Reader::RecoveredClip& clip : report.clipsMoved)
         moved.insert(clip.id);
-    for (const Reader::RecoveredClip& clip : recovered.report.clipsReduced)
+    for (const Reader::RecoveredClip& clip : report.clipsReduced)
         moved.insert(clip.id);
     std::string text;
-    for (const auto& [id, time] : timesOf(recovered.document)) {
+    for (const auto& [id, time] : timesOf(document)) {
         const auto before = healthy.times.find(id);
         if (before != healthy.times.end() && before->second != time && !moved.count(id))
             text += ' ' + std::to_string(id);
@@ -268,22 +270,19 @@ Rescue rescue(const QByteArray& damaged, const Healthy& healthy) {
     const ClipIds whole = common(wholeClips(damaged), healthy.clips);
     result.whole = whole.size();
     try {
-        auto recovered = Reader::recover(damaged, name);
-        if (!recovered) {
-            result.problem = "nothing is recovered";
-            return result;
-        }
-        const ClipIds clips = clipsOf(recovered->document);
+        Repairs::Opened opened = Repairs::open(damaged, name);
+        const Reader::RecoveryReport report = opened.report.recovery.value_or(Reader::RecoveryReport());
+        const ClipIds clips = clipsOf(opened.document);
         result.recovered = common(clips, healthy.clips).size();
-        result.inPlace = recovered->report.clipsInPlace;
+        result.inPlace = opened.report.recovery ? report.clipsInPlace : result.recovered;
         if (const std::string lost = missing(whole, clips); !lost.empty())
             result.problem += "recovery loses the clips" + lost + "; ";
-        if (const std::string wrong = wrongTimes(*recovered, healthy); !wrong.empty())
+        if (const std::string wrong = wrongTimes(opened.document, report, healthy); !wrong.empty())
             result.problem += "these clips are at another time:" + wrong + "; ";
-        if (const std::string faults = faultsOf(recovered->document); !faults.empty())
+        if (const std::string faults = faultsOf(opened.document); !faults.empty())
             result.problem += "the recovered document has faults: " + faults;
         const Reader::Document document =
-            Reader::parse(migrated(std::move(recovered->document), Reader::currentVersion), name);
+            Reader::parse(migrated(std::move(opened.document), Reader::currentVersion, true), name);
         if (const std::string lost = missing(common(whole, healthy.migrated), clipsOf(document));
             !lost.empty())
             result.problem += "the migration loses the clips" + lost + "; ";

@@ -1,5 +1,6 @@
 #include "Advice.h"
 
+#include "Recovery/Recovery.h"
 #include "Repairs/RepairTrial.h"
 
 namespace Advice {
@@ -7,15 +8,14 @@ namespace {
 
 /// Whether repairs can help at all: what failed is the document, and not a file or an option.
 bool isOfDocument(Reader::ErrorKind kind) {
-    switch (kind) {
-    case Reader::ErrorKind::BrokenXml:
-    case Reader::ErrorKind::BrokenJson:
-    case Reader::ErrorKind::MissingRoot:
-    case Reader::ErrorKind::StepFailed:
-        return true;
-    default:
-        return false;
-    }
+    return kind == Reader::ErrorKind::StepFailed || Reader::isRecoverable(kind);
+}
+
+/// Whether a project comes out that is worth having.
+bool helps(const Repairs::Trial& trial) {
+    const auto& recovery = trial.report.recovery;
+    const bool hasContent = !recovery || recovery->isComplete() || recovery->clipsKept() > 0;
+    return trial.succeeds && trial.hasRepairs() && hasContent;
 }
 
 Repairs::Trial tryRepairs(const Subject& subject) {
@@ -28,9 +28,9 @@ std::optional<Messages::Message> messageFor(const Reader::Error& error, const Su
     if (!isOfDocument(error.kind()))
         return std::nullopt;
     Repairs::Trial trial = tryRepairs(subject);
-    if (!trial.succeeds || trial.report.repairs.empty())
+    if (!helps(trial))
         return std::nullopt;
-    return Messages::withAdvice(Messages::messageFor(error), std::move(trial.report.repairs));
+    return Messages::withAdvice(Messages::messageFor(error), std::move(trial.report));
 }
 
 std::vector<Reader::RepairMade> repairsFor(const Reader::MigrationReport& report, const Subject& subject) {

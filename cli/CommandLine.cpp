@@ -143,8 +143,8 @@ void addTo(CLI::App& command, Arguments& arguments, const std::string& help) {
 void addRepair(CLI::App& command, Arguments& arguments) {
     command.add_flag(
         "--repair", arguments.repair,
-        "Repair what the steps can't pass or would lose, and list what was repaired; \"adaptors repairs\" "
-        "lists all repairs");
+        "Recover a damaged file, repair what the steps can't pass or would lose, and list what was done; "
+        "\"adaptors repairs\" lists all repairs");
 }
 
 void addFolders(CLI::App& command, Arguments& arguments) {
@@ -293,6 +293,7 @@ void addDiff(CLI::App& command, Arguments& arguments) {
     command.add_flag(
         "--raw", arguments.raw,
         "Compare the documents as they are; without it the older one is migrated in memory first");
+    addRepair(command, arguments);
     addFolders(command, arguments);
     addMaxMemory(command, arguments);
     command.footer("Exits with 0 where there is no difference, and with 21 where there is one.\n\n"
@@ -307,6 +308,7 @@ void addExplain(CLI::App& command, Arguments& arguments) {
             "Only this step: a class name, or a beginning of it that no other has");
     addName(command, "--clip", arguments.clip, "CLIP",
             "Only what was done to the clips of this name or id, and to what belongs to them");
+    addRepair(command, arguments);
     addFrom(command, arguments);
     addTo(command, arguments, "The schema version to stop at");
     addFolders(command, arguments);
@@ -337,8 +339,10 @@ void addRestore(CLI::App& command, Arguments& arguments) {
 }
 
 void addRepairs(CLI::App& command, Arguments&) {
-    command.footer("migrate, run and trace make them with --repair, where the document needs "
-                   "them.\n\nExamples:\nadaptors repairs\t\nadaptors repairs --json\tfor programs");
+    command.footer(
+        "migrate, batch, run, trace, diff and explain make them with --repair, where the document needs "
+        "them, and recover damaged files.\n\nExamples:\nadaptors repairs\t\nadaptors repairs --json\tfor "
+        "programs");
 }
 
 /// The options of `migrate` that hold for each file of a batch; workers get them all.

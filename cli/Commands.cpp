@@ -14,7 +14,7 @@
 #include "Reader/Files.h"
 #include "Reader/Migration.h"
 #include "Reader/Unfinished.h"
-#include "Repairs/RepairTable.h"
+#include "Repairs/Opening.h"
 #include "Repairs/RepairTrial.h"
 #include "Summary.h"
 #include "TimelineReport.h"
@@ -130,7 +130,8 @@ void showLog(const Summary& summary, Output& output) {
         output.note(Texts::errors(summary, output.colours()));
         return;
     }
-    output.note(Texts::repairs(summary.report.repairs) + Texts::log(summary.report, output.colours()));
+    output.note(Texts::opening(summary.report, output.colours()) + Texts::repairs(summary.report.repairs) +
+                Texts::log(summary.report, output.colours()));
     if (output.isVerbose())
         output.note("steps that ran:\n" + Texts::steps(summary.report));
 }
@@ -142,9 +143,10 @@ void showTrace(const Reader::Trace& trace, const Reader::MigrationReport& report
         output.print(Texts::trace(trace));
 }
 
-/// Whether something is lost that no schema version meant to remove, or a step reported an error.
+/// Whether something is lost that no schema version meant to remove, by a step or in a damaged file, or a step reported
+/// an error.
 bool wouldLose(const Reader::MigrationReport& report) {
-    return report.hasErrors() || report.hasUnintendedLosses();
+    return report.hasErrors() || report.hasUnintendedLosses() || report.isFromIncompleteFile();
 }
 
 bool isRefused(const Arguments& arguments, const Reader::MigrationReport& report) {
@@ -154,7 +156,7 @@ bool isRefused(const Arguments& arguments, const Reader::MigrationReport& report
 
 /// Whether all that the input held is in the result, except what schema versions removed on purpose.
 bool isWhole(const Reader::MigrationReport& report) {
-    return !report.hasHarmfulLosses() &&
+    return !report.hasHarmfulLosses() && !report.isFromIncompleteFile() &&
            std::all_of(report.log.begin(), report.log.end(), [](const Reader::LogLine& line) {
                return !line.isError() || LossMessages::isHarmless(line);
            });
@@ -166,15 +168,21 @@ bool isUpToDate(const Reader::Document& document, const Arguments& arguments) {
     return document.version() == arguments.to && hasFormOfTarget && arguments.bundle.empty();
 }
 
-/// The text of the document, with the repairs that --repair makes on it.
-Repairs::RepairedText textOf(const QByteArray& bytes, const Arguments& arguments) {
-    return arguments.repair ? Repairs::repairText(bytes) : Repairs::RepairedText{bytes, {}};
+/// The project in a file; with --repair also in one that is damaged.
+Repairs::Opened opened(const QByteArray& bytes, const QString& name, const Arguments& arguments) {
+    return arguments.repair ? Repairs::open(bytes, name, arguments.from)
+                            : Repairs::Opened{Reader::parse(bytes, name, arguments.from), {}};
 }
 
 /// Whether --repair changes the document.
 bool needsRepair(const QByteArray& bytes, const Arguments& arguments,
                  const Reader::MigrationOptions& options) {
-    return arguments.repair && !Repairs::tryRepairs(bytes, arguments.from, options).report.repairs.empty();
+    return arguments.repair && Repairs::tryRepairs(bytes, arguments.from, options).hasRepairs();
+}
+
+/// The exit code of a command that did its work on a document, whatever the steps lost.
+int exitCodeAfterOpening(const Reader::MigrationReport& report) {
+    return report.isFromIncompleteFile() ? Messages::Incomplete : Messages::Done;
 }
 
 /// A document that a command has read.
@@ -218,20 +226,18 @@ struct Job {
 
 int migrateRead(const Arguments& arguments, const Job& job, Output& output) {
     const QString name = nameOf(job.input);
-    const Repairs::RepairedText text = textOf(job.bytes, arguments);
-    const auto read = [&] { return Reader::parse(text.bytes, name, arguments.from); };
-    Reader::Document document = read();
-    if (isUpToDate(document, arguments) && !needsRepair(job.bytes, arguments, job.options))
-        return passOn(arguments, {job.bytes, document, job.input, job.target}, output);
+    Repairs::Opened project = opened(job.bytes, name, arguments);
+    if (isUpToDate(project.document, arguments) && !needsRepair(job.bytes, arguments, job.options))
+        return passOn(arguments, {job.bytes, project.document, job.input, job.target}, output);
     if (!arguments.check)
         checkOutput(arguments, job.input, job.target);
 
     Progress progress(output);
     Reader::MigrationOptions options = job.options;
-    options.textRepairs = text.repairs;
-    options.reread = read;
+    options.opening = std::move(project.report);
+    options.reread = [&] { return opened(job.bytes, name, arguments).document; };
     options.watch = [&](const Reader::MigrationPart& part, const Reader::Document&) { progress.note(part); };
-    Reader::Migration migration(std::move(document), std::move(options));
+    Reader::Migration migration(std::move(project.document), std::move(options));
     progress.expect(migration.document(), arguments.to);
     migration.run();
     const Reader::MigrationReport& report = migration.report();
@@ -271,18 +277,18 @@ int migrateRead(const Arguments& arguments, const Job& job, Output& output) {
 /// The work of `run` on a file that was read.
 int runRead(const Arguments& arguments, const QString& input, const QByteArray& bytes,
             const std::string& step, Output& output) {
-    const Repairs::RepairedText text = textOf(bytes, arguments);
-    Reader::Document document = Reader::parse(text.bytes, nameOf(input), arguments.from);
-    const QString ownName = Reader::isStream(input) ? document.isXml() ? "project.xml" : "project.json"
-                                                    : QFileInfo(input).fileName();
+    Repairs::Opened project = opened(bytes, nameOf(input), arguments);
+    const QString ownName = Reader::isStream(input)
+                                ? project.document.isXml() ? "project.xml" : "project.json"
+                                : QFileInfo(input).fileName();
     const QString target =
         arguments.output.empty() ? Reader::standardStream : outputFor(arguments, input, ownName);
     checkOutput(arguments, input, target);
     const auto made = std::make_shared<Reader::UnfinishedParts>();
-    const bool hasVersion = document.version().has_value();
+    const bool hasVersion = project.document.version().has_value();
     Reader::MigrationOptions options = optionsFor(arguments, input, target, made);
-    options.textRepairs = text.repairs;
-    Reader::Migration migration(std::move(document), std::move(options));
+    options.opening = std::move(project.report);
+    Reader::Migration migration(std::move(project.document), std::move(options));
     migration.runOnly(step);
     Summary summary{migration.report(), nameOf(input)};
     summary.hasVersion = hasVersion;
@@ -292,7 +298,7 @@ int runRead(const Arguments& arguments, const QString& input, const QByteArray& 
     summary.output = nameOfTarget(target);
     if (output.isJson())
         output.setResult(JsonReport::migration(summary));
-    return Messages::Done;
+    return exitCodeAfterOpening(migration.report());
 }
 
 /// The work of `trace` on a file that was read.
@@ -301,13 +307,13 @@ int traceRead(const Arguments& arguments, const QString& input, const QByteArray
     Reader::Trace trace(path(arguments.folder), optionsToWrite(arguments, input),
                         arguments.diff ? Reader::Trace::Diffs::Unified : Reader::Trace::Diffs::None);
     Progress progress(output);
-    const Repairs::RepairedText text = textOf(bytes, arguments);
-    options.textRepairs = text.repairs;
+    Repairs::Opened project = opened(bytes, nameOf(input), arguments);
+    options.opening = std::move(project.report);
     options.watch = [&](const Reader::MigrationPart& part, const Reader::Document& document) {
         trace.note(part, document);
         progress.note(part);
     };
-    Reader::Migration migration(Reader::parse(text.bytes, nameOf(input), arguments.from), std::move(options));
+    Reader::Migration migration(std::move(project.document), std::move(options));
     progress.expect(migration.document(), arguments.to);
     try {
         migration.run();
@@ -319,7 +325,7 @@ int traceRead(const Arguments& arguments, const QString& input, const QByteArray
     progress.end();
     showLog({migration.report(), nameOf(input)}, output);
     showTrace(trace, migration.report(), output);
-    return Messages::Done;
+    return exitCodeAfterOpening(migration.report());
 }
 
 /// A document brought to a version and saved as for its own place: side files are read, and paths are portable.
@@ -458,8 +464,8 @@ int diff(const Arguments& arguments, Output& output) {
     const QByteArray bytesAfter = Reader::readFile(fileAfter);
     limitMemory(arguments, fileBefore, qint64(bytesBefore.size()) + bytesAfter.size(), output);
 
-    Reader::Document before = Reader::parse(bytesBefore, nameOf(fileBefore));
-    Reader::Document after = Reader::parse(bytesAfter, nameOf(fileAfter));
+    Reader::Document before = opened(bytesBefore, nameOf(fileBefore), arguments).document;
+    Reader::Document after = opened(bytesAfter, nameOf(fileAfter), arguments).document;
     DiffReport::Result result = {{nameOf(fileBefore), before.form(), before.version()},
                                  {nameOf(fileAfter), after.form(), after.version()},
                                  {},
@@ -494,8 +500,9 @@ int explain(const Arguments& arguments, Output& output) {
         explanation.note(part, document);
         progress.note(part);
     };
-    Reader::Migration migration(Reader::parse(readInput(arguments, input, output), name, arguments.from),
-                                std::move(options));
+    Repairs::Opened project = opened(readInput(arguments, input, output), name, arguments);
+    options.opening = std::move(project.report);
+    Reader::Migration migration(std::move(project.document), std::move(options));
     progress.expect(migration.document(), arguments.to);
     const auto show = [&] {
         progress.end();
@@ -510,7 +517,7 @@ int explain(const Arguments& arguments, Output& output) {
         if (output.isJson())
             output.setResult(ExplainReport::asJson(result));
         else
-            output.print(ExplainReport::text(result));
+            output.print(ExplainReport::text(result, output.colours()));
     };
     try {
         migration.run();
@@ -520,7 +527,7 @@ int explain(const Arguments& arguments, Output& output) {
         throw;
     }
     show();
-    return Messages::Done;
+    return exitCodeAfterOpening(migration.report());
 }
 
 int timeline(const Arguments& arguments, Output& output) {

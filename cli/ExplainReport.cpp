@@ -1,7 +1,8 @@
 #include "ExplainReport.h"
 
+#include "JsonReport.h"
 #include "Phrases.h"
-#include "Terminal.h"
+#include "Summary.h"
 
 #include <algorithm>
 
@@ -108,11 +109,12 @@ Json stepAsJson(const StepEffect& step) {
 
 } // namespace
 
-std::string text(const Result& result) {
+std::string text(const Result& result, const Terminal::Colours& colours) {
     const Reader::MigrationReport& report = result.report;
     std::string out = Terminal::escaped(result.input) + ": " +
                       Reader::formName(report.formBefore).toStdString() + " of schema version " +
-                      std::to_string(report.from) + '\n';
+                      std::to_string(report.from) + '\n' + Texts::opening(report, colours) +
+                      Texts::repairs(report.repairs);
     std::size_t unchanged = 0;
     for (const StepEffect& step : result.steps) {
         if (step.changedNothing() && !result.isOneStep)
@@ -135,7 +137,10 @@ Json asJson(const Result& result) {
         else
             steps.push_back(stepAsJson(step));
     }
-    return {{"steps", std::move(steps)}, {"unchanged", std::move(unchanged)}};
+    return {{"steps", std::move(steps)},
+            {"unchanged", std::move(unchanged)},
+            {"recovery", JsonReport::recoveryAsJson(result.report.recovery)},
+            {"repairs", JsonReport::repairsAsJson(result.report.repairs)}};
 }
 
 } // namespace ExplainReport

@@ -2,6 +2,7 @@
 
 #include "Reader/Explanation.h"
 #include "Reader/MigrationReport.h"
+#include "Terminal.h"
 
 #include <nlohmann/json.hpp>
 
@@ -20,7 +21,7 @@ struct Result {
     bool isOneStep = false;                ///< shown also where it changed nothing
 };
 
-std::string text(const Result& result);
+std::string text(const Result& result, const Terminal::Colours& colours);
 nlohmann::ordered_json asJson(const Result& result);
 
 } // namespace ExplainReport

@@ -2,6 +2,7 @@
 
 #include "FileNames.h"
 #include "LossMessages.h"
+#include "RecoveryText.h"
 #include "Repairs/RepairTable.h"
 
 namespace JsonReport {
@@ -79,28 +80,6 @@ Json logAsJson(const Reader::MigrationReport& report) {
     });
 }
 
-Json repairsAsJson(const std::vector<Reader::RepairMade>& repairs) {
-    return listOf(repairs, [](const Reader::RepairMade& repair) {
-        return Json{
-            {"name", repair.name},
-            {"before", repair.before},
-            {"count", repair.count},
-            {"text", repair.text},
-            {"objects", listOf(repair.objects,
-                               [](const Reader::LoggedObject& object) {
-                                   return Json{{"class", object.className}, {"id", object.id}};
-                               })},
-            {"clips",
-             listOf(repair.clips(),
-                    [](const Reader::Part& clip) {
-                        return Json{{"id", clip.id}, {"name", clip.name}, {"time", orNull(clip.time)}};
-                    })},
-            {"places", listOf(repair.places, [](const Reader::TextPlace& place) {
-                 return Json{{"line", place.line}, {"column", place.column}, {"what", place.what}};
-             })}};
-    });
-}
-
 Json clipsAsJson(const Reader::MigrationReport& report) {
     Json lost = Json::array();
     for (const Reader::Loss& loss : report.losses) {
@@ -140,10 +119,37 @@ Json errorAsJson(const Messages::Message& error) {
     add("byte", orNull(error.byte));
     add("step", orNull(error.step));
     add("repairs", error.repairs.empty() ? Json() : repairsAsJson(error.repairs));
+    add("recovery", recoveryAsJson(error.recovery));
     return result;
 }
 
 } // namespace
+
+Json repairsAsJson(const std::vector<Reader::RepairMade>& repairs) {
+    return listOf(repairs, [](const Reader::RepairMade& repair) {
+        return Json{
+            {"name", repair.name},
+            {"before", repair.before},
+            {"count", repair.count},
+            {"text", repair.text},
+            {"objects", listOf(repair.objects,
+                               [](const Reader::LoggedObject& object) {
+                                   return Json{{"class", object.className}, {"id", object.id}};
+                               })},
+            {"clips",
+             listOf(repair.clips(),
+                    [](const Reader::Part& clip) {
+                        return Json{{"id", clip.id}, {"name", clip.name}, {"time", orNull(clip.time)}};
+                    })},
+            {"places", listOf(repair.places, [](const Reader::TextPlace& place) {
+                 return Json{{"line", place.line}, {"column", place.column}, {"what", place.what}};
+             })}};
+    });
+}
+
+Json recoveryAsJson(const std::optional<Reader::RecoveryReport>& report) {
+    return report ? recovery(*report) : Json();
+}
 
 Json object(const Envelope& envelope, const Json& result, const Messages::Message* error) {
     Json all;
@@ -175,6 +181,7 @@ Json migration(const Summary& summary) {
     result["steps"] = report.steps;
     result["skipped"] = report.skipped;
     result["log"] = logAsJson(report);
+    result["recovery"] = recoveryAsJson(report.recovery);
     result["repairs"] = repairsAsJson(report.repairs);
     result["advice"] = repairsAsJson(summary.advice);
     result["objects"] = {{"in", countsAsJson(report.objectsBefore)},
@@ -230,6 +237,7 @@ Json trace(const Reader::Trace& trace, const Reader::MigrationReport& report) {
             step["diff"] = orNull(entry.diff);
         return step;
     });
+    result["recovery"] = recoveryAsJson(report.recovery);
     result["repairs"] = repairsAsJson(report.repairs);
     result["log"] = logAsJson(report);
     return result;

@@ -46,4 +46,10 @@ Json trace(const Reader::Trace& trace, const Reader::MigrationReport& report);
 Json stepList(int from, int to);
 Json repairList();
 
+// Parts of several of these.
+
+Json repairsAsJson(const std::vector<Reader::RepairMade>& repairs);
+/// null where nothing was recovered.
+Json recoveryAsJson(const std::optional<Reader::RecoveryReport>& report);
+
 } // namespace JsonReport

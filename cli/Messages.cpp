@@ -3,6 +3,7 @@
 #include "FileNames.h"
 #include "Reader/AdaptorTable.h"
 #include "Reader/Files.h"
+#include "RecoveryText.h"
 #include "Repairs/RepairTable.h"
 
 #include <set>
@@ -199,15 +200,16 @@ std::string describe(const Reader::RepairMade& repair) {
     return repair.name + ": " + sentence;
 }
 
-Message withAdvice(Message message, std::vector<Reader::RepairMade> repairs) {
-    std::string what;
+Message withAdvice(Message message, Reader::MigrationReport report) {
+    std::string what = report.recovery ? "; " + Texts::recoveryInShort(*report.recovery) : std::string();
     std::set<std::string> known;
-    for (const Reader::RepairMade& repair : repairs) {
+    for (const Reader::RepairMade& repair : report.repairs) {
         if (known.insert(repair.name).second)
             what += "; " + describe(repair);
     }
     message.text += "; --repair would help" + what;
-    message.repairs = std::move(repairs);
+    message.repairs = std::move(report.repairs);
+    message.recovery = std::move(report.recovery);
     return message;
 }
 

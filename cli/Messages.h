@@ -52,6 +52,7 @@ struct Message {
     std::optional<qint64> byte = {};
     std::string step = {};                        ///< class name of the adaptor that failed; empty for none
     std::vector<Reader::RepairMade> repairs = {}; ///< those with which it would succeed
+    std::optional<Reader::RecoveryReport> recovery = {}; ///< what would be recovered of a damaged file
 };
 
 Message messageFor(const Reader::Error& error);
@@ -59,8 +60,8 @@ Message messageFor(const Reader::Error& error);
 /// What a repair does, a part of a sentence: "second-timelines: timelines after the first get ...".
 std::string describe(const Reader::RepairMade& repair);
 
-/// The message of an error where --repair would help by making these repairs.
-Message withAdvice(Message message, std::vector<Reader::RepairMade> repairs);
+/// The message of an error where --repair would help, by what that report says of a migration with it.
+Message withAdvice(Message message, Reader::MigrationReport report);
 
 // Failures that the library does not know.
 

@@ -47,6 +47,13 @@ void writeDamage(std::ostream& out, const RecoveryReport& report) {
         out << "    and " << plural(more, "place") << " more\n";
 }
 
+/// Whether more is wrong than the schema version.
+bool isDamaged(const RecoveryReport& report) {
+    return !std::all_of(report.findings.begin(), report.findings.end(), [](const auto& finding) {
+        return finding.damage == Reader::Damage::Version;
+    }) || report.findings.empty();
+}
+
 void writeVersion(std::ostream& out, const RecoveryReport& report) {
     if (!report.versionGuess)
         return;
@@ -54,6 +61,9 @@ void writeVersion(std::ostream& out, const RecoveryReport& report) {
     if (report.versionGuess->highest > report.version)
         out << "; it may be up to " << report.versionGuess->highest;
     out << '\n';
+    if (report.newerVersion)
+        out << "    the file states version " << *report.newerVersion
+            << ": a newer editor may have written it, and what that editor added may be lost\n";
     for (const std::string& reason : report.versionGuess->reasons)
         out << "      " << escaped(reason) << '\n';
 }
@@ -69,8 +79,8 @@ JsonReport::Json clipsAsJson(const std::vector<RecoveredClip>& clips) {
 
 std::string Texts::recovery(const RecoveryReport& report, const Terminal::Colours& colours) {
     std::ostringstream out;
-    out << "  " << colours.yellow("damaged file") << ": "
-        << (report.isComplete() ? "nothing is missing" : "something is missing") << '\n';
+    out << "  " << colours.yellow(isDamaged(report) ? "damaged file" : "schema version missing or wrong")
+        << ": " << (report.isComplete() ? "nothing is missing" : "something is missing") << '\n';
     writeDamage(out, report);
     writeVersion(out, report);
     out << "    " << plural(report.objectsWhole, "object") << " whole, " << report.objectsClosed
@@ -87,6 +97,17 @@ std::string Texts::recovery(const RecoveryReport& report, const Terminal::Colour
     return out.str();
 }
 
+std::string Texts::recoveryInShort(const RecoveryReport& report) {
+    std::string text = isDamaged(report) ? "the file is damaged" : "the schema version is missing or wrong";
+    text += ": " + plural(report.clipsKept(), "clip") + (report.clipsKept() == 1 ? " is" : " are") +
+            " recoverable";
+    if (const std::size_t lost = report.clipsLost.size(); lost > 0)
+        text += ", " + std::to_string(lost) + (lost == 1 ? " is" : " are") + " lost";
+    else if (!report.isComplete())
+        text += ", something else is lost";
+    return text;
+}
+
 JsonReport::Json JsonReport::recovery(const RecoveryReport& report) {
     Json findings = Json::array();
     for (const Reader::DamageFinding& finding : report.findings)
@@ -100,27 +121,24 @@ JsonReport::Json JsonReport::recovery(const RecoveryReport& report) {
         guess = {{"highest", report.versionGuess->highest}, {"reasons", report.versionGuess->reasons}};
     return {{"complete", report.isComplete()},
             {"findings", findings},
-            {"findings_left_out", report.findingsLeftOut},
+            {"findingsLeftOut", report.findingsLeftOut},
             {"encoding", report.encoding},
             {"version", report.version},
-            {"version_guess", guess},
+            {"versionGuess", guess},
+            {"newerVersion", report.newerVersion ? Json(*report.newerVersion) : Json()},
             {"objects",
              {{"whole", report.objectsWhole},
-              {"in_part", report.objectsClosed},
+              {"inPart", report.objectsClosed},
               {"lost", report.objectsDropped},
               {"made", report.objectsMade}}},
-            {"references_cleared", report.referencesCleared},
-            {"entries_removed", report.entriesDropped},
-            {"predeclarations_mended", report.predeclarationsMended},
-            {"counts_mended", report.countsMended},
-            {"characters_replaced", report.charactersReplaced},
+            {"referencesCleared", report.referencesCleared},
+            {"entriesRemoved", report.entriesDropped},
+            {"predeclarationsMended", report.predeclarationsMended},
+            {"countsMended", report.countsMended},
+            {"charactersReplaced", report.charactersReplaced},
             {"clips",
-             {{"in_place", report.clipsInPlace},
+             {{"inPlace", report.clipsInPlace},
               {"moved", clipsAsJson(report.clipsMoved)},
-              {"in_part", clipsAsJson(report.clipsReduced)},
+              {"inPart", clipsAsJson(report.clipsReduced)},
               {"lost", clipsAsJson(report.clipsLost)}}}};
-}
-
-Messages::ExitCode exitCodeAfter(const RecoveryReport& report) {
-    return report.isComplete() ? Messages::Done : Messages::Incomplete;
 }

@@ -14,6 +14,9 @@ namespace Texts {
 /// it, for the summary. Names of clips are fit for a terminal.
 std::string recovery(const Reader::RecoveryReport& report, const Terminal::Colours& colours);
 
+/// The same in a part of a sentence: "the file is damaged: 58 clips are recoverable, 2 are lost".
+std::string recoveryInShort(const Reader::RecoveryReport& report);
+
 } // namespace Texts
 
 namespace JsonReport {
@@ -21,6 +24,3 @@ namespace JsonReport {
 Json recovery(const Reader::RecoveryReport& report);
 
 } // namespace JsonReport
-
-/// The exit code of a command that recovered a file and did the rest of its work: Done only where nothing is missing.
-Messages::ExitCode exitCodeAfter(const Reader::RecoveryReport& report);

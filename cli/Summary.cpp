@@ -3,6 +3,7 @@
 #include "LossMessages.h"
 #include "Messages.h"
 #include "Phrases.h"
+#include "RecoveryText.h"
 #include "Repairs/RepairTable.h"
 
 #include <algorithm>
@@ -159,6 +160,7 @@ std::string summary(const Summary& summary, Detail detail, const Colours& colour
     if (!report.skipped.empty())
         out << "  " << colours.yellow("warning") << ": " << plural(report.skipped.size(), "step")
             << " skipped, made for archives only: " << join(report.skipped) << '\n';
+    out << opening(report, colours);
     for (const Reader::RepairMade& repair : report.repairs)
         out << "  repaired: " << repairText(repair) << '\n';
     for (const Reader::LogLine& line : report.log)
@@ -182,6 +184,10 @@ std::string summary(const Summary& summary, Detail detail, const Colours& colour
     return out.str();
 }
 
+std::string opening(const Reader::MigrationReport& report, const Colours& colours) {
+    return report.recovery ? recovery(*report.recovery, colours) : std::string();
+}
+
 std::string repairs(const std::vector<Reader::RepairMade>& repairs) {
     std::string text;
     for (const Reader::RepairMade& repair : repairs)
@@ -194,6 +200,8 @@ std::string errors(const Summary& summary, const Colours& colours) {
     std::string text;
     for (const Reader::LogLine& line : summary.report.log)
         text += line.isError() ? start + lineText(line, colours) : std::string();
+    if (summary.report.isFromIncompleteFile())
+        text += start + recoveryInShort(*summary.report.recovery) + '\n';
     for (const Reader::Loss& loss : summary.report.losses)
         text += loss.isIntended ? std::string() : start + LossMessages::loss(loss, colours);
     return text;

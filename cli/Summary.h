@@ -40,6 +40,9 @@ std::string log(const Reader::MigrationReport& report, const Terminal::Colours& 
 /// The steps that ran, a line for each.
 std::string steps(const Reader::MigrationReport& report);
 
+/// What was recovered of a damaged file; empty where it was not damaged.
+std::string opening(const Reader::MigrationReport& report, const Terminal::Colours& colours);
+
 /// The repairs that were made, a line for each.
 std::string repairs(const std::vector<Reader::RepairMade>& repairs);
 

@@ -77,7 +77,8 @@ Bundle::PortableFolders withStandIns(Bundle::PortableFolders folders) {
 Migration::Migration(Document document, MigrationOptions options)
     : m_options(std::move(options)), m_document(std::move(document)) {
     m_options.folders = withStandIns(std::move(m_options.folders));
-    m_report.repairs = m_options.textRepairs;
+    m_report.repairs = m_options.opening.repairs;
+    m_report.recovery = m_options.opening.recovery;
 }
 
 Migration::~Migration() = default;

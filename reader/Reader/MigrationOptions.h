@@ -38,8 +38,7 @@ struct MigrationOptions {
     int to = currentVersion;
     bool repair =
         false; ///< whether repairs are made where the document needs them; see Repairs/RepairTable.h
-    std::vector<RepairMade> textRepairs =
-        {}; ///< those that were made on the text before it was parsed, for the report
+    OpeningReport opening = {};       ///< how the document was opened, for the report
     SideFiles sourceFiles{QString()}; ///< side files of the input
     SideFiles targetFiles{QString()}; ///< side files of the output
     /// The installed editor's folders. If one is empty, its marker is kept in paths.

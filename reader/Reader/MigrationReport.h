@@ -2,6 +2,7 @@
 
 #include "Adaptors/Backend.h"
 #include "Reader/Contents.h"
+#include "Recovery/RecoveryReport.h"
 
 #include <optional>
 #include <string>
@@ -48,6 +49,13 @@ struct RepairMade {
     std::vector<Part> clips() const;
 };
 
+/// What was done to open a file, where it was opened with repairs.
+struct OpeningReport {
+    std::vector<RepairMade> repairs; ///< on the text, before it was parsed
+    std::optional<RecoveryReport>
+        recovery; ///< where the file is damaged, or has no schema version of its own
+};
+
 /// A clip, an effect or a title of the input that the result does not reach.
 struct Loss {
     Part part;
@@ -72,7 +80,8 @@ struct MigrationReport {
     std::vector<std::string>
         skipped; ///< steps that exist for archives only and were left out of a JSON document
     std::vector<LogLine> log;
-    std::vector<RepairMade> repairs; ///< in the order in which they were made
+    std::vector<RepairMade> repairs;        ///< in the order in which they were made
+    std::optional<RecoveryReport> recovery; ///< as in OpeningReport
     ObjectCounts objectsBefore;
     ObjectCounts objectsAfter;
     std::size_t clipsBefore = 0;                  ///< that the input's timelines list
@@ -87,6 +96,8 @@ struct MigrationReport {
     bool hasUnintendedLosses() const;
     /// Whether one of those was used by the project.
     bool hasHarmfulLosses() const;
+    /// Whether the file was damaged, and something of it could not be recovered.
+    bool isFromIncompleteFile() const { return recovery && !recovery->isComplete(); }
 };
 
 } // namespace Reader

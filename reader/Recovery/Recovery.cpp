@@ -48,8 +48,11 @@ int chooseVersion(Backend form, std::optional<int> given, const std::optional<st
     int number = -1;
     if (stated) {
         const auto [end, error] = std::from_chars(stated->data(), stated->data() + stated->size(), number);
-        if (error == std::errc() && end == stated->data() + stated->size() && isVersionOf(form, number))
+        const bool isNumber = error == std::errc() && end == stated->data() + stated->size();
+        if (isNumber && isVersionOf(form, number))
             return number;
+        if (isNumber && number > currentVersion)
+            report.newerVersion = number;
         add("The file states a schema version that it can't have: " + *stated + '.');
     } else {
         add("The file states no schema version.");

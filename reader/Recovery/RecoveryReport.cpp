@@ -16,7 +16,7 @@ bool RecoveryReport::isComplete() const {
     return objectsClosed + objectsDropped + objectsMade + entriesDropped + referencesCleared +
                    charactersReplaced ==
                0 &&
-           clipsMoved.empty() && clipsReduced.empty() && clipsLost.empty();
+           !newerVersion && clipsMoved.empty() && clipsReduced.empty() && clipsLost.empty();
 }
 
 void RecoveryReport::add(DamageFinding finding) {

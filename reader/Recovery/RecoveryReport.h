@@ -72,7 +72,9 @@ struct RecoveryReport {
 
     int version = 0;
     std::optional<VersionGuess>
-        versionGuess;     ///< none where the file states the version, or the caller gave it
+        versionGuess; ///< none where the file states the version, or the caller gave it
+    std::optional<int>
+        newerVersion; ///< the version that the file states, where that is above the newest one that is known
     std::string encoding; ///< the one that was used, "UTF-8"
 
     /// How many findings are listed.

@@ -2,7 +2,7 @@
 
 #include "Reader/Error.h"
 #include "Reader/Migration.h"
-#include "Repairs/RepairTable.h"
+#include "Repairs/Opening.h"
 
 #include <algorithm>
 #include <utility>
@@ -25,16 +25,16 @@ std::size_t countUnintendedLosses(const Reader::MigrationReport& report) {
 Trial tryRepairs(const QByteArray& bytes, std::optional<int> version, Reader::MigrationOptions options,
                  const std::string& step) {
     Trial trial;
-    RepairedText text = repairText(bytes);
-    trial.report.repairs = text.repairs;
     try {
-        const auto read = [&] { return Reader::parse(text.bytes, options.name, version); };
+        Opened opened = open(bytes, options.name, version);
         options.repair = true;
-        options.textRepairs = std::move(text.repairs);
+        options.opening = std::move(opened.report);
         options.watch = nullptr;
         options.targetFiles = Reader::SideFiles(QString()); // nothing is written
-        options.reread = read;
-        Reader::Migration migration(read(), options);
+        options.reread = [&bytes, version, name = options.name] {
+            return open(bytes, name, version).document;
+        };
+        Reader::Migration migration(std::move(opened.document), options);
         try {
             if (step.empty())
                 migration.run();
@@ -46,13 +46,13 @@ Trial tryRepairs(const QByteArray& bytes, std::optional<int> version, Reader::Mi
         }
         trial.report = migration.report();
     } catch (const Reader::Error&) {
-        // The text can't be read, repaired or not.
+        // The file can't be opened, repaired or not.
     }
     return trial;
 }
 
 bool isBetter(const Trial& trial, const Reader::MigrationReport& without) {
-    if (!trial.succeeds || trial.report.repairs.empty())
+    if (!trial.succeeds || !trial.hasRepairs())
         return false;
     const std::size_t errors = countErrors(trial.report);
     const std::size_t losses = countUnintendedLosses(trial.report);

@@ -14,6 +14,8 @@ namespace Repairs {
 struct Trial {
     Reader::MigrationReport report; ///< with the repairs that were made
     bool succeeds = false;          ///< otherwise the report ends at the step that failed
+
+    bool hasRepairs() const { return !report.repairs.empty() || report.recovery; }
 };
 
 /// Migrates a project with repairs, or runs that step only. `version` is as in Reader::parse().

@@ -76,24 +76,52 @@ TEST(RecoveryText, InJsonHasAllOfIt) {
     EXPECT_EQ(json["findings"][0]["damage"], "lost-bytes");
     EXPECT_EQ(json["findings"][0]["byte"], 4096);
     EXPECT_EQ(json["version"], 64);
-    EXPECT_EQ(json["version_guess"]["highest"], 66);
+    EXPECT_EQ(json["versionGuess"]["highest"], 66);
     EXPECT_EQ(json["objects"]["lost"], 2);
-    EXPECT_EQ(json["clips"]["in_place"], 50);
+    EXPECT_EQ(json["clips"]["inPlace"], 50);
     EXPECT_EQ(json["clips"]["moved"][0]["id"], 5);
     EXPECT_EQ(json["clips"]["lost"].size(), 3U);
     EXPECT_EQ(json["clips"]["lost"][0]["name"], "Boat");
-    EXPECT_TRUE(JsonReport::recovery(RecoveryReport())["version_guess"].is_null());
+    EXPECT_TRUE(JsonReport::recovery(RecoveryReport())["versionGuess"].is_null());
 }
 
-TEST(RecoveryText, ExitCodeIsZeroOnlyWhereNothingIsMissing) {
-    EXPECT_EQ(exitCodeAfter(RecoveryReport()), 0);
-    EXPECT_EQ(exitCodeAfter(eventful()), 22);
+TEST(RecoveryText, InShort) {
+    EXPECT_EQ(Texts::recoveryInShort(eventful()),
+              "the file is damaged: 52 clips are recoverable, 3 are lost");
+    RecoveryReport report;
+    report.clipsInPlace = 1;
+    EXPECT_EQ(Texts::recoveryInShort(report), "the file is damaged: 1 clip is recoverable");
+    report.objectsDropped = 1;
+    EXPECT_EQ(Texts::recoveryInShort(report),
+              "the file is damaged: 1 clip is recoverable, something else is lost");
+    report = {};
+    report.findings = {{Damage::Version, 0, 1, 1, "The file states no schema version."}};
+    EXPECT_EQ(Texts::recoveryInShort(report),
+              "the schema version is missing or wrong: 0 clips are recoverable");
+}
+
+TEST(RecoveryText, AVersionAboveTheNewestMayBeANewerEditors) {
+    RecoveryReport report;
+    report.findings = {
+        {Damage::Version, 0, 1, 1, "The file states a schema version that it can't have: 90."}};
+    report.version = 77;
+    report.versionGuess = Reader::VersionGuess{77, 77, {}};
+    report.newerVersion = 90;
+    EXPECT_FALSE(report.isComplete());
+    EXPECT_THAT(Texts::recovery(report, Terminal::Colours()),
+                HasSubstr("the file states version 90: a newer editor may have written it"));
+    EXPECT_EQ(JsonReport::recovery(report)["newerVersion"], 90);
+}
+
+TEST(RecoveryReport, IsCompleteOnlyWhereNothingIsMissing) {
+    EXPECT_TRUE(RecoveryReport().isComplete());
+    EXPECT_FALSE(eventful().isComplete());
     RecoveryReport moved;
     moved.clipsMoved = {{1, "a"}};
-    EXPECT_EQ(exitCodeAfter(moved), 22);
+    EXPECT_FALSE(moved.isComplete());
     RecoveryReport mended;
     mended.predeclarationsMended = mended.countsMended = 3;
-    EXPECT_EQ(exitCodeAfter(mended), 0);
+    EXPECT_TRUE(mended.isComplete());
 }
 
 } // namespace

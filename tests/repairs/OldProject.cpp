@@ -1,6 +1,7 @@
 #include "repairs/OldProject.h"
 
 #include "Archive/Xml.h"
+#include "Repairs/Opening.h"
 
 namespace Tests {
 
@@ -73,12 +74,13 @@ Migrated migrateOld(const QByteArray& bytes, bool repair, int to) {
     options.repair = repair;
     Migrated result;
     try {
-        const Repairs::RepairedText text =
-            repair ? Repairs::repairText(bytes) : Repairs::RepairedText{bytes, {}};
-        options.textRepairs = text.repairs;
-        const auto read = [&] { return Reader::parse(text.bytes, options.name); };
-        options.reread = read;
-        Reader::Migration migration(read(), options);
+        const auto opened = [&bytes, repair, name = options.name] {
+            return repair ? Repairs::open(bytes, name) : Repairs::Opened{Reader::parse(bytes, name), {}};
+        };
+        Repairs::Opened project = opened();
+        options.opening = std::move(project.report);
+        options.reread = [&] { return opened().document; };
+        Reader::Migration migration(std::move(project.document), options);
         try {
             migration.run();
             result.bytes = migration.save();
