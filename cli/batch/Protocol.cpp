@@ -1,6 +1,7 @@
 #include "batch/Protocol.h"
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 namespace Batch::Protocol {
@@ -44,6 +45,26 @@ std::optional<Json> objectIn(const std::string& line) {
     return object.is_object() ? std::optional(std::move(object)) : std::nullopt;
 }
 
+/// Takes over what was repaired and recovered. Returns whether the file was damaged and something of it is missing.
+bool takeRepairs(const Json& report, Row& facts) {
+    std::set<std::string> names;
+    const auto repairs = report.find("repairs");
+    if (repairs != report.end() && repairs->is_array()) {
+        for (const Json& repair : *repairs)
+            names.insert(repair["name"].get<std::string>());
+    }
+    const auto recovery = report.find("recovery");
+    const bool isRecovered = recovery != report.end() && recovery->is_object();
+    if (isRecovered) {
+        names.insert("recovery");
+        const auto lost = qint64((*recovery)["clips"]["lost"].size());
+        facts.losses = facts.losses.value_or(0) + lost;
+    }
+    for (const std::string& name : names)
+        facts.repairs += (facts.repairs.empty() ? "" : " ") + name;
+    return isRecovered && !(*recovery)["complete"].get<bool>();
+}
+
 } // namespace
 
 std::string lineFor(const Request& request) {
@@ -82,6 +103,7 @@ std::string lineFor(const Answer& answer) {
     add(object, "from", facts.from);
     add(object, "to", facts.to);
     add(object, "losses", facts.losses);
+    add(object, "repairs", facts.repairs);
     add(object, "seconds", facts.seconds);
     add(object, "outputSize", facts.outputSize);
     add(object, "outputTime", facts.outputTime);
@@ -114,6 +136,7 @@ std::optional<Answer> answerIn(const std::string& line) {
         take(*object, "from", facts.from);
         take(*object, "to", facts.to);
         take(*object, "losses", facts.losses);
+        take(*object, "repairs", facts.repairs);
         take(*object, "seconds", facts.seconds);
         take(*object, "outputSize", facts.outputSize);
         take(*object, "outputTime", facts.outputTime);
@@ -138,6 +161,7 @@ Row factsIn(const Json& report, int code) {
     if (const auto losses = report.find("losses"); losses != report.end() && losses->is_array())
         facts.losses = std::count_if(losses->begin(), losses->end(),
                                      [](const Json& loss) { return !loss["intended"].get<bool>(); });
+    const bool isDamaged = takeRepairs(report, facts);
     if (const auto error = report.find("error"); error != report.end()) {
         facts.state = FileState::Failed;
         take(*error, "kind", facts.kind);
@@ -147,8 +171,10 @@ Row factsIn(const Json& report, int code) {
     } else {
         facts.state = FileState::Done;
         if (code == Messages::Incomplete) {
-            facts.kind = "incomplete";
-            facts.reason = "the result was written, and something of the project is missing in it";
+            facts.kind = isDamaged ? "damaged" : "incomplete";
+            facts.reason =
+                isDamaged ? "the file was damaged; the result was written, and something is missing in it"
+                          : "the result was written, and something of the project is missing in it";
         }
     }
     return facts;

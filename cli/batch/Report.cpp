@@ -27,9 +27,9 @@ std::optional<Form> formOf(const std::string& file) {
     return std::nullopt;
 }
 
-constexpr std::array<const char*, 15> columns = {"path", "state",  "code",   "kind",    "reason",
-                                                 "from", "to",     "losses", "seconds", "size",
-                                                 "time", "sha256", "output", "backup",  "tool"};
+constexpr std::array<const char*, 16> columns = {"path",   "state",  "code",    "kind",    "reason", "from",
+                                                 "to",     "losses", "repairs", "seconds", "size",   "time",
+                                                 "sha256", "output", "backup",  "tool"};
 
 Json orNull(const std::string& text) {
     return text.empty() ? Json() : Json(text);
@@ -54,6 +54,7 @@ std::vector<Json> cellsOf(const Row& row) {
             orNull(row.from),
             orNull(row.to),
             orNull(row.losses),
+            orNull(row.repairs),
             orNull(row.seconds),
             orNull(row.size),
             orNull(row.time),

@@ -40,6 +40,7 @@ CREATE TABLE files (
     kind TEXT,
     reason TEXT,
     losses INTEGER,
+    repairs TEXT,
     seconds REAL,
     output_size INTEGER,
     output_time INTEGER,
@@ -69,6 +70,7 @@ Row rowIn(const Statement& statement) {
     row.kind = statement.text(column++);
     row.reason = statement.text(column++);
     row.losses = statement.optionalInteger(column++);
+    row.repairs = statement.text(column++);
     row.seconds = statement.optionalReal(column++);
     row.outputSize = statement.optionalInteger(column++);
     row.outputTime = statement.optionalInteger(column++);
@@ -145,7 +147,7 @@ State::State(const QByteArray& path, Database::Access access)
       m_output(m_database, "SELECT path FROM files WHERE output = ?"),
       m_put(m_database,
             "INSERT OR REPLACE INTO files VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, "
-            "?, ?, ?)"),
+            "?, ?, ?, ?)"),
       m_wish(m_database, "INSERT OR IGNORE INTO wishes VALUES (?, ?, ?, NULL)") {}
 
 std::optional<std::string> State::setting(const std::string& key) {
@@ -183,8 +185,8 @@ void State::put(const Row& row) {
     m_put
         .with(row.path, row.name, row.output, row.isBundle, std::string(nameOf(row.state)), row.size,
               row.time, orNull(row.sha256), row.from, row.to, row.code, orNull(row.kind), orNull(row.reason),
-              row.losses, row.seconds, row.outputSize, row.outputTime, row.backup, row.isFresh,
-              row.isReplaceable, orNull(row.tool))
+              row.losses, orNull(row.repairs), row.seconds, row.outputSize, row.outputTime, row.backup,
+              row.isFresh, row.isReplaceable, orNull(row.tool))
         .run();
 }
 

@@ -169,7 +169,7 @@ TEST_F(ReportTest, TheStateIsWhatItsDescriptionSays) {
     EXPECT_EQ(query(state, "PRAGMA integrity_check"), "ok");
     EXPECT_EQ(query(state, "SELECT group_concat(name, ' ') FROM pragma_table_info('files')"),
               "path name output bundle state size time sha256 from_version to_version code kind reason "
-              "losses seconds "
+              "losses repairs seconds "
               "output_size output_time backup fresh replaceable tool");
     const std::string film = " FROM files WHERE name = 'film.xml'";
     EXPECT_EQ(

@@ -224,6 +224,18 @@ TEST_F(DamagedFilesTest, ABatchRecovers) {
     EXPECT_EQ(outcome.exitCode, 20) << outcome.err.toStdString(); // something is missing
     EXPECT_EQ(run({"verify", "out/cut.v77.json"}).exitCode, 0);
     EXPECT_EQ(run({"verify", "out/whole.v77.json"}).exitCode, 0);
+    // The table says so.
+    ASSERT_EQ(run({"batch", "--status", "out/adaptors-batch.sqlite", "--report", "table.jsonl"}).exitCode, 0);
+    std::map<std::string, json> rows;
+    for (const QByteArray& line : read("table.jsonl").trimmed().split('\n')) {
+        json row = json::parse(line.toStdString());
+        const std::string file = row["path"].get<std::string>();
+        rows[file.substr(file.rfind('/') + 1)] = std::move(row);
+    }
+    EXPECT_EQ(rows["whole.xml"]["repairs"], nullptr);
+    EXPECT_EQ(rows["cut.xml"]["repairs"], "recovery");
+    EXPECT_EQ(rows["cut.xml"]["kind"], "damaged");
+    EXPECT_EQ(rows["cut.xml"]["code"], 22);
 }
 
 } // namespace
