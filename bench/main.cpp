@@ -1,6 +1,7 @@
 #include "bench/Generator.h"
 #include "bench/Micro.h"
 #include "bench/MigrationTimes.h"
+#include "bench/Recovery.h"
 #include "bench/Table.h"
 
 #include <glog/logging.h>
@@ -20,6 +21,7 @@ adaptors-bench --large               the same, and at 1,000,000 elements
 adaptors-bench --elements N...       the same at these sizes
 adaptors-bench --clips N EFFECTS     the same with a tenth of N clips and with N, each with its effects so many times
 adaptors-bench --write N VERSION     writes such a project to standard output
+adaptors-bench --recovery PLACES     recovers projects with so many cuts, and so many lost blocks, of each version
 adaptors-bench --micro [ARGUMENTS]   single operations, with the arguments of Google Benchmark
 )";
 
@@ -82,6 +84,17 @@ int writeProject(const std::vector<std::string>& arguments) {
     return std::cout.good() ? 0 : 1;
 }
 
+int measureRecovery(const std::vector<std::string>& arguments) {
+    int places = 0;
+    if (arguments.size() != 1 || !readNumber(arguments[0], places))
+        return refuse();
+    Bench::printRecoveryHeader(std::cout);
+    std::size_t problems = 0;
+    for (const int version : Bench::recoveryVersions)
+        problems += Bench::measureRecovery(std::cout, version, places);
+    return problems == 0 ? 0 : 1;
+}
+
 } // namespace
 
 int main(int argc, char* argv[]) {
@@ -104,6 +117,8 @@ int main(int argc, char* argv[]) {
         return printClips(arguments);
     if (mode == "--write")
         return writeProject(arguments);
+    if (mode == "--recovery")
+        return measureRecovery(arguments);
     if (mode == "--micro")
         return Bench::runMicro(std::move(arguments));
     return refuse();

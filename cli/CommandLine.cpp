@@ -2,14 +2,17 @@
 
 #include "Commands.h"
 #include "Completions.h"
+#include "Failures.h"
 #include "Help.h"
 #include "ManPage.h"
-#include "Memory.h"
 #include "Messages.h"
 #include "Names.h"
 #include "Output.h"
 #include "Reader/Error.h"
 #include "Terminal.h"
+#include "batch/Batch.h"
+#include "batch/CommandOptions.h"
+#include "batch/Worker.h"
 
 #include <CLI/CLI.hpp>
 
@@ -49,6 +52,8 @@ Exit codes:
 17	verify found something
 18	more memory is needed than any project takes
 19	--check: the project would be migrated without a loss
+20	batch: files failed, or results are not whole
+21	diff found a difference
 22	written, but something of the project is missing in the result)";
 
 // Values
@@ -137,6 +142,13 @@ void addTo(CLI::App& command, Arguments& arguments, const std::string& help) {
     addVersion(command, "--to", arguments.to, help + " [" + newest + "]");
 }
 
+void addRepair(CLI::App& command, Arguments& arguments) {
+    command.add_flag(
+        "--repair", arguments.repair,
+        "Recover a damaged file, repair what the steps can't pass or would lose, and list what was done; "
+        "\"adaptors repairs\" lists all repairs");
+}
+
 void addFolders(CLI::App& command, Arguments& arguments) {
     const char* group = "Folders of the installed editor (unset, markers in paths stay as they are)";
     addName(command, "--packages-root", arguments.packagesRoot, "DIR",
@@ -184,6 +196,7 @@ void addMigrate(CLI::App& command, Arguments& arguments) {
     command.add_flag("--force", arguments.force, "Replace an output that exists");
     addFrom(command, arguments);
     addTo(command, arguments, "The schema version to stop at: up to 62 an XML archive, from 63 on JSON");
+    addRepair(command, arguments);
     addStrict(command, arguments);
     command
         .add_flag(
@@ -202,6 +215,7 @@ void addMigrate(CLI::App& command, Arguments& arguments) {
                    "adaptors migrate film.xml --in-place\tkeeps film.xml.bak\n"
                    "adaptors migrate film.xml -o film.json --strict\t\n"
                    "adaptors migrate film.xml --check\twrites nothing\n"
+                   "adaptors migrate film.xml --repair\twhere it fails or loses something without\n"
                    "adaptors migrate - --from 27 < film.xml > film.json\t");
 }
 
@@ -218,6 +232,7 @@ void addRun(CLI::App& command, Arguments& arguments) {
     addFile(command, arguments);
     addName(command, "-o,--output", arguments.output, "FILE", "Where the result goes [standard output]");
     command.add_flag("--force", arguments.force, "Replace an output that exists");
+    addRepair(command, arguments);
     addFolders(command, arguments);
     addMaxMemory(command, arguments);
     command.footer("Examples:\n"
@@ -228,8 +243,11 @@ void addRun(CLI::App& command, Arguments& arguments) {
 void addInfo(CLI::App& command, Arguments& arguments) {
     addFile(command, arguments);
     addFrom(command, arguments);
+    command.add_flag("--timeline", arguments.timeline, "Draw the timelines with their clips as well");
     addMaxMemory(command, arguments);
-    command.footer("Examples:\nadaptors info film.xml\t\nadaptors info film.xml --json\tfor programs");
+    command.footer(
+        "Examples:\nadaptors info film.xml\t\nadaptors info film.xml --timeline\twith a picture of the "
+        "film\nadaptors info film.xml --json\tfor programs");
 }
 
 void addVerify(CLI::App& command, Arguments& arguments) {
@@ -258,10 +276,98 @@ void addTrace(CLI::App& command, Arguments& arguments) {
         ->required();
     addFrom(command, arguments);
     addTo(command, arguments, "The schema version to stop at");
+    command.add_flag("--diff", arguments.diff,
+                     "Write what changed, as \"diff -u\" shows it, beside each document");
     command.add_flag("--force", arguments.force, "Replace documents that exist");
+    addRepair(command, arguments);
     addFolders(command, arguments);
     addMaxMemory(command, arguments);
-    command.footer("Example:\nadaptors trace film.xml --output-dir steps --to 30\t");
+    command.footer("Examples:\nadaptors trace film.xml --output-dir steps --to 30\t\n"
+                   "adaptors trace film.xml --output-dir steps --diff\twith a .diff beside each document");
+}
+
+void addDiff(CLI::App& command, Arguments& arguments) {
+    addName(command, "OLD", arguments.file, "OLD",
+            "The project as it was, or the folder that holds it; - is standard input")
+        ->required();
+    addName(command, "NEW", arguments.otherFile, "NEW", "The project as it is now, of any form and version")
+        ->required();
+    command.add_flag(
+        "--raw", arguments.raw,
+        "Compare the documents as they are; without it the older one is migrated in memory first");
+    addRepair(command, arguments);
+    addFolders(command, arguments);
+    addMaxMemory(command, arguments);
+    command.footer("Exits with 0 where there is no difference, and with 21 where there is one.\n\n"
+                   "Examples:\nadaptors diff film.xml film.v" +
+                   newest + ".json\twhat was edited since the migration\nadaptors diff film.xml film.v" +
+                   newest + ".json --json\t");
+}
+
+void addExplain(CLI::App& command, Arguments& arguments) {
+    addFile(command, arguments);
+    addName(command, "--step", arguments.step, "STEP",
+            "Only this step: a class name, or a beginning of it that no other has");
+    addName(command, "--clip", arguments.clip, "CLIP",
+            "Only what was done to the clips of this name or id, and to what belongs to them");
+    addRepair(command, arguments);
+    addFrom(command, arguments);
+    addTo(command, arguments, "The schema version to stop at");
+    addFolders(command, arguments);
+    addMaxMemory(command, arguments);
+    command.footer("Examples:\nadaptors explain film.xml\t\nadaptors explain film.xml --step V28\tone step\n"
+                   "adaptors explain film.xml --clip Beach\tone clip");
+}
+
+void addTimeline(CLI::App& command, Arguments& arguments) {
+    addFile(command, arguments);
+    addName(command, "-o,--output", arguments.output, "FILE", "Where the picture goes [standard output]");
+    command.add_flag("--force", arguments.force, "Replace an output that exists");
+    addFrom(command, arguments);
+    addMaxMemory(command, arguments);
+    command.footer(
+        "Examples:\nadaptors timeline film.xml -o film.svg\t\nadaptors timeline film.xml > film.svg\t");
+}
+
+void addRestore(CLI::App& command, Arguments& arguments) {
+    addName(command, "FILE", arguments.file, "FILE",
+            "The project whose backup is put back, or the folder that holds it")
+        ->required();
+    command.add_flag("--list", arguments.list, "List the backups, the newest first, and change nothing");
+    command.footer("What FILE was before takes the backup's name, so the same command undoes it.\n\n"
+                   "Examples:\n"
+                   "adaptors restore film.xml --list\tthe backups of film.xml\n"
+                   "adaptors restore film.xml\tputs the newest one back");
+}
+
+void addRepairs(CLI::App& command, Arguments&) {
+    command.footer(
+        "migrate, batch, run, trace, diff and explain make them with --repair, where the document needs "
+        "them, and recover damaged files.\n\nExamples:\nadaptors repairs\t\nadaptors repairs --json\tfor "
+        "programs");
+}
+
+/// The options of `migrate` that hold for each file of a batch; workers get them all.
+void addOptionsForEachFile(CLI::App& command, Arguments& arguments) {
+    command.add_flag("--in-place", arguments.inPlace,
+                     "Replace the files and keep what they were as FILE.bak");
+    command.add_flag("--check", arguments.check, "Write no project, and say what a migration would do");
+    addRepair(command, arguments);
+    addFrom(command, arguments);
+    addTo(command, arguments, "The schema version to stop at: up to 62 an XML archive, from 63 on JSON");
+    addStrict(command, arguments);
+    addFolders(command, arguments);
+    addMaxMemory(command, arguments);
+}
+
+void addBatch(CLI::App& command, Arguments& arguments) {
+    addOptionsForEachFile(command, arguments);
+    Batch::addOptions(command, arguments);
+}
+
+void addBatchWorker(CLI::App& command, Arguments& arguments) {
+    addOptionsForEachFile(command, arguments);
+    command.group(Help::hidden);
 }
 
 struct Command {
@@ -277,12 +383,24 @@ constexpr Command commands[] = {
     {"run", "Run one step on a document in the form that it is in; its version stays", addRun, Commands::run},
     {"info", "Show what a project is and holds, and what it would need", addInfo, Commands::info},
     {"verify",
-     "Look for faults in a document: references that lead nowhere, ids that two objects have, wrong counts, "
+     "Look for faults in a document: references that lead nowhere, ids that two objects have, wrong "
+     "counts, "
      "objects that nothing declares or reaches",
      addVerify, Commands::verify},
     {"trace",
      "Migrate and write the document after each step that changed it, to find the step that broke it",
      addTrace, Commands::trace},
+    {"restore", "Put the newest backup of a project back in its place", addRestore, Commands::restore},
+    {"repairs", "List the repairs that --repair makes where a document needs them", addRepairs,
+     Commands::repairs},
+    {"batch", "Migrate all projects below folders, on all cores; can be stopped and taken up again", addBatch,
+     Batch::run},
+    {"batch-worker", "Migrate the files that a batch names on standard input", addBatchWorker, Batch::work},
+    {"diff", "Compare two projects and say what is different, in the words of the project", addDiff,
+     Commands::diff},
+    {"explain", "Migrate in memory and say what each step did to this project", addExplain,
+     Commands::explain},
+    {"timeline", "Draw the timelines of a project as an SVG picture", addTimeline, Commands::timeline},
 };
 
 void addOptionsForEveryCommand(CLI::App& app, OutputOptions& options) {
@@ -325,7 +443,7 @@ struct Parser {
         addName(app, "--generate", installedFile, "NAME", "Print a file that is installed with the program")
             ->group("");
         app.require_subcommand(0, 1);
-        app.fallthrough(); // commands inherit it: options for every command may stand behind a command
+        app.fallthrough(); // commands inherit it: options for every command may follow a command
         app.footer(std::string("Examples:\nadaptors migrate film.xml\t\nadaptors help migrate\t\n") +
                    exitCodes);
         for (const Command& command : commands)
@@ -363,7 +481,7 @@ std::vector<std::string> optionNames(const CLI::App& app, const std::string& com
 
 std::vector<std::string> commandNames(const CLI::App& app) {
     std::vector<std::string> names;
-    for (const CLI::App* command : app.get_subcommands({}))
+    for (const CLI::App* command : Help::listedCommands(app))
         names.push_back(command->get_name());
     return names;
 }
@@ -410,7 +528,7 @@ std::optional<Messages::Message> messageForOptions(const CLI::App& app, const st
                                                  ? option->get_name(true)
                                                  : option->get_name() + ' ' + option->get_type_name(),
                                              command);
-        if (option->get_type_size() != 0 && option->count() > 1)
+        if (option->get_type_size() != 0 && option->count() > 1 && option->get_items_expected_max() == 1)
             return Messages::givenTwice(option->get_name());
         for (const CLI::Option* other : option->get_excludes()) {
             if (option->count() > 0 && other->count() > 0)
@@ -487,7 +605,7 @@ int showInstalledFile(const Parser& parser) {
         return showHelp(Completions::forFish(parser.app));
     if (name == "adaptors.1")
         return showHelp(ManPage::of(parser.app));
-    for (const CLI::App* command : parser.app.get_subcommands({})) {
+    for (const CLI::App* command : Help::listedCommands(parser.app)) {
         if (name == "adaptors-" + command->get_name() + ".1")
             return showHelp(ManPage::of(*command));
     }
@@ -512,17 +630,9 @@ int runCommand(const Parser& parser, Output& output) {
 /// Runs a part of the program; what fails there is reported.
 template <class Part>
 int reportingFailures(Output& output, Part part) {
-    try {
-        return part();
-    } catch (const Reader::Error& error) {
-        return output.fail(Messages::messageFor(error));
-    } catch (const Messages::Failure& failure) {
-        return output.fail(failure.message());
-    } catch (const std::bad_alloc&) {
-        Memory::endProgram();
-    } catch (const std::exception& error) {
-        return output.fail(Messages::unexpected(error.what()));
-    }
+    int code = Messages::Done;
+    const auto failure = failureOf([&] { code = part(); });
+    return failure ? output.fail(*failure) : code;
 }
 
 /// Parses the command line. Gives an exit code where there is no command to run.
@@ -532,6 +642,9 @@ std::optional<int> parse(Parser& parser, int argc, char** argv) {
     try {
         refuseMissingValues(words, commandNames(parser.app));
         parser.app.parse(argc, argv);
+        if (command() == "batch")
+            parser.arguments.batch.workerOptions = Batch::sharedOptions(
+                *parser.app.get_subcommand("batch"), *parser.app.get_subcommand("batch-worker"));
         return std::nullopt;
     } catch (const CLI::CallForHelp&) {
         const std::string name = command();

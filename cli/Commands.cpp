@@ -1,5 +1,9 @@
 #include "Commands.h"
 
+#include "Advice.h"
+#include "DiffReport.h"
+#include "ExplainReport.h"
+#include "FileNames.h"
 #include "LossMessages.h"
 #include "Memory.h"
 #include "Messages.h"
@@ -10,8 +14,13 @@
 #include "Reader/Files.h"
 #include "Reader/Migration.h"
 #include "Reader/Unfinished.h"
+#include "Repairs/Opening.h"
+#include "Repairs/RepairTrial.h"
 #include "Summary.h"
+#include "TimelineReport.h"
+#include "TimelineSvg.h"
 
+#include <QDir>
 #include <QFileInfo>
 
 #include <unistd.h>
@@ -43,23 +52,30 @@ QString nameOfTarget(const QString& target) {
     return nameOf(target, "standard output");
 }
 
+/// Lets the program take as much memory as documents of that size need.
+void limitMemory(const Arguments& arguments, const QString& input, std::optional<qint64> size,
+                 Output& output) {
+    const auto lastWords = [&](const std::string& bound) {
+        return output.textFor(Messages::outOfMemory(nameOf(input), bound));
+    };
+    Memory::limitFor(arguments.maxMemory, size, lastWords, output.descriptorForFailures());
+}
+
+void announceTerminal(const QString& input, Output& output) {
+    if (input == Reader::standardStream && isatty(STDIN_FILENO) != 0 && !output.isQuiet())
+        output.note(Texts::readingFromTerminal());
+}
+
 /// Reads the input, that of `file` where it is given.
 QByteArray readInput(const Arguments& arguments, const QString& input, Output& output,
                      std::optional<Reader::FileInPlace>* file = nullptr) {
-    if (input == Reader::standardStream && isatty(STDIN_FILENO) != 0 && !output.isQuiet())
-        output.note(Texts::readingFromTerminal());
-    const auto limitFor = [&](std::optional<qint64> size) {
-        const auto lastWords = [&](const std::string& bound) {
-            return output.textFor(Messages::outOfMemory(nameOf(input), bound));
-        };
-        Memory::limitFor(arguments.maxMemory, size, lastWords, output.descriptorForFailures());
-    };
-    limitFor({});
+    announceTerminal(input, output);
+    limitMemory(arguments, input, {}, output);
     if (file)
         file->emplace(input);
     QByteArray bytes = file ? (*file)->bytes() : Reader::readFile(input);
     output.setBytes(bytes);
-    limitFor(bytes.size());
+    limitMemory(arguments, input, bytes.size(), output);
     return bytes;
 }
 
@@ -71,6 +87,7 @@ Reader::MigrationOptions optionsFor(const Arguments& arguments, const QString& i
     options.location = projectLocation(input, target);
     options.target = projectLocation(target, input);
     options.to = arguments.to;
+    options.repair = arguments.repair;
     options.sourceFiles = Reader::SideFiles(folderOf(input));
     options.targetFiles = Reader::SideFiles(folderOf(target), optionsToWrite(arguments, input), made);
     options.folders = {path(arguments.packagesRoot), path(arguments.aiModelsRoot),
@@ -80,7 +97,8 @@ Reader::MigrationOptions optionsFor(const Arguments& arguments, const QString& i
 
 /// Reports early what would keep the result from being written.
 void checkOutput(const Arguments& arguments, const QString& input, const QString& target) {
-    const bool isFolderToBeMade = !arguments.bundle.empty() && !QFileInfo(path(arguments.bundle)).isDir();
+    const bool isFolderToBeMade = (!arguments.bundle.empty() && !QFileInfo(path(arguments.bundle)).isDir()) ||
+                                  (arguments.beforeWriting && !QFileInfo(QFileInfo(target).path()).isDir());
     if (!arguments.inPlace && !isFolderToBeMade)
         Reader::checkTarget(target, optionsToWrite(arguments, input));
 }
@@ -112,7 +130,8 @@ void showLog(const Summary& summary, Output& output) {
         output.note(Texts::errors(summary, output.colours()));
         return;
     }
-    output.note(Texts::log(summary.report, output.colours()));
+    output.note(Texts::opening(summary.report, output.colours()) + Texts::repairs(summary.report.repairs) +
+                Texts::log(summary.report, output.colours()));
     if (output.isVerbose())
         output.note("steps that ran:\n" + Texts::steps(summary.report));
 }
@@ -124,9 +143,10 @@ void showTrace(const Reader::Trace& trace, const Reader::MigrationReport& report
         output.print(Texts::trace(trace));
 }
 
-/// Whether something is lost that no schema version meant to remove, or a step reported an error.
+/// Whether something is lost that no schema version meant to remove, by a step or in a damaged file, or a step reported
+/// an error.
 bool wouldLose(const Reader::MigrationReport& report) {
-    return report.hasErrors() || report.hasUnintendedLosses();
+    return report.hasErrors() || report.hasUnintendedLosses() || report.isFromIncompleteFile();
 }
 
 bool isRefused(const Arguments& arguments, const Reader::MigrationReport& report) {
@@ -136,7 +156,7 @@ bool isRefused(const Arguments& arguments, const Reader::MigrationReport& report
 
 /// Whether all that the input held is in the result, except what schema versions removed on purpose.
 bool isWhole(const Reader::MigrationReport& report) {
-    return !report.hasHarmfulLosses() &&
+    return !report.hasHarmfulLosses() && !report.isFromIncompleteFile() &&
            std::all_of(report.log.begin(), report.log.end(), [](const Reader::LogLine& line) {
                return !line.isError() || LossMessages::isHarmless(line);
            });
@@ -146,6 +166,23 @@ bool isWhole(const Reader::MigrationReport& report) {
 bool isUpToDate(const Reader::Document& document, const Arguments& arguments) {
     const bool hasFormOfTarget = document.isXml() == (arguments.to <= Reader::lastXmlVersion);
     return document.version() == arguments.to && hasFormOfTarget && arguments.bundle.empty();
+}
+
+/// The project in a file; with --repair also in one that is damaged.
+Repairs::Opened opened(const QByteArray& bytes, const QString& name, const Arguments& arguments) {
+    return arguments.repair ? Repairs::open(bytes, name, arguments.from)
+                            : Repairs::Opened{Reader::parse(bytes, name, arguments.from), {}};
+}
+
+/// Whether --repair changes the document.
+bool needsRepair(const QByteArray& bytes, const Arguments& arguments,
+                 const Reader::MigrationOptions& options) {
+    return arguments.repair && Repairs::tryRepairs(bytes, arguments.from, options).hasRepairs();
+}
+
+/// The exit code of a command that did its work on a document, whatever the steps lost.
+int exitCodeAfterOpening(const Reader::MigrationReport& report) {
+    return report.isFromIncompleteFile() ? Messages::Incomplete : Messages::Done;
 }
 
 /// A document that a command has read.
@@ -166,6 +203,8 @@ int passOn(const Arguments& arguments, const Input& input, Output& output) {
     summary.isUpToDate = true;
     const bool isFilter = Reader::isStream(input.file) && Reader::isStandardOutput(input.target);
     if (!arguments.check && (!arguments.output.empty() || isFilter)) {
+        if (arguments.beforeWriting)
+            arguments.beforeWriting(input.target);
         checkOutput(arguments, input.file, input.target);
         Reader::UnfinishedParts made;
         writeResult(input.target, input.bytes, optionsToWrite(arguments, input.file), made);
@@ -173,6 +212,141 @@ int passOn(const Arguments& arguments, const Input& input, Output& output) {
     }
     showSummary(summary, output);
     return Messages::Done;
+}
+
+/// The work of `migrate` on a file that was read.
+struct Job {
+    const QString& input;
+    const QString& target;
+    const QByteArray& bytes;
+    const Reader::MigrationOptions& options;
+    const std::shared_ptr<Reader::UnfinishedParts>& made;
+    Reader::FileInPlace* file; ///< null unless the file is replaced
+};
+
+int migrateRead(const Arguments& arguments, const Job& job, Output& output) {
+    const QString name = nameOf(job.input);
+    Repairs::Opened project = opened(job.bytes, name, arguments);
+    if (isUpToDate(project.document, arguments) && !needsRepair(job.bytes, arguments, job.options))
+        return passOn(arguments, {job.bytes, project.document, job.input, job.target}, output);
+    if (!arguments.check)
+        checkOutput(arguments, job.input, job.target);
+
+    Progress progress(output);
+    Reader::MigrationOptions options = job.options;
+    options.opening = std::move(project.report);
+    options.reread = [&] { return opened(job.bytes, name, arguments).document; };
+    options.watch = [&](const Reader::MigrationPart& part, const Reader::Document&) { progress.note(part); };
+    Reader::Migration migration(std::move(project.document), std::move(options));
+    progress.expect(migration.document(), arguments.to);
+    migration.run();
+    const Reader::MigrationReport& report = migration.report();
+    const bool isWritten = !arguments.check && !isRefused(arguments, report);
+    if (isWritten && arguments.beforeWriting)
+        arguments.beforeWriting(job.target);
+    // A project that is not written leaves no side files either.
+    const bool toBundle = !arguments.bundle.empty() && isWritten;
+    if (toBundle)
+        makeBundle(path(arguments.bundle), *job.made);
+    const QByteArray result = migration.save(toBundle);
+
+    Summary summary{report, name};
+    if (!arguments.repair)
+        summary.advice = Advice::repairsFor(report, {job.bytes, arguments.from, job.options});
+    if (isWritten) {
+        if (job.file) {
+            const Reader::Replacement replacement = job.file->replace(result);
+            summary.backup = nameOf(replacement.backup);
+            summary.notes = Messages::notesOn(job.input, replacement);
+        } else {
+            writeResult(job.target, result, optionsToWrite(arguments, job.input), *job.made);
+        }
+        summary.output = nameOfTarget(job.target);
+    }
+    progress.end();
+    showSummary(summary, output);
+    if (arguments.check && wouldLose(report))
+        throw Messages::Failure(Messages::wouldLose(name));
+    if (arguments.check)
+        return Messages::WouldMigrate;
+    if (!isWritten)
+        throw Messages::Failure(Messages::refusedByStrict(name));
+    return isWhole(report) ? Messages::Done : Messages::Incomplete;
+}
+
+/// The work of `run` on a file that was read.
+int runRead(const Arguments& arguments, const QString& input, const QByteArray& bytes,
+            const std::string& step, Output& output) {
+    Repairs::Opened project = opened(bytes, nameOf(input), arguments);
+    const QString ownName = Reader::isStream(input)
+                                ? project.document.isXml() ? "project.xml" : "project.json"
+                                : QFileInfo(input).fileName();
+    const QString target =
+        arguments.output.empty() ? Reader::standardStream : outputFor(arguments, input, ownName);
+    checkOutput(arguments, input, target);
+    const auto made = std::make_shared<Reader::UnfinishedParts>();
+    const bool hasVersion = project.document.version().has_value();
+    Reader::MigrationOptions options = optionsFor(arguments, input, target, made);
+    options.opening = std::move(project.report);
+    Reader::Migration migration(std::move(project.document), std::move(options));
+    migration.runOnly(step);
+    Summary summary{migration.report(), nameOf(input)};
+    summary.hasVersion = hasVersion;
+    summary.hasClips = false;
+    showLog(summary, output);
+    writeResult(target, migration.write(), optionsToWrite(arguments, input), *made);
+    summary.output = nameOfTarget(target);
+    if (output.isJson())
+        output.setResult(JsonReport::migration(summary));
+    return exitCodeAfterOpening(migration.report());
+}
+
+/// The work of `trace` on a file that was read.
+int traceRead(const Arguments& arguments, const QString& input, const QByteArray& bytes,
+              Reader::MigrationOptions options, Output& output) {
+    Reader::Trace trace(path(arguments.folder), optionsToWrite(arguments, input),
+                        arguments.diff ? Reader::Trace::Diffs::Unified : Reader::Trace::Diffs::None);
+    Progress progress(output);
+    Repairs::Opened project = opened(bytes, nameOf(input), arguments);
+    options.opening = std::move(project.report);
+    options.watch = [&](const Reader::MigrationPart& part, const Reader::Document& document) {
+        trace.note(part, document);
+        progress.note(part);
+    };
+    Reader::Migration migration(std::move(project.document), std::move(options));
+    progress.expect(migration.document(), arguments.to);
+    try {
+        migration.run();
+    } catch (const Reader::Error&) {
+        progress.end();
+        showTrace(trace, migration.report(), output); // people look for what led up to the step that fails
+        throw;
+    }
+    progress.end();
+    showLog({migration.report(), nameOf(input)}, output);
+    showTrace(trace, migration.report(), output);
+    return exitCodeAfterOpening(migration.report());
+}
+
+/// A document brought to a version and saved as for its own place: side files are read, and paths are portable.
+Reader::Document broughtTo(int version, Reader::Document document, const Arguments& arguments,
+                           const QString& file) {
+    Reader::MigrationOptions options = optionsFor(arguments, file, file, nullptr);
+    options.to = version;
+    Reader::Migration migration(std::move(document), std::move(options));
+    migration.run();
+    return Reader::parse(migration.save(), nameOf(file), version);
+}
+
+/// The version that two documents are compared at: the newer one; where only one is an archive of it, the first one that
+/// both can have as JSON.
+int versionToCompare(const DiffReport::Input& before, const DiffReport::Input& after) {
+    for (const DiffReport::Input& input : {before, after}) {
+        if (!input.version)
+            throw Reader::Error(Reader::ErrorKind::NoVersion, {.file = input.name});
+    }
+    const int newer = std::max(*before.version, *after.version);
+    return before.form == after.form ? newer : std::max(newer, Reader::lastXmlVersion + 1);
 }
 
 } // namespace
@@ -186,53 +360,15 @@ int migrate(const Arguments& arguments, Output& output) {
     const QString target =
         arguments.check ? QString() : outputFor(arguments, input, resultName(arguments, input));
     setTarget(target, output);
-    const QString name = nameOf(input);
 
     std::optional<Reader::FileInPlace> file;
     const QByteArray bytes = readInput(arguments, input, output, arguments.inPlace ? &file : nullptr);
-    const auto read = [&] { return Reader::parse(bytes, name, arguments.from); };
-    Reader::Document document = read();
-    if (isUpToDate(document, arguments))
-        return passOn(arguments, {bytes, document, input, target}, output);
-    if (!arguments.check)
-        checkOutput(arguments, input, target);
-
     const auto made = std::make_shared<Reader::UnfinishedParts>();
-    Progress progress(output);
-    Reader::MigrationOptions options = optionsFor(arguments, input, target, made);
-    options.reread = read;
-    options.watch = [&](const Reader::MigrationPart& part, const Reader::Document&) { progress.note(part); };
-    Reader::Migration migration(std::move(document), std::move(options));
-    progress.expect(migration.document(), arguments.to);
-    migration.run();
-    const Reader::MigrationReport& report = migration.report();
-    // A project that is not written leaves no side files either.
-    const bool toBundle = !arguments.bundle.empty() && !isRefused(arguments, report);
-    if (toBundle)
-        makeBundle(path(arguments.bundle), *made);
-    const QByteArray result = migration.save(toBundle);
-
-    Summary summary{report, name};
-    const bool isWritten = !arguments.check && !isRefused(arguments, report);
-    if (isWritten) {
-        if (file) {
-            const Reader::Replacement replacement = file->replace(result);
-            summary.backup = nameOf(replacement.backup);
-            summary.notes = Messages::notesOn(input, replacement);
-        } else {
-            writeResult(target, result, optionsToWrite(arguments, input), *made);
-        }
-        summary.output = nameOfTarget(target);
-    }
-    progress.end();
-    showSummary(summary, output);
-    if (arguments.check && wouldLose(report))
-        throw Messages::Failure(Messages::wouldLose(name));
-    if (arguments.check)
-        return Messages::WouldMigrate;
-    if (!isWritten)
-        throw Messages::Failure(Messages::refusedByStrict(name));
-    return isWhole(report) ? Messages::Done : Messages::Incomplete;
+    const Reader::MigrationOptions options = optionsFor(arguments, input, target, made);
+    const Advice::Subject subject{bytes, arguments.from, options};
+    return Advice::advising(arguments, subject, [&] {
+        return migrateRead(arguments, {input, target, bytes, options, made, file ? &*file : nullptr}, output);
+    });
 }
 
 int steps(const Arguments& arguments, Output& output) {
@@ -251,38 +387,35 @@ int run(const Arguments& arguments, Output& output) {
         setTarget(path(arguments.output), output);
     const QString input = inputOf(arguments, output);
     const std::string step = Names::stepFor(arguments.step);
-    Reader::Document document =
-        Reader::parse(readInput(arguments, input, output), nameOf(input), arguments.from);
-    const QString ownName = Reader::isStream(input) ? document.isXml() ? "project.xml" : "project.json"
-                                                    : QFileInfo(input).fileName();
-    const QString target =
-        arguments.output.empty() ? Reader::standardStream : outputFor(arguments, input, ownName);
-    checkOutput(arguments, input, target);
-    const auto made = std::make_shared<Reader::UnfinishedParts>();
-    const bool hasVersion = document.version().has_value();
-    Reader::Migration migration(std::move(document), optionsFor(arguments, input, target, made));
-    migration.runOnly(step);
-    Summary summary{migration.report(), nameOf(input)};
-    summary.hasVersion = hasVersion;
-    summary.hasClips = false;
-    showLog(summary, output);
-    writeResult(target, migration.write(), optionsToWrite(arguments, input), *made);
-    summary.output = nameOfTarget(target);
-    if (output.isJson())
-        output.setResult(JsonReport::migration(summary));
-    return Messages::Done;
+    const QByteArray bytes = readInput(arguments, input, output);
+    Reader::MigrationOptions options = optionsFor(arguments, input, Reader::standardStream, nullptr);
+    return Advice::advising(arguments, {bytes, arguments.from, options, step},
+                            [&] { return runRead(arguments, input, bytes, step, output); });
 }
 
 int info(const Arguments& arguments, Output& output) {
     const QString input = inputOf(arguments, output);
     const QString name = nameOf(input);
-    const Reader::Document document =
-        Reader::parse(readInput(arguments, input, output), name, arguments.from);
-    if (output.isJson())
-        output.setResult(JsonReport::info(document));
-    else
-        output.print(Texts::info(document, name));
-    return Messages::Done;
+    const QByteArray bytes = readInput(arguments, input, output);
+    const Reader::MigrationOptions options = optionsFor(arguments, input, Reader::standardStream, nullptr);
+    return Advice::advising(arguments, {bytes, arguments.from, options}, [&] {
+        const Reader::Document document = Reader::parse(bytes, name, arguments.from);
+        const TimelineReport::Project project = {Reader::readTimelines(document), folderOf(input)};
+        std::optional<Repairs::Trial> trial;
+        if (document.version())
+            trial = Repairs::tryRepairs(bytes, arguments.from, options);
+        const auto* repairs = trial ? &trial->report.repairs : nullptr;
+        if (output.isJson()) {
+            JsonReport::Json result = JsonReport::info(document, repairs);
+            result.update(TimelineReport::asJson(project));
+            output.setResult(std::move(result));
+        } else {
+            const auto drawing =
+                arguments.timeline ? std::optional(TimelineDrawing::styleFor(STDOUT_FILENO)) : std::nullopt;
+            output.print(Texts::info(document, name, repairs) + TimelineReport::text(project, drawing));
+        }
+        return Messages::Done;
+    });
 }
 
 int verify(const Arguments& arguments, Output& output) {
@@ -302,27 +435,123 @@ int verify(const Arguments& arguments, Output& output) {
 
 int trace(const Arguments& arguments, Output& output) {
     const QString input = inputOf(arguments, output);
-    Reader::Trace trace(path(arguments.folder), optionsToWrite(arguments, input));
+    const QByteArray bytes = readInput(arguments, input, output);
+    const Reader::MigrationOptions options = optionsFor(arguments, input, Reader::standardStream, nullptr);
+    return Advice::advising(arguments, {bytes, arguments.from, options},
+                            [&] { return traceRead(arguments, input, bytes, options, output); });
+}
+
+int repairs(const Arguments&, Output& output) {
+    if (output.isJson())
+        output.setResult(JsonReport::repairList());
+    else
+        output.print(Texts::repairList());
+    return Messages::Done;
+}
+
+int diff(const Arguments& arguments, Output& output) {
+    if (path(arguments.file) == Reader::standardStream && path(arguments.otherFile) == Reader::standardStream)
+        throw Messages::Failure(Messages::oneStandardInput());
+    const QString fileBefore = inputOf(arguments, output);
+    Arguments others = arguments;
+    others.file = arguments.otherFile;
+    const QString fileAfter = inputFor(others);
+    for (const QString& file : {fileBefore, fileAfter})
+        announceTerminal(file, output);
+    limitMemory(arguments, fileBefore, {}, output);
+    const QByteArray bytesBefore = Reader::readFile(fileBefore);
+    output.setBytes(bytesBefore);
+    const QByteArray bytesAfter = Reader::readFile(fileAfter);
+    limitMemory(arguments, fileBefore, qint64(bytesBefore.size()) + bytesAfter.size(), output);
+
+    Reader::Document before = opened(bytesBefore, nameOf(fileBefore), arguments).document;
+    Reader::Document after = opened(bytesAfter, nameOf(fileAfter), arguments).document;
+    DiffReport::Result result = {{nameOf(fileBefore), before.form(), before.version()},
+                                 {nameOf(fileAfter), after.form(), after.version()},
+                                 {},
+                                 {}};
+    if (arguments.raw && before.form() != after.form())
+        throw Messages::Failure(Messages::differentForms(nameOf(fileBefore), nameOf(fileAfter)));
+    if (!arguments.raw)
+        result.comparedAs = versionToCompare(result.before, result.after);
+    const auto prepared = [&](Reader::Document document, const QString& file) {
+        if (result.comparedAs)
+            document = broughtTo(*result.comparedAs, std::move(document), arguments, file);
+        return Reader::readForComparison(document,
+                                         Reader::isStream(file) ? QDir::currentPath() : folderOf(file));
+    };
+    const Reader::ComparedProject projectBefore = prepared(std::move(before), fileBefore);
+    result.differences = Reader::compare(projectBefore, prepared(std::move(after), fileAfter));
+    if (output.isJson())
+        output.setResult(DiffReport::asJson(result));
+    else
+        output.print(DiffReport::text(result));
+    return result.differences.empty() ? Messages::Done : Messages::IsDifferent;
+}
+
+int explain(const Arguments& arguments, Output& output) {
+    const QString input = inputOf(arguments, output);
+    const QString name = nameOf(input);
+    const std::string wanted = arguments.step.empty() ? std::string() : Names::stepFor(arguments.step);
+    Reader::Explanation explanation(arguments.clip);
     Progress progress(output);
     Reader::MigrationOptions options = optionsFor(arguments, input, Reader::standardStream, nullptr);
     options.watch = [&](const Reader::MigrationPart& part, const Reader::Document& document) {
-        trace.note(part, document);
+        explanation.note(part, document);
         progress.note(part);
     };
-    Reader::Migration migration(
-        Reader::parse(readInput(arguments, input, output), nameOf(input), arguments.from),
-        std::move(options));
+    Repairs::Opened project = opened(readInput(arguments, input, output), name, arguments);
+    options.opening = std::move(project.report);
+    Reader::Migration migration(std::move(project.document), std::move(options));
     progress.expect(migration.document(), arguments.to);
+    const auto show = [&] {
+        progress.end();
+        ExplainReport::Result result{name, migration.report(), explanation.steps(), !wanted.empty()};
+        if (!wanted.empty())
+            std::erase_if(result.steps,
+                          [&](const Reader::StepEffect& step) { return step.className != wanted; });
+        if (!wanted.empty() && result.steps.empty())
+            throw Messages::Failure(Messages::stepDidNotRun(name, wanted));
+        if (!arguments.clip.empty() && !explanation.hasFoundClip())
+            throw Messages::Failure(Messages::noSuchClip(name, arguments.clip));
+        if (output.isJson())
+            output.setResult(ExplainReport::asJson(result));
+        else
+            output.print(ExplainReport::text(result, output.colours()));
+    };
     try {
         migration.run();
     } catch (const Reader::Error&) {
-        progress.end();
-        showTrace(trace, migration.report(), output); // people look for what led up to the step that fails
+        if (wanted.empty() && (arguments.clip.empty() || explanation.hasFoundClip()))
+            show(); // people look for what led up to the step that fails
         throw;
     }
-    progress.end();
-    showLog({migration.report(), nameOf(input)}, output);
-    showTrace(trace, migration.report(), output);
+    show();
+    return exitCodeAfterOpening(migration.report());
+}
+
+int timeline(const Arguments& arguments, Output& output) {
+    if (arguments.output.empty())
+        output.yieldStandardOutput();
+    else
+        setTarget(path(arguments.output), output);
+    const QString input = inputOf(arguments, output);
+    const QString name = nameOf(input);
+    const Reader::Document document =
+        Reader::parse(readInput(arguments, input, output), name, arguments.from);
+    const QString ownName =
+        (Reader::isStream(input) ? QStringLiteral("project") : QFileInfo(input).completeBaseName()) +
+        QStringLiteral(".svg");
+    const QString target =
+        arguments.output.empty() ? Reader::standardStream : outputFor(arguments, input, ownName);
+    checkOutput(arguments, input, target);
+    TimelineSvg::Options options;
+    options.title = FileNames::bytesOf(name);
+    const std::string picture = TimelineSvg::timelineSvg(Reader::readTimelines(document), options);
+    Reader::UnfinishedParts made;
+    writeResult(target, QByteArray::fromStdString(picture), optionsToWrite(arguments, input), made);
+    if (output.isJson())
+        output.setResult({{"output", FileNames::bytesOf(nameOfTarget(target))}});
     return Messages::Done;
 }
 

@@ -115,7 +115,7 @@ Command commandFor(const CLI::App& command, const CLI::App& app) {
 
 std::vector<Command> commandsOf(const CLI::App& app) {
     std::vector<Command> commands;
-    for (const CLI::App* command : app.get_subcommands({}))
+    for (const CLI::App* command : Help::listedCommands(app))
         commands.push_back(commandFor(*command, app));
     return commands;
 }

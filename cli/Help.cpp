@@ -126,7 +126,7 @@ std::string usageOf(const CLI::App& app, const std::vector<const CLI::Option*>& 
 
 std::vector<Row> commandRows(const CLI::App& app) {
     std::vector<Row> rows;
-    for (const CLI::App* command : app.get_subcommands({}))
+    for (const CLI::App* command : listedCommands(app))
         rows.push_back({command->get_name(), command->get_description()});
     return rows;
 }
@@ -154,6 +154,10 @@ std::string footerOf(const std::string& footer, std::size_t width) {
 }
 
 } // namespace
+
+std::vector<const CLI::App*> listedCommands(const CLI::App& app) {
+    return app.get_subcommands([](const CLI::App* command) { return command->get_group() != hidden; });
+}
 
 Texts textsOf(const CLI::App& app) {
     const auto positionals =
@@ -183,7 +187,7 @@ std::string of(const CLI::App& app, int width) {
 
 std::string ofAll(const CLI::App& app, int width) {
     std::string text = of(app, width);
-    for (const CLI::App* command : app.get_subcommands({}))
+    for (const CLI::App* command : listedCommands(app))
         text += '\n' + std::string(static_cast<std::size_t>(width), '-') + "\n\n" + of(*command, width);
     return text;
 }

@@ -35,6 +35,11 @@ Texts textsOf(const CLI::App& app);
 /// Whether it is no flag.
 bool takesValue(const CLI::Option& option);
 
+/// The group of commands that are not listed.
+inline constexpr const char* hidden = "";
+/// The commands that are.
+std::vector<const CLI::App*> listedCommands(const CLI::App& app);
+
 /// The help of a command, or of the whole program, with no line longer than `width`.
 std::string of(const CLI::App& app, int width);
 

@@ -2,6 +2,9 @@
 
 #include "FileNames.h"
 #include "LossMessages.h"
+#include "RecoveryText.h"
+#include "Repairs/RepairTable.h"
+
 namespace JsonReport {
 namespace {
 
@@ -115,12 +118,40 @@ Json errorAsJson(const Messages::Message& error) {
     add("column", orNull(error.column));
     add("byte", orNull(error.byte));
     add("step", orNull(error.step));
+    add("repairs", error.repairs.empty() ? Json() : repairsAsJson(error.repairs));
+    add("recovery", recoveryAsJson(error.recovery));
     return result;
 }
 
 } // namespace
 
-std::string line(const Envelope& envelope, const Json& result, const Messages::Message* error) {
+Json repairsAsJson(const std::vector<Reader::RepairMade>& repairs) {
+    return listOf(repairs, [](const Reader::RepairMade& repair) {
+        return Json{
+            {"name", repair.name},
+            {"before", repair.before},
+            {"count", repair.count},
+            {"text", repair.text},
+            {"objects", listOf(repair.objects,
+                               [](const Reader::LoggedObject& object) {
+                                   return Json{{"class", object.className}, {"id", object.id}};
+                               })},
+            {"clips",
+             listOf(repair.clips(),
+                    [](const Reader::Part& clip) {
+                        return Json{{"id", clip.id}, {"name", clip.name}, {"time", orNull(clip.time)}};
+                    })},
+            {"places", listOf(repair.places, [](const Reader::TextPlace& place) {
+                 return Json{{"line", place.line}, {"column", place.column}, {"what", place.what}};
+             })}};
+    });
+}
+
+Json recoveryAsJson(const std::optional<Reader::RecoveryReport>& report) {
+    return report ? recovery(*report) : Json();
+}
+
+Json object(const Envelope& envelope, const Json& result, const Messages::Message* error) {
     Json all;
     all["format"] = format;
     all["tool"] = {{"name", "adaptors"}, {"version", ADAPTORS_VERSION}};
@@ -132,7 +163,11 @@ std::string line(const Envelope& envelope, const Json& result, const Messages::M
         all.update(result);
     if (error)
         all["error"] = errorAsJson(*error);
-    return all.dump(-1, ' ', true, Json::error_handler_t::replace) + '\n';
+    return all;
+}
+
+std::string line(const Json& object) {
+    return object.dump(-1, ' ', true, Json::error_handler_t::replace) + '\n';
 }
 
 Json migration(const Summary& summary) {
@@ -146,6 +181,9 @@ Json migration(const Summary& summary) {
     result["steps"] = report.steps;
     result["skipped"] = report.skipped;
     result["log"] = logAsJson(report);
+    result["recovery"] = recoveryAsJson(report.recovery);
+    result["repairs"] = repairsAsJson(report.repairs);
+    result["advice"] = repairsAsJson(summary.advice);
     result["objects"] = {{"in", countsAsJson(report.objectsBefore)},
                          {"out", countsAsJson(report.objectsAfter)},
                          {"leftOut", report.leftOut}};
@@ -155,7 +193,7 @@ Json migration(const Summary& summary) {
     return result;
 }
 
-Json info(const Reader::Document& document) {
+Json info(const Reader::Document& document, const std::vector<Reader::RepairMade>* repairs) {
     Json result;
     result["form"] = formAsJson(document.form());
     result["version"] = orNull(document.version());
@@ -169,6 +207,7 @@ Json info(const Reader::Document& document) {
     result["duplicateIds"] = listOf(ofKind(Reader::Fault::DuplicateId, findings),
                                     [](const Reader::Finding& finding) { return Json(finding.id); });
     result["steps"] = namesOfStepsToRun(document);
+    result["repairs"] = repairs ? repairsAsJson(*repairs) : Json();
     return result;
 }
 
@@ -189,8 +228,17 @@ Json findings(const std::vector<Reader::Finding>& findings) {
 Json trace(const Reader::Trace& trace, const Reader::MigrationReport& report) {
     Json result;
     result["steps"] = listOf(trace.entries(), [](const Reader::Trace::Entry& entry) {
-        return Json{{"place", entry.place}, {"class", entry.className}, {"file", orNull(entry.file)}};
+        Json step{{"place", entry.place},
+                  {"class", entry.isRepair ? Json() : Json(entry.className)},
+                  {"file", orNull(entry.file)}};
+        if (entry.isRepair)
+            step["repair"] = entry.className;
+        if (!entry.diff.isEmpty())
+            step["diff"] = orNull(entry.diff);
+        return step;
     });
+    result["recovery"] = recoveryAsJson(report.recovery);
+    result["repairs"] = repairsAsJson(report.repairs);
     result["log"] = logAsJson(report);
     return result;
 }
@@ -204,6 +252,23 @@ Json stepList(int from, int to) {
                              {"class", row->className},
                              {"forms", formsAsJson(*row)},
                              {"summary", row->summary}};
+             })}};
+}
+
+Json repairList() {
+    return {{"repairs", listOf(Repairs::repairTable(), [](const Repairs::RepairRow& row) {
+                 Json forms = Json::array();
+                 if (row.hasText())
+                     forms.push_back("text");
+                 if (row.hasXml())
+                     forms.push_back("xml");
+                 if (row.hasJson())
+                     forms.push_back("json");
+                 return Json{
+                     {"name", row.name},
+                     {"before", listOf(row.places(), [](std::string_view place) { return Json(place); })},
+                     {"forms", std::move(forms)},
+                     {"summary", row.summary}};
              })}};
 }
 

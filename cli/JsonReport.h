@@ -25,16 +25,31 @@ struct Envelope {
     std::optional<double> seconds; ///< since the program's start; none where they can't be known
 };
 
-/// One JSON object on one line, in ASCII. `result` holds the command's own keys; null for none. `error` is null where
-/// there is none.
-std::string line(const Envelope& envelope, const Json& result, const Messages::Message* error = nullptr);
+/// The whole object. `result` holds the command's own keys; null for none. `error` is null where there is none.
+Json object(const Envelope& envelope, const Json& result, const Messages::Message* error = nullptr);
+
+/// An object on one line, in ASCII.
+std::string line(const Json& object);
+
+inline std::string line(const Envelope& envelope, const Json& result,
+                        const Messages::Message* error = nullptr) {
+    return line(object(envelope, result, error));
+}
 
 // The keys of each command.
 
 Json migration(const Summary& summary);
-Json info(const Reader::Document& document);
+/// `repairs` are those that a migration needs; null where that is not known.
+Json info(const Reader::Document& document, const std::vector<Reader::RepairMade>* repairs);
 Json findings(const std::vector<Reader::Finding>& findings);
 Json trace(const Reader::Trace& trace, const Reader::MigrationReport& report);
 Json stepList(int from, int to);
+Json repairList();
+
+// Parts of several of these.
+
+Json repairsAsJson(const std::vector<Reader::RepairMade>& repairs);
+/// null where nothing was recovered.
+Json recoveryAsJson(const std::optional<Reader::RecoveryReport>& report);
 
 } // namespace JsonReport

@@ -1,5 +1,7 @@
 #include "LossMessages.h"
 
+#include "Phrases.h"
+
 #include <algorithm>
 #include <array>
 #include <map>
@@ -8,6 +10,7 @@
 #include <tuple>
 #include <vector>
 
+using Phrases::plural;
 using Reader::Loss;
 using Reader::PartKind;
 using Terminal::Colours;
@@ -15,10 +18,6 @@ using Terminal::escaped;
 
 namespace LossMessages {
 namespace {
-
-std::string plural(std::size_t count, const std::string& noun) {
-    return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
-}
 
 /// "V69" of "V69_RemoveQuizzesAdaptor"; a name without a number as it is.
 std::string shortName(const std::string& step) {

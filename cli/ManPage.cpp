@@ -116,7 +116,7 @@ std::string relatedPages(const CLI::App& app) {
     };
     if (app.get_parent() != nullptr)
         add(*app.get_parent());
-    for (const CLI::App* command : app.get_subcommands({}))
+    for (const CLI::App* command : Help::listedCommands(app))
         add(*command);
     return result + '\n';
 }

@@ -66,12 +66,17 @@ std::vector<Bound> boundsFor(std::optional<std::uint64_t> given, std::optional<q
 std::string message;
 int messageDescriptor = STDERR_FILENO;
 
+/// What the process was started with.
+std::optional<rlimit> limitAtStart;
+
 } // namespace
 
 void limitFor(std::optional<std::uint64_t> given, std::optional<qint64> size, const LastWords& lastWords,
               int descriptor) {
     rlimit limit = {};
     const bool hasLimit = !isSanitized && getrlimit(RLIMIT_DATA, &limit) == 0;
+    if (hasLimit && !limitAtStart)
+        limitAtStart = limit;
     std::vector<Bound> bounds = boundsFor(given, size);
     if (hasLimit)
         bounds.push_back({limit.rlim_cur, "the limit of this process (ulimit -d)"});
@@ -85,6 +90,11 @@ void limitFor(std::optional<std::uint64_t> given, std::optional<qint64> size, co
     limit.rlim_cur = least->bytes;
     if (hasLimit)
         setrlimit(RLIMIT_DATA, &limit);
+}
+
+void liftLimit() {
+    if (limitAtStart)
+        setrlimit(RLIMIT_DATA, &*limitAtStart);
 }
 
 void endProgram() {

@@ -20,6 +20,9 @@ using LastWords = std::function<std::string(const std::string& bound)>;
 void limitFor(std::optional<std::uint64_t> given, std::optional<qint64> size, const LastWords& lastWords,
               int descriptor);
 
+/// Takes the limit back that limitFor() has set: a worker sets another one for each file.
+void liftLimit();
+
 /// Removes what is unfinished, says that memory ran out and ends the program at once, with exit code 18. An exception
 /// would let go of what there is, and letting go takes memory too.
 [[noreturn]] void endProgram();

@@ -3,6 +3,12 @@
 #include "FileNames.h"
 #include "Reader/AdaptorTable.h"
 #include "Reader/Files.h"
+#include "RecoveryText.h"
+#include "Repairs/RepairTable.h"
+
+#include <set>
+
+#include <QFileInfo>
 
 namespace Messages {
 namespace {
@@ -185,6 +191,28 @@ Message messageFor(const Reader::Error& error) {
             facts.step};
 }
 
+std::string describe(const Reader::RepairMade& repair) {
+    const Repairs::RepairRow* row = Repairs::findRepair(repair.name);
+    std::string sentence = withoutFullStop(row ? std::string(row->summary) : repair.text);
+    const bool isAcronym = sentence.size() > 1 && sentence[1] >= 'A' && sentence[1] <= 'Z';
+    if (!isAcronym && !sentence.empty() && sentence[0] >= 'A' && sentence[0] <= 'Z')
+        sentence[0] = static_cast<char>(sentence[0] - 'A' + 'a');
+    return repair.name + ": " + sentence;
+}
+
+Message withAdvice(Message message, Reader::MigrationReport report) {
+    std::string what = report.recovery ? "; " + Texts::recoveryInShort(*report.recovery) : std::string();
+    std::set<std::string> known;
+    for (const Reader::RepairMade& repair : report.repairs) {
+        if (known.insert(repair.name).second)
+            what += "; " + describe(repair);
+    }
+    message.text += "; --repair would help" + what;
+    message.repairs = std::move(report.repairs);
+    message.recovery = std::move(report.recovery);
+    return message;
+}
+
 namespace {
 
 std::string quoted(const std::string& text) {
@@ -208,6 +236,25 @@ Message wrongUse(const std::string& text) {
 
 Message inPlaceNeedsFile() {
     return wrongUse("--in-place needs a file, not standard input; name the file, or give -o");
+}
+
+Message oneStandardInput() {
+    return wrongUse("only one of the two files can be standard input; name the other one");
+}
+
+Message differentForms(const QString& before, const QString& after) {
+    return wrongUse(FileNames::bytesOf(before) + " and " + FileNames::bytesOf(after) +
+                    " have different forms, and --raw compares only documents of one form; leave --raw out");
+}
+
+Message noSuchClip(const QString& name, const std::string& clip) {
+    return wrongUse(FileNames::bytesOf(name) + " has no clip with the name or id " + quoted(clip) +
+                    "; \"adaptors info --timeline\" shows the clips");
+}
+
+Message stepDidNotRun(const QString& name, const std::string& step) {
+    return wrongUse(step + " does not run on " + FileNames::bytesOf(name) +
+                    "; \"adaptors info\" lists the steps that do");
 }
 
 Message notOneProject(const QString& folder, const QStringList& projects) {
@@ -242,6 +289,12 @@ Message wouldLose(const QString& name) {
             FileNames::bytesOf(name) +
                 ": a migration would lose something or report an error, see the lines above; nothing "
                 "was written"};
+}
+
+Message noBackup(const QString& file) {
+    return {Unreadable, "no-backup",
+            FileNames::bytesOf(file) + ": has no backup " + FileNames::bytesOf(QFileInfo(file).fileName()) +
+                ".bak beside it; --in-place makes one"};
 }
 
 Message outOfMemory(const QString& name, const std::string& bound) {

@@ -2,6 +2,7 @@
 
 #include "Reader/Error.h"
 #include "Reader/Files.h"
+#include "Reader/MigrationReport.h"
 #include "Terminal.h"
 
 #include <QString>
@@ -36,6 +37,8 @@ enum ExitCode {
     HasFindings = 17,
     OutOfMemory = 18,
     WouldMigrate = 19, ///< `--check`: a migration has something to do and would lose nothing
+    SomeFailed = 20,   ///< `batch`: files failed, or results are not whole
+    IsDifferent = 21,  ///< `diff` found a difference
     Incomplete = 22,   ///< the result was written, and something of the project is missing in it
 };
 
@@ -47,18 +50,31 @@ struct Message {
     std::optional<qint64> line = {};
     std::optional<qint64> column = {};
     std::optional<qint64> byte = {};
-    std::string step = {}; ///< class name of the adaptor that failed; empty for none
+    std::string step = {};                        ///< class name of the adaptor that failed; empty for none
+    std::vector<Reader::RepairMade> repairs = {}; ///< those with which it would succeed
+    std::optional<Reader::RecoveryReport> recovery = {}; ///< what would be recovered of a damaged file
 };
 
 Message messageFor(const Reader::Error& error);
 
+/// What a repair does, a part of a sentence: "second-timelines: timelines after the first get ...".
+std::string describe(const Reader::RepairMade& repair);
+
+/// The message of an error where --repair would help, by what that report says of a migration with it.
+Message withAdvice(Message message, Reader::MigrationReport report);
+
 // Failures that the library does not know.
 
 Message inPlaceNeedsFile();
+Message oneStandardInput();
+Message differentForms(const QString& before, const QString& after);
+Message noSuchClip(const QString& name, const std::string& clip);
+Message stepDidNotRun(const QString& name, const std::string& step);
 Message notOneProject(const QString& folder, const QStringList& projects);
 Message folderNotMade(const QString& folder);
 Message refusedByStrict(const QString& name);
 Message wouldLose(const QString& name);
+Message noBackup(const QString& file);
 /// `bound` is what allows no more, such as "--max-memory allows, 64 MiB".
 Message outOfMemory(const QString& name, const std::string& bound);
 Message outputLost(const std::string& reason);

@@ -50,6 +50,11 @@ public:
     /// The same for a command that failed.
     int fail(const Messages::Message& message) const;
 
+    /// The JSON object of what is known now.
+    JsonReport::Json report(const Messages::Message* error = nullptr) const {
+        return JsonReport::object(envelopeNow(), m_result, error);
+    }
+
     /// What is to be said if memory runs out, made beforehand, and where.
     std::string textFor(const Messages::Message& message) const;
     int descriptorForFailures() const;

@@ -38,16 +38,22 @@ QString folderOf(const QString& file) {
     return Reader::isStream(file) ? QString() : QFileInfo(file).absolutePath();
 }
 
+QString resultEnding(int to) {
+    const auto* const suffix = to > Reader::lastXmlVersion ? ".json" : ".xml";
+    return QStringLiteral(".v") + QString::number(to) + QLatin1String(suffix);
+}
+
 QString resultName(const Arguments& arguments, const QString& input) {
     const QString base =
         Reader::isStream(input) ? QStringLiteral("project") : QFileInfo(input).completeBaseName();
-    const auto* const suffix = arguments.to > Reader::lastXmlVersion ? ".json" : ".xml";
-    return base + QStringLiteral(".v") + QString::number(arguments.to) + QLatin1String(suffix);
+    return base + resultEnding(arguments.to);
 }
 
 QString outputFor(const Arguments& arguments, const QString& input, const QString& ownName) {
     if (arguments.inPlace)
         return input;
+    if (arguments.beforeWriting)
+        return path(arguments.output);
     if (!arguments.bundle.empty())
         return inFolder(path(arguments.bundle), ownName);
     QString output = path(arguments.output);
@@ -59,7 +65,8 @@ QString outputFor(const Arguments& arguments, const QString& input, const QStrin
 }
 
 Reader::WriteOptions optionsToWrite(const Arguments& arguments, const QString& input) {
-    const bool isNamed = !arguments.output.empty() && !isFolder(path(arguments.output));
+    const bool isNamed =
+        !arguments.output.empty() && !arguments.beforeWriting && !isFolder(path(arguments.output));
     return {arguments.force ? Reader::Existing::Replace : Reader::Existing::Refuse,
             Reader::permissionsOf(input), !isNamed};
 }

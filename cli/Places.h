@@ -26,6 +26,9 @@ QString folderOf(const QString& file);
 /// `ownName` is the result's name in a folder.
 QString outputFor(const Arguments& arguments, const QString& input, const QString& ownName);
 
+/// What the name of a migration's result to that schema version ends with: ".v77.json".
+QString resultEnding(int to);
+
 /// The name of a migration's result, such as "film.v77.json".
 QString resultName(const Arguments& arguments, const QString& input);
 

@@ -1,11 +1,19 @@
 #include "Summary.h"
 
 #include "LossMessages.h"
+#include "Messages.h"
+#include "Phrases.h"
+#include "RecoveryText.h"
+#include "Repairs/RepairTable.h"
+
 #include <algorithm>
 #include <iomanip>
 #include <numeric>
 #include <sstream>
 
+using Phrases::classText;
+using Phrases::plural;
+using Phrases::timeText;
 using Reader::AdaptorRow;
 using Terminal::Colours;
 using Terminal::escaped;
@@ -19,25 +27,6 @@ std::size_t total(const Reader::ObjectCounts& counts) {
 
 std::string stateOf(Bundle::Backend form, int version) {
     return Reader::formName(form).toStdString() + " of schema version " + std::to_string(version);
-}
-
-std::string plural(std::size_t count, const std::string& noun) {
-    return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
-}
-
-std::string classText(const std::string& className) {
-    return className.empty() ? "(no class)" : escaped(className);
-}
-
-/// "0:01:02.345"
-std::string timeText(long long milliseconds) {
-    const auto part = [](long long number, int digits) {
-        const std::string text = std::to_string(number);
-        return std::string(static_cast<std::size_t>(std::max(0, digits - int(text.size()))), '0') + text;
-    };
-    const long long size = milliseconds < 0 ? -(milliseconds + 1) + 1 : milliseconds;
-    return (milliseconds < 0 ? "-" : "") + part(size / 3600000, 1) + ':' + part(size / 60000 % 60, 2) + ':' +
-           part(size / 1000 % 60, 2) + '.' + part(size % 1000, 3);
 }
 
 /// " (clip "Beach" at 0:00:39.000, Effect::SideBySide, id 12)"
@@ -63,6 +52,49 @@ std::string join(const std::vector<std::string>& words) {
     for (const std::string& word : words)
         text += (text.empty() ? "" : ", ") + word;
     return text;
+}
+
+/// "clips "Beach", "Boat" and 3 more", or the objects where no clips are concerned; empty for neither.
+std::string concernedBy(const Reader::RepairMade& repair) {
+    constexpr std::size_t mostNames = 5;
+    std::vector<std::string> names;
+    std::string what = "clip";
+    for (const Reader::Part& clip : repair.clips())
+        names.push_back(clip.name.empty() ? "id " + std::to_string(clip.id) : '"' + escaped(clip.name) + '"');
+    if (names.empty()) {
+        what = "object";
+        for (const Reader::LoggedObject& object : repair.objects)
+            names.push_back(classText(object.className) + " (id " + std::to_string(object.id) + ')');
+    }
+    for (const Reader::TextPlace& place : repair.places) {
+        what = "place";
+        names.push_back(std::to_string(place.line) + ':' + std::to_string(place.column) + ' ' +
+                        escaped(place.what));
+    }
+    const std::size_t all = std::max(names.size(), repair.places.empty() ? 0 : repair.count);
+    if (all == 0)
+        return {};
+    names.resize(std::min(names.size(), mostNames));
+    return "; " + what + (all == 1 ? " " : "s ") + join(names) +
+           (all > names.size() ? " and " + std::to_string(all - names.size()) + " more" : "");
+}
+
+/// "second-timelines, before V4: tracks and ..."
+std::string repairText(const Reader::RepairMade& repair) {
+    return repair.name + ", before " + escaped(repair.before) + ": " + escaped(repair.text) +
+           concernedBy(repair);
+}
+
+/// The same for a repair that would be made.
+std::string neededText(const Reader::RepairMade& repair) {
+    return Messages::describe(repair) + concernedBy(repair);
+}
+
+std::string formsOf(const Repairs::RepairRow& row) {
+    return row.hasText()                   ? "text"
+           : row.hasXml() && row.hasJson() ? "XML, JSON"
+           : row.hasXml()                  ? "XML"
+                                           : "JSON";
 }
 
 std::string formsOf(bool hasXml, bool hasJson) {
@@ -128,6 +160,9 @@ std::string summary(const Summary& summary, Detail detail, const Colours& colour
     if (!report.skipped.empty())
         out << "  " << colours.yellow("warning") << ": " << plural(report.skipped.size(), "step")
             << " skipped, made for archives only: " << join(report.skipped) << '\n';
+    out << opening(report, colours);
+    for (const Reader::RepairMade& repair : report.repairs)
+        out << "  repaired: " << repairText(repair) << '\n';
     for (const Reader::LogLine& line : report.log)
         out << "  " << lineText(line, colours);
     out << "  objects: " << total(report.objectsBefore) << " in, " << total(report.objectsAfter) << " out\n";
@@ -144,7 +179,20 @@ std::string summary(const Summary& summary, Detail detail, const Colours& colour
         out << "  written: " << escaped(summary.output) << '\n';
     for (const std::string& note : summary.notes)
         out << "  note:    " << escaped(note) << '\n';
+    for (const Reader::RepairMade& repair : summary.advice)
+        out << "  note:    --repair would help; " << neededText(repair) << '\n';
     return out.str();
+}
+
+std::string opening(const Reader::MigrationReport& report, const Colours& colours) {
+    return report.recovery ? recovery(*report.recovery, colours) : std::string();
+}
+
+std::string repairs(const std::vector<Reader::RepairMade>& repairs) {
+    std::string text;
+    for (const Reader::RepairMade& repair : repairs)
+        text += "repaired: " + repairText(repair) + '\n';
+    return text;
 }
 
 std::string errors(const Summary& summary, const Colours& colours) {
@@ -152,6 +200,8 @@ std::string errors(const Summary& summary, const Colours& colours) {
     std::string text;
     for (const Reader::LogLine& line : summary.report.log)
         text += line.isError() ? start + lineText(line, colours) : std::string();
+    if (summary.report.isFromIncompleteFile())
+        text += start + recoveryInShort(*summary.report.recovery) + '\n';
     for (const Reader::Loss& loss : summary.report.losses)
         text += loss.isIntended ? std::string() : start + LossMessages::loss(loss, colours);
     return text;
@@ -171,7 +221,8 @@ std::string steps(const Reader::MigrationReport& report) {
     return text;
 }
 
-std::string info(const Reader::Document& document, const QString& name) {
+std::string info(const Reader::Document& document, const QString& name,
+                 const std::vector<Reader::RepairMade>* repairs) {
     std::ostringstream out;
     out << escaped(name) << '\n';
     out << "  form:    " << Reader::formName(document.form()).toStdString() << '\n';
@@ -195,6 +246,12 @@ std::string info(const Reader::Document& document, const QString& name) {
     out << "  steps to version " << Reader::currentVersion << ": " << steps.size() << '\n';
     for (const std::string& step : steps)
         out << "          " << step << '\n';
+    if (!repairs)
+        return out.str();
+    out << "  repairs that it needs: " << repairs->size() << (repairs->empty() ? "" : "; --repair makes them")
+        << '\n';
+    for (const Reader::RepairMade& repair : *repairs)
+        out << "          " << neededText(repair) << '\n';
     return out.str();
 }
 
@@ -212,8 +269,9 @@ std::string findings(const std::vector<Reader::Finding>& findings, const QString
 std::string trace(const Reader::Trace& trace) {
     std::ostringstream out;
     for (const Reader::Trace::Entry& entry : trace.entries())
-        out << std::setw(3) << entry.place << "  " << std::left << std::setw(42) << entry.className
-            << std::right << (entry.file.isEmpty() ? "changed nothing" : escaped(entry.file)) << '\n';
+        out << std::setw(3) << entry.place << "  " << std::left << std::setw(42)
+            << (entry.isRepair ? "repair " : "") + entry.className << std::right
+            << (entry.file.isEmpty() ? "changed nothing" : escaped(entry.file)) << '\n';
     return out.str();
 }
 
@@ -231,6 +289,24 @@ std::string stepList(int from, int to) {
     for (const AdaptorRow* row : unnumberedAdaptors()) {
         out << "     ";
         addRow(*row);
+    }
+    return out.str();
+}
+
+std::string restored(const QString& file, const QString& backup, const QString& kept) {
+    const std::string where = kept.isEmpty() ? "" : "\n  what it was: " + escaped(kept);
+    return escaped(file) + ": restored from " + escaped(backup) + where + '\n';
+}
+
+std::string repairList() {
+    std::ostringstream out;
+    for (const Repairs::RepairRow& row : Repairs::repairTable()) {
+        out << std::left << std::setw(22) << row.name << std::setw(9) << formsOf(row) << std::right << "  "
+            << row.summary << '\n';
+        std::vector<std::string> places;
+        for (const std::string_view place : row.places())
+            places.emplace_back(place);
+        out << std::string(33, ' ') << "before " << join(places) << '\n';
     }
     return out.str();
 }

@@ -14,12 +14,13 @@
 struct Summary {
     const Reader::MigrationReport& report;
     QString input;
-    QString output = {};                 ///< empty where nothing was written
-    QString backup = {};                 ///< empty for none
-    std::vector<std::string> notes = {}; ///< on the file that was replaced, a sentence each
-    bool isUpToDate = false;             ///< the document had the version asked for, and nothing was done
-    bool hasVersion = true;              ///< whether the document names a schema version; `run` needs none
-    bool hasClips = true;                ///< whether the clips before and after were compared; `run` does not
+    QString output = {};                         ///< empty where nothing was written
+    QString backup = {};                         ///< empty for none
+    std::vector<std::string> notes = {};         ///< on the file that was replaced, a sentence each
+    std::vector<Reader::RepairMade> advice = {}; ///< what --repair would have done, where that helps
+    bool isUpToDate = false; ///< the document had the version asked for, and nothing was done
+    bool hasVersion = true;  ///< whether the document names a schema version; `run` needs none
+    bool hasClips = true;    ///< whether the clips before and after were compared; `run` does not
 };
 
 /// What the program says of its work to people. All texts of documents and all names are fit for a terminal.
@@ -39,8 +40,15 @@ std::string log(const Reader::MigrationReport& report, const Terminal::Colours& 
 /// The steps that ran, a line for each.
 std::string steps(const Reader::MigrationReport& report);
 
-/// What `adaptors info` says.
-std::string info(const Reader::Document& document, const QString& name);
+/// What was recovered of a damaged file; empty where it was not damaged.
+std::string opening(const Reader::MigrationReport& report, const Terminal::Colours& colours);
+
+/// The repairs that were made, a line for each.
+std::string repairs(const std::vector<Reader::RepairMade>& repairs);
+
+/// What `adaptors info` says. `repairs` are those that a migration of the document needs; null where that is not known.
+std::string info(const Reader::Document& document, const QString& name,
+                 const std::vector<Reader::RepairMade>* repairs);
 
 /// What `adaptors verify` says.
 std::string findings(const std::vector<Reader::Finding>& findings, const QString& name,
@@ -52,8 +60,13 @@ std::string trace(const Reader::Trace& trace);
 /// What `adaptors steps` says.
 std::string stepList(int from, int to);
 
+/// What `adaptors repairs` says.
+std::string repairList();
+
 /// What is said before a project is read from a terminal.
 std::string readingFromTerminal();
+/// What restoring a backup did; `kept` is empty where there was no file.
+std::string restored(const QString& file, const QString& backup, const QString& kept);
 
 /// How far a migration is, in less than 60 characters: the step that runs now, its place among those to run, and how
 /// many there are. Without a step all have run.

@@ -1,7 +1,7 @@
 #include "CommandLine.h"
 #include "FileNames.h"
 #include "Messages.h"
-#include "Reader/Unfinished.h"
+#include "Signals.h"
 #include "StandardStreams.h"
 #include "Terminal.h"
 
@@ -17,7 +17,7 @@
 int main(int argc, char** argv) {
     StandardStreams::occupy(); // before anything else opens a file
     FileNames::keepAllBytes();
-    Reader::removeUnfinishedOnSignals();
+    Signals::endCleanly();
     // Qt orders attributes by a hash: the same input gives the same bytes only with a fixed seed.
     qSetGlobalQHashSeed(0);
     // Log lines of steps reach people through the summary; glog writes no files and nothing of its own.

@@ -1,17 +1,16 @@
 #include "Reader/Contents.h"
 
 #include "Archive/Internal/ArchiveEditor.h"
-#include "Archive/Internal/FlatObjects.h"
 #include "Archive/Internal/TreeFacts.h"
 #include "Archive/Internal/Walk.h"
 #include "Archive/Xml.h"
+#include "Reader/Internal/ProjectView.h"
 
 #include <QHash>
 
 #include <array>
 #include <unordered_set>
 
-using Archive::Internal::TypedElements;
 using nlohmann::json;
 namespace Words = Archive::Words;
 
@@ -19,11 +18,10 @@ namespace Reader {
 namespace {
 
 const QString timelineClass = QStringLiteral("Timeline::Object");
-const QString clipsField = QStringLiteral("clips");
-const QString effectsField = QStringLiteral("effects");
-const QString overlayField = QStringLiteral("overlay");
-const QString nameField = QStringLiteral("name");
-const QString timestampField = QStringLiteral("timestamp");
+const FieldName effectsField("effects");
+const FieldName overlayField("overlay");
+const FieldName nameField("name");
+const FieldName timestampField("timestamp");
 
 unsigned long long idIn(const QDomElement& reference) {
     return reference.attribute(Words::value).toULongLong();
@@ -38,16 +36,6 @@ void walkElements(const QDomElement& top, Visit visit) {
         if (node.isElement())
             visit(node.toElement());
     }
-}
-
-/// The archive's root objects that hold the project, by id; the later of two counts, as in the conversion.
-QHash<unsigned long long, QDomElement> byId(const TypedElements& rootObjects) {
-    QHash<unsigned long long, QDomElement> objects;
-    for (const auto& [e, type] : rootObjects) {
-        if (!isDeclaring(type))
-            objects.insert(Archive::objectIdOf(e), e);
-    }
-    return objects;
 }
 
 /// Calls `visit` for a flat object and each value inside it. Not recursive: depth costs memory, not stack.
@@ -88,10 +76,6 @@ ObjectCounts countsOf(const QHash<QString, std::size_t>& objects) {
     return counts;
 }
 
-TypedElements rootObjectsOf(const QDomDocument& xml) {
-    return TypedElements(Archive::Internal::typedElements(xml, Words::RootObject));
-}
-
 /// Lists parts, each id once. A document calls add() for what it holds.
 class PartList {
 public:
@@ -110,95 +94,39 @@ private:
     std::vector<Part> m_parts;
 };
 
-class ArchiveParts {
+template <class View>
+class PartsOf {
 public:
-    explicit ArchiveParts(const TypedElements& rootObjects)
-        : m_timelines(Archive::Internal::ofType(rootObjects, timelineClass)), m_objects(byId(rootObjects)) {}
+    using Value = typename View::Value;
+
+    explicit PartsOf(const View& view) : m_view(view) {}
 
     std::vector<Part> list() {
-        for (const QDomElement& timeline : m_timelines) {
-            for (const QDomElement& item :
-                 Archive::Internal::children(timeline.firstChildElement(clipsField), Words::Item)) {
-                const QDomElement key = item.firstChildElement(Words::Key);
-                addClip(idIn(key.isNull() ? item.firstChildElement(Words::Data) : key),
-                        item.firstChildElement(Words::Value));
-            }
+        for (const Value& timeline : m_view.ofClass(timelineClass)) {
+            for (const auto& [clip, timing] : View::clipEntries(timeline))
+                addClip(clip, timing);
         }
         return m_parts.take();
     }
 
 private:
-    void addClip(unsigned long long id, const QDomElement& timing) {
-        const QDomElement timestamp = timing.firstChildElement(timestampField);
-        if (!add(PartKind::Clip, id, id,
-                 timestamp.isNull() ? std::nullopt
-                                    : std::optional(timestamp.attribute(Words::value).toLongLong())))
+    void addClip(const Value& clip, const Value& timing) {
+        const unsigned long long id = View::targetId(clip);
+        if (!add(PartKind::Clip, clip, id, View::integer(View::field(m_view.target(timing), timestampField))))
             return;
-        const QDomElement clip = m_objects.value(id);
-        for (const QDomElement& item :
-             Archive::Internal::children(clip.firstChildElement(effectsField), Words::Item))
-            add(PartKind::Effect, idIn(item.firstChildElement(Words::Data)), id);
-        add(PartKind::Title, idIn(clip.firstChildElement(overlayField)), id);
-    }
-    bool add(PartKind kind, unsigned long long id, unsigned long long clip,
-             std::optional<long long> time = std::nullopt) {
-        const QDomElement object = m_objects.value(id);
-        return m_parts.add(kind, id, Archive::typeOf(object).toStdString(),
-                           Archive::valueOf(object, nameField).toStdString(), clip, time);
-    }
-
-    Archive::Internal::Elements m_timelines;
-    QHash<unsigned long long, QDomElement> m_objects;
-    PartList m_parts;
-};
-
-class FlatParts {
-public:
-    explicit FlatParts(const JsonDocument& document) : m_objects(document.flat.objects) {}
-
-    std::vector<Part> list() {
-        for (const auto& [timelineId, timeline] : m_objects) {
-            if (classOf(timeline) != timelineClass.toStdString())
-                continue;
-            for (const json& entry : Archive::Internal::memberOf(timeline, clipsField.toStdString()))
-                addClip(entry.is_object() && entry.contains("clip") ? entry["clip"] : entry,
-                        Archive::Internal::memberOf(entry, "timing"));
-        }
-        return m_parts.take();
-    }
-
-private:
-    void addClip(const json& clip, const json& timing) {
-        const unsigned long long id = idOf(clip);
-        const json& time = Archive::Internal::memberOf(objectOf(timing), timestampField.toStdString());
-        if (!add(PartKind::Clip, clip, id,
-                 time.is_number_integer() ? std::optional(time.get<long long>()) : std::nullopt))
-            return;
-        const json& object = objectOf(clip);
-        for (const json& effect : Archive::Internal::memberOf(object, effectsField.toStdString()))
+        const Value object = m_view.target(clip);
+        for (const Value& effect : View::items(View::field(object, effectsField)))
             add(PartKind::Effect, effect, id);
-        add(PartKind::Title, Archive::Internal::memberOf(object, overlayField.toStdString()), id);
+        add(PartKind::Title, View::field(object, overlayField), id);
     }
-    bool add(PartKind kind, const json& value, unsigned long long clip,
+    bool add(PartKind kind, const Value& value, unsigned long long clip,
              std::optional<long long> time = std::nullopt) {
-        const json& object = objectOf(value);
-        const json& name = Archive::Internal::memberOf(object, nameField.toStdString());
-        return m_parts.add(kind, idOf(value), classOf(object),
-                           name.is_string() ? name.get<std::string>() : std::string(), clip, time);
-    }
-    static unsigned long long idOf(const json& value) {
-        return Serialize::Json::getAnyObjectId(value).value_or(0);
-    }
-    /// The object that the value refers to or is; null where there is none.
-    const json& objectOf(const json& value) const {
-        static const json none;
-        if (isClassObject(value))
-            return value;
-        const auto object = m_objects.find(idOf(value));
-        return object == m_objects.end() ? none : object->second;
+        const Value object = m_view.target(value);
+        return m_parts.add(kind, View::targetId(value), View::classOf(object),
+                           View::text(View::field(object, nameField)), clip, time);
     }
 
-    const std::map<unsigned long long, json>& m_objects;
+    const View& m_view;
     PartList m_parts;
 };
 
@@ -225,7 +153,7 @@ std::set<unsigned long long> follow(unsigned long long root, Visit visit) {
 }
 
 std::set<unsigned long long> reachableInXml(const QDomDocument& xml) {
-    const auto objects = byId(rootObjectsOf(xml));
+    const auto objects = objectsById(rootObjectsOf(xml));
     const auto root = idIn(xml.documentElement().firstChildElement(Words::RootRef));
     return follow(root, [&](unsigned long long id, auto found) {
         const QDomElement object = objects.value(id);
@@ -278,12 +206,12 @@ std::string_view nameOf(PartKind kind) {
 }
 
 std::vector<Part> listParts(const Document& document) {
-    return document.isXml() ? ArchiveParts(rootObjectsOf(document.xml())).list()
-                            : FlatParts(document.json()).list();
+    return document.isXml() ? PartsOf(ArchiveView(rootObjectsOf(document.xml()))).list()
+                            : PartsOf(FlatView(document.json())).list();
 }
 
 std::vector<Part> listParts(Archive::Internal::ArchiveEditor& archive) {
-    return ArchiveParts(archive.rootObjects(Archive::Internal::Scope::Document)).list();
+    return PartsOf(ArchiveView(archive.rootObjects(Archive::Internal::Scope::Document))).list();
 }
 
 std::vector<Clip> listClips(const Document& document) {

@@ -24,16 +24,6 @@ QString systemError() {
     return qt_error_string(errno);
 }
 
-/// A rename is safe on disk only when its folder is.
-void syncFolder(const QString& path) {
-    const QByteArray folder = QFile::encodeName(QFileInfo(path).absolutePath());
-    const int descriptor = open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0)
-        return; // the file is whole either way; only its name could come late
-    fsync(descriptor);
-    close(descriptor);
-}
-
 std::optional<struct stat> statusOf(const QString& path) {
     struct stat status = {};
     return stat(QFile::encodeName(path).constData(), &status) == 0 ? std::optional(status) : std::nullopt;
@@ -58,25 +48,10 @@ WriteObstacle obstacleTo(const QString& path, int error) {
     return WriteObstacle::None;
 }
 
-/// For the error in `errno`.
-[[noreturn]] void failToWrite(const QString& path) {
-    const int error = errno;
-    throw Error(
-        ErrorKind::Unwritable,
-        {.file = path, .reason = qt_error_string(error).toStdString(), .obstacle = obstacleTo(path, error)});
-}
-
 constexpr int mostLinks = 40; // as the system itself follows
 
 QString targetOf(const QString& link) {
     return QFileInfo(link).symLinkTarget();
-}
-
-/// Where a link leads in the end, whether that is there or not.
-QString resolved(QString path) {
-    for (int count = 0; count < mostLinks && QFileInfo(path).isSymLink(); ++count)
-        path = targetOf(path);
-    return path;
 }
 
 /// The descriptor of this process that "/dev/stdout", "/dev/fd/N" and the like lead to.
@@ -136,6 +111,28 @@ QString placeBackup(TemporaryFile& file, const QString& path) {
 }
 
 } // namespace
+
+QString targetOfLinks(QString path) {
+    for (int count = 0; count < mostLinks && QFileInfo(path).isSymLink(); ++count)
+        path = targetOf(path);
+    return path;
+}
+
+void syncFolder(const QString& path) {
+    const QByteArray folder = QFile::encodeName(QFileInfo(path).absolutePath());
+    const int descriptor = open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0)
+        return; // the file is whole either way; only its name could come late
+    fsync(descriptor);
+    close(descriptor);
+}
+
+void failToWrite(const QString& path) {
+    const int error = errno;
+    throw Error(
+        ErrorKind::Unwritable,
+        {.file = path, .reason = qt_error_string(error).toStdString(), .obstacle = obstacleTo(path, error)});
+}
 
 bool isStream(const QString& path) {
     if (path == standardStream || ownDescriptor(path))
@@ -204,7 +201,7 @@ PendingFile::PendingFile(const QString& path, const QByteArray& bytes, const Wri
         return;
     }
     const auto [existing, permissions, onlyRegularFiles] = options;
-    m_target = QFile::encodeName(onlyRegularFiles ? path : resolved(path));
+    m_target = QFile::encodeName(onlyRegularFiles ? path : targetOfLinks(path));
     const auto status = statusOf(path);
     if (status && access(m_target.constData(), W_OK) != 0)
         failToWrite(path);
@@ -241,7 +238,7 @@ void writeFile(const QString& path, const QByteArray& bytes, const WriteOptions&
 }
 
 FileInPlace::FileInPlace(const QString& path)
-    : m_path(path), m_target(resolved(path)),
+    : m_path(path), m_target(targetOfLinks(path)),
       m_descriptor(open(QFile::encodeName(m_target).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
     if (m_descriptor < 0 || fstat(m_descriptor, &m_status) != 0)
         fail(ErrorKind::Unreadable, path, systemError());

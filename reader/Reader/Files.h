@@ -29,6 +29,15 @@ bool isStream(const QString& path);
 /// Whether that is standard output, also under a name of the system's.
 bool isStandardOutput(const QString& path);
 
+/// Where a link leads in the end, whether that is there or not; of anything else its own path.
+QString targetOfLinks(QString path);
+
+/// Makes the names in the folder of this file safe on the disk: a renamed file is safe only then.
+void syncFolder(const QString& path);
+
+/// Throws the Error for a file that could not be written; `errno` says why.
+[[noreturn]] void failToWrite(const QString& path);
+
 /// Reads a whole file. Throws Error.
 QByteArray readFile(const QString& path);
 

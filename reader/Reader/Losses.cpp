@@ -2,6 +2,7 @@
 
 #include "Archive/Internal/FlatObjects.h"
 #include "Reader/Error.h"
+#include "Reader/Internal/ProjectView.h"
 #include "Reader/Migration.h"
 
 #include <algorithm>
@@ -77,10 +78,8 @@ std::vector<unsigned long long> listedClips(const JsonDocument& document,
         const auto object = document.flat.objects.find(timeline);
         if (object == document.flat.objects.end())
             continue;
-        for (const json& entry : Archive::Internal::memberOf(object->second, "clips")) {
-            const json& clip = Archive::Internal::memberOf(entry, "clip");
-            ids.push_back(Serialize::Json::getAnyObjectId(clip.is_null() ? entry : clip).value_or(0));
-        }
+        for (const json& entry : Archive::Internal::memberOf(object->second, "clips"))
+            ids.push_back(FlatView::targetId(FlatView::clipOf(&entry)));
     }
     return ids;
 }
@@ -99,7 +98,7 @@ public:
     explicit Search(std::vector<Loss> losses) : m_losses(std::move(losses)), m_isFound(m_losses.size()) {}
 
     void look(const MigrationPart& part, const Document& document) {
-        if (part.kind == MigrationPart::Kind::Comparison)
+        if (part.kind == MigrationPart::Kind::Comparison || part.kind == MigrationPart::Kind::Repair)
             return;
         m_wasXml = m_wasXml || document.isXml();
         const auto reachable = findReachable(document);

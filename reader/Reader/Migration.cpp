@@ -6,11 +6,13 @@
 #include "Reader/Error.h"
 #include "Reader/Losses.h"
 #include "Reader/StepLog.h"
+#include "Repairs/RepairTable.h"
 
 #include <algorithm>
 #include <memory>
 #include <new>
 #include <set>
+#include <unordered_map>
 #include <utility>
 
 using namespace Archive::Internal;
@@ -53,7 +55,7 @@ void sortRootObjects(ArchiveEditor& archive) {
         if (e == place)
             place = place.nextSiblingElement(Words::RootObject);
         else
-            archive.insertBefore(top, e, place);
+            archive.placeBefore(top, e, place);
     }
 }
 
@@ -75,6 +77,8 @@ Bundle::PortableFolders withStandIns(Bundle::PortableFolders folders) {
 Migration::Migration(Document document, MigrationOptions options)
     : m_options(std::move(options)), m_document(std::move(document)) {
     m_options.folders = withStandIns(std::move(m_options.folders));
+    m_report.repairs = m_options.opening.repairs;
+    m_report.recovery = m_options.opening.recovery;
 }
 
 Migration::~Migration() = default;
@@ -96,6 +100,7 @@ void Migration::run() {
         if (m_options.to > lastXmlVersion)
             migrateJson();
     } else {
+        repairBefore(Repairs::loading);
         m_losses.start(listParts(m_document), m_document.form());
         m_losses.noteTimelines(m_document.json(), {});
         finish(MigrationPart::Kind::Preparation, {});
@@ -131,6 +136,7 @@ void Migration::noteInput() {
 /// All stages on an archive, the last being the conversion.
 void Migration::migrateArchive() {
     openArchive();
+    repairBefore(Repairs::loading);
     m_losses.start(listParts(*m_archive), m_document.form());
     checkRootObject(*m_archive, m_options.name);
     sortRootObjects(*m_archive);
@@ -150,6 +156,7 @@ void Migration::migrateArchive() {
 }
 
 void Migration::convert() {
+    repairBefore(Repairs::conversion);
     checkRootObject(*m_archive, m_options.name);
     Conversion conversion;
     // Questions of quizzes are moved from archives of their own. Objects in them may have ids that the
@@ -172,6 +179,7 @@ void Migration::convert() {
 void Migration::migrateJson() {
     for (const AdaptorRow* step : stepsFor(Backend::Json, *m_document.version(), m_options.to)) {
         if (!step->hasJson()) {
+            repairBefore(step->className); // some do what the step would have done
             m_report.skipped.emplace_back(step->className);
             continue;
         }
@@ -222,6 +230,7 @@ void Migration::runOnly(const std::string& className) {
     m_report.objectsBefore = countObjects(m_document);
     if (m_document.isXml())
         openArchive();
+    repairBefore(Repairs::loading);
     runAdaptor(className, *row, contextAt(m_options.location));
     m_report.steps.push_back(className);
     m_report.objectsAfter = countObjects(m_document);
@@ -248,6 +257,70 @@ QByteArray Migration::write() {
     return std::move(result.bytes);
 }
 
+/// Makes the repairs that look before that step, or at that place.
+void Migration::repairBefore(std::string_view place) {
+    if (!m_options.repair)
+        return;
+    for (const Repairs::RepairRow& row : Repairs::repairTable()) {
+        if (!row.looksBefore(place))
+            continue;
+        Repairs::Changes changes;
+        try {
+            if (!makeRepair(row, {place, m_document.version().value_or(0)}, changes))
+                continue;
+        } catch (const std::bad_alloc&) {
+            throw; // not an error of the repair
+        } catch (const std::exception& error) {
+            throw Error(
+                ErrorKind::StepFailed,
+                {.file = m_options.name, .step = "repair " + std::string(row.name), .reason = error.what()});
+        }
+        RepairMade made = changes.take();
+        made.name = row.name;
+        made.before = place;
+        noteRepair(std::move(made));
+        finish(MigrationPart::Kind::Repair, std::string(row.name));
+    }
+}
+
+/// Returns whether there was something to repair.
+bool Migration::makeRepair(const Repairs::RepairRow& row, const Repairs::Place& place,
+                           Repairs::Changes& changes) {
+    if (!m_archive) {
+        if (m_document.isXml() || !row.hasJson())
+            return false;
+        const auto repair = row.makeJson();
+        const bool isNeeded = repair->find(m_document.json(), place);
+        if (isNeeded)
+            repair->repair(m_document.json(), changes);
+        return isNeeded;
+    }
+    if (!row.hasXml())
+        return false;
+    m_archive->beginStep(Scope::Document);
+    const auto repair = row.makeXml();
+    const bool isNeeded = repair->find(*m_archive, place);
+    if (isNeeded)
+        repair->repair(*m_archive, changes);
+    m_archive->endStep();
+    m_archive->takeRemovedRootObjects(); // a repair removes none, but moves some
+    return isNeeded;
+}
+
+/// Adds the clips to the objects of a repair.
+void Migration::noteRepair(RepairMade repair) {
+    std::unordered_map<unsigned long long, Part> parts;
+    for (Part& part : m_archive ? listParts(*m_archive) : listParts(m_document))
+        parts.emplace(part.id, std::move(part));
+    for (LoggedObject& object : repair.objects) {
+        const auto part = parts.find(object.id);
+        const auto clip = part == parts.end() ? part : parts.find(part->second.clip);
+        if (clip != parts.end())
+            object.clip = clip->second;
+    }
+    m_report.repairs.push_back(std::move(repair));
+}
+
 /// Runs the adaptors of a stage in the form of the document.
 void Migration::runStage(Stage stage, const QString& location) {
     const AdaptorContext context = contextAt(location);
@@ -256,6 +329,7 @@ void Migration::runStage(Stage stage, const QString& location) {
 }
 
 void Migration::runAdaptor(const std::string& name, const AdaptorRow& row, const AdaptorContext& context) {
+    repairBefore(row.className);
     runNamed(name, [&] {
         if (m_document.isXml())
             row.makeXml(context)->apply(*m_archive);

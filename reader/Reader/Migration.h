@@ -14,11 +14,18 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Archive::Internal {
 class ArchiveEditor;
 }
+
+namespace Repairs {
+class Changes;
+struct Place;
+class RepairRow;
+} // namespace Repairs
 
 namespace Reader {
 
@@ -30,6 +37,9 @@ namespace Reader {
 ///             for JSON: runs the steps, makes paths absolute, reads texts from side files
 ///   save()    makes paths portable, writes texts to side files, gives the bytes
 ///   write()   gives the bytes without these changes
+///
+/// With `options.repair`, repairs are made between these parts, where the document needs them; see
+/// Repairs/RepairTable.h.
 ///
 /// Threads: a migration may be used by one thread at a time. Several migrations may run at once in a process:
 /// each has its own document, folders and log lines.
@@ -67,6 +77,10 @@ private:
     void convert();
     void compareResult();
     void noteLosses();
+
+    void repairBefore(std::string_view place);
+    bool makeRepair(const Repairs::RepairRow& row, const Repairs::Place& place, Repairs::Changes& changes);
+    void noteRepair(RepairMade repair);
 
     void runStage(Stage stage, const QString& location);
     void runAdaptor(const std::string& name, const AdaptorRow& row, const AdaptorContext& context);

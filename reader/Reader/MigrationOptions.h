@@ -2,12 +2,14 @@
 
 #include "Adaptors/PortableFolders.h"
 #include "Reader/AdaptorTable.h"
+#include "Reader/MigrationReport.h"
 #include "Reader/SideFiles.h"
 
 #include <QString>
 
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace Reader {
 
@@ -17,11 +19,13 @@ class Document;
 struct MigrationPart {
     enum class Kind {
         Preparation, ///< the document was checked and its root objects sorted; no adaptor has run yet
+        Repair,      ///< a repair was made
         Adaptor,     ///< an adaptor, or the conversion
         Comparison,  ///< the result was compared with the input
     };
     Kind kind;
-    std::string name; ///< the class name of an adaptor, "XmlToJson" for the conversion, empty for other kinds
+    /// The class name of an adaptor, "XmlToJson" for the conversion, the name of a repair; empty for other kinds.
+    std::string name;
 };
 
 /// The input, the target and the settings of a migration.
@@ -32,6 +36,9 @@ struct MigrationOptions {
     QString location; ///< path of the project file that is read; relative paths are relative to its folder
     QString target;   ///< path of the project file that will be written
     int to = currentVersion;
+    bool repair =
+        false; ///< whether repairs are made where the document needs them; see Repairs/RepairTable.h
+    OpeningReport opening = {};       ///< how the document was opened, for the report
     SideFiles sourceFiles{QString()}; ///< side files of the input
     SideFiles targetFiles{QString()}; ///< side files of the output
     /// The installed editor's folders. If one is empty, its marker is kept in paths.

@@ -2,6 +2,7 @@
 
 #include "Adaptors/Backend.h"
 #include "Reader/Contents.h"
+#include "Recovery/RecoveryReport.h"
 
 #include <optional>
 #include <string>
@@ -25,6 +26,34 @@ struct LogLine {
     std::optional<LoggedObject> object = {}; ///< where the adaptor says what it worked on
 
     bool isError() const { return severity == "ERROR"; }
+};
+
+/// A character or a number in a document's text that was repaired.
+struct TextPlace {
+    long long line = 0;   ///< from 1
+    long long column = 0; ///< from 1, in bytes
+    std::string what;     ///< what is there, such as "U+0001"
+};
+
+/// A repair that was made on a document.
+struct RepairMade {
+    std::string name;   ///< as in the table of repairs, such as "second-timelines"
+    std::string before; ///< class name of the adaptor before which it was made, or another place of the table
+    std::vector<LoggedObject>
+        objects;                   ///< what it changed, each object once, with the clip that it belongs to
+    std::vector<TextPlace> places; ///< the first places, of a repair on the text
+    std::size_t count = 0;         ///< how many places were repaired
+    std::string text;              ///< what was done, a sentence without a full stop
+
+    /// The clips among the objects and those that the objects belong to, each once.
+    std::vector<Part> clips() const;
+};
+
+/// What was done to open a file, where it was opened with repairs.
+struct OpeningReport {
+    std::vector<RepairMade> repairs; ///< on the text, before it was parsed
+    std::optional<RecoveryReport>
+        recovery; ///< where the file is damaged, or has no schema version of its own
 };
 
 /// A clip, an effect or a title of the input that the result does not reach.
@@ -51,6 +80,8 @@ struct MigrationReport {
     std::vector<std::string>
         skipped; ///< steps that exist for archives only and were left out of a JSON document
     std::vector<LogLine> log;
+    std::vector<RepairMade> repairs;        ///< in the order in which they were made
+    std::optional<RecoveryReport> recovery; ///< as in OpeningReport
     ObjectCounts objectsBefore;
     ObjectCounts objectsAfter;
     std::size_t clipsBefore = 0;                  ///< that the input's timelines list
@@ -65,6 +96,8 @@ struct MigrationReport {
     bool hasUnintendedLosses() const;
     /// Whether one of those was used by the project.
     bool hasHarmfulLosses() const;
+    /// Whether the file was damaged, and something of it could not be recovered.
+    bool isFromIncompleteFile() const { return recovery && !recovery->isComplete(); }
 };
 
 } // namespace Reader

@@ -3,6 +3,7 @@
 #include "Reader/AdaptorTable.h"
 #include "Reader/Error.h"
 #include "Reader/Files.h"
+#include "Reader/LineDiff.h"
 #include "Reader/Unfinished.h"
 
 #include <QDir>
@@ -10,6 +11,7 @@
 #include <QFileInfo>
 
 #include <optional>
+#include <utility>
 
 namespace Reader {
 namespace {
@@ -17,12 +19,16 @@ namespace {
 QByteArray bytesOf(const Document& document, std::optional<int> version) {
     Document copy = document.clone(); // serialize() consumes its argument
     copy.setVersion(version);
+    if (!version &&
+        copy.isXml()) // so that diffs don't show the version that the document had in the beginning
+        copy.xml().documentElement().removeAttribute(QStringLiteral("schemaVersion"));
     return serialize(std::move(copy)).bytes;
 }
 
 } // namespace
 
-Trace::Trace(const QString& folder, const WriteOptions& options) : m_folder(folder), m_options(options) {
+Trace::Trace(const QString& folder, const WriteOptions& options, Diffs diffs)
+    : m_folder(folder), m_options(options), m_diffs(diffs) {
     m_options.onlyRegularFiles = true;
 }
 
@@ -31,16 +37,20 @@ void Trace::note(const MigrationPart& part, const Document& document) {
         return;
     QByteArray bytes = bytesOf(document, std::nullopt);
     const bool isChanged = bytes != m_last;
-    m_last = std::move(bytes);
-    if (part.kind == MigrationPart::Kind::Preparation) {
+    const QByteArray before = std::exchange(m_last, std::move(bytes));
+    const bool isConverted = std::exchange(m_form, document.form()) != document.form();
+    if (m_entries.empty())
         m_version = document.version().value_or(0);
+    if (part.kind == MigrationPart::Kind::Preparation)
         return;
-    }
-    const AdaptorRow* row = findAdaptor(part.name);
+    const bool isRepair = part.kind == MigrationPart::Kind::Repair;
+    const AdaptorRow* row = isRepair ? nullptr : findAdaptor(part.name);
     m_version = row && row->isStep() ? row->number : m_version;
-    Entry entry{static_cast<int>(m_entries.size()) + 1, part.name, {}};
+    Entry entry{static_cast<int>(m_entries.size()) + 1, part.name, {}, isRepair};
     if (isChanged)
         entry.file = write(entry, document);
+    if (isChanged && !isConverted && m_diffs == Diffs::Unified)
+        entry.diff = writeDiff(entry, before, document);
     m_entries.push_back(std::move(entry));
 }
 
@@ -59,6 +69,16 @@ QString Trace::write(const Entry& entry, const Document& document) const {
     writeFile(file, bytesOf(document, m_version), m_options);
     if (newFolder)
         newFolder->keep();
+    return file;
+}
+
+/// The diff of a document that has been written.
+QString Trace::writeDiff(const Entry& entry, const QByteArray& before, const Document& document) const {
+    const auto linesOf = [&](const QByteArray& bytes) { return document.isXml() ? bytes : indented(bytes); };
+    const std::string name = QFileInfo(entry.file).fileName().toStdString();
+    QString file = entry.file + QStringLiteral(".diff");
+    writeFile(file, unifiedDiff(linesOf(before), linesOf(m_last), "before/" + name, "after/" + name),
+              m_options);
     return file;
 }
 

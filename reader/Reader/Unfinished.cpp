@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <initializer_list>
 #include <mutex>
 
 namespace Reader {
@@ -12,7 +11,7 @@ namespace {
 std::mutex listMutex; ///< of the list below; the signal handler can't take it and needs HeldSignals instead
 Unfinished* latest = nullptr;
 
-constexpr std::initializer_list<int> endingSignals = {SIGINT, SIGTERM, SIGHUP};
+} // namespace
 
 sigset_t endingSignalSet() {
     sigset_t set = {};
@@ -21,14 +20,6 @@ sigset_t endingSignalSet() {
         sigaddset(&set, number);
     return set;
 }
-
-// Nothing but system calls: a signal may come in the middle of an allocation.
-extern "C" void endOnSignal(int number) {
-    removeUnfinished();
-    _exit(128 + number);
-}
-
-} // namespace
 
 Unfinished::Unfinished(const QByteArray& path, Kind kind)
     : m_path(path), m_name(m_path.constData()), m_kind(kind) {
@@ -41,7 +32,7 @@ Unfinished::Unfinished(const QByteArray& path, Kind kind)
 }
 
 Unfinished::~Unfinished() {
-    const int error = errno; // of what went wrong, for whoever reports it
+    const int error = errno; // of what went wrong, for the caller that reports it
     const HeldSignals held;
     const std::lock_guard lock(listMutex);
     if (!m_isKept)
@@ -83,18 +74,6 @@ void removeUnfinished() {
     for (const Unfinished* part = latest; part; part = part->m_earlier) {
         if (!part->m_isKept)
             part->remove();
-    }
-}
-
-void removeUnfinishedOnSignals() {
-    for (const int number : endingSignals) {
-        struct sigaction action = {};
-        if (sigaction(number, nullptr, &action) != 0 || action.sa_handler == SIG_IGN)
-            continue; // as nohup and shells do it for what runs in the background
-        action = {};
-        action.sa_handler = endOnSignal;
-        action.sa_mask = endingSignalSet();
-        sigaction(number, &action, nullptr);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 
+#include <array>
 #include <csignal>
 #include <list>
 
@@ -55,7 +56,13 @@ private:
     std::list<Unfinished> m_parts;
 };
 
-/// While one lives, SIGINT, SIGTERM and SIGHUP wait on its thread: between making a file and making its Unfinished, and
+/// The signals at which a program should remove what is unfinished.
+inline constexpr std::array<int, 3> endingSignals = {SIGINT, SIGTERM, SIGHUP};
+
+/// All of them.
+sigset_t endingSignalSet();
+
+/// While one lives, the ending signals wait on its thread: between making a file and making its Unfinished, and
 /// between putting a result in place and keeping what belongs to it.
 class HeldSignals {
 public:
@@ -68,11 +75,8 @@ private:
     sigset_t m_before = {};
 };
 
-/// Removes all that is unfinished in the process. For a process that ends at once; safe in a signal handler.
+/// Removes all that is unfinished in the process. For a process that ends at once; safe in a handler of the ending
+/// signals. For programs with one thread: another one could make a file at that very moment.
 void removeUnfinished();
-
-/// From here on SIGINT, SIGTERM and SIGHUP, where they are not ignored, remove what is unfinished and end the process
-/// with exit code 128 + number. For programs with one thread: another one could make a file at that very moment.
-void removeUnfinishedOnSignals();
 
 } // namespace Reader

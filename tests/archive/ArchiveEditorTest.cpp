@@ -96,30 +96,30 @@ TEST_F(ArchiveEditorTest, NamesFieldsByLiteralsAndByTexts) {
 
 TEST_F(ArchiveEditorTest, InsertsRootObjectsAmongOthers) {
     expectSameAfter(
-        [&](ArchiveEditor& archive) { archive.insertBefore(m_root, newObject(archive, 9), m_first); });
+        [&](ArchiveEditor& archive) { archive.placeBefore(m_root, newObject(archive, 9), m_first); });
     expectSameAfter(
-        [&](ArchiveEditor& archive) { archive.insertAfter(m_root, newObject(archive, 10), m_first); });
+        [&](ArchiveEditor& archive) { archive.placeBehind(m_root, newObject(archive, 10), m_first); });
     expectSameAfter(
-        [&](ArchiveEditor& archive) { archive.insertAfter(m_root, newObject(archive, 11), m_last); });
-    expectSameAfter([&](ArchiveEditor& archive) { archive.insertAfter(m_root, newObject(archive, 12), {}); });
+        [&](ArchiveEditor& archive) { archive.placeBehind(m_root, newObject(archive, 11), m_last); });
+    expectSameAfter([&](ArchiveEditor& archive) { archive.placeBehind(m_root, newObject(archive, 12), {}); });
 }
 
 TEST_F(ArchiveEditorTest, InsertsRootObjectsThatContainOthers) {
     expectSameAfter([&](ArchiveEditor& archive) {
         const QDomElement object = newObject(archive, 9);
         archive.appendObject(object, Words::RootObject, "E", 10);
-        archive.insertBefore(m_root, object, m_first);
+        archive.placeBefore(m_root, object, m_first);
     });
     // One is nested already.
     expectSameAfter([&](ArchiveEditor& archive) {
-        archive.insertBefore(m_root, archive.newObject(Words::RootObject, "E", 11), m_first);
+        archive.placeBefore(m_root, archive.newObject(Words::RootObject, "E", 11), m_first);
     });
 }
 
 TEST_F(ArchiveEditorTest, InsertsAppendsAndRemovesRootObjectsInOneStep) {
     expectSameAfter([&](ArchiveEditor& archive) {
         archive.append(m_root, newObject(archive, 9));
-        archive.insertBefore(m_root, archive.newObject(Words::RootObject, "E", 10), m_first);
+        archive.placeBefore(m_root, archive.newObject(Words::RootObject, "E", 10), m_first);
         archive.append(m_root, newObject(archive, 11));
         archive.remove(m_last);
     });
@@ -127,15 +127,15 @@ TEST_F(ArchiveEditorTest, InsertsAppendsAndRemovesRootObjectsInOneStep) {
         // The last listed one is replaced while something else follows it.
         m_root.appendChild(m_document.createComment("end"));
         const QDomElement last = m_root.lastChildElement(Words::RootObject);
-        archive.replaceChild(m_root, archive.newObject(Words::RootObject, "E", 12), last);
+        archive.replaceIn(m_root, archive.newObject(Words::RootObject, "E", 12), last);
         archive.append(m_root, newObject(archive, 13));
     });
     expectSameAfter([&](ArchiveEditor& archive) {
         const QDomElement object = archive.newObject(Words::RootObject, "E", 14);
-        archive.insertBefore(m_root, object, m_first);
+        archive.placeBefore(m_root, object, m_first);
         archive.setType(object, "G");
         archive.remove(object);
-        archive.insertAfter(m_root, object, m_first);
+        archive.placeBehind(m_root, object, m_first);
     });
 }
 
@@ -182,7 +182,7 @@ TEST_F(ArchiveEditorTest, RemovesObjectsFromTheLastToTheFirst) {
 
 TEST_F(ArchiveEditorTest, MovesObjects) {
     expectSameAfter([&](ArchiveEditor& archive) { archive.append(m_root, m_first); });
-    expectSameAfter([&](ArchiveEditor& archive) { archive.insertBefore(m_root, m_last, m_first); });
+    expectSameAfter([&](ArchiveEditor& archive) { archive.placeBefore(m_root, m_last, m_first); });
     expectSameAfter([&](ArchiveEditor& archive) { archive.append(m_first, m_last); });
     expectSameAfter([&](ArchiveEditor& archive) {
         for (long long id = 20; id < 40; ++id)
@@ -216,8 +216,8 @@ TEST_F(ArchiveEditorTest, ReplacesObjects) {
 TEST_F(ArchiveEditorTest, ChangesNothingForElementsWithAnotherParent) {
     const QString before = m_document.toString();
     expectSameAfter([&](ArchiveEditor& archive) {
-        archive.removeChild(m_first, m_last);
-        archive.replaceChild(m_first, newObject(archive, 5), m_last);
+        archive.removeFrom(m_first, m_last);
+        archive.replaceIn(m_first, newObject(archive, 5), m_last);
         archive.remove(newObject(archive, 6));
     });
     EXPECT_EQ(m_document.toString(), before);
@@ -433,8 +433,8 @@ TEST_F(ArchiveEditorTest, ReportsWhetherTheTextShowsTypes) {
 
 TEST_F(ArchiveEditorTest, ReplacesTheContent) {
     expectSameAfter(
-        [&](ArchiveEditor& archive) { archive.setContent("<Archive><RootObject objectId='3'/></Archive>"); });
-    expectSameAfter([&](ArchiveEditor& archive) { archive.setContent("<Archive/>"); });
+        [&](ArchiveEditor& archive) { archive.parse("<Archive><RootObject objectId='3'/></Archive>"); });
+    expectSameAfter([&](ArchiveEditor& archive) { archive.parse("<Archive/>"); });
 }
 
 TEST_F(ArchiveEditorTest, SearchesDocumentsWithoutExactlyOneArchiveAtTheTop) {

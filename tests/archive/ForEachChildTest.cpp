@@ -20,12 +20,12 @@ using Tests::Texts;
 using Tests::xml;
 
 Texts walk(QDomDocument doc, const std::function<void(QDomElement&)>& change) {
-    Texts met;
+    Texts visited;
     Archive::forEachChild(doc, "b", [&](QDomElement& e) {
-        met.push_back(idOf(e));
+        visited.push_back(idOf(e));
         change(e);
     });
-    return met;
+    return visited;
 }
 
 const char* const four = "<a><b id='1'/><b id='2'/><in><b id='3'/></in><b id='4'/></a>";
@@ -39,9 +39,9 @@ TEST(ForEachChild, VisitsAllDescendantsInDocumentOrder) {
 TEST(ForEachChild, BelowAnElementTheElementItselfIsNotVisited) {
     QDomElement e =
         rootOf("<a><b id='1'><b id='2'/><c><b id='3'/></c></b><b id='4'/></a>").firstChildElement();
-    Texts met;
-    Archive::forEachChild(e, "b", [&](QDomElement& child) { met.push_back(idOf(child)); });
-    EXPECT_THAT(met, ElementsAre("2", "3"));
+    Texts visited;
+    Archive::forEachChild(e, "b", [&](QDomElement& child) { visited.push_back(idOf(child)); });
+    EXPECT_THAT(visited, ElementsAre("2", "3"));
 }
 
 TEST(ForEachChild, NothingToVisit) {
@@ -57,88 +57,88 @@ TEST(ForEachChild, NothingToVisit) {
 
 TEST(ForEachChild, RemovingTheCurrentElementSkipsEverySecond) {
     QDomDocument doc = xml(four);
-    const Texts met = walk(doc, [](QDomElement& e) {
+    const Texts visited = walk(doc, [](QDomElement& e) {
         if (!e.isNull())
             e.parentNode().removeChild(e);
     });
-    EXPECT_THAT(met, ElementsAre("1", "3", "null", "null"));
+    EXPECT_THAT(visited, ElementsAre("1", "3", "null", "null"));
     EXPECT_EQ(textOf(doc.documentElement()), "a [b id=2, in, b id=4]");
 }
 
 TEST(ForEachChild, AddingBeforeTheCurrentElementVisitsItAgain) {
-    const Texts met = walk(xml(four), [](QDomElement& e) {
+    const Texts visited = walk(xml(four), [](QDomElement& e) {
         QDomElement added = e.ownerDocument().createElement("b");
         added.setAttribute("id", "new");
         e.parentNode().insertBefore(added, e);
     });
-    EXPECT_THAT(met, ElementsAre("1", "1", "1", "1"));
+    EXPECT_THAT(visited, ElementsAre("1", "1", "1", "1"));
 }
 
 TEST(ForEachChild, AddingAfterTheCurrentElementVisitsTheNewOne) {
     int added = 0;
-    const Texts met = walk(xml(four), [&](QDomElement& e) {
+    const Texts visited = walk(xml(four), [&](QDomElement& e) {
         QDomElement next = e.ownerDocument().createElement("b");
         next.setAttribute("id", "new" + QString::number(++added));
         e.parentNode().insertAfter(next, e);
     });
-    EXPECT_THAT(met, ElementsAre("1", "new1", "new2", "new3"));
+    EXPECT_THAT(visited, ElementsAre("1", "new1", "new2", "new3"));
 }
 
 TEST(ForEachChild, AddingBelowTheCurrentElementVisitsTheNewOne) {
     int added = 0;
-    const Texts met = walk(xml(four), [&](QDomElement& e) {
+    const Texts visited = walk(xml(four), [&](QDomElement& e) {
         QDomElement child = e.ownerDocument().createElement("b");
         child.setAttribute("id", "new" + QString::number(++added));
         e.appendChild(child);
     });
-    EXPECT_THAT(met, ElementsAre("1", "new1", "new2", "new3"));
+    EXPECT_THAT(visited, ElementsAre("1", "new1", "new2", "new3"));
 }
 
 TEST(ForEachChild, AddingAtTheEndIsNotVisitedSinceTheLengthIsReadOnce) {
     QDomDocument doc = xml(four);
-    const Texts met =
+    const Texts visited =
         walk(doc, [&](QDomElement&) { doc.documentElement().appendChild(doc.createElement("b")); });
-    EXPECT_THAT(met, ElementsAre("1", "2", "3", "4"));
+    EXPECT_THAT(visited, ElementsAre("1", "2", "3", "4"));
     EXPECT_EQ(doc.elementsByTagName("b").length(), 8);
 }
 
 TEST(ForEachChild, RemovingAnEarlierElementFarAwaySkipsOne) {
     QDomDocument doc = xml("<a><b id='1'/><b id='2'/><b id='3'/><b id='4'/><b id='5'/><b id='6'/></a>");
-    const Texts met = walk(doc, [&](QDomElement& e) {
+    const Texts visited = walk(doc, [&](QDomElement& e) {
         if (idOf(e) == "4")
             doc.documentElement().removeChild(doc.documentElement().firstChildElement().nextSiblingElement());
     });
-    EXPECT_THAT(met, ElementsAre("1", "2", "3", "4", "6", "null"));
+    EXPECT_THAT(visited, ElementsAre("1", "2", "3", "4", "6", "null"));
 }
 
 TEST(ForEachChild, AddingAnEarlierElementFarAwayVisitsOneTwice) {
     QDomDocument doc = xml("<a><c/><b id='1'/><b id='2'/><b id='3'/><b id='4'/></a>");
-    const Texts met = walk(doc, [&](QDomElement& e) {
+    const Texts visited = walk(doc, [&](QDomElement& e) {
         if (idOf(e) == "3")
             doc.documentElement().firstChildElement("c").appendChild(doc.createElement("b"));
     });
-    EXPECT_THAT(met, ElementsAre("1", "2", "3", "3"));
+    EXPECT_THAT(visited, ElementsAre("1", "2", "3", "3"));
 }
 
 TEST(ForEachChild, RemovingTheRestGivesNullElements) {
     QDomDocument doc = xml(four);
-    const Texts met = walk(doc, [&](QDomElement&) {
+    const Texts visited = walk(doc, [&](QDomElement&) {
         if (!doc.documentElement().isNull())
             doc.removeChild(doc.documentElement());
     });
-    EXPECT_THAT(met, ElementsAre("1", "null", "null", "null"));
+    EXPECT_THAT(visited, ElementsAre("1", "null", "null", "null"));
 }
 
 TEST(ForEachChild, ElementsOfOtherTagsMayBeAddedAndRemoved) {
     QDomDocument doc = xml("<a><b id='1'><c/></b><c/><b id='2'><c/></b><c/><b id='3'><c/></b></a>");
-    const Texts met = walk(doc, [&](QDomElement& e) {
+    const Texts visited = walk(doc, [&](QDomElement& e) {
         e.removeChild(e.firstChildElement("c"));
         e.appendChild(doc.createElement("d"));
         e.parentNode().insertBefore(doc.createElement("d"), e);
         if (e.nextSibling().nodeName() == "c")
             e.parentNode().removeChild(e.nextSibling());
     });
-    EXPECT_THAT(met, ElementsAre("1", "2", "3"));
+    EXPECT_THAT(visited, ElementsAre("1", "2", "3"));
     EXPECT_EQ(textOf(doc.documentElement()), "a [d, b id=1 [d], d, b id=2 [d], d, b id=3 [d]]");
 }
 
@@ -185,24 +185,24 @@ TEST(ForEachChild, InABigDocumentRemovingTheCurrentElementSkipsEverySecond) {
 
 TEST(ForEachChild, InABigDocumentAddingBeforeOrAfterShiftsTheRest) {
     QDomDocument doc = manyElements(3'400);
-    std::vector<int> met;
+    std::vector<int> visited;
     Archive::forEachChild(doc, "b", [&](QDomElement& e) {
-        met.push_back(e.attribute("id").toInt());
+        visited.push_back(e.attribute("id").toInt());
         QDomElement added = doc.createElement("b");
         added.setAttribute("id", "-1");
-        if (met.size() == 10)
+        if (visited.size() == 10)
             e.parentNode().insertBefore(added, e);
-        if (met.size() == 20)
+        if (visited.size() == 20)
             e.parentNode().insertAfter(added, e);
     });
-    ASSERT_EQ(met.size(), 3'400U);
-    EXPECT_EQ(met[9], 9);
-    EXPECT_EQ(met[10], 9);
-    EXPECT_EQ(met[11], 10);
-    EXPECT_EQ(met[19], 18);
-    EXPECT_EQ(met[20], -1);
-    EXPECT_EQ(met[21], 19);
-    EXPECT_EQ(met.back(), 3'397);
+    ASSERT_EQ(visited.size(), 3'400U);
+    EXPECT_EQ(visited[9], 9);
+    EXPECT_EQ(visited[10], 9);
+    EXPECT_EQ(visited[11], 10);
+    EXPECT_EQ(visited[19], 18);
+    EXPECT_EQ(visited[20], -1);
+    EXPECT_EQ(visited[21], 19);
+    EXPECT_EQ(visited.back(), 3'397);
 }
 
 // Gives the same as a plain loop over such a list, whatever the callback does.

@@ -16,7 +16,11 @@ protected:
                 {"verify", file},
                 {"migrate", file, "-o", "out", "--force"},
                 {"run", "V72_TrackTypeAdaptor", file, "-o", "out", "--force"},
-                {"trace", file, "--output-dir", "parts", "--force"}};
+                {"trace", file, "--output-dir", "parts", "--force"},
+                {"trace", file, "--output-dir", "parts", "--force", "--diff"},
+                {"explain", file},
+                {"diff", file, file},
+                {"diff", file, file, "--raw"}};
     }
 };
 

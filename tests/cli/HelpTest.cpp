@@ -16,7 +16,8 @@ using Tests::Screen;
 
 namespace {
 
-const QStringList commands = {"migrate", "steps", "run", "info", "verify", "trace", "help"};
+const QStringList commands = {"migrate", "steps",   "run",      "info",    "verify",  "trace",
+                              "diff",    "explain", "timeline", "repairs", "restore", "help"};
 
 class HelpTest : public Tests::ProgramTest {
 protected:
@@ -125,7 +126,7 @@ TEST_F(HelpTest, EveryExampleWorks) {
             const QString place = QString::number(++number);
             ASSERT_TRUE(QDir(m_folder.path()).mkdir(place));
             write(place + "/film.xml", sample("holiday-v27.xml"));
-            if (command == "verify") {
+            if (command == "verify" || command == "diff") {
                 ASSERT_EQ(run({"migrate", place + "/film.xml"}).exitCode, 0);
             }
             const Outcome outcome =

@@ -75,4 +75,23 @@ TEST_F(PoorFileSystemTest, WhereThereIsNoSafeWayThatIsSaid) {
     EXPECT_EQ(files(), QStringList{"film.xml"});
 }
 
+TEST_F(PoorFileSystemTest, WhereFilesCannotBeExchangedTheBackupIsCopied) {
+    ASSERT_EQ(run({"migrate", "film.xml", "--in-place"}).exitCode, 0);
+    const QByteArray migrated = read("film.xml");
+    const Outcome exchanged = runWithout({{"renameat2", EINVAL}}, {"restore", "film.xml"});
+    EXPECT_EQ(exchanged.exitCode, 0) << exchanged.err.toStdString();
+    EXPECT_EQ(read("film.xml"), archive());
+    EXPECT_EQ(read("film.xml.bak"), archive());
+    EXPECT_EQ(read("film.xml.bak2"), migrated);
+    // And where the file is gone.
+    for (const int link : {0, EPERM}) {
+        QFile::remove(path("film.xml"));
+        QFile::remove(path("film.xml.bak2"));
+        write("film.xml.bak", archive());
+        const Outcome back = runWithout({{"renameat2", ENOSYS}, {"link", link}}, {"restore", "film.xml"});
+        EXPECT_EQ(back.exitCode, 0) << back.err.toStdString();
+        EXPECT_EQ(read("film.xml"), archive());
+    }
+}
+
 } // namespace

@@ -112,11 +112,11 @@ private:
         if (version > 0)
             document.documentElement().setAttribute(QStringLiteral("schemaVersion"), version);
         const QByteArray bytes = Reader::writeXml(document);
-        for (const char* target : {"XmlChainFuzz", "ConverterFuzz", "ReaderFuzz"})
+        for (const char* target : {"XmlChainFuzz", "ConverterFuzz", "ReaderFuzz", "RecoveryFuzz"})
             write(m_output / target / (name + ".xml"), bytes);
     }
     void addJson(const std::string& name, const json& project) {
-        for (const char* target : {"JsonChainFuzz", "ReaderFuzz"})
+        for (const char* target : {"JsonChainFuzz", "ReaderFuzz", "RecoveryFuzz"})
             write(m_output / target / (name + ".json"), Reader::writeJson(project));
     }
 

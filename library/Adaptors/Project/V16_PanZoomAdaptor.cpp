@@ -151,7 +151,7 @@ void EnvelopeConversion::collectTimings() {
 void EnvelopeConversion::removeEffects() {
     m_archive.undeclare(m_staleIds);
     for (const QDomElement& effect : m_effects)
-        m_archive.removeChild(m_archive.root(), effect);
+        m_archive.removeFrom(m_archive.root(), effect);
 }
 
 void EnvelopeConversion::convertClip(const QDomElement& clip) {

@@ -49,7 +49,7 @@ private:
             return;
         // Quirk: an object that is no child of `Archive` stays in the tree, but is not found again, and its
         // record is removed.
-        m_archive.removeChild(m_archive.root(), m_objects.take(id));
+        m_archive.removeFrom(m_archive.root(), m_objects.take(id));
         m_archive.undeclare(id); // Quirk: also if there is no such object
     }
 

@@ -98,7 +98,7 @@ void AutoEnhanceSplit::removeAutoEffects() {
     undeclareAutoEffects();
     // Quirk: an effect that is no child of the archive stays, but its record is removed.
     for (const QDomElement& effect : m_autoEffects)
-        m_archive.removeChild(m_archive.root(), effect);
+        m_archive.removeFrom(m_archive.root(), effect);
     for (const auto& [clipId, effectId] : m_effectOfClip) {
         const long long removal = effectId;
         m_archive.removeItems(effectsOf(m_clips.at(clipId)),
@@ -163,7 +163,7 @@ void AutoEnhanceSplit::insertReferences(const QDomElement& effects,
     for (std::size_t position = order.size(); position-- > 0;) {
         const QDomElement& item = items[order[position]];
         if (order[position] >= oldCount && !next.isNull())
-            m_archive.insertBefore(effects, item, next);
+            m_archive.placeBefore(effects, item, next);
         m_archive.setIndex(item, static_cast<long long>(position) + 1);
         next = item;
     }

@@ -14,7 +14,7 @@ void removePreviewObjects(ArchiveEditor& archive, const QDomElement& top) {
             type != QLatin1String("StaticPreview::WaveformObject"))
             continue;
         archive.undeclare(wrappedIdOf(object));
-        archive.removeChild(top, object); // Quirk: an object that is no child of the archive stays
+        archive.removeFrom(top, object); // Quirk: an object that is no child of the archive stays
     }
 }
 

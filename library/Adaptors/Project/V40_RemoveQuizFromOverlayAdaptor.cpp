@@ -100,7 +100,7 @@ void QuizConversion::convertClip(const QDomElement& clip) {
     const Quiz quiz = newQuiz(overlay);
     // Quirk: of several clips that share a preset only the first finds it in the archive. The quizzes of the
     // others are referred to and declared, but are missing in the document.
-    m_archive.replaceChild(m_root, quiz.preset, overlay);
+    m_archive.replaceIn(m_root, quiz.preset, overlay);
     m_archive.setField(clip, "quiz", quiz.id);
     declare(quiz);
 }

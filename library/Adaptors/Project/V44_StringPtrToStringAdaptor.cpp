@@ -32,7 +32,7 @@ void convertText(ArchiveEditor& archive) {
     static const QRegularExpression stringPtr("type\\s*=\\s*\"StringPtr\"");
     QString text = archive.document().toString(1);
     text.replace(stringPtr, QString("type=\"%1\"").arg(newType));
-    archive.setContent(text);
+    archive.parse(text);
 }
 
 } // namespace

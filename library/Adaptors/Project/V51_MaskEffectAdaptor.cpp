@@ -231,7 +231,7 @@ void MaskMerge::removeEffect(NewMask& mask, const QDomElement& effect) {
     const long long id = wrappedIdOf(effect);
     m_archive.undeclare(id);
     mask.replacedIds.append(id);
-    m_archive.removeChild(m_top, effect);
+    m_archive.removeFrom(m_top, effect);
 }
 
 void MaskMerge::replaceReferences(const QDomElement& clip, const NewMask& mask) {

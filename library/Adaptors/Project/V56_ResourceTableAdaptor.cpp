@@ -15,7 +15,7 @@ void insertBehindLast(ArchiveEditor& archive, const QDomElement& table) {
         previous = objects.last().element;
     while (!previous.isNull() && previous.parentNode() != archive.root())
         previous = previous.parentNode();
-    archive.insertAfter(archive.root(), table, previous);
+    archive.placeBehind(archive.root(), table, previous);
 }
 
 } // namespace

@@ -8,7 +8,7 @@
 
 namespace Archive::Internal {
 
-void ArchiveEditor::setContent(const QString& text) {
+void ArchiveEditor::parse(const QString& text) {
     m_document.setContent(text);
     invalidate();
 }
@@ -222,7 +222,8 @@ void ArchiveEditor::applyUndeclared() {
         return isRemoved;
     });
 
-    // These are the last entries of the array. Mostly their new index is their position.
+    // These are the last entries of the array. As long as each new index is the entry's position, the index of the
+    // archive still knows that the array is numbered.
     const RecordList records = m_index.records(predeclarations());
     const auto listed = static_cast<std::size_t>(records.end() - records.begin());
     for (std::size_t late = 0; late < lateIndexes.size(); ++late) {
@@ -290,7 +291,7 @@ void ArchiveEditor::append(QDomElement parent, const QDomElement& child) {
     m_index.inserted(parent, child, true);
 }
 
-void ArchiveEditor::insertBefore(QDomElement parent, const QDomElement& child, const QDomElement& next) {
+void ArchiveEditor::placeBefore(QDomElement parent, const QDomElement& child, const QDomElement& next) {
     if (parent.isNull() || child.isNull())
         return;
     notifyMove(child);
@@ -298,7 +299,7 @@ void ArchiveEditor::insertBefore(QDomElement parent, const QDomElement& child, c
     m_index.inserted(parent, child, false);
 }
 
-void ArchiveEditor::insertAfter(QDomElement parent, const QDomElement& child, const QDomNode& previous) {
+void ArchiveEditor::placeBehind(QDomElement parent, const QDomElement& child, const QDomNode& previous) {
     if (parent.isNull() || child.isNull())
         return;
     notifyMove(child);
@@ -307,10 +308,10 @@ void ArchiveEditor::insertAfter(QDomElement parent, const QDomElement& child, co
 }
 
 void ArchiveEditor::remove(const QDomElement& e) {
-    removeChild(e.parentNode().toElement(), e);
+    removeFrom(e.parentNode().toElement(), e);
 }
 
-void ArchiveEditor::removeChild(const QDomElement& parent, const QDomElement& child) {
+void ArchiveEditor::removeFrom(const QDomElement& parent, const QDomElement& child) {
     if (parent.isNull() || child.parentNode() != parent)
         return;
     notifyRemoval(parent, child);
@@ -318,7 +319,7 @@ void ArchiveEditor::removeChild(const QDomElement& parent, const QDomElement& ch
 }
 
 void ArchiveEditor::removeField(const QDomElement& object, const FieldName& name) {
-    removeChild(object, childOf(object, name));
+    removeFrom(object, childOf(object, name));
 }
 
 bool ArchiveEditor::removeItems(QDomElement array, const std::function<bool(QDomElement&)>& predicate) {
@@ -329,10 +330,10 @@ bool ArchiveEditor::removeItems(QDomElement array, const std::function<bool(QDom
 }
 
 void ArchiveEditor::replace(const QDomNode& old, const QDomElement& created) {
-    replaceChild(old.parentNode().toElement(), created, old);
+    replaceIn(old.parentNode().toElement(), created, old);
 }
 
-void ArchiveEditor::replaceChild(const QDomElement& parent, const QDomElement& created, const QDomNode& old) {
+void ArchiveEditor::replaceIn(const QDomElement& parent, const QDomElement& created, const QDomNode& old) {
     if (parent.isNull() || created.isNull() || old.parentNode() != parent)
         return;
     notifyMove(created);

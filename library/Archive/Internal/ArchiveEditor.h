@@ -47,7 +47,7 @@ public:
     void invalidate() { m_index.invalidate(); }
 
     /// Replaces the whole document by the one in that text.
-    void setContent(const QString& text);
+    void parse(const QString& text);
 
     /// Starts a step that searches for objects in that scope. New ids start above the greatest id that the
     /// document has when the step first needs one. The predeclarations are those of the last `Predeclarator`.
@@ -150,14 +150,14 @@ public:
     /// Makes an element the last child of `parent`. It may be anywhere in this document, in another, or in
     /// none.
     void append(QDomElement parent, const QDomElement& child);
-    void insertBefore(QDomElement parent, const QDomElement& child, const QDomElement& next);
+    void placeBefore(QDomElement parent, const QDomElement& child, const QDomElement& next);
     /// Inserts at the end if `previous` is null.
-    void insertAfter(QDomElement parent, const QDomElement& child, const QDomNode& previous);
+    void placeBehind(QDomElement parent, const QDomElement& child, const QDomNode& previous);
 
     /// Removes an element from its parent.
     void remove(const QDomElement& e);
     /// Removes a child. Does nothing if the element has another parent.
-    void removeChild(const QDomElement& parent, const QDomElement& child);
+    void removeFrom(const QDomElement& parent, const QDomElement& child);
     /// Removes the first child of that name.
     void removeField(const QDomElement& object, const FieldName& name);
     /// Removes the entries for whose `Data` the predicate holds, numbers the others from 1 and reduces
@@ -167,7 +167,7 @@ public:
     /// Replaces a node by an element.
     void replace(const QDomNode& old, const QDomElement& created);
     /// The same for a child. Does nothing if `old` has another parent.
-    void replaceChild(const QDomElement& parent, const QDomElement& created, const QDomNode& old);
+    void replaceIn(const QDomElement& parent, const QDomElement& created, const QDomNode& old);
 
     void rename(QDomElement e, const QString& tag);
     void setType(QDomElement e, const QString& type);

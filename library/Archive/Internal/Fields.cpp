@@ -16,7 +16,7 @@ Fields& Fields::add(const QDomElement& field) {
     // Quirk: a processing instruction of that name is replaced as well.
     const QDomNode old = m_place == Place::SameName ? m_object.namedItem(field.tagName()) : m_old;
     if (m_place == Place::Behind)
-        m_archive.insertAfter(m_object, field, m_last);
+        m_archive.placeBehind(m_object, field, m_last);
     else if (old.isNull())
         m_archive.append(m_object, field);
     else

@@ -20,6 +20,18 @@ bool isDeep(QDomNode node) {
     return true;
 }
 
+/// Searches one child after the other, since a list of all descendants touches each of them.
+QDomElement firstInChildren(const QDomNode& below, const QString& tag) {
+    for (QDomElement child = below.firstChildElement(); !child.isNull(); child = child.nextSiblingElement()) {
+        if (child.tagName() == tag)
+            return child;
+        const QDomElement found = listOf(child, tag).item(0).toElement();
+        if (!found.isNull())
+            return found;
+    }
+    return {};
+}
+
 } // namespace
 
 Elements elements(const QDomNode& below, const QString& tag) {
@@ -66,13 +78,13 @@ Elements children(const QDomElement& parent, const QString& tag) {
 }
 
 QDomElement firstDescendant(const QDomNode& below, const QString& tag) {
-    // Mostly it is near. If not, the list of all is faster than a walk with handles.
+    // Mostly it is near. If not, lists are faster than a walk with handles.
     int steps = 32;
     for (QDomNode node = nextInDocument(below, below); !node.isNull(); node = nextInDocument(node, below)) {
         if (node.isElement() && node.nodeName() == tag)
             return node.toElement();
         if (--steps == 0)
-            return listOf(below, tag).item(0).toElement();
+            return isDeep(below) ? listOf(below, tag).item(0).toElement() : firstInChildren(below, tag);
     }
     return {};
 }

@@ -1,0 +1,146 @@
+#include "ExplainReport.h"
+
+#include "JsonReport.h"
+#include "Phrases.h"
+#include "Summary.h"
+
+#include <algorithm>
+
+using Phrases::valueText;
+using Reader::FieldChange;
+using Reader::StepEffect;
+using Json = nlohmann::ordered_json;
+
+namespace ExplainReport {
+namespace {
+
+/// "6 Timeline::Clip, 2 Effect::Blur"
+std::string countsText(const Reader::ObjectCounts& counts) {
+    std::string text;
+    for (const auto& [className, count] : counts)
+        text += (text.empty() ? "" : ", ") + std::to_string(count) + ' ' + Phrases::classText(className);
+    return text;
+}
+
+std::string exampleText(const FieldChange& change, const FieldChange::Example& example) {
+    std::string text;
+    switch (change.kind) {
+    case FieldChange::Kind::Added:
+        text = valueText(example.after);
+        break;
+    case FieldChange::Kind::Removed:
+        text = valueText(example.before);
+        break;
+    case FieldChange::Kind::Changed:
+        text = valueText(example.before) + " -> " + valueText(example.after);
+        break;
+    }
+    const std::string object = "id " + std::to_string(example.id);
+    return text + " (" +
+           (example.clip == 0 ? object : "clip " + Phrases::inQuotes(example.clipName) + ", " + object) + ')';
+}
+
+/// The change of a field with its examples. Examples of one value are shown once.
+std::string fieldText(const FieldChange& change) {
+    std::string text = "    " + Phrases::classText(change.className) + '.' +
+                       Phrases::shortText(change.field) + ' ' + std::string(nameOf(change.kind)) + " in " +
+                       Phrases::plural(change.count, "object") + '\n';
+    const auto isSame = [&](const FieldChange::Example& example) {
+        return example.before == change.examples.front().before &&
+               example.after == change.examples.front().after;
+    };
+    const bool areSame = std::all_of(change.examples.begin(), change.examples.end(), isSame);
+    for (const FieldChange::Example& example : change.examples) {
+        text += "      " + exampleText(change, example) + '\n';
+        if (areSame)
+            break;
+    }
+    return text;
+}
+
+std::string stepText(const StepEffect& step) {
+    std::string text = '\n' + Terminal::escaped(step.className) + ": " + step.summary + '\n';
+    if (step.changedNothing())
+        return text + "  changed nothing\n";
+    if (!step.added.empty())
+        text += "  added:   " + countsText(step.added) + '\n';
+    if (!step.removed.empty())
+        text += "  removed: " + countsText(step.removed) + '\n';
+    if (!step.changed.empty())
+        text += "  changed: " + countsText(step.changed) + '\n';
+    for (const FieldChange& change : step.fields)
+        text += fieldText(change);
+    return text;
+}
+
+Json countsAsJson(const Reader::ObjectCounts& counts) {
+    Json result = Json::object();
+    for (const auto& [className, count] : counts)
+        result[className] = count;
+    return result;
+}
+
+Json fieldAsJson(const FieldChange& change) {
+    Json examples = Json::array();
+    for (const FieldChange::Example& example : change.examples)
+        examples.push_back(
+            {{"id", example.id},
+             {"clip", example.clip == 0 ? Json() : Json{{"id", example.clip}, {"name", example.clipName}}},
+             {"before", example.before},
+             {"after", example.after}});
+    return {{"class", change.className},
+            {"field", change.field},
+            {"change", nameOf(change.kind)},
+            {"count", change.count},
+            {"examples", std::move(examples)}};
+}
+
+Json stepAsJson(const StepEffect& step) {
+    Json fields = Json::array();
+    for (const FieldChange& change : step.fields)
+        fields.push_back(fieldAsJson(change));
+    return {{"class", step.className},
+            {"summary", step.summary},
+            {"added", countsAsJson(step.added)},
+            {"removed", countsAsJson(step.removed)},
+            {"changed", countsAsJson(step.changed)},
+            {"fields", std::move(fields)}};
+}
+
+} // namespace
+
+std::string text(const Result& result, const Terminal::Colours& colours) {
+    const Reader::MigrationReport& report = result.report;
+    std::string out = Terminal::escaped(result.input) + ": " +
+                      Reader::formName(report.formBefore).toStdString() + " of schema version " +
+                      std::to_string(report.from) + '\n' + Texts::opening(report, colours) +
+                      Texts::repairs(report.repairs);
+    std::size_t unchanged = 0;
+    for (const StepEffect& step : result.steps) {
+        if (step.changedNothing() && !result.isOneStep)
+            ++unchanged;
+        else
+            out += stepText(step);
+    }
+    if (!result.isOneStep)
+        out += '\n' + Phrases::plural(unchanged, unchanged < result.steps.size() ? "other step" : "step") +
+               " changed nothing\n";
+    return out;
+}
+
+Json asJson(const Result& result) {
+    Json steps = Json::array();
+    Json unchanged = Json::array();
+    for (const StepEffect& step : result.steps) {
+        if (step.changedNothing() && !result.isOneStep)
+            unchanged.push_back(step.className);
+        else
+            steps.push_back(stepAsJson(step));
+    }
+    return {{"steps", std::move(steps)},
+            {"unchanged", std::move(unchanged)},
+            {"recovery", JsonReport::recoveryAsJson(result.report.recovery)},
+            {"repairs", JsonReport::repairsAsJson(result.report.repairs)}};
+}
+
+} // namespace ExplainReport

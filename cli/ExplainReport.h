@@ -1,0 +1,27 @@
+#pragma once
+
+#include "Reader/Explanation.h"
+#include "Reader/MigrationReport.h"
+#include "Terminal.h"
+
+#include <nlohmann/json.hpp>
+
+#include <QString>
+
+#include <string>
+#include <vector>
+
+/// What `adaptors explain` says.
+namespace ExplainReport {
+
+struct Result {
+    QString input;
+    const Reader::MigrationReport& report;
+    std::vector<Reader::StepEffect> steps; ///< those asked for
+    bool isOneStep = false;                ///< shown also where it changed nothing
+};
+
+std::string text(const Result& result, const Terminal::Colours& colours);
+nlohmann::ordered_json asJson(const Result& result);
+
+} // namespace ExplainReport

@@ -1,0 +1,264 @@
+// What a batch reports: tables, files of them, JSON; and states of shards that are merged.
+
+#include "support/Batch.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <nlohmann/json.hpp>
+
+#include <csignal>
+
+using nlohmann::json;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Pair;
+using testing::UnorderedElementsAre;
+
+namespace {
+
+const QString state = QStringLiteral("out/adaptors-batch.sqlite");
+const QStringList toOut = {"in", "--output-dir", "out"};
+
+class ReportTest : public Tests::BatchTest {
+protected:
+    void SetUp() override {
+        put("in/film.xml", oldProject());
+        put("in/newest.json", newestProject());
+        put("in/cut.xml", oldProject().chopped(20));
+        put("in/notes.txt", "no project");
+    }
+    static std::vector<json> linesOf(const QByteArray& text) {
+        std::vector<json> lines;
+        for (const QByteArray& line : text.trimmed().split('\n'))
+            lines.push_back(json::parse(line.toStdString()));
+        return lines;
+    }
+    /// Holds lines of JSON against their schema.
+    void expectSchema(const QByteArray& schema, const std::vector<json>& lines) const {
+        QByteArray input;
+        for (const json& line : lines)
+            input += schema + '\t' + QByteArray::fromStdString(line.dump()) + '\n';
+        const Tests::Outcome checked =
+            Tests::runCommand("/usr/bin/python3",
+                              {QString::fromStdString(Tests::jsonChecker().string()),
+                               QString::fromStdString(Tests::schemaFolder().string())},
+                              QStringLiteral("/"), input);
+        EXPECT_EQ(checked.exitCode, 0) << checked.out.toStdString() << checked.err.toStdString();
+    }
+};
+
+TEST_F(ReportTest, TheTableOfReasonsHasThreeExamplesEach) {
+    for (int number = 0; number < 5; ++number)
+        put("in/cut" + QByteArray::number(number) + ".xml", oldProject().chopped(20));
+    put("in/version.xml", oldProject().replace(" schemaVersion='62'", ""));
+    EXPECT_EQ(batch(toOut), 20);
+    const std::string text = m_outcome.out.toStdString();
+    EXPECT_THAT(text,
+                HasSubstr("9 projects: 1 done, 1 current already, 7 failed\n1 other file passed over\n"));
+    EXPECT_THAT(text, HasSubstr("       6  broken-xml\n"));
+    EXPECT_THAT(text, HasSubstr("/in/cut.xml:1:"));
+    EXPECT_THAT(text, HasSubstr("/in/cut1.xml:1:"));
+    EXPECT_THAT(text, testing::Not(HasSubstr("/in/cut2.xml")));
+    EXPECT_THAT(text, HasSubstr("and 3 more\n"));
+    EXPECT_THAT(text, HasSubstr("       1  no-version\n"));
+    EXPECT_THAT(text, HasSubstr("       1  no-project\n"));
+    // It is the same later on.
+    EXPECT_EQ(batch({"--status", state}), 20);
+    EXPECT_EQ(m_outcome.out.toStdString(), text);
+}
+
+TEST_F(ReportTest, JsonHasAnObjectForEachFileAndOneForTheEnd) {
+    EXPECT_EQ(batch(toOut + QStringList{"--json"}), 20);
+    EXPECT_EQ(m_outcome.err, "");
+    auto lines = linesOf(m_outcome.out);
+    ASSERT_EQ(lines.size(), 4U);
+    const json end = lines.back();
+    lines.pop_back();
+    expectSchema("migrate", lines);
+    std::map<std::string, json> files;
+    for (const json& line : lines)
+        files[line["input"]] = line;
+    const std::string folder = QFileInfo(path("in")).canonicalFilePath().toStdString();
+    // But for its name and the time, each is what `migrate --json` prints.
+    json single =
+        json::parse(run({"migrate", "in/film.xml", "-o", "single.json", "--json"}).out.toStdString());
+    json film = files.at(folder + "/film.xml");
+    EXPECT_EQ(film["output"], QFileInfo(path("out")).canonicalFilePath().toStdString() + "/film.v77.json");
+    for (const char* key : {"input", "output", "seconds"}) {
+        single.erase(key);
+        film.erase(key);
+    }
+    EXPECT_EQ(film, single);
+    EXPECT_EQ(files.at(folder + "/cut.xml")["error"]["code"], 6);
+    EXPECT_EQ(end["command"], "batch");
+    EXPECT_EQ(end["stopped"], false);
+    EXPECT_EQ(end["run"],
+              json::parse(R"({"total": 3, "migrated": 1, "current": 1, "failed": 1, "incomplete": 0,
+                                         "kept": 0})"));
+    EXPECT_EQ(end["counts"]["done"], 1);
+    EXPECT_EQ(end["counts"]["skipped"], 1);
+    EXPECT_EQ(end["reasons"].size(), 2U);
+    std::vector<json> ends = {end};
+    for (const QStringList& arguments :
+         {QStringList{"--status", state}, QStringList{"--status", "missing"},
+          toOut + QStringList{"--to", "70"}, QStringList{"in", "--check"}, QStringList{"--shard", "x"}}) {
+        batch(arguments + QStringList{"--json"});
+        ends.push_back(linesOf(m_outcome.out).back());
+        EXPECT_EQ(ends.back().contains("error") ? ends.back()["error"]["code"].get<int>()
+                                                : m_outcome.exitCode,
+                  m_outcome.exitCode);
+    }
+    expectSchema("batch", ends);
+}
+
+TEST_F(ReportTest, JsonOfFilesThatFailWithoutAWord) {
+    Tests::BackgroundRun run(QStringList{"batch"} + toOut + QStringList{"--json", "-j1"}, m_folder.path());
+    const pid_t worker = run.aWorker();
+    ASSERT_GT(worker, 0);
+    kill(worker, SIGKILL);
+    auto lines = linesOf(run.outcome().out);
+    lines.pop_back();
+    EXPECT_EQ(lines.size(), 3U);
+    EXPECT_EQ(std::count_if(lines.begin(), lines.end(),
+                            [](const json& line) {
+                                return line.contains("error") && line["error"]["kind"] == "crashed";
+                            }),
+              1);
+    expectSchema("migrate", lines);
+}
+
+TEST_F(ReportTest, TablesInFiles) {
+    put("in/sub/x", oldProject().chopped(20));
+    const QByteArray name = "in/<b>&\"x\",y\n\xff.xml";
+    put(name, oldProject().chopped(20));
+    EXPECT_EQ(batch(toOut + QStringList{"--report", "table.csv"}), 20);
+    EXPECT_EQ(batch({"--status", state, "--report", "table.jsonl"}), 20);
+    EXPECT_EQ(batch({"--status", state, "--report", "table.html"}), 20);
+
+    const auto lines = linesOf(read("table.jsonl"));
+    EXPECT_EQ(lines.size(), 6U);
+    expectSchema("batch-row", lines);
+
+    const QByteArray csv = read("table.csv");
+    EXPECT_TRUE(csv.startsWith("\"path\",\"state\",\"code\",\"kind\",\"reason\"")) << csv.toStdString();
+    EXPECT_TRUE(csv.contains("/in/<b>&\"\"x\"\",y\n\xef\xbf\xbd.xml\",\"failed\",\"6\",\"broken-xml\""))
+        << csv.toStdString();
+    EXPECT_EQ(csv.count("\r\n"), 7);
+
+    const QByteArray html = read("table.html");
+    EXPECT_TRUE(html.contains(
+        "/in/&lt;b&gt;&amp;&quot;x&quot;,y\\u000a\xef\xbf\xbd.xml</td><td>failed</td><td>6</td>"))
+        << html.toStdString();
+    EXPECT_TRUE(
+        html.contains("<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; style-src "
+                      "'unsafe-inline'\">"));
+    EXPECT_FALSE(html.contains("<b>"));
+    EXPECT_FALSE(html.contains("<script"));
+    EXPECT_FALSE(html.contains("http:") || html.contains("https:"));
+    EXPECT_EQ(html.count("<tr>"), 7);
+    EXPECT_EQ(batch({"--status", state, "--report", "nowhere/table.csv"}), 15);
+}
+
+TEST_F(ReportTest, TheStateIsWhatItsDescriptionSays) {
+    EXPECT_EQ(batch(toOut), 20);
+    EXPECT_EQ(query(state, "PRAGMA user_version"), "1");
+    EXPECT_EQ(query(state, "PRAGMA integrity_check"), "ok");
+    EXPECT_EQ(query(state, "SELECT group_concat(name, ' ') FROM pragma_table_info('files')"),
+              "path name output bundle state size time sha256 from_version to_version code kind reason "
+              "losses repairs seconds "
+              "output_size output_time backup fresh replaceable tool");
+    const std::string film = " FROM files WHERE name = 'film.xml'";
+    EXPECT_EQ(
+        query(state,
+              "SELECT state, size, time, from_version, to_version, code, kind, reason, losses, tool" + film),
+        "done|" + std::to_string(oldProject().size()) + "|1600000000123456789|62|77|0|||0|1.0.0");
+    EXPECT_EQ(query(state, "SELECT path" + film),
+              QFileInfo(path("in/film.xml")).canonicalFilePath().toStdString());
+    EXPECT_EQ(query(state, "SELECT sha256" + film),
+              json::parse(run({"migrate", "in/film.xml", "--check", "--json"}).out.toStdString())["sha256"]);
+    EXPECT_EQ(query(state, "SELECT seconds >= 0" + film), "1");
+}
+
+TEST_F(ReportTest, ShardsAreMerged) {
+    for (int number = 0; number < 20; ++number)
+        put("in/more/" + QByteArray::number(number) + ".xml", oldProject());
+    put("in/film.json", Tests::sample("holiday-v63.json"));
+    EXPECT_EQ(batch(toOut), 20);
+    const auto wholeTree = tree("out");
+    const auto wholeRows = rows(state);
+    QStringList states;
+    std::size_t sum = 0;
+    for (int number = 1; number <= 3; ++number) {
+        const QString shard = QString::number(number) + "/3";
+        EXPECT_NE(batch({"in", "--output-dir", "parts", "--shard", shard}), 2) << m_outcome.err.toStdString();
+        states += "parts/adaptors-batch." + QString::number(number) + "-of-3.sqlite";
+        const std::size_t count = rows(states.back()).size();
+        EXPECT_GT(count, 1U);
+        EXPECT_LT(count, wholeRows.size());
+        sum += count;
+    }
+    EXPECT_EQ(sum, wholeRows.size());
+    EXPECT_EQ(tree("parts"), wholeTree);
+    EXPECT_EQ(batch(QStringList{"--merge"} + states + QStringList{"--output-dir", "parts"}), 20)
+        << m_outcome.err.toStdString();
+    const QString merged = "parts/adaptors-batch.sqlite";
+    EXPECT_EQ(rows(merged), wholeRows);
+    // The whole batch goes on with it.
+    EXPECT_EQ(batch({"in", "--output-dir", "parts", "--json"}), 20);
+    EXPECT_EQ(m_outcome.out.count('\n'), 1);
+    EXPECT_EQ(tree("parts"), wholeTree);
+    // A part is the same on every machine, wherever the folder is.
+    ASSERT_TRUE(QFile::rename(path("in"), path("moved")));
+    EXPECT_NE(batch({"moved", "--output-dir", "again", "--shard", "2/3"}), 2);
+    EXPECT_EQ(query("again/adaptors-batch.2-of-3.sqlite", "SELECT name FROM files ORDER BY name"),
+              query(states[1], "SELECT name FROM files ORDER BY name"));
+    // States that don't belong together.
+    EXPECT_EQ(batch({"--merge", state, states[0], "--state", "mixed"}), 2);
+    EXPECT_TRUE(m_outcome.err.contains("other options")) << m_outcome.err.toStdString();
+    EXPECT_EQ(batch({"--merge", "missing", "--state", "mixed2"}), 15);
+    query(states[0], "UPDATE files SET state = 'working' WHERE state = 'done'");
+    EXPECT_EQ(batch(QStringList{"--merge"} + states + QStringList{"--state", "mixed3"}), 2);
+    EXPECT_TRUE(m_outcome.err.contains("run it to its end first")) << m_outcome.err.toStdString();
+}
+
+TEST_F(ReportTest, OptionsOfMigrateHoldForEachFile) {
+    put("in/none.xml", oldProject().replace(" schemaVersion='62'", ""));
+    EXPECT_EQ(
+        batch({"in", "--output-dir", "out", "--from", "62", "--exclude", "*.json", "--exclude", "cut.xml"}),
+        0)
+        << m_outcome.out.toStdString();
+    EXPECT_THAT(names("out"), ElementsAre("film.v77.json", "none.v77.json"));
+    EXPECT_EQ(batch({"in", "--output-dir", "old", "--to", "62", "--include", "film.xml"}), 0);
+    EXPECT_THAT(names("old"), ElementsAre("film.v62.xml"));
+    const QByteArray import =
+        "<RootObject type='File' objectId='6'><path type='String' value='/opt/packages/a.svg'/></RootObject>";
+    put("in/import.xml", Tests::archive(import));
+    for (const char* folder : {"/opt/packages", "/elsewhere"}) {
+        ASSERT_EQ(
+            run({"migrate", "in/import.xml", "-o", "out/single.json", "--force", "--packages-root", folder})
+                .exitCode,
+            0);
+        ASSERT_EQ(batch({"in/import.xml", "--output-dir", "out", "--packages-root", folder, "--force"}), 0);
+        EXPECT_EQ(read("out/import.v77.json"), read("out/single.json"));
+    }
+}
+
+TEST_F(ReportTest, TheHelpNamesTheCommandButNotThatOfWorkers) {
+    const QByteArray help = run({"--help"}).out;
+    EXPECT_TRUE(help.contains("\n  batch "));
+    EXPECT_FALSE(help.contains("batch-worker"));
+    EXPECT_FALSE(run({"--help-all"}).out.contains("batch-worker"));
+    const QByteArray ofBatch = run({"help", "batch"}).out;
+    for (const char* option :
+         {"--output-dir", "--in-place",      "--files0-from",  "--include", "--exclude", "--jobs",
+          "--timeout",    "--state",         "--retry-failed", "--force",   "--status",  "--report",
+          "--progress",   "--check",         "--shard",        "--merge",   "--to",      "--from",
+          "--strict",     "--packages-root", "--max-memory"})
+        EXPECT_TRUE(ofBatch.contains(option)) << option;
+}
+
+} // namespace
