@@ -4,6 +4,7 @@
 #include "Reader/Unfinished.h"
 #include "SystemMemory.h"
 
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -32,6 +33,21 @@ constexpr bool isSanitized = false;
 /// large things of small ones, and a hostile document has nothing else.
 constexpr rlim_t baseMemory = rlim_t(1) << 30;
 constexpr rlim_t memoryPerByte = 200;
+
+/// A document of so many bytes takes enough memory to gain from large pages.
+constexpr qint64 leastForLargePages = qint64(1) << 20;
+
+/// Whether the allocator gets the large pages that it asks for. Touching the first byte of one takes all of it.
+void setLargePages(bool areWanted) {
+    if constexpr (!isSanitized)
+        prctl(PR_SET_THP_DISABLE, areWanted ? 0L : 1L, 0L, 0L, 0L);
+}
+
+/// Called before the libraries allocate: most of what they take are a few bytes here and there.
+void startWithSmallPages() {
+    setLargePages(false);
+}
+[[gnu::section(".preinit_array"), gnu::used]] void (*const beforeLibraries)() = startWithSmallPages;
 
 struct Bound {
     rlim_t bytes;
@@ -73,6 +89,8 @@ std::optional<rlimit> limitAtStart;
 
 void limitFor(std::optional<std::uint64_t> given, std::optional<qint64> size, const LastWords& lastWords,
               int descriptor) {
+    if (size)
+        setLargePages(*size >= leastForLargePages);
     rlimit limit = {};
     const bool hasLimit = !isSanitized && getrlimit(RLIMIT_DATA, &limit) == 0;
     if (hasLimit && !limitAtStart)

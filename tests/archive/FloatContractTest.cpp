@@ -1,5 +1,5 @@
 // Stored doubles are the same to the last bit on every machine: no product is fused with a sum, which would
-// omit a rounding.
+// omit a rounding; and matrices are those that Qt computes.
 
 #include "Archive/Internal/Transforms.h"
 
@@ -7,7 +7,13 @@
 
 #include <QTransform>
 
+#include <array>
+#include <bit>
 #include <cmath>
+#include <cstdint>
+#include <ios>
+#include <limits>
+#include <random>
 
 // On x86-64 the compiler uses the instruction only in a function that is marked to allow it.
 #if defined(__x86_64__)
@@ -49,14 +55,65 @@ TEST(FloatContractTest, ProductAndSumRoundTwice) {
     EXPECT_EQ(productAndSum(a, b, c), 0.0);
 }
 
-TEST(FloatContractTest, MatrixProductsRoundTwice) {
-    // Moves by `a`, then scales by `b` and moves by `c`.
-    const QTransform matrix =
-        QTransform::fromTranslate(a, a) * (QTransform::fromScale(b, b) * QTransform::fromTranslate(c, c));
-    const auto stored = Archive::Internal::toStored(matrix);
-    EXPECT_EQ(stored.m31, 0.0);
-    EXPECT_EQ(stored.m32, 0.0);
-    EXPECT_EQ(stored.m11, b);
+std::array<std::uint64_t, 9> bitsOf(const std::array<double, 9>& elements) {
+    std::array<std::uint64_t, 9> bits = {};
+    for (std::size_t at = 0; at < bits.size(); ++at) {
+        const double element = elements[at];
+        // All numbers that are none are one text in documents.
+        bits[at] = std::isnan(element) ? ~std::uint64_t(0) : std::bit_cast<std::uint64_t>(element);
+    }
+    return bits;
+}
+std::array<std::uint64_t, 9> bitsOf(const Stored::V14::Transform& m) {
+    return bitsOf(std::array{m.m11, m.m12, m.m13, m.m21, m.m22, m.m23, m.m31, m.m32, m.m33});
+}
+std::array<std::uint64_t, 9> bitsOf(const QTransform& m) {
+    return bitsOf(
+        std::array{m.m11(), m.m12(), m.m13(), m.m21(), m.m22(), m.m23(), m.m31(), m.m32(), m.m33()});
+}
+
+/// Returns whether both matrices are those of Qt, to the last bit.
+testing::AssertionResult isAsInQt(double scaleX, double scaleY, double moveX, double moveY) {
+    const QTransform expected =
+        QTransform::fromScale(scaleX, scaleY) * QTransform::fromTranslate(moveX, moveY);
+    const Archive::Internal::ScaleAndMove actual(scaleX, scaleY, moveX, moveY);
+    if (bitsOf(actual.matrix()) == bitsOf(expected) &&
+        bitsOf(actual.inverse()) == bitsOf(expected.inverted()))
+        return testing::AssertionSuccess();
+    return testing::AssertionFailure()
+           << std::hexfloat << "scale " << scaleX << " " << scaleY << ", move " << moveX << " " << moveY;
+}
+
+TEST(FloatContractTest, MatricesOfSpecialNumbersAreThoseOfQt) {
+    // Around 1e-12 Qt begins to take a number for 0.
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    const double numbers[] = {0.0,       -0.0,        1.0,
+                              -1.0,      0.5,         -0.25,
+                              1e-12,     -1.1e-12,    9e-13,
+                              1e-300,    5e-324,      -1e300,
+                              1 + e,     1.0 + 9e-13, 1.0 - 9e-13,
+                              1.1,       1.0000001,   1.0 + 2e-12,
+                              -infinity, infinity,    std::numeric_limits<double>::quiet_NaN()};
+    for (const double scaleX : numbers) {
+        for (const double scaleY : numbers) {
+            for (const double moveX : numbers) {
+                for (const double moveY : numbers)
+                    ASSERT_TRUE(isAsInQt(scaleX, scaleY, moveX, moveY));
+            }
+        }
+    }
+}
+
+TEST(FloatContractTest, MatricesOfRandomNumbersAreThoseOfQt) {
+    std::mt19937_64 random(14);
+    const auto near = [&](double middle) {
+        return std::uniform_real_distribution<double>(middle - 2.0, middle + 2.0)(random);
+    };
+    const auto any = [&] { return std::bit_cast<double>(random()); };
+    for (int round = 0; round < 200'000; ++round) {
+        ASSERT_TRUE(isAsInQt(near(1.0), near(1.0), near(0.0), near(0.0)));
+        ASSERT_TRUE(isAsInQt(any(), any(), any(), any()));
+    }
 }
 
 } // namespace

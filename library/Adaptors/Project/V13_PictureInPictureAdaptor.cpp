@@ -17,13 +17,12 @@ constexpr const char* pictureFields[] = {
 
 /// The offsets are the position of the picture's top left corner, with the frame from 0 to 1. The matrix
 /// holds the position of its centre relative to the centre of the frame.
-QTransform transformOf(const QDomElement& effect) {
+ScaleAndMove placement(const QDomElement& effect) {
     const double offsetX = doubleIn(effect, "offsetX");
     const double offsetY = doubleIn(effect, "offsetY");
     const double scaleX = doubleIn(effect, "scaleX");
     const double scaleY = doubleIn(effect, "scaleY");
-    return QTransform::fromScale(scaleX, scaleY) *
-           QTransform::fromTranslate(scaleX * 0.5 + (offsetX - 0.5), scaleY * 0.5 + (offsetY - 0.5));
+    return {scaleX, scaleY, scaleX * 0.5 + (offsetX - 0.5), scaleY * 0.5 + (offsetY - 0.5)};
 }
 
 /// Quirk: the fades of the picture are lost; they are only logged.
@@ -41,7 +40,7 @@ void V13_PictureInPictureAdaptor::convert(ArchiveEditor& archive) {
     TransformedEffects pictures(archive, "Effect::PictureInPicture");
     for (const QDomElement& effect : pictures.effects()) {
         const Subject subject(archive, effect);
-        const auto transform = toStored(transformOf(effect));
+        const auto transform = placement(effect).matrix();
         reportFades(effect);
         for (const char* field : pictureFields)
             archive.removeField(effect, field);

@@ -9,16 +9,13 @@ using namespace Archive::Internal;
 namespace Project {
 namespace {
 
-/// The matrix that enlarges the rectangle to the whole frame. Each axis has its own scale. The identity if
-/// the rectangle is empty.
-QTransform transformOf(const QDomElement& rect) {
+/// The matrix that reduces the whole frame to the rectangle. Each axis has its own scale.
+ScaleAndMove placement(const QDomElement& rect) {
     const double left = doubleIn(rect, "left");
     const double top = doubleIn(rect, "top");
     const double w = doubleIn(rect, "right") - left;
     const double h = doubleIn(rect, "bottom") - top;
-    const QTransform matrix = QTransform::fromScale(w, h) *
-                              QTransform::fromTranslate(w * 0.5 + (left - 0.5), h * 0.5 + (top - 0.5));
-    return matrix.inverted();
+    return {w, h, w * 0.5 + (left - 0.5), h * 0.5 + (top - 0.5)};
 }
 
 } // namespace
@@ -27,7 +24,7 @@ void V14_CropEffectAdaptor::convert(ArchiveEditor& archive) {
     TransformedEffects crops(archive, "Effect::Crop");
     for (const QDomElement& effect : crops.effects()) {
         const QDomElement rect = childOf(effect, "rect");
-        const auto transform = toStored(transformOf(rect));
+        const auto transform = placement(rect).inverse(); // the identity if the rectangle is empty
         archive.remove(rect);
         archive.undeclare(idOf(rect)); // 0 if there is no rectangle
 

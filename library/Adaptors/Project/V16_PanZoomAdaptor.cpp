@@ -5,8 +5,6 @@
 #include "Archive/Internal/Reading.h"
 #include "Archive/Internal/Transforms.h"
 
-#include <QTransform>
-
 #include <algorithm>
 
 using namespace Archive::Internal;
@@ -41,9 +39,8 @@ Transform frameFilling(const QDomElement& rectangle) {
     const double right = doubleIn(rectangle, "right");
     const double bottom = doubleIn(rectangle, "bottom");
     const double width = right - doubleIn(rectangle, "left");
-    const QTransform scale = QTransform::fromScale(width, width);
-    const QTransform move = QTransform::fromTranslate(right - width * 0.5 - 0.5, bottom - width * 0.5 - 0.5);
-    return toStored((scale * move).inverted()); // the identity if the width is 0
+    const ScaleAndMove placement(width, width, right - width * 0.5 - 0.5, bottom - width * 0.5 - 0.5);
+    return placement.inverse(); // the identity if the width is 0
 }
 
 /// Inserts a key value by step. Quirk: it is placed before those of the same step.

@@ -6,8 +6,6 @@
 #include "Archive/Internal/TransformedEffects.h"
 #include "Archive/Internal/Transforms.h"
 
-#include <QTransform>
-
 #include <map>
 
 using namespace Archive::Internal;
@@ -49,20 +47,19 @@ struct Mask {
 };
 
 /// The matrix that reduces the whole frame to the rectangle. Each axis has its own scale.
-QTransform placement(const QDomElement& rect) {
+ScaleAndMove placement(const QDomElement& rect) {
     const double left = doubleIn(rect, "left");
     const double top = doubleIn(rect, "top");
     const double right = doubleIn(rect, "right");
     const double bottom = doubleIn(rect, "bottom");
-    return QTransform::fromScale(right - left, bottom - top) *
-           QTransform::fromTranslate((right + left) * 0.5 - 0.5, (bottom + top) * 0.5 - 0.5);
+    return {right - left, bottom - top, (right + left) * 0.5 - 0.5, (bottom + top) * 0.5 - 0.5};
 }
 
 Mask::Mask(const QDomElement& effect)
     : maskType(int32In(effect, "maskType")), frameType(int32In(effect, "frameType")),
       hasOutline(int32In(effect, "borderType") == 0), isInverted(int32In(effect, "invertType") != 0),
       width(doubleIn(effect, "width")), opacity(doubleIn(effect, "opacity")),
-      transform(toStored(placement(childOf(effect, "rect")))) {}
+      transform(placement(childOf(effect, "rect")).matrix()) {}
 
 void renameEffect(ArchiveEditor& archive, const QDomElement& effect, const Kind& kind) {
     const QDomElement object = innerBase(effect);

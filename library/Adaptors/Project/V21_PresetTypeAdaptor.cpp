@@ -2,9 +2,7 @@
 
 #include "Archive/Internal/ArchiveEditor.h"
 #include "Archive/Internal/Reading.h"
-#include "Stored/V21/SvgImage.h"
-
-#include <QColor>
+#include "Stored/V21/Internal/Repaint.h"
 
 using namespace Archive::Internal;
 
@@ -21,17 +19,13 @@ constexpr int specialPreset = 2; ///< has an item of `specialKind`
 /// colour to 0. Quirk: a missing colour counts as 0.
 void moveOutlineColorIntoText(ArchiveEditor& archive, const QDomElement& item) {
     const QDomElement color = childAt(item, {"outline", "color"});
-    const QColor paint = QColor::fromRgba(textOf(color).toUInt());
+    const quint32 paint = textOf(color).toUInt();
     archive.setText(color, "0");
 
     // Quirk: the text may be at any depth, unlike outline and type.
     const QDomElement text = firstDescendant(item, "text");
-    if (text.isNull())
-        return;
-    Stored::V21::SvgImage image(textOf(text));
-    image.setFillColor(paint);
-    image.setStrokeColor(paint);
-    archive.setText(text, image.toString());
+    if (!text.isNull())
+        archive.setText(text, Stored::V21::Internal::repainted(textOf(text), paint));
 }
 
 /// Adds the features of an item. Returns whether it is of `specialKind`.

@@ -14,16 +14,9 @@ using namespace Archive::Internal;
 namespace Project {
 namespace {
 
-struct Half {
-    double scaleX;
-    double scaleY;
-    double translateX;
-    double translateY;
-};
-
 // clang-format off
 // By `mode`: the left, upper, right and lower half of the frame.
-constexpr Half halves[] = {
+constexpr ScaleAndMove halves[] = {
     {0.5, 1.0, -0.25, 0.0},
     {1.0, 0.5, 0.0, -0.25},
     {0.5, 1.0, 0.25, 0.0},
@@ -47,18 +40,13 @@ int modeOf(const QDomElement& effect) {
     return mode;
 }
 
-QTransform transformOf(const Half& half) {
-    return QTransform::fromScale(half.scaleX, half.scaleY) *
-           QTransform::fromTranslate(half.translateX, half.translateY);
-}
-
 } // namespace
 
 void V42_SideBySideTransformAdaptor::convert(ArchiveEditor& archive) {
     TransformedEffects pairs(archive, "Effect::SideBySide");
     for (const QDomElement& effect : pairs.effects()) {
         const Subject subject(archive, effect);
-        const auto transform = toStored(transformOf(halves[modeOf(effect)]));
+        const auto transform = halves[modeOf(effect)].matrix();
         const long long source = pairs.declareTransform(effect);
         const long long destination = pairs.declareTransform(effect);
         pairs.appendRefs(effect, {source, destination});
