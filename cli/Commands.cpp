@@ -328,6 +328,47 @@ int traceRead(const Arguments& arguments, const QString& input, const QByteArray
     return exitCodeAfterOpening(migration.report());
 }
 
+/// The work of `explain` on a file that was read.
+int explainRead(const Arguments& arguments, const QString& input, const QByteArray& bytes,
+                Reader::MigrationOptions options, Output& output) {
+    const QString name = nameOf(input);
+    const std::string wanted = arguments.step.empty() ? std::string() : Names::stepFor(arguments.step);
+    Reader::Explanation explanation(arguments.clip);
+    Progress progress(output);
+    options.watch = [&](const Reader::MigrationPart& part, const Reader::Document& document) {
+        explanation.note(part, document);
+        progress.note(part);
+    };
+    Repairs::Opened project = opened(bytes, name, arguments);
+    options.opening = std::move(project.report);
+    Reader::Migration migration(std::move(project.document), std::move(options));
+    progress.expect(migration.document(), arguments.to);
+    const auto show = [&] {
+        progress.end();
+        ExplainReport::Result result{name, migration.report(), explanation.steps(), !wanted.empty()};
+        if (!wanted.empty())
+            std::erase_if(result.steps,
+                          [&](const Reader::StepEffect& step) { return step.className != wanted; });
+        if (!wanted.empty() && result.steps.empty())
+            throw Messages::Failure(Messages::stepDidNotRun(name, wanted));
+        if (!arguments.clip.empty() && !explanation.hasFoundClip())
+            throw Messages::Failure(Messages::noSuchClip(name, arguments.clip));
+        if (output.isJson())
+            output.setResult(ExplainReport::asJson(result));
+        else
+            output.print(ExplainReport::text(result, output.colours()));
+    };
+    try {
+        migration.run();
+    } catch (const Reader::Error&) {
+        if (wanted.empty() && (arguments.clip.empty() || explanation.hasFoundClip()))
+            show(); // people look for what led up to the step that fails
+        throw;
+    }
+    show();
+    return exitCodeAfterOpening(migration.report());
+}
+
 /// A document brought to a version and saved as for its own place: side files are read, and paths are portable.
 Reader::Document broughtTo(int version, Reader::Document document, const Arguments& arguments,
                            const QString& file) {
@@ -464,8 +505,13 @@ int diff(const Arguments& arguments, Output& output) {
     const QByteArray bytesAfter = Reader::readFile(fileAfter);
     limitMemory(arguments, fileBefore, qint64(bytesBefore.size()) + bytesAfter.size(), output);
 
-    Reader::Document before = opened(bytesBefore, nameOf(fileBefore), arguments).document;
-    Reader::Document after = opened(bytesAfter, nameOf(fileAfter), arguments).document;
+    const auto openedFor = [&](const QByteArray& bytes, const QString& file) {
+        const Reader::MigrationOptions options = optionsFor(arguments, file, file, nullptr);
+        return Advice::advising(arguments, {bytes, std::nullopt, options},
+                                [&] { return opened(bytes, nameOf(file), arguments).document; });
+    };
+    Reader::Document before = openedFor(bytesBefore, fileBefore);
+    Reader::Document after = openedFor(bytesAfter, fileAfter);
     DiffReport::Result result = {{nameOf(fileBefore), before.form(), before.version()},
                                  {nameOf(fileAfter), after.form(), after.version()},
                                  {},
@@ -491,43 +537,10 @@ int diff(const Arguments& arguments, Output& output) {
 
 int explain(const Arguments& arguments, Output& output) {
     const QString input = inputOf(arguments, output);
-    const QString name = nameOf(input);
-    const std::string wanted = arguments.step.empty() ? std::string() : Names::stepFor(arguments.step);
-    Reader::Explanation explanation(arguments.clip);
-    Progress progress(output);
-    Reader::MigrationOptions options = optionsFor(arguments, input, Reader::standardStream, nullptr);
-    options.watch = [&](const Reader::MigrationPart& part, const Reader::Document& document) {
-        explanation.note(part, document);
-        progress.note(part);
-    };
-    Repairs::Opened project = opened(readInput(arguments, input, output), name, arguments);
-    options.opening = std::move(project.report);
-    Reader::Migration migration(std::move(project.document), std::move(options));
-    progress.expect(migration.document(), arguments.to);
-    const auto show = [&] {
-        progress.end();
-        ExplainReport::Result result{name, migration.report(), explanation.steps(), !wanted.empty()};
-        if (!wanted.empty())
-            std::erase_if(result.steps,
-                          [&](const Reader::StepEffect& step) { return step.className != wanted; });
-        if (!wanted.empty() && result.steps.empty())
-            throw Messages::Failure(Messages::stepDidNotRun(name, wanted));
-        if (!arguments.clip.empty() && !explanation.hasFoundClip())
-            throw Messages::Failure(Messages::noSuchClip(name, arguments.clip));
-        if (output.isJson())
-            output.setResult(ExplainReport::asJson(result));
-        else
-            output.print(ExplainReport::text(result, output.colours()));
-    };
-    try {
-        migration.run();
-    } catch (const Reader::Error&) {
-        if (wanted.empty() && (arguments.clip.empty() || explanation.hasFoundClip()))
-            show(); // people look for what led up to the step that fails
-        throw;
-    }
-    show();
-    return exitCodeAfterOpening(migration.report());
+    const QByteArray bytes = readInput(arguments, input, output);
+    const Reader::MigrationOptions options = optionsFor(arguments, input, Reader::standardStream, nullptr);
+    return Advice::advising(arguments, {bytes, arguments.from, options},
+                            [&] { return explainRead(arguments, input, bytes, options, output); });
 }
 
 int timeline(const Arguments& arguments, Output& output) {

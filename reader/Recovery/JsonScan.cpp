@@ -129,7 +129,6 @@ private:
     ObjectId m_temporaryId = firstTemporaryId;
     std::map<ObjectId, ObjectId> m_wantedIds; ///< by temporary id, those that base class parts had
     std::unordered_set<ObjectId> m_ids;
-
 };
 
 ScannedJson JsonScan::run() {

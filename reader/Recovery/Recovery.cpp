@@ -88,12 +88,14 @@ QByteArray recoverXml(DamagedText& text, std::optional<int> given, RecoveryRepor
         chooseVersion(Backend::Xml, given, salvage.statedVersion(), salvage.versionFacts(), report);
     salvage.setVersion(report.version);
     salvage.dropDamaged();
-    const std::vector<RecoveredClip> mentioned = salvage.mentionedClips();
-    const std::vector<SalvagedClip> clips = salvage.clips();
     if (salvage.isDamaged()) {
+        const std::vector<RecoveredClip> mentioned = salvage.mentionedClips();
+        const std::vector<SalvagedClip> clips = salvage.clips();
         mendTimelines(salvage, report.version, report);
         salvage.mendReferences();
         noteLostClips(mentioned, clips, report);
+    } else {
+        report.clipsInPlace = salvage.clips().size();
     }
     return salvage.write();
 }
@@ -117,6 +119,8 @@ QByteArray recoverJson(DamagedText& text, std::optional<int> given, RecoveryRepo
         mendTimelines(salvage, report.version, report);
         salvage.mendReferences();
         noteLostClips(mentioned, clips, report);
+    } else {
+        report.clipsInPlace = salvage.clips().size();
     }
     return salvage.write();
 }

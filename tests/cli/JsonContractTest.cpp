@@ -127,11 +127,12 @@ TEST_F(JsonContractTest, EveryCommandKeepsItsSchema) {
     EXPECT_EQ(call({"verify", "film.xml"})["findings"], json::array());
     ASSERT_EQ(run({"migrate", "film.xml", "--in-place"}).exitCode, 0);
     const json backups = call({"restore", "film.xml", "--list"})["backups"];
-    ASSERT_EQ(backups.size(), 1);
-    EXPECT_EQ(backups[0]["file"], "film.xml.bak");
+    ASSERT_EQ(backups.size(), 2);
+    EXPECT_EQ(backups[0]["file"], "film.xml.bak2");
+    EXPECT_EQ(backups[1]["file"], "film.xml.bak");
     const json restored = call({"restore", "film.xml"});
     EXPECT_EQ(restored["restored"], "film.xml");
-    EXPECT_EQ(restored["kept"], "film.xml.bak");
+    EXPECT_EQ(restored["kept"], "film.xml.bak2");
     EXPECT_EQ(fail(3, {"restore", "none.xml"})["error"]["kind"], "no-backup");
     const json trace = call({"trace", "film.xml", "--output-dir", "steps", "--to", "28"});
     EXPECT_EQ(trace["steps"].back(), json::parse(R"({"place": 3, "class": "V28_ClipLabelAdaptor",
