@@ -94,6 +94,10 @@ bool TagScan::passStartTag() {
     int attributes = 0;
     for (++m_position; m_position < m_text.size(); ++m_position) {
         const char c = m_text[m_position];
+        if (c == '<') { // not well-formed, also between quotes
+            m_position = m_text.size();
+            return false;
+        }
         if (quote) {
             quote = c == quote ? char(0) : quote;
         } else if (c == '"' || c == '\'') {

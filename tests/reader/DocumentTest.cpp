@@ -85,6 +85,13 @@ TEST(Parse, TooManyAttributesAreRefused) {
     expectFailure("<Archive>\n" + element(200000) + "</Archive>", ErrorKind::RefusedXml, "film.xml:2:");
     expectFailure(element(257), ErrorKind::RefusedXml, "256 attributes");
     EXPECT_NO_THROW(Reader::parse(element(256), name));
+    // Behind the place where the text is broken nothing is counted: here a quote is missing.
+    QByteArray elements;
+    for (int number = 0; number < 300; ++number)
+        elements += "<RootObject a='1'/>";
+    expectFailure("<Archive>\n<RootRef a=' />" + elements + "</Archive>", ErrorKind::BrokenXml, "film.xml:2:");
+    expectFailure("<Archive>\n<RootRef a='1" + QByteArray(512, '\0') + elements + "</Archive>",
+                  ErrorKind::BrokenXml, "film.xml:2:");
 }
 
 TEST(Parse, ForeignEncodingsAreRefused) {
