@@ -129,7 +129,9 @@ TEST_F(DamagedFilesTest, AProjectOfTheNewestVersionIsRecoveredToo) {
 }
 
 TEST_F(DamagedFilesTest, AMissingOrWrongVersionIsGuessed) {
-    const QByteArray whole = sample("holiday-v27.xml");
+    write("old.xml", sample("holiday-v3.xml"));
+    ASSERT_EQ(run({"migrate", "old.xml", "--to", "27", "-o", "film.xml"}).exitCode, 0);
+    const QByteArray whole = read("film.xml");
     const QByteArray attribute = "schemaVersion=\"27\"";
     ASSERT_TRUE(whole.contains(attribute));
     for (const QByteArray& wrong :

@@ -14,7 +14,8 @@ namespace {
 QByteArray project(const QByteArray& track, const QByteArray& clip, const QByteArray& file) {
     return R"({"version":"1.0","schemaVersion":76,"data":{"@meta":{"class_name":"Timeline::Object","object_id":1},"name":"Film",
         "tracks":[{"@meta":{"class_name":"Timeline::Track","object_id":2},"type":16,)" +
-           track + R"("timeline":{"@meta_reference":1}}],"trackingLinks":[],"transitions":[],"links":[],"clips":[
+           track +
+           R"("timeline":{"@meta_reference":1}}],"trackingLinks":[],"transitions":[],"links":[],"clips":[
         {"clip":{"@meta":{"class_name":"Timeline::Clip","object_id":3},)" +
            clip + R"("name":"Beach","file":{"@meta":{"class_name":"File","object_id":4})" + file + R"(}},
         "timing":{"@meta":{"class_name":"Timeline::ClipTiming","object_id":5},"timestamp":0,"duration":10,
@@ -39,8 +40,9 @@ TEST(MissingFields, ATrackIsUsedAndShown) {
     EXPECT_EQ(migrateOld(bytes, false).failedStep(), "V77_TrackUsedAdaptor");
     const Migrated repaired = migrateOld(bytes, true);
     expectWhole(repaired);
-    EXPECT_EQ(trackTypeOf(repaired.project(), "Film", "Beach"), 16);
-    const auto& track = *repaired.project().all("Timeline::Track").at(0);
+    const Project result = repaired.project();
+    EXPECT_EQ(trackTypeOf(result, "Film", "Beach"), 16);
+    const auto& track = *result.all("Timeline::Track").at(0);
     EXPECT_EQ(track.at("hidden"), false);
     EXPECT_THAT(repaired.repairs(), ElementsAre("missing-fields"));
     EXPECT_EQ(repaired.repair("missing-fields").count, 2U);
