@@ -20,9 +20,10 @@ namespace {
 
 // In pixels; page.css has the same.
 constexpr int rulerHeight = 26;
-constexpr int laneHeight = 48;
+constexpr int laneHeight = 40;
 
 constexpr std::size_t longestLabel = 60;
+constexpr double leastWidthForName = 1.5; ///< percent; scripts know better once they run
 
 /// A number without trailing zeros.
 std::string number(double value) {
@@ -188,12 +189,13 @@ private:
         }
         const std::string name = Html::shortened(clip.name, longestLabel);
         return "<svg class=\"clip " + std::string(nameOf(clip.kind)) + (fate ? std::string(styleOf(fate->fate)) : "") +
-               (isBad ? " bad" : "") + (clip.isEnabled ? "" : " off") + '"' +
+               (isBad ? " bad" : "") + (clip.isEnabled ? "" : " off") + (width < leastWidthForName ? " narrow" : "") +
+               '"' +
                (place ? attribute("data-row", std::to_string(*place)) : "") + attribute("x", number(start) + '%') +
                attribute("width", number(width) + '%') + " role=\"img\"><title>" + Html::shortened(title, 400) +
                "</title><rect/>" + (fate && fate->isGone() ? "<rect class=\"hatch\"/>" : "") +
-               "<text x=\"8\" y=\"19\">" + (isBad ? "! " : fate ? std::string(signOf(fate->fate)) : "") + name +
-               "</text><text class=\"more\" x=\"8\" y=\"35\">" + Html::shortened(second, 120) + "</text></svg>\n";
+               "<text x=\"8\" y=\"16\">" + (isBad ? "! " : fate ? std::string(signOf(fate->fate)) : "") + name +
+               "</text><text class=\"more\" x=\"8\" y=\"30\">" + Html::shortened(second, 120) + "</text></svg>\n";
     }
 
     std::string transition(const Mark& mark) const {
@@ -209,7 +211,7 @@ private:
         title += (from.empty() ? "" : ", from " + from) + (to.empty() ? "" : ", to " + to);
         return "<svg class=\"transition\"" + attribute("x", number(m_scale.placeOf(mark.time)) + '%') +
                " width=\"1\" role=\"img\"><title>" + Html::escaped(title) +
-               "</title><path d=\"M-8 29 8 43V29L-8 43Z\"/></svg>\n";
+               "</title><path d=\"M-7 24 7 36V24L-7 36Z\"/></svg>\n";
     }
 
     const Film& m_film;
@@ -308,8 +310,7 @@ std::string legend() {
             "<li><svg class=\"clip sample added\" aria-hidden=\"true\"><rect/></svg>+ added</li>"
             "<li><svg class=\"clip sample changed\" aria-hidden=\"true\"><rect/></svg>\u2260 changed</li>"
             "<li><svg class=\"clip sample bad\" aria-hidden=\"true\"><rect/></svg>! errors, or something of it is lost</li>"
-            "<li><svg class=\"sample transition\" viewBox=\"-10 28 20 16\" aria-hidden=\"true\"><path d=\"M-8 29 8 43V29L-8 "
-            "43Z\"/></svg>transition</li></ul>\n";
+            "<li><svg class=\"sample transition\" viewBox=\"-10 22 20 16\" aria-hidden=\"true\"><path d=\"M-7 24 7 36V24L-7 36Z\"/></svg>transition</li></ul>\n";
     return text;
 }
 

@@ -93,7 +93,7 @@ std::string policySource(std::string_view content) {
            '\'';
 }
 
-std::string document(const Page& page) {
+std::string documentStart(const Page& page) {
     const std::string scripts = page.script.empty() ? "'none'" : policySource(page.script);
     return "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\"/>\n"
            "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; style-src " +
@@ -103,9 +103,12 @@ std::string document(const Page& page) {
            "<meta name=\"referrer\" content=\"no-referrer\"/>\n"
            "<meta name=\"color-scheme\" content=\"light dark\"/>\n"
            "<link rel=\"icon\" href=\"data:,\"/>\n<title>" +
-           limited(page.title, 200) + "</title>\n<style>" + page.style + "</style>\n</head>\n<body>\n" +
-           page.body + (page.script.empty() ? "" : "<script>" + page.script + "</script>\n") +
-           "</body>\n</html>\n";
+           limited(page.title, 200) + "</title>\n<style>" + page.style + "</style>\n</head>\n<body>\n";
+}
+
+std::string document(const Page& page) {
+    return documentStart(page) + page.body +
+           (page.script.empty() ? "" : "<script>" + page.script + "</script>\n") + "</body>\n</html>\n";
 }
 
 } // namespace Html

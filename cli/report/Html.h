@@ -40,6 +40,9 @@ struct Page {
     std::string body;   ///< HTML
 };
 
+/// The page up to its body, which is left out, and so is the script.
+std::string documentStart(const Page& page);
+
 /// The whole page. Its policy forbids every request and everything inline but its own style and script.
 std::string document(const Page& page);
 

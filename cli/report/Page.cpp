@@ -130,9 +130,17 @@ private:
     // Header
 
     std::string header() const {
-        return "<header>\n<p class=\"kicker\">Migration report</p>\n<h1>" + shown(m_facts.name) + "</h1>\n" +
-               versions() + verdict() + tiles() + "<nav aria-label=\"Sections\"><ul>" + m_navigation +
+        return "<header>\n<p class=\"kicker\">Migration report</p>\n" + title() + versions() + verdict() + tiles() + "<nav aria-label=\"Sections\"><ul>" + m_navigation +
                "</ul></nav>\n</header>\n";
+    }
+
+    /// The name of the file, and its folder behind it.
+    std::string title() const {
+        const auto slash = m_facts.name.rfind('/');
+        if (slash == std::string::npos || slash + 1 == m_facts.name.size())
+            return element("h1", shown(m_facts.name)) + '\n';
+        return element("h1", shown(m_facts.name.substr(slash + 1))) + '\n' +
+               element("p", "in " + shown(m_facts.name.substr(0, slash + 1)), "folder") + '\n';
     }
 
     static std::string stateText(Bundle::Backend form, int version) {
@@ -162,14 +170,15 @@ private:
             return box("good", "\u2713", "Nothing to do.",
                        "The project has version " + std::to_string(m_facts.report.to) + " already.");
         if (!m_facts.isWhole)
-            return box("bad", "!", "Something of the project is missing in the result.", lossText());
+            return box("bad", "!", "Something of the project is missing in the result.",
+                       lossText().empty() ? "See the errors below." : lossText() + '.');
         const std::string removed = lossText();
-        return box("good", "\u2713", "The result is whole.",
-                   removed.empty() ? "Every clip, effect and title is there."
-                                   : removed + "; newer versions have no place for what was removed.");
+        return box("good", "\u2713", "Nothing is lost.",
+                   removed.empty() ? "Every clip, effect and title is in the result."
+                                   : "The result has all but what newer versions have no place for: " + removed + '.');
     }
 
-    /// "2 clips and 2 effects were removed"
+    /// "2 clips and 1 effect removed, 1 clip lost"
     std::string lossText() const {
         std::map<Reader::PartKind, std::array<std::size_t, 3>> counts; // lost, removed, left out
         for (const Reader::Loss& loss : m_facts.report.losses)
@@ -183,7 +192,7 @@ private:
                     list += (list.empty() ? "" : ", ") + counted(count[word], std::string(Reader::nameOf(kind)));
             }
             if (!list.empty())
-                text += (text.empty() ? "" : "; ") + std::string(words[word]) + ": " + list;
+                text += (text.empty() ? "" : "; ") + list + ' ' + words[word];
         }
         return text;
     }
@@ -574,8 +583,11 @@ private:
             list.add("shows " + filmLink(facts.nested));
         if (facts.sourceStart != 0)
             list.add("from " + timeText(facts.sourceStart) + " of its source");
+        std::string effects;
         for (const Reader::ClipEffect& effect : facts.effects)
-            list.add("effect " + isolated(escaped(Phrases::effectText(effect.className, effect.name))));
+            effects += (effects.empty() ? "" : ", ") + escaped(Phrases::effectText(effect.className, effect.name));
+        if (!effects.empty())
+            list.add((facts.effects.size() == 1 ? "effect " : "effects ") + effects);
         for (const std::string& text : facts.texts)
             list.add("text " + isolated("\u201c" + limited(text, longestText) + "\u201d"));
         for (const Reader::Loss* loss : clip.lostParts)
@@ -602,8 +614,8 @@ private:
             const bool isBad = clip.hasErrors();
             const std::string kind = isBad ? "bad" : clip.isGone() ? "minus" : clip.fate == Fate::Added ? "plus" : "note";
             const std::string& name = clip.shown().clip->name;
-            rows += "<tr id=\"clip-" + std::to_string(place) + "\"><th scope=\"row\">" +
-                    (name.empty() ? "<i>without a name</i>" : shown(name)) + "</th><td>" + trackOf(clip) + "</td><td>" +
+            rows += "<tr id=\"clip-" + std::to_string(place) + "\"><th scope=\"row\" dir=\"auto\">" +
+                    (name.empty() ? "without a name" : limited(name, longestText)) + "</th><td>" + trackOf(clip) + "</td><td>" +
                     std::string(nameOf(clip.shown().clip->kind)) + "</td><td>" + sideText(clip.before) + "</td><td>" +
                     sideText(clip.after) + "</td><td>" + (clip.fate == Fate::Kept ? "kept" : mark(kind, escaped(fateText(clip)))) +
                     "</td><td>" + clipFacts(clip) + "</td></tr>\n";

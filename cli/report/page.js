@@ -3,7 +3,7 @@
 // only get into the page as text, never as HTML.
 (() => {
   const rulerHeight = 26; // as in page.css
-  const laneHeight = 48;
+  const laneHeight = 40;
   const leastWidthForNames = 30; // pixels
   const widestPicture = 8000000;
 
@@ -71,20 +71,18 @@
       this.length = Math.max(Number(svg.dataset.last) - this.first, 1);
       this.clips = all("svg.clip", svg);
       this.widths = this.clips.map((clip) => percent(clip, "width") / 100);
+      this.measure();
       this.prepareKeys();
       pictures.add(this);
     }
 
+    /// Of the whole picture, in pixels. `seen` is the width of the part that can be seen at once.
     get width() {
-      return this.scroll.clientWidth * zoom;
+      return this.seen * zoom;
     }
 
-    /// Stretches the picture; `fraction` of it stays `offset` pixels from the left edge.
-    stretch(fraction, offset) {
-      this.svg.style.width = `${zoom * 100}%`;
-      this.scroll.scrollLeft = fraction * this.width - offset;
-      this.hideNames();
-      this.drawRuler();
+    measure() {
+      this.seen = this.scroll.clientWidth;
     }
 
     hideNames() {
@@ -94,16 +92,16 @@
     }
 
     /// Only the part that can be seen, and as much on both sides of it.
-    drawRuler() {
+    drawRuler(scrolled) {
       const ruler = this.svg.querySelector(".ruler");
-      if (!ruler || this.scroll.clientWidth === 0) return;
+      if (!ruler || this.seen === 0) return;
       const perPixel = this.length / this.width;
       const step = stepFor(88 * perPixel);
-      const seen = this.scroll.clientWidth * perPixel;
-      const left = this.first + this.scroll.scrollLeft * perPixel;
+      const left = this.first + scrolled * perPixel;
+      const length = this.seen * perPixel;
       const marks = [];
-      const start = Math.max(Math.ceil(Math.max(left - seen, this.first) / step), 0);
-      for (let number = start; number * step <= Math.min(left + 2 * seen, this.first + this.length); ++number) {
+      const start = Math.max(Math.ceil(Math.max(left - length, this.first) / step), 0);
+      for (let number = start; number * step <= Math.min(left + 2 * length, this.first + this.length); ++number) {
         const x = `${((number * step - this.first) / this.length) * 100}%`;
         marks.push(draw("line", { x1: x, x2: x, y1: 18, y2: this.svg.getAttribute("height") }));
         marks.push(draw("text", { x, dx: 4, y: 16 }, timeText(number * step)));
@@ -122,11 +120,7 @@
       if (items.length === 0) return;
       this.svg.setAttribute("role", "listbox");
       this.scroll.removeAttribute("tabindex");
-      for (const item of items) {
-        item.setAttribute("role", "option");
-        item.setAttribute("tabindex", "-1");
-        item.setAttribute("aria-selected", "false");
-      }
+      for (const item of items) item.setAttribute("role", "option");
       this.current = items[0];
       this.current.setAttribute("tabindex", "0");
       this.svg.addEventListener("keydown", (event) => this.pressed(event));
@@ -149,9 +143,9 @@
     show(item) {
       const start = (percent(item, "x") / 100) * this.width;
       const end = start + Math.max((percent(item, "width") / 100) * this.width, 1);
-      const seen = this.scroll.clientWidth;
-      const isSeen = start >= this.scroll.scrollLeft && Math.min(end, start + 80) <= this.scroll.scrollLeft + seen;
-      if (!isSeen) this.scroll.scrollLeft = Math.max((start + end) / 2 - seen / 2, Math.min(start, end - seen) - 20);
+      const left = this.scroll.scrollLeft;
+      const isSeen = start >= left && Math.min(end, start + 80) <= left + this.seen;
+      if (!isSeen) this.scroll.scrollLeft = Math.max((start + end - this.seen) / 2, Math.min(start, end - this.seen) - 20);
       const box = this.scroll.getBoundingClientRect();
       if (box.top < 70 || box.bottom > innerHeight) this.scroll.scrollIntoView({ block: "nearest" });
     }
@@ -185,19 +179,33 @@
     }
   }
 
+  // The browser lays a page out again when a size is read behind a change: all reads come before all changes.
+
+  function drawRulers() {
+    const scrolled = Array.from(pictures, (picture) => picture.scroll.scrollLeft);
+    Array.from(pictures).forEach((picture, place) => picture.drawRuler(scrolled[place]));
+  }
+
+  /// Stretches all pictures; `leftOf` gives how far each is scrolled then.
+  function stretch(leftOf) {
+    const each = Array.from(pictures);
+    for (const picture of each) picture.svg.style.width = `${zoom * 100}%`;
+    for (const picture of each) picture.hideNames();
+    for (const picture of each) picture.scroll.scrollLeft = leftOf(picture);
+    drawRulers();
+  }
+
   const pictureOf = (element) => Array.from(pictures).find((picture) => picture.svg.contains(element));
 
   function zoomTo(factor, picture, fraction, offset) {
     const most = Math.max(1, widestPicture / Math.max(innerWidth, 1));
-    const anchor = (each) => (each.scroll.scrollLeft + each.scroll.clientWidth / 2) / each.width;
-    const middles = new Map(Array.from(pictures, (each) => [each, anchor(each)]));
+    const middles = new Map();
+    for (const each of pictures) middles.set(each, (each.scroll.scrollLeft + each.seen / 2) / each.width);
     zoom = clamp(factor, 1, most);
-    for (const each of pictures) {
-      if (each === picture || (picture && each.scroll.closest(".film") === picture.scroll.closest(".film")))
-        each.stretch(fraction, offset);
-      else
-        each.stretch(middles.get(each), each.scroll.clientWidth / 2);
-    }
+    const film = picture && picture.scroll.closest(".film");
+    stretch((each) => (film && each.scroll.closest(".film") === film
+      ? fraction * each.width - offset
+      : middles.get(each) * each.width - each.seen / 2));
     byId("zoomed").textContent = `${Math.round(zoom * 100).toLocaleString("en")} %`;
     byId("zoom-out").disabled = zoom <= 1;
     byId("zoom-fit").disabled = zoom <= 1;
@@ -216,7 +224,7 @@
       const item = picture && picture.current;
       if (item) {
         const fraction = percent(item, "x") / 100;
-        const offset = clamp(fraction * picture.width - picture.scroll.scrollLeft, 0, picture.scroll.clientWidth);
+        const offset = clamp(fraction * picture.width - picture.scroll.scrollLeft, 0, picture.seen);
         zoomTo(factors[event.key], picture, fraction, offset);
       } else {
         zoomTo(factors[event.key]);
@@ -231,19 +239,19 @@
       const offset = event.clientX - scroll.getBoundingClientRect().left;
       zoomTo(zoom * Math.exp(-event.deltaY * 0.003), picture, (scroll.scrollLeft + offset) / picture.width, offset);
     }, { passive: false });
-    const redraw = onNextFrame(() => pictures.forEach((picture) => {
-      picture.drawRuler();
-      picture.hideNames();
+    addEventListener("resize", onNextFrame(() => {
+      for (const picture of pictures) picture.measure();
+      for (const picture of pictures) picture.hideNames();
+      drawRulers();
     }));
-    addEventListener("resize", redraw);
-    const drawRulers = onNextFrame(() => pictures.forEach((picture) => picture.drawRuler()));
+    const drawRulersSoon = onNextFrame(drawRulers);
     document.addEventListener("scroll", (event) => {
       const film = event.target instanceof Element && event.target.matches(".scroll") && event.target.closest(".film");
       if (!film) return;
       for (const other of all(".scroll", film)) {
         if (Math.abs(other.scrollLeft - event.target.scrollLeft) > 1) other.scrollLeft = event.target.scrollLeft;
       }
-      drawRulers();
+      drawRulersSoon();
     }, true);
     zoomTo(1);
   }
@@ -319,7 +327,7 @@
       const picture = pictureOf(found[0]);
       const width = percent(found[0], "width") / 100;
       if (width * picture.width < 12)
-        zoomTo(60 / (width * picture.scroll.clientWidth), picture, percent(found[0], "x") / 100, picture.scroll.clientWidth / 2);
+        zoomTo(60 / (width * picture.seen), picture, percent(found[0], "x") / 100, picture.seen / 2);
       for (const item of found) item.classList.add("here");
       picture.show(found[0]);
       said.textContent = `${place + 1} of ${matches.length.toLocaleString("en")}: ${titleOf(found[0])}`;
@@ -428,7 +436,7 @@
         role: "img",
       }, draw("title", {}, title), draw("rect"));
       if (mark === "removed") svg.append(draw("rect", { class: "hatch" }));
-      svg.append(draw("text", { x: 8, y: 19 }, sign + text), draw("text", { class: "more", x: 8, y: 35 }, marks.join(" \u00b7 ")));
+      svg.append(draw("text", { x: 8, y: 16 }, sign + text), draw("text", { class: "more", x: 8, y: 30 }, marks.join(" \u00b7 ")));
       const row = this.data.rows[this.number][clip];
       if (row >= 0) svg.dataset.row = row;
       return svg;
@@ -452,7 +460,7 @@
       for (const [lane, name, time, duration] of this.transitions) {
         lanes.get(lane).append(draw("svg", { class: "transition", x: `${((time - first) / length) * 100}%`, width: 1, role: "img" },
           draw("title", {}, `Transition ${this.data.names[name]}, ${timeText(duration)} long`),
-          draw("path", { d: "M-8 29 8 43V29L-8 43Z" })));
+          draw("path", { d: "M-7 24 7 36V24L-7 36Z" })));
       }
       picture.append(...lanes.values());
       return { picture, labels: shown.map((lane) => this.data.lanes[lane]) };
@@ -509,7 +517,10 @@
       scroll.replaceChildren(drawn.picture);
       byId("stage-labels").replaceChildren(make("span", "corner"), ...drawn.labels.map((label) => make("span", "", label)));
       last = new Picture(drawn.picture);
-      last.stretch(0, -left);
+      drawn.picture.style.width = `${zoom * 100}%`;
+      last.hideNames();
+      scroll.scrollLeft = left;
+      last.drawRuler(left);
       drawTicks();
       const isBefore = (other) => other < place;
       byId("step-back").disabled = place === 0;
@@ -528,7 +539,13 @@
       });
     }
     byId("stage").hidden = false;
-    show();
+    // Drawn once people come near it: large projects take a moment.
+    const observer = new IntersectionObserver((entries) => {
+      if (!entries.some((entry) => entry.isIntersecting) || last) return;
+      observer.disconnect();
+      show();
+    }, { rootMargin: "400px" });
+    observer.observe(byId("stage"));
   }
 
   // Details that a link leads to, and paper
@@ -553,16 +570,15 @@
   }
 
   for (const svg of all("article.film svg.picture")) new Picture(svg);
+  document.documentElement.classList.add("ready");
   if (byId("tools")) {
     prepareZoom();
     prepareSearch();
     prepareDetail();
     prepareStages();
     byId("tools").hidden = false;
-    pictures.forEach((picture) => picture.stretch(0, 0));
   }
   addEventListener("hashchange", openTarget);
   openTarget();
   preparePaper();
-  document.documentElement.classList.add("ready");
 })();
