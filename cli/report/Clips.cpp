@@ -87,6 +87,10 @@ std::optional<std::size_t> Clips::placeOf(const TimelineClip* clip) const {
     return place == m_places.end() ? std::nullopt : std::optional(place->second);
 }
 
+bool Clips::isInResult(const Timeline& timeline) const {
+    return timeline.role != Timeline::Role::Unused || m_usedTimelines.count(timeline.id) == 0;
+}
+
 unsigned long long Clips::idAfter(unsigned long long idBefore) const {
     const auto other = m_facts.redirected.find(idBefore);
     return m_facts.report.formBefore == Bundle::Backend::Xml && other != m_facts.redirected.end()
@@ -96,6 +100,8 @@ unsigned long long Clips::idAfter(unsigned long long idBefore) const {
 
 void Clips::addBefore() {
     for (const Timeline& timeline : *m_facts.states.front().timelines) {
+        if (timeline.role != Timeline::Role::Unused)
+            m_usedTimelines.insert(idAfter(timeline.id));
         for (const TimelineClip& clip : timeline.clips) {
             m_places.emplace(&clip, m_clips.size());
             m_clips.emplace_back().before = {&timeline, &clip};
@@ -108,8 +114,15 @@ void Clips::addAfter() {
     std::unordered_map<unsigned long long, std::vector<std::size_t>> places;
     for (std::size_t place = m_clips.size(); place-- > 0;)
         places[idAfter(m_clips[place].before.clip->id)].push_back(place);
+    std::unordered_set<unsigned long long> lost;
+    for (const auto& [id, loss] : m_lostClips)
+        lost.insert(idAfter(id));
     for (const Timeline& timeline : *m_facts.states.back().timelines) {
+        if (!isInResult(timeline))
+            continue;
         for (const TimelineClip& clip : timeline.clips) {
+            if (lost.count(clip.id) > 0)
+                continue;
             auto& same = places[clip.id];
             if (same.empty()) {
                 same.push_back(m_clips.size());

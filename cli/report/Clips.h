@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -58,6 +59,9 @@ public:
     /// The place in all() of an entry of a timeline as it was read, or of the last state; none for another.
     std::optional<std::size_t> placeOf(const Reader::TimelineClip* clip) const;
 
+    /// Whether the result shows the timeline of the last state. One that nothing refers to any more is not saved.
+    bool isInResult(const Reader::Timeline& timeline) const;
+
     /// The id that an object of the input has in the result.
     unsigned long long idAfter(unsigned long long idBefore) const;
 
@@ -73,6 +77,7 @@ private:
     std::vector<Clip> m_clips;
     std::unordered_map<const Reader::TimelineClip*, std::size_t> m_places;
     std::unordered_map<unsigned long long, const Reader::Loss*> m_lostClips; ///< by id
+    std::unordered_set<unsigned long long> m_usedTimelines; ///< of the project as it was read, by id in the result
     /// Ids of the clips in each state that has timelines of its own, with the state's name.
     std::vector<std::pair<std::string, std::unordered_map<unsigned long long, std::size_t>>> m_idsOfStates;
 };

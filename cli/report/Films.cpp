@@ -259,6 +259,13 @@ std::vector<Film> filmsOf(const Facts& facts, const Clips& clips, std::size_t mo
             films.front().id = timeline.id;
             place = places.emplace(timeline.id, 0).first;
         }
+        const bool isSaved =
+            clips.isInResult(timeline) &&
+            (timeline.clips.empty() ||
+             std::any_of(timeline.clips.begin(), timeline.clips.end(),
+                         [&](const TimelineClip& clip) { return clips.placeOf(&clip).has_value(); }));
+        if (!isSaved)
+            continue;
         if (place != places.end())
             films[place->second].after = &timeline;
         else if (timeline.role != Timeline::Role::Unused || !timeline.clips.empty())
@@ -292,7 +299,9 @@ const Timeline* timelineIn(const State& state, const Film& film, const Clips& cl
     const Timeline* found = find(*state.timelines, film.id, clips);
     if (!found && film.before)
         found = find(*state.timelines, film.before->id, clips);
-    return found;
+    const bool isDropped = found && found->role == Timeline::Role::Unused && film.before &&
+                           film.before->role != Timeline::Role::Unused;
+    return isDropped ? nullptr : found;
 }
 
 std::string picture(const Film& film, Moment moment, const Clips& clips, const std::string& name) {

@@ -207,9 +207,8 @@ private:
         if (m_facts.states.empty())
             return {};
         std::string fates;
-        std::size_t after = 0;
-        for (const Reader::Timeline& timeline : *m_facts.states.back().timelines)
-            after += timeline.clips.size();
+        const auto after = static_cast<std::size_t>(
+            std::count_if(m_clips.all().begin(), m_clips.all().end(), [](const Clip& clip) { return clip.after.clip; }));
         for (const Fate fate : {Fate::Changed, Fate::Removed, Fate::Lost, Fate::LeftOut, Fate::Added}) {
             if (const std::size_t count = m_clips.count(fate))
                 fates += (fates.empty() ? "" : ", ") + Html::number(count) + ' ' + std::string(nameOf(fate));
@@ -285,7 +284,7 @@ private:
         const auto side = [&](Moment moment, const std::string& title, const Reader::Timeline* timeline) {
             const char* word = moment == Moment::Before ? "before" : "after";
             text += "<figure class=\"" + std::string(word) + "\"><figcaption><strong>" + title + "</strong> " +
-                    (timeline ? element("span", sizeText(*timeline)) : element("span", "not there")) +
+                    (timeline ? element("span", sizeText(*timeline)) : element("span", "there is no such timeline")) +
                     "</figcaption>\n" +
                     picture(film, moment, m_clips, "Timeline " + name + ", " + word + " the migration") +
                     "</figure>\n";
@@ -322,9 +321,9 @@ private:
                "<figure class=\"film stage\"><div class=\"strip\"><div class=\"labels\" id=\"stage-labels\" aria-hidden=\"true\">"
                "</div><div class=\"scroll\" id=\"stage-scroll\" tabindex=\"0\" role=\"group\" aria-label=\"The timeline "
                "behind that step; can be scrolled\"></div></div></figure>\n"
-               "<div id=\"stage-effect\" class=\"stage-effect\"></div>\n</div>\n"
-               "<noscript><p class=\"note\">Pictures of each step need scripts. What each step did is listed under "
-               "<a href=\"#steps\">Steps</a>.</p></noscript>\n";
+               "</div>\n"
+               "<p class=\"note plain\">Pictures of each step need scripts. What each step did is listed under "
+               "<a href=\"#steps\">Steps</a>.</p>\n";
     }
 
     // Lists

@@ -120,7 +120,10 @@
       if (items.length === 0) return;
       this.svg.setAttribute("role", "listbox");
       this.scroll.removeAttribute("tabindex");
-      for (const item of items) item.setAttribute("role", "option");
+      for (const item of items) {
+        item.setAttribute("role", "option");
+        item.setAttribute("tabindex", "-1");
+      }
       this.current = items[0];
       this.current.setAttribute("tabindex", "0");
       this.svg.addEventListener("keydown", (event) => this.pressed(event));

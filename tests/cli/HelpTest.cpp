@@ -17,7 +17,7 @@ using Tests::Screen;
 namespace {
 
 const QStringList commands = {"migrate", "steps",   "run",      "info",    "verify",  "trace",
-                              "diff",    "explain", "timeline", "repairs", "restore", "help"};
+                              "diff",    "explain", "timeline", "report",  "repairs", "restore", "help"};
 
 class HelpTest : public Tests::ProgramTest {
 protected:
