@@ -32,8 +32,7 @@ QString nameOfPage(const Row& row) {
 
 /// What the work began with: with --in-place that is the backup now.
 QByteArray inputOf(const Row& row) {
-    const QByteArray backup = row.path.left(row.path.lastIndexOf('/') + 1) + row.backup;
-    return !row.backup.isEmpty() && QFile::exists(QFile::decodeName(backup)) ? backup : row.path;
+    return !row.backup.isEmpty() && QFile::exists(QFile::decodeName(row.backup)) ? row.backup : row.path;
 }
 
 /// Whether `report` gets as far as a page: the file could be read, and did not end its worker.
