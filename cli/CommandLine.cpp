@@ -335,12 +335,13 @@ void addReport(CLI::App& command, Arguments& arguments) {
     addRepair(command, arguments);
     addFolders(command, arguments);
     addMaxMemory(command, arguments);
-    command.footer("Writes no project. Exits as migrate does: with 0 where the result would be whole, and with 22 where "
-                   "something would be missing.\n\n"
-                   "Examples:\n"
-                   "adaptors report film.xml\twrites film.html\n"
-                   "adaptors report film.xml -o page.html --force\t\n"
-                   "adaptors report - -o - < film.xml > film.html\t");
+    command.footer(
+        "Writes no project. Exits as migrate does: with 0 where the result would be whole, and with 22 where "
+        "something would be missing.\n\n"
+        "Examples:\n"
+        "adaptors report film.xml\twrites film.html\n"
+        "adaptors report film.xml -o page.html --force\t\n"
+        "adaptors report - -o - < film.xml > film.html\t");
 }
 
 void addRestore(CLI::App& command, Arguments& arguments) {
@@ -413,8 +414,8 @@ constexpr Command commands[] = {
     {"explain", "Migrate in memory and say what each step did to this project", addExplain,
      Commands::explain},
     {"timeline", "Draw the timelines of a project as an SVG picture", addTimeline, Commands::timeline},
-    {"report", "Migrate in memory and write a page about it: timelines before and after, steps, losses", addReport,
-     Commands::report},
+    {"report", "Migrate in memory and write a page about it: timelines before and after, steps, losses",
+     addReport, Commands::report},
 };
 
 void addOptionsForEveryCommand(CLI::App& app, OutputOptions& options) {

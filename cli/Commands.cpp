@@ -392,8 +392,8 @@ void observe(const Arguments& arguments, const QByteArray& bytes, const QString&
 void writePage(const Arguments& arguments, const QString& input, const QString& target,
                const ReportPage::Facts& facts) {
     Reader::UnfinishedParts made;
-    writeResult(target, QByteArray::fromStdString(ReportPage::page(facts)),
-                optionsToWrite(arguments, input), made);
+    writeResult(target, QByteArray::fromStdString(ReportPage::page(facts)), optionsToWrite(arguments, input),
+                made);
 }
 
 } // namespace
@@ -629,8 +629,8 @@ int report(const Arguments& arguments, Output& output) {
     try {
         observe(arguments, bytes, folderOf(input), options, facts, output);
     } catch (const Reader::Error& error) {
-        const auto advice = arguments.repair ? std::nullopt
-                                             : Advice::messageFor(error, {bytes, arguments.from, options});
+        const auto advice =
+            arguments.repair ? std::nullopt : Advice::messageFor(error, {bytes, arguments.from, options});
         facts.failure = advice ? *advice : Messages::messageFor(error);
         if (error.kind() == Reader::ErrorKind::StepFailed)
             write(); // people look for what led up to the step that fails

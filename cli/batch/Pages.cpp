@@ -57,7 +57,8 @@ struct Work {
 std::string problemOf(Work& work) {
     if (work.process->exitStatus() != QProcess::NormalExit)
         return "the page of this file could not be made: its process was ended";
-    const auto report = JsonReport::Json::parse(work.process->readAllStandardOutput().toStdString(), nullptr, false);
+    const auto report =
+        JsonReport::Json::parse(work.process->readAllStandardOutput().toStdString(), nullptr, false);
     const bool hasText = report.is_object() && report.contains("error") && report["error"].contains("text");
     return hasText ? report["error"]["text"].get<std::string>()
                    : "the page of this file could not be made: its process ended with exit code " +
@@ -93,9 +94,10 @@ QString Pages::fileFor(const Row& row) const {
 
 std::string Pages::linkTo(const Row& row) const {
     const QString file = fileFor(row);
-    return isWanted(row) && QFile::exists(file) ? QFile::encodeName(QFileInfo(m_folder).fileName()).toPercentEncoding().toStdString() + '/' +
-                                                      nameOfPage(row).toStdString()
-                                                : std::string();
+    return isWanted(row) && QFile::exists(file)
+               ? QFile::encodeName(QFileInfo(m_folder).fileName()).toPercentEncoding().toStdString() + '/' +
+                     nameOfPage(row).toStdString()
+               : std::string();
 }
 
 void Pages::write(State& state) const {
@@ -123,8 +125,8 @@ void Pages::write(State& state) const {
             auto process = std::make_unique<QProcess>();
             process->setStandardInputFile(QProcess::nullDevice());
             process->setStandardErrorFile(QProcess::nullDevice());
-            const QStringList words = {QStringLiteral("report"), QFile::decodeName(inputOf(row)), QStringLiteral("-o"),
-                                       fileFor(row), QStringLiteral("--json")};
+            const QStringList words = {QStringLiteral("report"), QFile::decodeName(inputOf(row)),
+                                       QStringLiteral("-o"), fileFor(row), QStringLiteral("--json")};
             process->start(QStringLiteral("/proc/self/exe"), words + m_options.words);
             running.push_back({std::move(row), std::move(process), {}});
             running.back().since.start();
@@ -133,7 +135,8 @@ void Pages::write(State& state) const {
             continue;
         constexpr int shortWait = 50; // milliseconds; a signal is noticed behind it
         Work& first = running.front();
-        const bool hasEnded = first.process->waitForFinished(shortWait) || first.process->state() == QProcess::NotRunning;
+        const bool hasEnded =
+            first.process->waitForFinished(shortWait) || first.process->state() == QProcess::NotRunning;
         const bool isLate = m_options.timeout > 0 && first.since.elapsed() > m_options.timeout * 1000LL;
         if (!hasEnded && !isLate) {
             std::rotate(running.begin(), running.begin() + 1, running.end());
@@ -143,9 +146,11 @@ void Pages::write(State& state) const {
             first.process->kill();
             first.process->waitForFinished();
         }
-        const bool isWritten = first.process->exitStatus() == QProcess::NormalExit && isPageWritten(first.process->exitCode());
+        const bool isWritten =
+            first.process->exitStatus() == QProcess::NormalExit && isPageWritten(first.process->exitCode());
         if (!isWritten)
-            writeFailure(first.row, first.row.state == FileState::Failed ? first.row.reason : problemOf(first));
+            writeFailure(first.row,
+                         first.row.state == FileState::Failed ? first.row.reason : problemOf(first));
         running.pop_front();
     }
     for (Work& work : running) {
@@ -165,16 +170,18 @@ void Pages::writeFailure(const Row& row, const std::string& reason) const {
 }
 
 QStringList optionsForPages(State& state) {
-    constexpr std::array<std::string_view, 6> names = {"--from", "--to", "--repair", "--packages-root",
-                                                       "--ai-models-root", "--downloadable-root"};
+    constexpr std::array<std::string_view, 6> names = {
+        "--from", "--to", "--repair", "--packages-root", "--ai-models-root", "--downloadable-root"};
     QStringList words;
     const auto settings = readSettings(state);
     std::string rest = settings ? settings->options : std::string();
     while (!rest.empty()) {
-        const std::size_t end = std::min(rest.find(" --"), rest.size()); // options only, each with its value behind "="
+        const std::size_t end =
+            std::min(rest.find(" --"), rest.size()); // options only, each with its value behind "="
         const std::string word = rest.substr(0, end);
         rest.erase(0, end + 1);
-        if (std::find(names.begin(), names.end(), std::string_view(word).substr(0, word.find('='))) != names.end())
+        if (std::find(names.begin(), names.end(), std::string_view(word).substr(0, word.find('='))) !=
+            names.end())
             words += Places::path(word);
     }
     return words;

@@ -102,20 +102,24 @@ std::string tilesOf(State& state) {
     std::string tiles;
     for (const auto& [fileState, count] : state.counts())
         tiles += "<div" + std::string(fileState == FileState::Failed ? " class=\"bad\"" : "") + "><dt>" +
-                 std::string(nameOf(fileState)) + "</dt><dd>" + Html::number(static_cast<std::size_t>(count)) +
-                 "</dd></div>";
+                 std::string(nameOf(fileState)) + "</dt><dd>" +
+                 Html::number(static_cast<std::size_t>(count)) + "</dd></div>";
     return "<dl class=\"tiles\">" + tiles + "</dl>\n";
 }
 
 /// The start of the table up to its first row.
 QByteArray htmlStart(State& state, const std::vector<QString>& names) {
     // Nothing is loaded and nothing runs, whatever the names of files hold.
-    const std::string start = Html::documentStart(
-        {"Batch of migrations",
-         std::string(ReportAssets::baseStyle) + std::string(ReportAssets::tableStyle), {}, {}});
+    const std::string start =
+        Html::documentStart({"Batch of migrations",
+                             std::string(ReportAssets::baseStyle) + std::string(ReportAssets::tableStyle),
+                             {},
+                             {}});
     return QByteArray::fromStdString(
-               start + "<header>\n<p class=\"kicker\">Migration report</p>\n<h1>Batch of migrations</h1>\n" + tilesOf(state) +
-               "</header>\n<main>\n<section aria-label=\"All files\"><div class=\"wide\" tabindex=\"0\" role=\"group\" "
+               start + "<header>\n<p class=\"kicker\">Migration report</p>\n<h1>Batch of migrations</h1>\n" +
+               tilesOf(state) +
+               "</header>\n<main>\n<section aria-label=\"All files\"><div class=\"wide\" tabindex=\"0\" "
+               "role=\"group\" "
                "aria-label=\"All files; can be scrolled\"><table>\n<thead>\n") +
            htmlRow("th", "page", names) + "</thead>\n<tbody>\n";
 }
@@ -162,7 +166,9 @@ private:
         const std::string page = m_pages.linkTo(row);
         const auto slash = row.path.lastIndexOf('/');
         const std::string name = Html::limited(row.path.mid(slash + 1).toStdString(), 200);
-        return page.empty() ? "" : "<a href=\"" + Html::escaped(page) + "\" aria-label=\"Page of " + name + "\">page</a>";
+        return page.empty()
+                   ? ""
+                   : "<a href=\"" + Html::escaped(page) + "\" aria-label=\"Page of " + name + "\">page</a>";
     }
 
     QSaveFile& m_file;

@@ -40,13 +40,15 @@ std::vector<std::string> changesOf(const TimelineClip& before, const TimelineCli
 } // namespace
 
 std::string_view nameOf(Fate fate) {
-    constexpr std::array<std::string_view, 6> names = {"kept", "changed", "removed", "lost", "left out", "added"};
+    constexpr std::array<std::string_view, 6> names = {"kept", "changed",  "removed",
+                                                       "lost", "left out", "added"};
     return names[static_cast<std::size_t>(fate)];
 }
 
 bool Clip::hasErrors() const {
     return fate == Fate::Lost ||
-           std::any_of(lines.begin(), lines.end(), [](const Reader::LogLine* line) { return line->isError(); }) ||
+           std::any_of(lines.begin(), lines.end(),
+                       [](const Reader::LogLine* line) { return line->isError(); }) ||
            std::any_of(lostParts.begin(), lostParts.end(),
                        [](const Reader::Loss* loss) { return !loss->isIntended && loss->wasUsed; });
 }
@@ -78,8 +80,8 @@ Clips::Clips(const Facts& facts) : m_facts(facts) {
 }
 
 std::size_t Clips::count(Fate fate) const {
-    return static_cast<std::size_t>(
-        std::count_if(m_clips.begin(), m_clips.end(), [fate](const Clip& clip) { return clip.fate == fate; }));
+    return static_cast<std::size_t>(std::count_if(m_clips.begin(), m_clips.end(),
+                                                  [fate](const Clip& clip) { return clip.fate == fate; }));
 }
 
 std::optional<std::size_t> Clips::placeOf(const TimelineClip* clip) const {
@@ -202,7 +204,8 @@ std::string timeText(long long milliseconds) {
     const unsigned long long hours = size / 3600000;
     std::array<char, 64> text = {};
     if (hours > 0)
-        std::snprintf(text.data(), text.size(), "%llu:%02llu:%02llu", hours, size / 60000 % 60, size / 1000 % 60);
+        std::snprintf(text.data(), text.size(), "%llu:%02llu:%02llu", hours, size / 60000 % 60,
+                      size / 1000 % 60);
     else
         std::snprintf(text.data(), text.size(), "%llu:%02llu", size / 60000, size / 1000 % 60);
     std::string result = (milliseconds < 0 ? "-" : "") + std::string(text.data());
@@ -219,8 +222,8 @@ std::string rangeText(const TimelineClip& clip) {
 
 std::string nameFor(const TimelineClip& clip, const Timeline& timeline) {
     const std::string name = Html::visible(clip.name, longestName);
-    return "Clip " + (name.empty() ? "without a name" : name) + ", track " + trackText(clip, timeline) + ", " +
-           rangeText(clip) + ", " + std::string(nameOf(clip.kind));
+    return "Clip " + (name.empty() ? "without a name" : name) + ", track " + trackText(clip, timeline) +
+           ", " + rangeText(clip) + ", " + std::string(nameOf(clip.kind));
 }
 
 std::string fateText(const Clip& clip) {

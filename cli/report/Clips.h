@@ -36,11 +36,11 @@ struct Clip {
     Fate fate = Fate::Kept;
     Side before = {};
     Side after = {};
-    std::string step = {};                                ///< behind which it was gone or there; may be empty
-    std::string reason = {};                              ///< why it is gone, a part of a sentence; may be empty
-    std::vector<std::string> changes = {};                ///< "now at 0:05"
-    std::vector<const Reader::Loss*> lostParts = {};      ///< its effects and titles
-    std::vector<const Reader::LogLine*> lines = {};       ///< what steps reported about it
+    std::string step = {};                           ///< behind which it was gone or there; may be empty
+    std::string reason = {};                         ///< why it is gone, a part of a sentence; may be empty
+    std::vector<std::string> changes = {};           ///< "now at 0:05"
+    std::vector<const Reader::Loss*> lostParts = {}; ///< its effects and titles
+    std::vector<const Reader::LogLine*> lines = {};  ///< what steps reported about it
 
     const Side& shown() const { return before.clip ? before : after; }
     bool isGone() const { return fate == Fate::Removed || fate == Fate::Lost || fate == Fate::LeftOut; }
@@ -77,7 +77,8 @@ private:
     std::vector<Clip> m_clips;
     std::unordered_map<const Reader::TimelineClip*, std::size_t> m_places;
     std::unordered_map<unsigned long long, const Reader::Loss*> m_lostClips; ///< by id
-    std::unordered_set<unsigned long long> m_usedTimelines; ///< of the project as it was read, by id in the result
+    std::unordered_set<unsigned long long>
+        m_usedTimelines; ///< of the project as it was read, by id in the result
     /// Ids of the clips in each state that has timelines of its own, with the state's name.
     std::vector<std::pair<std::string, std::unordered_map<unsigned long long, std::size_t>>> m_idsOfStates;
 };

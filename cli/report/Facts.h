@@ -44,13 +44,14 @@ struct MediaFile {
 struct Facts {
     std::string name; ///< of the input
     File input = {};
-    File result = {};                  ///< what `migrate` writes
-    std::string resultName = {};       ///< where `migrate` writes it
+    File result = {};                    ///< what `migrate` writes
+    std::string resultName = {};         ///< where `migrate` writes it
     Reader::MigrationReport report = {}; ///< up to the step that failed, where one did
-    bool isUpToDate = false;           ///< the document had the version asked for, and nothing was done
-    bool isWhole = true;               ///< whether all is in the result but what was removed on purpose
+    bool isUpToDate = false;             ///< the document had the version asked for, and nothing was done
+    bool isWhole = true;                 ///< whether all is in the result but what was removed on purpose
     std::optional<Messages::Message> failure = {};
-    std::vector<State> states = {}; ///< the first is the project as it was read; none where it could not be read
+    std::vector<State> states =
+        {}; ///< the first is the project as it was read; none where it could not be read
     std::vector<Reader::StepEffect> effects = {};
     /// Ids that were given to other objects: those of the result by those of the input.
     std::map<unsigned long long, unsigned long long> redirected = {};

@@ -56,20 +56,26 @@ std::string marksOf(const TimelineClip& clip) {
     return text;
 }
 
-/// "3 errors", "lost: effect Blur"
+/// "3 errors, 1 effect lost"
 std::string problemsOf(const Clip& clip) {
     std::size_t errors = 0;
     std::size_t warnings = 0;
     for (const Reader::LogLine* line : clip.lines)
         ++(line->isError() ? errors : warnings);
-    std::string text = errors > 0     ? Phrases::plural(errors, "error")
-                       : warnings > 0 ? Phrases::plural(warnings, "warning")
-                                      : "";
-    std::size_t lost = 0;
-    for (const Reader::Loss* loss : clip.lostParts)
-        lost += loss->isIntended ? 0 : 1;
-    if (lost > 0)
-        text += (text.empty() ? "" : " \u00b7 ") + Phrases::plural(lost, "part") + " lost";
+    std::string text;
+    const auto add = [&text](std::size_t count, const std::string& noun, const char* more) {
+        if (count > 0)
+            text += (text.empty() ? "" : ", ") + Phrases::plural(count, noun) + more;
+    };
+    add(errors, "error", "");
+    add(errors > 0 ? 0 : warnings, "warning", "");
+    for (const Reader::PartKind kind : {Reader::PartKind::Effect, Reader::PartKind::Title}) {
+        const auto isLost = [kind](const Reader::Loss* loss) {
+            return loss->part.kind == kind && !loss->isIntended;
+        };
+        const auto lost = std::count_if(clip.lostParts.begin(), clip.lostParts.end(), isLost);
+        add(static_cast<std::size_t>(lost), std::string(Reader::nameOf(kind)), " lost");
+    }
     return text;
 }
 
@@ -117,12 +123,13 @@ public:
 
     std::string draw(const std::string& name) const {
         const int height = rulerHeight + laneHeight * static_cast<int>(m_lanes.size());
-        return "<div class=\"strip\"><div class=\"labels\" aria-hidden=\"true\"><span class=\"corner\"></span>" + labels() +
-               "</div><div class=\"scroll\" tabindex=\"0\" role=\"group\" aria-label=\"" + name +
+        return "<div class=\"strip\"><div class=\"labels\" aria-hidden=\"true\"><span "
+               "class=\"corner\"></span>" +
+               labels() + "</div><div class=\"scroll\" tabindex=\"0\" role=\"group\" aria-label=\"" + name +
                "; can be scrolled\">\n<svg class=\"picture\" width=\"100%\"" +
-               attribute("height", std::to_string(height)) +
-               attribute("data-first", number(m_film.first)) + attribute("data-last", number(m_film.last)) +
-               " role=\"group\" aria-label=\"" + name + "\">\n" + ruler(height) + lanes() + "</svg></div></div>\n";
+               attribute("height", std::to_string(height)) + attribute("data-first", number(m_film.first)) +
+               attribute("data-last", number(m_film.last)) + " role=\"group\" aria-label=\"" + name +
+               "\">\n" + ruler(height) + lanes() + "</svg></div></div>\n";
     }
 
 private:
@@ -188,14 +195,18 @@ private:
                 second = problems + " \u00b7 " + second;
         }
         const std::string name = Html::shortened(clip.name, longestLabel);
-        return "<svg class=\"clip " + std::string(nameOf(clip.kind)) + (fate ? std::string(styleOf(fate->fate)) : "") +
-               (isBad ? " bad" : "") + (clip.isEnabled ? "" : " off") + (width < leastWidthForName ? " narrow" : "") +
-               '"' +
-               (place ? attribute("data-row", std::to_string(*place)) : "") + attribute("x", number(start) + '%') +
-               attribute("width", number(width) + '%') + " role=\"img\"><title>" + Html::shortened(title, 400) +
-               "</title><rect/>" + (fate && fate->isGone() ? "<rect class=\"hatch\"/>" : "") +
-               "<text x=\"8\" y=\"16\">" + (isBad ? "! " : fate ? std::string(signOf(fate->fate)) : "") + name +
-               "</text><text class=\"more\" x=\"8\" y=\"30\">" + Html::shortened(second, 120) + "</text></svg>\n";
+        return "<svg class=\"clip " + std::string(nameOf(clip.kind)) +
+               (fate ? std::string(styleOf(fate->fate)) : "") + (isBad ? " bad" : "") +
+               (clip.isEnabled ? "" : " off") + (width < leastWidthForName ? " narrow" : "") + '"' +
+               (place ? attribute("data-row", std::to_string(*place)) : "") +
+               attribute("x", number(start) + '%') + attribute("width", number(width) + '%') +
+               " role=\"img\"><title>" + Html::shortened(title, 400) + "</title><rect/>" +
+               (fate && fate->isGone() ? "<rect class=\"hatch\"/>" : "") + "<text x=\"8\" y=\"16\">" +
+               (isBad  ? "! "
+                : fate ? std::string(signOf(fate->fate))
+                       : "") +
+               name + "</text><text class=\"more\" x=\"8\" y=\"30\">" + Html::shortened(second, 120) +
+               "</text></svg>\n";
     }
 
     std::string transition(const Mark& mark) const {
@@ -234,7 +245,8 @@ const Timeline* find(const Timelines& timelines, unsigned long long id, const Cl
 
 std::string Film::name() const {
     const Timeline& timeline = after ? *after : *before;
-    const std::string text = Html::visible(timeline.name.empty() ? shown().name : timeline.name, longestLabel);
+    const std::string text =
+        Html::visible(timeline.name.empty() ? shown().name : timeline.name, longestLabel);
     return text.empty() ? "Timeline without a name" : text;
 }
 
@@ -313,13 +325,16 @@ std::string legend() {
     constexpr const char* kinds[] = {"video", "image", "audio", "title", "quiz", "timeline"};
     std::string text = "<ul class=\"legend\">";
     for (const char* kind : kinds)
-        text += "<li><svg class=\"clip sample " + std::string(kind) + "\" aria-hidden=\"true\"><rect/></svg>" + kind + "</li>";
+        text += "<li><svg class=\"clip sample " + std::string(kind) +
+                "\" aria-hidden=\"true\"><rect/></svg>" + kind + "</li>";
     text += "<li><svg class=\"clip sample gone\" aria-hidden=\"true\"><rect/><rect class=\"hatch\"/></svg>"
             "\u00d7 removed, left out or lost</li>"
             "<li><svg class=\"clip sample added\" aria-hidden=\"true\"><rect/></svg>+ added</li>"
             "<li><svg class=\"clip sample changed\" aria-hidden=\"true\"><rect/></svg>\u2260 changed</li>"
-            "<li><svg class=\"clip sample bad\" aria-hidden=\"true\"><rect/></svg>! errors, or something of it is lost</li>"
-            "<li><svg class=\"sample transition\" viewBox=\"-10 22 20 16\" aria-hidden=\"true\"><path d=\"M-7 24 7 36V24L-7 36Z\"/></svg>transition</li></ul>\n";
+            "<li><svg class=\"clip sample bad\" aria-hidden=\"true\"><rect/></svg>! errors, or something of "
+            "it is lost</li>"
+            "<li><svg class=\"sample transition\" viewBox=\"-10 22 20 16\" aria-hidden=\"true\"><path "
+            "d=\"M-7 24 7 36V24L-7 36Z\"/></svg>transition</li></ul>\n";
     return text;
 }
 

@@ -9,10 +9,10 @@ namespace ReportPage {
 
 /// A timeline in all states of a migration. Its pictures have one scale, so that a time is at the same place in all.
 struct Film {
-    unsigned long long id;                      ///< in the result
-    const Reader::Timeline* before = nullptr;   ///< null where the project as it was read has no such timeline
-    const Reader::Timeline* after = nullptr;    ///< null where the result has no such timeline
-    double first = 0;                           ///< milliseconds
+    unsigned long long id;                    ///< in the result
+    const Reader::Timeline* before = nullptr; ///< null where the project as it was read has no such timeline
+    const Reader::Timeline* after = nullptr;  ///< null where the result has no such timeline
+    double first = 0;                         ///< milliseconds
     double last = 1;
 
     const Reader::Timeline& shown() const { return before ? *before : *after; }

@@ -63,7 +63,8 @@ public:
     bool isEmpty() const { return m_count == 0; }
     std::string html() const {
         const std::string more =
-            m_count > mostRows ? element("p", "and " + Html::number(m_count - mostRows) + " more", "note") : "";
+            m_count > mostRows ? element("p", "and " + Html::number(m_count - mostRows) + " more", "note")
+                               : "";
         return element("ul", '\n' + m_items, m_style) + '\n' + more;
     }
 
@@ -74,8 +75,8 @@ private:
 };
 
 std::string section(const std::string& id, const std::string& title, const std::string& html) {
-    return "<section id=\"" + id + "\" aria-labelledby=\"" + id + "-title\">\n<h2 id=\"" + id + "-title\">" + title +
-           "</h2>\n" + html + "</section>\n";
+    return "<section id=\"" + id + "\" aria-labelledby=\"" + id + "-title\">\n<h2 id=\"" + id + "-title\">" +
+           title + "</h2>\n" + html + "</section>\n";
 }
 
 std::string mark(const std::string& kind, const std::string& text) {
@@ -114,8 +115,8 @@ public:
             add(content, "clips", "All clips", clipTable());
         }
         add(content, "about", "About this page", about());
-        return "<a class=\"skip\" href=\"#main\">Skip to the content</a>\n" + header() + "<main id=\"main\">\n" +
-               content + "</main>\n" + m_data;
+        return "<a class=\"skip\" href=\"#main\">Skip to the content</a>\n" + header() +
+               "<main id=\"main\">\n" + content + "</main>\n" + m_data;
     }
 
 private:
@@ -130,8 +131,12 @@ private:
     // Header
 
     std::string header() const {
-        return "<header>\n<p class=\"kicker\">Migration report</p>\n" + title() + versions() + verdict() + tiles() + "<nav aria-label=\"Sections\"><ul>" + m_navigation +
-               "</ul></nav>\n</header>\n";
+        return "<header>\n<p class=\"kicker\">Migration report</p>\n" + title() + versions() + verdict() +
+               tiles() +
+               (m_facts.states.empty()
+                    ? ""
+                    : "<nav aria-label=\"Sections\"><ul>" + m_navigation + "</ul></nav>\n") +
+               "</header>\n";
     }
 
     /// The name of the file, and its folder behind it.
@@ -144,8 +149,9 @@ private:
     }
 
     static std::string stateText(Bundle::Backend form, int version) {
-        return element("span", Reader::formName(form).toStdString() + element("b", "version " + std::to_string(version)),
-                       "version");
+        return element(
+            "span", Reader::formName(form).toStdString() + element("b", "version " + std::to_string(version)),
+            "version");
     }
 
     std::string versions() const {
@@ -154,15 +160,18 @@ private:
         const Reader::MigrationReport& report = m_facts.report;
         std::string text = stateText(report.formBefore, report.from);
         if (!m_facts.failure && !m_facts.isUpToDate)
-            text += "<span class=\"arrow\" aria-hidden=\"true\">\u2192</span><span class=\"unseen\">to</span>" +
-                    stateText(report.formAfter, report.to);
+            text +=
+                "<span class=\"arrow\" aria-hidden=\"true\">\u2192</span><span class=\"unseen\">to</span>" +
+                stateText(report.formAfter, report.to);
         return element("p", text, "versions") + '\n';
     }
 
     std::string verdict() const {
-        const auto box = [](const char* kind, const char* sign, const std::string& title, const std::string& text) {
-            return "<div class=\"verdict " + std::string(kind) + "\"><span class=\"sign\" aria-hidden=\"true\">" + sign +
-                   "</span><p><strong>" + title + "</strong> " + text + "</p></div>\n";
+        const auto box = [](const char* kind, const char* sign, const std::string& title,
+                            const std::string& text) {
+            return "<div class=\"verdict " + std::string(kind) +
+                   "\"><span class=\"sign\" aria-hidden=\"true\">" + sign + "</span><p><strong>" + title +
+                   "</strong> " + text + "</p></div>\n";
         };
         if (m_facts.failure)
             return box("bad", "!", "The migration failed.", shown(m_facts.failure->text) + '.');
@@ -174,8 +183,9 @@ private:
                        lossText().empty() ? "See the errors below." : lossText() + '.');
         const std::string removed = lossText();
         return box("good", "\u2713", "Nothing is lost.",
-                   removed.empty() ? "Every clip, effect and title is in the result."
-                                   : "The result has all but what newer versions have no place for: " + removed + '.');
+                   removed.empty()
+                       ? "Every clip, effect and title is in the result."
+                       : "The result has all but what newer versions have no place for: " + removed + '.');
     }
 
     /// "2 clips and 1 effect removed, 1 clip lost"
@@ -189,7 +199,8 @@ private:
             std::string list;
             for (const auto& [kind, count] : counts) {
                 if (count[word] > 0)
-                    list += (list.empty() ? "" : ", ") + counted(count[word], std::string(Reader::nameOf(kind)));
+                    list +=
+                        (list.empty() ? "" : ", ") + counted(count[word], std::string(Reader::nameOf(kind)));
             }
             if (!list.empty())
                 text += (text.empty() ? "" : "; ") + list + ' ' + words[word];
@@ -207,8 +218,8 @@ private:
         if (m_facts.states.empty())
             return {};
         std::string fates;
-        const auto after = static_cast<std::size_t>(
-            std::count_if(m_clips.all().begin(), m_clips.all().end(), [](const Clip& clip) { return clip.after.clip; }));
+        const auto after = static_cast<std::size_t>(std::count_if(
+            m_clips.all().begin(), m_clips.all().end(), [](const Clip& clip) { return clip.after.clip; }));
         for (const Fate fate : {Fate::Changed, Fate::Removed, Fate::Lost, Fate::LeftOut, Fate::Added}) {
             if (const std::size_t count = m_clips.count(fate))
                 fates += (fates.empty() ? "" : ", ") + Html::number(count) + ' ' + std::string(nameOf(fate));
@@ -218,7 +229,8 @@ private:
         std::size_t effective = 0;
         for (const Reader::StepEffect& effect : m_facts.effects)
             effective += effect.changedNothing() ? 0 : 1;
-        text += tile("Steps", Html::number(m_facts.effects.size()), Html::number(effective) + " changed something");
+        text += tile("Steps", Html::number(m_facts.effects.size()),
+                     Html::number(effective) + " changed something");
         if (!m_facts.failure && !m_facts.isUpToDate)
             text += tile("Objects", Html::number(total(m_facts.report.objectsAfter)),
                          Html::number(total(m_facts.report.objectsBefore)) + " before");
@@ -229,7 +241,8 @@ private:
             missing += file.presence == Reader::Presence::Missing ? 1 : 0;
         text += tile("Media files", Html::number(m_facts.media.size()),
                      missing > 0 ? Html::number(missing) + " missing" : "none missing", missing > 0);
-        text += tile("Faults", Html::number(m_faults), m_faults > 0 ? "errors and warnings" : "none that matter", false);
+        text += tile("Faults", Html::number(m_faults),
+                     m_faults > 0 ? "errors and warnings" : "none that matter", false);
         return element("dl", text, "tiles") + '\n';
     }
 
@@ -241,8 +254,10 @@ private:
         std::string text = tools();
         text += legend();
         if (!m_isDrawn)
-            return text + element("p", "The project has more clips than this page can draw: " +
-                                           Html::number(m_clips.all().size()) + '.', "note");
+            return text + element("p",
+                                  "The project has more clips than this page can draw: " +
+                                      Html::number(m_clips.all().size()) + '.',
+                                  "note");
         for (std::size_t place = 0; place < m_films.size(); ++place)
             text += film(m_films[place], place);
         return text;
@@ -251,7 +266,8 @@ private:
     /// Needs scripts, so it is hidden without them.
     static std::string tools() {
         return "<div class=\"tools\" id=\"tools\" role=\"search\" hidden=\"hidden\">\n"
-               "<div class=\"group find\"><label for=\"find\">Find a clip</label><input id=\"find\" type=\"search\" "
+               "<div class=\"group find\"><label for=\"find\">Find a clip</label><input id=\"find\" "
+               "type=\"search\" "
                "autocomplete=\"off\" spellcheck=\"false\" placeholder=\"Name\"/>"
                "<button type=\"button\" id=\"find-previous\" aria-label=\"Previous match\">\u2191</button>"
                "<button type=\"button\" id=\"find-next\" aria-label=\"Next match\">\u2193</button>"
@@ -261,12 +277,14 @@ private:
                "<button type=\"button\" id=\"zoom-fit\" aria-label=\"Show the whole timeline\">Fit</button>"
                "<button type=\"button\" id=\"zoom-in\" aria-label=\"Zoom in\">+</button>"
                "<output id=\"zoomed\" aria-live=\"polite\">100 %</output></div>\n"
-               "<p class=\"hint\">Keys in a picture: arrows move, Enter shows a clip, + \u2212 0 zoom</p></div>\n";
+               "<p class=\"hint\">Keys in a picture: arrows move, Enter shows a clip, + \u2212 0 "
+               "zoom</p></div>\n";
     }
 
     static std::string sizeText(const Reader::Timeline& timeline) {
-        std::string text = timeText(timeline.duration()) + " \u00b7 " + counted(timeline.tracks.size(), "track") +
-                           " \u00b7 " + counted(timeline.clips.size(), "clip");
+        std::string text = timeText(timeline.duration()) + " \u00b7 " +
+                           counted(timeline.tracks.size(), "track") + " \u00b7 " +
+                           counted(timeline.clips.size(), "clip");
         if (!timeline.transitions.empty())
             text += " \u00b7 " + counted(timeline.transitions.size(), "transition");
         return text;
@@ -276,15 +294,18 @@ private:
         const std::string id = "film-" + std::to_string(place);
         const std::string name = escaped(film.name());
         const std::string role(nameOf((film.after ? film.after : film.before)->role));
-        std::string text = "<article class=\"film\" data-film=\"" + std::to_string(place) + "\" aria-labelledby=\"" + id +
-                           "\">\n<h3 id=\"" + id + "\">" + isolated(name) + ' ' +
-                           mark("role", role) + "</h3>\n";
-        const std::string changeless =
-            m_facts.isUpToDate ? "As it is" : m_facts.failure ? "Before the step that failed" : "After";
+        std::string text = "<article class=\"film\" data-film=\"" + std::to_string(place) +
+                           "\" aria-labelledby=\"" + id + "\">\n<h3 id=\"" + id + "\">" + isolated(name) +
+                           ' ' + mark("role", role) + "</h3>\n";
+        const std::string changeless = m_facts.isUpToDate ? "As it is"
+                                       : m_facts.failure  ? "Before the step that failed"
+                                                          : "After";
         const auto side = [&](Moment moment, const std::string& title, const Reader::Timeline* timeline) {
             const char* word = moment == Moment::Before ? "before" : "after";
-            text += "<figure class=\"" + std::string(word) + "\"><figcaption><strong>" + title + "</strong> " +
-                    (timeline ? element("span", sizeText(*timeline)) : element("span", "there is no such timeline")) +
+            text += "<figure class=\"" + std::string(word) + "\"><figcaption><strong>" + title +
+                    "</strong> " +
+                    (timeline ? element("span", sizeText(*timeline))
+                              : element("span", "there is no such timeline")) +
                     "</figcaption>\n" +
                     picture(film, moment, m_clips, "Timeline " + name + ", " + word + " the migration") +
                     "</figure>\n";
@@ -302,27 +323,37 @@ private:
             return {};
         const auto data = stepData(m_facts, m_films, m_clips);
         if (!data)
-            return element("p", "The project changes too much for pictures of each step. The steps are listed below.",
-                           "note");
+            return element(
+                "p", "The project changes too much for pictures of each step. The steps are listed below.",
+                "note");
         m_data = "<script type=\"application/json\" id=\"data\">" + Html::json(*data) + "</script>\n";
         const std::string last = std::to_string(m_facts.states.size() - 1);
         std::string options;
         for (std::size_t place = 0; place < m_films.size(); ++place)
-            options += "<option value=\"" + std::to_string(place) + "\">" + escaped(m_films[place].name()) + "</option>";
+            options += "<option value=\"" + std::to_string(place) + "\">" + escaped(m_films[place].name()) +
+                       "</option>";
         return "<div id=\"stage\" hidden=\"hidden\">\n<div class=\"tools static\">"
                "<div class=\"group slide\"><label for=\"slider\">Step</label>"
-               "<button type=\"button\" id=\"step-back\" aria-label=\"Previous step that changed the timeline\">\u25c0\ufe0e</button>"
-               "<input type=\"range\" id=\"slider\" min=\"0\" max=\"" + last + "\" value=\"" + last + "\" step=\"1\"/>"
-               "<button type=\"button\" id=\"step-on\" aria-label=\"Next step that changed the timeline\">\u25b6\ufe0e</button>"
+               "<button type=\"button\" id=\"step-back\" aria-label=\"Previous step that changed the "
+               "timeline\">\u25c0\ufe0e</button>"
+               "<input type=\"range\" id=\"slider\" min=\"0\" max=\"" +
+               last + "\" value=\"" + last +
+               "\" step=\"1\"/>"
+               "<button type=\"button\" id=\"step-on\" aria-label=\"Next step that changed the "
+               "timeline\">\u25b6\ufe0e</button>"
                "<output id=\"place\" for=\"slider\"></output></div>"
-               "<div class=\"group\"><label for=\"which\">Timeline</label><select id=\"which\">" + options +
+               "<div class=\"group\"><label for=\"which\">Timeline</label><select id=\"which\">" +
+               options +
                "</select></div></div>\n<div class=\"ticks\" id=\"ticks\" aria-hidden=\"true\"></div>\n"
                "<p id=\"stage-text\" class=\"stage-text\" aria-live=\"polite\"></p>\n"
-               "<figure class=\"film stage\"><div class=\"strip\"><div class=\"labels\" id=\"stage-labels\" aria-hidden=\"true\">"
-               "</div><div class=\"scroll\" id=\"stage-scroll\" tabindex=\"0\" role=\"group\" aria-label=\"The timeline "
+               "<figure class=\"film stage\"><div class=\"strip\"><div class=\"labels\" id=\"stage-labels\" "
+               "aria-hidden=\"true\">"
+               "</div><div class=\"scroll\" id=\"stage-scroll\" tabindex=\"0\" role=\"group\" "
+               "aria-label=\"The timeline "
                "behind that step; can be scrolled\"></div></div></figure>\n"
                "</div>\n"
-               "<p class=\"note plain\">Pictures of each step need scripts. What each step did is listed under "
+               "<p class=\"note plain\">Pictures of each step need scripts. What each step did is listed "
+               "under "
                "<a href=\"#steps\">Steps</a>.</p>\n";
     }
 
@@ -339,23 +370,30 @@ private:
         List list("facts");
         for (const Reader::Loss& loss : m_facts.report.losses) {
             const char* word = loss.isIntended ? "removed" : loss.wasUsed ? "lost" : "left out";
-            list.add(mark(loss.isIntended || !loss.wasUsed ? "note" : "bad", word) + ' ' + partText(loss.part) + ": " +
-                     escaped(loss.reason) + (loss.step.empty() ? "" : ", " + code(loss.step)));
+            list.add(mark(loss.isIntended || !loss.wasUsed ? "note" : "bad", word) + ' ' +
+                     partText(loss.part) + ": " + escaped(loss.reason) +
+                     (loss.step.empty() ? "" : ", " + code(loss.step)));
         }
         std::set<unsigned long long> reported;
         for (const Reader::Loss& loss : m_facts.report.losses)
             reported.insert(loss.part.id);
         for (const Clip& clip : m_clips.all()) {
             if (clip.isGone() && reported.count(clip.before.clip->id) == 0)
-                list.add(mark("note", std::string(nameOf(clip.fate))) + " clip " + element("strong", shown(clip.before.clip->name)) +
-                         " (id " + std::to_string(clip.before.clip->id) + "): " + escaped(clip.reason) +
+                list.add(mark("note", std::string(nameOf(clip.fate))) + " clip " +
+                         element("strong", shown(clip.before.clip->name)) + " (id " +
+                         std::to_string(clip.before.clip->id) + "): " + escaped(clip.reason) +
                          (clip.step.empty() ? "" : ", " + code(clip.step)));
         }
         if (list.isEmpty())
             return {};
-        return element("p", "Clips, effects and titles of the project that the result does not have. \u201cRemoved\u201d is "
-                            "what the schema version intended, \u201clost\u201d is what it did not, and \u201cleft out\u201d is "
-                            "what nothing in the project used.", "lead") + list.html();
+        return element("p",
+                       "Clips, effects and titles of the project that the result does not have. "
+                       "\u201cRemoved\u201d is "
+                       "what the schema version intended, \u201clost\u201d is what it did not, and "
+                       "\u201cleft out\u201d is "
+                       "what nothing in the project used.",
+                       "lead") +
+               list.html();
     }
 
     static std::string lineHtml(const Reader::LogLine& line) {
@@ -404,7 +442,9 @@ private:
         std::string text;
         for (const auto& [className, count] : counts)
             text += "<li>" + Html::number(count) + ' ' + code(className) + "</li>";
-        return counts.empty() ? "" : "<div><dt>" + std::string(title) + "</dt><dd><ul class=\"inline\">" + text + "</ul></dd></div>";
+        return counts.empty() ? ""
+                              : "<div><dt>" + std::string(title) + "</dt><dd><ul class=\"inline\">" + text +
+                                    "</ul></dd></div>";
     }
 
     static std::string fieldsHtml(const Reader::StepEffect& step) {
@@ -417,16 +457,21 @@ private:
             std::string examples;
             for (const std::string& example : ExplainReport::examplesOf(change))
                 examples += element("div", shown(example));
-            rows += "<tr><td>" + code(change.className + '.' + change.field) + "</td><td>" +
-                    std::string(nameOf(change.kind)) + "</td><td class=\"number\">" + Html::number(change.count) +
-                    "</td><td>" + examples + "</td></tr>\n";
+            rows += "<tr><td class=\"field\">" + code(change.className + '.' + change.field) +
+                    "</td><td class=\"brief\">" + std::string(nameOf(change.kind)) +
+                    "</td><td class=\"number\">" + Html::number(change.count) + "</td><td>" + examples +
+                    "</td></tr>\n";
         }
-        const std::string more = step.fields.size() > mostFields
-                                     ? element("p", "and " + counted(step.fields.size() - mostFields, "field") + " more", "note")
-                                     : "";
-        return "<div class=\"wide\" tabindex=\"0\" role=\"group\" aria-label=\"Fields\"><table><thead><tr><th "
-               "scope=\"col\">Field</th><th scope=\"col\">Change</th><th scope=\"col\">Objects</th><th "
-               "scope=\"col\">Examples</th></tr></thead><tbody>\n" + rows + "</tbody></table></div>\n" + more;
+        const std::string more =
+            step.fields.size() > mostFields
+                ? element("p", "and " + counted(step.fields.size() - mostFields, "field") + " more", "note")
+                : "";
+        return "<div class=\"wide\" tabindex=\"0\" role=\"group\" "
+               "aria-label=\"Fields\"><table><thead><tr><th "
+               "scope=\"col\">Field</th><th scope=\"col\">Change</th><th scope=\"col\" "
+               "class=\"number\">Objects</th><th "
+               "scope=\"col\">Examples</th></tr></thead><tbody>\n" +
+               rows + "</tbody></table></div>\n" + more;
     }
 
     std::string stepBody(const State& state) const {
@@ -436,8 +481,9 @@ private:
         List clips("facts");
         for (const Clip& clip : m_clips.all()) {
             if (clip.step == step.className)
-                clips.add(mark(clip.fate == Fate::Lost ? "bad" : "note", std::string(nameOf(clip.fate))) + " clip " +
-                          element("strong", shown(clip.shown().clip->name)) + " at " + timeText(clip.shown().clip->start));
+                clips.add(mark(clip.fate == Fate::Lost ? "bad" : "note", std::string(nameOf(clip.fate))) +
+                          " clip " + element("strong", shown(clip.shown().clip->name)) + " at " +
+                          timeText(clip.shown().clip->start));
         }
         List lines("facts");
         for (const Reader::LogLine& line : m_facts.report.log) {
@@ -446,7 +492,8 @@ private:
         }
         return (clips.isEmpty() ? "" : clips.html()) + (lines.isEmpty() ? "" : lines.html()) +
                (text.empty() ? element("p", "It changed nothing in this project.", "note")
-                             : element("dl", text, "counts")) + fieldsHtml(step);
+                             : element("dl", text, "counts")) +
+               fieldsHtml(step);
     }
 
     std::string stepSummary(const State& state, bool changesPicture) const {
@@ -461,8 +508,8 @@ private:
             marks += mark("note", Html::number(changed) + " changed");
         if (changesPicture)
             marks += mark("film", "timeline");
-        return code(step.className) + " <span class=\"sentence\">" + escaped(step.summary) + "</span> <span class=\"marks\">" +
-               marks + "</span>";
+        return code(step.className) + " <span class=\"sentence\">" + escaped(step.summary) +
+               "</span> <span class=\"marks\">" + marks + "</span>";
     }
 
     std::string steps() const {
@@ -479,17 +526,20 @@ private:
                 while (repair < made.size() && made[repair].name != state.name)
                     ++repair;
                 text += "<div class=\"step\" id=\"" + id + "\"><p>" +
-                        (repair < made.size() ? repairHtml(made[repair++]) : code(state.name)) + "</p></div>\n";
+                        (repair < made.size() ? repairHtml(made[repair++]) : code(state.name)) +
+                        "</p></div>\n";
                 continue;
             }
             if (m_facts.effects[state.effect].changedNothing()) {
                 ++unchanged;
-                text += "<div class=\"step idle\" id=\"" + id + "\"><p>" + stepSummary(state, false) + "</p></div>\n";
+                text += "<div class=\"step idle\" id=\"" + id + "\"><p>" + stepSummary(state, false) +
+                        "</p></div>\n";
                 continue;
             }
             const bool changesPicture = state.timelines != m_facts.states[place - 1].timelines;
-            text += "<details class=\"step\" id=\"" + id + "\"><summary>" + stepSummary(state, changesPicture) +
-                    "</summary>\n<div class=\"body\">" + stepBody(state) + "</div></details>\n";
+            text += "<details class=\"step\" id=\"" + id + "\"><summary>" +
+                    stepSummary(state, changesPicture) + "</summary>\n<div class=\"body\">" +
+                    stepBody(state) + "</div></details>\n";
         }
         std::string lead = counted(m_facts.effects.size(), "step") + " ran, " + Html::number(unchanged) +
                            " of them changed nothing in this project.";
@@ -515,14 +565,19 @@ private:
             const auto place = static_cast<std::size_t>(presence);
             for (const MediaFile& file : m_facts.media) {
                 if (file.presence == presence && count++ < mostRows * 10)
-                    rows += "<tr><td>" + mark(kinds[place], words[place]) + "</td><td>" + shown(file.path) +
-                            "</td><td class=\"number\">" + Html::number(file.clips) + "</td></tr>\n";
+                    rows += "<tr><td class=\"brief\">" + mark(kinds[place], words[place]) + "</td><td>" +
+                            shown(file.path) + "</td><td class=\"number\">" + Html::number(file.clips) +
+                            "</td></tr>\n";
             }
         }
-        return "<div class=\"wide\" tabindex=\"0\" role=\"group\" aria-label=\"Media files\"><table><thead><tr><th "
-               "scope=\"col\">On disk</th><th scope=\"col\">File</th><th scope=\"col\">Clips</th></tr></thead><tbody>\n" +
+        return "<div class=\"wide\" tabindex=\"0\" role=\"group\" aria-label=\"Media "
+               "files\"><table><thead><tr><th "
+               "scope=\"col\">On disk</th><th scope=\"col\">File</th><th scope=\"col\" "
+               "class=\"number\">Clips</th></tr></thead><tbody>\n" +
                rows + "</tbody></table></div>\n" +
-               (count > mostRows * 10 ? element("p", "and " + Html::number(count - mostRows * 10) + " more", "note") : "");
+               (count > mostRows * 10
+                    ? element("p", "and " + Html::number(count - mostRows * 10) + " more", "note")
+                    : "");
     }
 
     static std::string findings(const std::string& title, std::vector<Reader::Finding> list) {
@@ -536,19 +591,20 @@ private:
             const char* kind = finding.severity == Severity::Error     ? "bad"
                                : finding.severity == Severity::Warning ? "warn"
                                                                        : "note";
-            items.add(mark(kind, std::string(nameOf(finding.severity))) + ' ' + code(finding.className) + " (id " +
-                      std::to_string(finding.id) + ") " + (finding.path.empty() ? "" : code(finding.path) + ' ') +
-                      shown(finding.text));
+            items.add(mark(kind, std::string(nameOf(finding.severity))) + ' ' + code(finding.className) +
+                      " (id " + std::to_string(finding.id) + ") " +
+                      (finding.path.empty() ? "" : code(finding.path) + ' ') + shown(finding.text));
         }
-        const std::string numbers = list.empty() ? "none" :
-            counted(counts[static_cast<std::size_t>(Severity::Error)], "error") + ", " +
-            counted(counts[static_cast<std::size_t>(Severity::Warning)], "warning") + ", " +
-            counted(counts[static_cast<std::size_t>(Severity::Note)], "note");
+        const std::string numbers =
+            list.empty() ? "none"
+                         : counted(counts[static_cast<std::size_t>(Severity::Error)], "error") + ", " +
+                               counted(counts[static_cast<std::size_t>(Severity::Warning)], "warning") +
+                               ", " + counted(counts[static_cast<std::size_t>(Severity::Note)], "note");
         const std::string heading = element("h3", title) + ' ' + element("span", numbers, "numbers");
         if (list.empty())
             return "<div class=\"step idle\">" + heading + "</div>\n";
-        return "<details class=\"step\"><summary>" + heading + "</summary><div class=\"body\">\n" + items.html() +
-               "</div></details>\n";
+        return "<details class=\"step\"><summary>" + heading + "</summary><div class=\"body\">\n" +
+               items.html() + "</div></details>\n";
     }
 
     std::string faults() const {
@@ -566,7 +622,8 @@ private:
         for (std::size_t place = 0; place < m_films.size(); ++place) {
             for (const Reader::Timeline* timeline : {m_films[place].before, m_films[place].after}) {
                 if (timeline && timeline->id == id)
-                    return "<a href=\"#film-" + std::to_string(place) + "\">" + escaped(m_films[place].name()) + "</a>";
+                    return "<a href=\"#film-" + std::to_string(place) + "\">" +
+                           escaped(m_films[place].name()) + "</a>";
             }
         }
         return {};
@@ -584,13 +641,16 @@ private:
             list.add("from " + timeText(facts.sourceStart) + " of its source");
         std::string effects;
         for (const Reader::ClipEffect& effect : facts.effects)
-            effects += (effects.empty() ? "" : ", ") + escaped(Phrases::effectText(effect.className, effect.name));
+            effects +=
+                (effects.empty() ? "" : ", ") + escaped(Phrases::effectText(effect.className, effect.name));
         if (!effects.empty())
             list.add((facts.effects.size() == 1 ? "effect " : "effects ") + effects);
         for (const std::string& text : facts.texts)
             list.add("text " + isolated("\u201c" + limited(text, longestText) + "\u201d"));
         for (const Reader::Loss* loss : clip.lostParts)
-            list.add(mark(loss->isIntended ? "note" : "bad", loss->isIntended ? "removed" : loss->wasUsed ? "lost" : "left out") +
+            list.add(mark(loss->isIntended ? "note" : "bad", loss->isIntended ? "removed"
+                                                             : loss->wasUsed  ? "lost"
+                                                                              : "left out") +
                      ' ' + partText(loss->part) + ": " + escaped(loss->reason));
         for (const Reader::LogLine* line : clip.lines)
             list.add(lineHtml(*line));
@@ -611,29 +671,38 @@ private:
         for (std::size_t place = 0; place < std::min(clips.size(), mostClips); ++place) {
             const Clip& clip = clips[place];
             const bool isBad = clip.hasErrors();
-            const std::string kind = isBad ? "bad" : clip.isGone() ? "minus" : clip.fate == Fate::Added ? "plus" : "note";
+            const std::string kind = isBad                      ? "bad"
+                                     : clip.isGone()            ? "minus"
+                                     : clip.fate == Fate::Added ? "plus"
+                                                                : "note";
             const std::string& name = clip.shown().clip->name;
             rows += "<tr id=\"clip-" + std::to_string(place) + "\"><th scope=\"row\" dir=\"auto\">" +
-                    (name.empty() ? "without a name" : limited(name, longestText)) + "</th><td>" + trackOf(clip) + "</td><td>" +
-                    std::string(nameOf(clip.shown().clip->kind)) + "</td><td>" + sideText(clip.before) + "</td><td>" +
-                    sideText(clip.after) + "</td><td>" + (clip.fate == Fate::Kept ? "kept" : mark(kind, escaped(fateText(clip)))) +
-                    "</td><td>" + clipFacts(clip) + "</td></tr>\n";
+                    (name.empty() ? "without a name" : limited(name, longestText)) + "</th><td>" +
+                    trackOf(clip) + "</td><td>" + std::string(nameOf(clip.shown().clip->kind)) + "</td><td>" +
+                    sideText(clip.before) + "</td><td>" + sideText(clip.after) + "</td><td>" +
+                    (clip.fate == Fate::Kept ? "kept" : mark(kind, escaped(fateText(clip)))) + "</td><td>" +
+                    clipFacts(clip) + "</td></tr>\n";
         }
-        const std::string more = clips.size() > mostClips
-                                     ? element("p", "and " + counted(clips.size() - mostClips, "clip") + " more", "note")
-                                     : "";
+        const std::string more =
+            clips.size() > mostClips
+                ? element("p", "and " + counted(clips.size() - mostClips, "clip") + " more", "note")
+                : "";
         return "<details class=\"step\" id=\"all-clips\"><summary>" + counted(clips.size(), "clip") +
-               "</summary>\n<div class=\"wide\" tabindex=\"0\" role=\"group\" aria-label=\"All clips\"><table "
+               "</summary>\n<div class=\"wide\" tabindex=\"0\" role=\"group\" aria-label=\"All "
+               "clips\"><table "
                "class=\"clips\"><thead><tr><th scope=\"col\">Clip</th><th scope=\"col\">Track</th><th "
-               "scope=\"col\">Kind</th><th scope=\"col\">Before</th><th scope=\"col\">After</th><th scope=\"col\">What "
-               "became of it</th><th scope=\"col\">More</th></tr></thead><tbody>\n" + rows + "</tbody></table></div>\n" + more +
-               "</details>\n" + detail();
+               "scope=\"col\">Kind</th><th scope=\"col\">Before</th><th scope=\"col\">After</th><th "
+               "scope=\"col\">What "
+               "became of it</th><th scope=\"col\">More</th></tr></thead><tbody>\n" +
+               rows + "</tbody></table></div>\n" + more + "</details>\n" + detail();
     }
 
     /// Where scripts show the clip that was chosen in a picture.
     static std::string detail() {
-        return "<aside id=\"detail\" class=\"detail\" aria-label=\"The chosen clip\" hidden=\"hidden\"><button type=\"button\" "
-               "id=\"detail-close\" aria-label=\"Close\">\u00d7</button><div id=\"detail-content\" aria-live=\"polite\"></div></aside>\n";
+        return "<aside id=\"detail\" class=\"detail\" aria-label=\"The chosen clip\" "
+               "hidden=\"hidden\"><button type=\"button\" "
+               "id=\"detail-close\" aria-label=\"Close\">\u00d7</button><div id=\"detail-content\" "
+               "aria-live=\"polite\"></div></aside>\n";
     }
 
     // About
@@ -656,9 +725,12 @@ private:
             add("Its SHA-256", "<code id=\"result-sha256\">" + escaped(m_facts.result.sha256) + "</code>");
             add("Its version", std::to_string(m_facts.report.to));
         }
-        add("Program", "adaptors " ADAPTORS_VERSION ", schema version " + std::to_string(Reader::currentVersion));
+        add("Program",
+            "adaptors " ADAPTORS_VERSION ", schema version " + std::to_string(Reader::currentVersion));
         return element("dl", '\n' + rows, "about") + '\n' +
-               element("p", "This page holds all that it needs. It loads nothing and sends nothing.", "note") + '\n';
+               element("p", "This page holds all that it needs. It loads nothing and sends nothing.",
+                       "note") +
+               '\n';
     }
 
     const Facts& m_facts;
@@ -675,7 +747,8 @@ private:
 /// Patterns that the style refers to.
 constexpr const char* patterns =
     "<svg class=\"patterns\" width=\"0\" height=\"0\" aria-hidden=\"true\" focusable=\"false\"><defs>"
-    "<pattern id=\"hatch\" width=\"8\" height=\"8\" patternUnits=\"userSpaceOnUse\" patternTransform=\"rotate(45)\">"
+    "<pattern id=\"hatch\" width=\"8\" height=\"8\" patternUnits=\"userSpaceOnUse\" "
+    "patternTransform=\"rotate(45)\">"
     "<rect class=\"hatch-line\" width=\"3\" height=\"8\"/></pattern></defs></svg>\n";
 
 } // namespace

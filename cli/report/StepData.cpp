@@ -46,8 +46,7 @@ public:
         for (const TimelineLanes::Lane& lane : lanes) {
             last = lane.label.empty() ? last : lane.label;
             const std::string key = last + (lane.label.empty() ? "+" : "#");
-            const auto [place, isNew] =
-                m_numbers.emplace(std::pair(key, seen[key]++), m_labels.size());
+            const auto [place, isNew] = m_numbers.emplace(std::pair(key, seen[key]++), m_labels.size());
             if (isNew)
                 m_labels.push_back(lane.label);
             numbers.push_back(place->second);
@@ -123,7 +122,8 @@ private:
         m_last = std::move(entries);
     }
 
-    std::size_t numberOf(const std::pair<unsigned long long, std::size_t>& occurrence, const TimelineClip* clip) {
+    std::size_t numberOf(const std::pair<unsigned long long, std::size_t>& occurrence,
+                         const TimelineClip* clip) {
         const auto [place, isNew] = m_numbers.emplace(occurrence, m_rows.size());
         if (isNew)
             m_rows.push_back(-1);
@@ -154,7 +154,8 @@ private:
     const Clips& m_clips;
     Texts& m_texts;
     LaneNumbers& m_lanes;
-    std::map<std::pair<unsigned long long, std::size_t>, std::size_t> m_numbers; ///< of clips, by id and occurrence
+    std::map<std::pair<unsigned long long, std::size_t>, std::size_t>
+        m_numbers; ///< of clips, by id and occurrence
     std::vector<std::size_t> m_lastLanes;
     std::unordered_map<std::size_t, ClipEntry> m_last; ///< clips of the last state by number
     Json m_lastTransitions = Json::array();
@@ -189,12 +190,13 @@ std::optional<Json> stepData(const Facts& facts, const std::vector<Film>& films,
     Json facts_ = Json::array();
     for (std::size_t place = 0; place < films.size(); ++place) {
         rows.push_back(tracked[place].takeRows());
-        facts_.push_back({{"name", films[place].name()}, {"first", films[place].first}, {"last", films[place].last}});
+        facts_.push_back(
+            {{"name", films[place].name()}, {"first", films[place].first}, {"last", films[place].last}});
     }
     Json kinds = Json::array();
     for (int kind = 0; kind <= static_cast<int>(Reader::ClipKind::Unknown); ++kind)
         kinds.push_back(nameOf(static_cast<Reader::ClipKind>(kind)));
-    return Json{{"names", texts.take()},   {"kinds", std::move(kinds)}, {"lanes", lanes.take()},
+    return Json{{"names", texts.take()},      {"kinds", std::move(kinds)}, {"lanes", lanes.take()},
                 {"films", std::move(facts_)}, {"rows", std::move(rows)},   {"states", std::move(states)}};
 }
 

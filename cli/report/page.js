@@ -126,6 +126,7 @@
       }
       this.current = items[0];
       this.current.setAttribute("tabindex", "0");
+      this.svg.addEventListener("focusin", (event) => this.setCurrent(event.target));
       this.svg.addEventListener("keydown", (event) => this.pressed(event));
       this.svg.addEventListener("click", (event) => {
         const item = event.target.closest("svg.clip, svg.transition");
@@ -136,11 +137,14 @@
     }
 
     moveTo(item) {
-      if (this.current) this.current.setAttribute("tabindex", "-1");
-      this.current = item;
-      item.setAttribute("tabindex", "0");
       item.focus({ preventScroll: true });
       this.show(item);
+    }
+
+    setCurrent(item) {
+      this.current.setAttribute("tabindex", "-1");
+      this.current = item;
+      item.setAttribute("tabindex", "0");
     }
 
     show(item) {

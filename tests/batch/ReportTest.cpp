@@ -182,7 +182,8 @@ TEST_F(ReportTest, TheTableLinksToPagesOfWhatFailedOrLostSomething) {
     put("in/<b>&\"'.xml", oldProject().chopped(20));
     EXPECT_EQ(batch(toOut + QStringList{"--report", "table.html"}), 20);
     const QStringList links = linksIn(read("table.html"));
-    EXPECT_EQ(links.size(), 3) << read("table.html").toStdString(); // cut.xml, lost.xml and the one with signs
+    EXPECT_EQ(links.size(), 3)
+        << read("table.html").toStdString(); // cut.xml, lost.xml and the one with signs
     std::set<std::string> verdicts;
     for (const QString& link : links) {
         EXPECT_TRUE(QRegularExpression("^table-pages/[0-9a-f]{20}\\.html$").match(link).hasMatch())
@@ -212,8 +213,8 @@ TEST_F(ReportTest, TheTableLinksToPagesOfWhatFailedOrLostSomething) {
 }
 
 TEST_F(ReportTest, PagesAreAboutTheResultsOfTheBatch) {
-    const QStringList onlyFilm = {"in", "--output-dir", "old", "--to", "62", "--include", "film.xml", "--report",
-                                  "in/table.html", "--pages", "all"};
+    const QStringList onlyFilm = {"in",       "--output-dir", "old",           "--to",    "62", "--include",
+                                  "film.xml", "--report",     "in/table.html", "--pages", "all"};
     EXPECT_EQ(batch(onlyFilm), 0);
     const QStringList links = linksIn(read("in/table.html"));
     ASSERT_EQ(links.size(), 1);
@@ -223,7 +224,8 @@ TEST_F(ReportTest, PagesAreAboutTheResultsOfTheBatch) {
     EXPECT_TRUE(read("in/" + links[0]).contains(hashOf(read("old/film.v62.xml"))));
     // Neither the table nor its pages are found by the next run.
     EXPECT_EQ(batch(onlyFilm), 0);
-    EXPECT_EQ(query("old/adaptors-batch.sqlite", "SELECT count(*) FROM files WHERE path LIKE '%table%'"), "0");
+    EXPECT_EQ(query("old/adaptors-batch.sqlite", "SELECT count(*) FROM files WHERE path LIKE '%table%'"),
+              "0");
     // A file that was replaced is shown as it was before.
     put("there/film.xml", oldProject());
     EXPECT_EQ(batch({"there", "--in-place", "--report", "there.html", "--pages", "all"}), 0);
@@ -326,7 +328,7 @@ TEST_F(ReportTest, TheHelpNamesTheCommandButNotThatOfWorkers) {
          {"--output-dir", "--in-place",      "--files0-from",  "--include", "--exclude", "--jobs",
           "--timeout",    "--state",         "--retry-failed", "--force",   "--status",  "--report",
           "--progress",   "--check",         "--shard",        "--merge",   "--to",      "--from",
-          "--strict",     "--packages-root", "--max-memory", "--pages"})
+          "--strict",     "--packages-root", "--max-memory",   "--pages"})
         EXPECT_TRUE(ofBatch.contains(option)) << option;
 }
 

@@ -379,7 +379,7 @@ test("names errors at the clip that they belong to, and what is lost", async () 
   await inPage(pageOf("losses-marked.xml", projects.projectWithLosses(), 22), {}, async (page) => {
     const bad = sideOf(page, "before").getByRole("option", { name: startsWith("Split") });
     assert.match(await bad.getAttribute("class"), /\bbad\b/);
-    assert.match(await bad.locator("title").textContent(), /lost by V57.*1 error$/);
+    assert.match(await bad.locator("title").textContent(), /lost by V57.*, 1 error, 1 effect lost$/);
     await bad.click();
     assert.match(await page.locator("#detail").textContent(), /Unexpected SideBySide mode/);
     assert.match(await page.locator("#messages").textContent(), /V42_SideBySideTransformAdaptor .*clip Split/);

@@ -93,7 +93,8 @@ QByteArray failing() {
 }
 
 TEST(Html, TextsAreEscapedForElementsAndAttributes) {
-    EXPECT_EQ(Html::escaped("<a href=\"x\" id='y'>&amp;"), "&lt;a href=&quot;x&quot; id=&#39;y&#39;&gt;&amp;amp;");
+    EXPECT_EQ(Html::escaped("<a href=\"x\" id='y'>&amp;"),
+              "&lt;a href=&quot;x&quot; id=&#39;y&#39;&gt;&amp;amp;");
     EXPECT_EQ(Html::escaped("a\nb\x1b\u202e\u2028"), "a\\nb\\x1b\\u202e\\u2028");
     EXPECT_EQ(Html::escaped(std::string("\0", 1)), "\\x00");
     EXPECT_EQ(Html::escaped("\xff\xc3"), "\\xff\\xc3");
@@ -125,35 +126,42 @@ TEST(Html, ThePolicyNamesTheHashesOfStyleAndScript) {
     // The hash of "abc" is a published test vector.
     EXPECT_EQ(Html::policySource("abc"), "'sha256-ungWv48Bz+pBQUDeXa4iI7ADYaOWF3qctBD/YfIAFa0='");
     const std::string page = Html::document({"<t>", "abc", "", "body"});
-    EXPECT_NE(page.find("style-src 'sha256-ungWv48Bz+pBQUDeXa4iI7ADYaOWF3qctBD/YfIAFa0='; script-src 'none';"),
-              std::string::npos);
+    EXPECT_NE(
+        page.find("style-src 'sha256-ungWv48Bz+pBQUDeXa4iI7ADYaOWF3qctBD/YfIAFa0='; script-src 'none';"),
+        std::string::npos);
     EXPECT_NE(page.find("<title>&lt;t&gt;</title>"), std::string::npos);
     EXPECT_EQ(page.find("<script"), std::string::npos);
 }
 
 TEST(ReportAssets, CanBeWrittenIntoAPage) {
-    for (const std::string_view asset :
-         {ReportAssets::baseStyle, ReportAssets::pageStyle, ReportAssets::tableStyle, ReportAssets::pageScript}) {
+    for (const std::string_view asset : {ReportAssets::baseStyle, ReportAssets::pageStyle,
+                                         ReportAssets::tableStyle, ReportAssets::pageScript}) {
         EXPECT_GT(asset.size(), 100U);
         for (const char* forbidden : {"</", "<!--", "http:", "https:", "@import", "\r"})
             EXPECT_EQ(asset.find(forbidden), std::string_view::npos) << forbidden;
     }
-    for (const char* forbidden : {"innerHTML", "outerHTML", "insertAdjacentHTML", "document.write", "eval(", "Function("})
+    for (const char* forbidden :
+         {"innerHTML", "outerHTML", "insertAdjacentHTML", "document.write", "eval(", "Function("})
         EXPECT_EQ(ReportAssets::pageScript.find(forbidden), std::string_view::npos) << forbidden;
 }
 
 TEST_F(ReportPageTest, ShowsEveryClipOfASampleBeforeAndAfter) {
-    for (const char* name : {"holiday-v3.xml", "holiday-v27.xml", "holiday-v45.xml", "holiday-v60.json", "holiday-v76.json"}) {
+    for (const char* name :
+         {"holiday-v3.xml", "holiday-v27.xml", "holiday-v45.xml", "holiday-v60.json", "holiday-v76.json"}) {
         const QDomDocument page = parsed(pageOf(sample(name)));
         ASSERT_EQ(run({"migrate", "film", "-o", "film.json", "--force"}).exitCode, 0);
-        const std::pair<const char*, QByteArray> sides[] = {{"before", sample(name)}, {"after", read("film.json")}};
+        const std::pair<const char*, QByteArray> sides[] = {{"before", sample(name)},
+                                                            {"after", read("film.json")}};
         for (const auto& [side, project] : sides) {
             QStringList titles = clipsIn(page, side);
             for (const auto& timeline : Reader::readTimelines(Reader::parse(project, "film"))) {
                 for (const auto& clip : timeline.clips) {
-                    const QString start = "Clip " + QString::fromStdString(clip.name.empty() ? "without a name" : clip.name) + ", track ";
-                    const auto found = std::find_if(titles.begin(), titles.end(),
-                                                    [&](const QString& title) { return title.startsWith(start); });
+                    const QString start =
+                        "Clip " + QString::fromStdString(clip.name.empty() ? "without a name" : clip.name) +
+                        ", track ";
+                    const auto found = std::find_if(titles.begin(), titles.end(), [&](const QString& title) {
+                        return title.startsWith(start);
+                    });
                     ASSERT_NE(found, titles.end()) << name << ' ' << side << ' ' << clip.name;
                     EXPECT_TRUE(found->contains(QString::fromLatin1(nameOf(clip.kind).data())));
                     titles.erase(found);
@@ -179,7 +187,9 @@ TEST_F(ReportPageTest, HashesAreThoseOfTheInputAndOfTheResultOfMigrate) {
 
 TEST_F(ReportPageTest, ThePolicyFitsThePage) {
     const QByteArray page = pageOf(withQuiz());
-    const auto source = [](const QByteArray& content) { return "'sha256-" + sha256(content).toBase64() + '\''; };
+    const auto source = [](const QByteArray& content) {
+        return "'sha256-" + sha256(content).toBase64() + '\'';
+    };
     EXPECT_TRUE(page.contains("content=\"default-src 'none'; style-src " + source(contentOf(page, "style")) +
                               "; script-src " + source(contentOf(page, "script")) + "; img-src data:; "));
     EXPECT_FALSE(page.contains("unsafe"));
@@ -213,15 +223,18 @@ TEST_F(ReportPageTest, WhatNeedsScriptsIsHiddenWithoutThem) {
     const QDomElement steps = withId(page.documentElement(), "steps");
     EXPECT_TRUE(steps.text().contains("V69_RemoveQuizzesAdaptor"));
     EXPECT_TRUE(steps.text().contains("removed clip Question at 0:00"));
-    EXPECT_TRUE(withId(page.documentElement(), "missing").text().contains("clip Question (id 2): projects have no quizzes any more"));
+    EXPECT_TRUE(withId(page.documentElement(), "missing")
+                    .text()
+                    .contains("clip Question (id 2): projects have no quizzes any more"));
 }
 
 TEST_F(ReportPageTest, RemovedClipsHaveTheirReasonAndOnlyThose) {
     const QDomDocument page = parsed(pageOf(withQuiz()));
     const QStringList before = clipsIn(page, "before");
     ASSERT_EQ(before.size(), 2);
-    EXPECT_EQ(before[0], QStringLiteral("Clip Question, track unknown, 0:00–0:00.010, quiz, removed by V69: projects "
-                                        "have no quizzes any more"));
+    EXPECT_EQ(before[0],
+              QStringLiteral("Clip Question, track unknown, 0:00–0:00.010, quiz, removed by V69: projects "
+                             "have no quizzes any more"));
     EXPECT_EQ(before[1], QStringLiteral("Clip Beach, track unknown, 0:00.010–0:00.030, video, kept"));
     EXPECT_EQ(clipsIn(page, "after"), QStringList(before[1]));
     EXPECT_EQ(read("film.html").count("class=\"hatch\""), 2); // the clip, and the legend
@@ -231,7 +244,8 @@ TEST_F(ReportPageTest, DataForScriptsHoldOnlyWhatEachStepChanged) {
     const QByteArray page = pageOf(withQuiz());
     const QByteArray start = "<script type=\"application/json\" id=\"data\">";
     const int begin = page.indexOf(start) + start.size();
-    const auto data = ordered_json::parse(page.mid(begin, page.indexOf("</script>", begin) - begin).toStdString());
+    const auto data =
+        ordered_json::parse(page.mid(begin, page.indexOf("</script>", begin) - begin).toStdString());
     ASSERT_GT(data["states"].size(), 3U);
     EXPECT_EQ(data["states"][0]["name"], "");
     EXPECT_EQ(data["states"][0]["films"]["0"]["put"].size(), 2U);
@@ -250,9 +264,15 @@ TEST_F(ReportPageTest, DataForScriptsHoldOnlyWhatEachStepChanged) {
 }
 
 TEST_F(ReportPageTest, TextsOfDocumentsAreEscaped) {
-    const std::vector<QByteArray> hostile = {
-        "<script>alert(1)</script>", "\\\" onload=\\\"alert(1)", "' onload='alert(1)", "]]></title></svg>", "</script>",
-        "\\u001b[31m\\u0000\\n", "\\u202e\\u2066\\u2028", "\\uffff", QByteArray(1 << 20, 'x')};
+    const std::vector<QByteArray> hostile = {"<script>alert(1)</script>",
+                                             "\\\" onload=\\\"alert(1)",
+                                             "' onload='alert(1)",
+                                             "]]></title></svg>",
+                                             "</script>",
+                                             "\\u001b[31m\\u0000\\n",
+                                             "\\u202e\\u2066\\u2028",
+                                             "\\uffff",
+                                             QByteArray(1 << 20, 'x')};
     for (const QByteArray& text : hostile) {
         const QByteArray project = withQuiz().replace("Question", text).replace("Trip", text);
         const QByteArray page = pageOf(project);
@@ -296,7 +316,8 @@ TEST_F(ReportPageTest, ExitsAsMigrateDoes) {
     write("new.xml", archive({}, " schemaVersion='99'"));
     write("none.xml", archive({}, ""));
     write("failing.xml", failing());
-    for (const char* name : {"lost.xml", "empty.xml", "cut.xml", "new.xml", "none.xml", "failing.xml", "missing.xml"}) {
+    for (const char* name :
+         {"lost.xml", "empty.xml", "cut.xml", "new.xml", "none.xml", "failing.xml", "missing.xml"}) {
         const Outcome migrated = run({"migrate", name, "-o", "result", "--force"});
         const Outcome reported = run({"report", name, "-o", "page.html", "--force"});
         EXPECT_EQ(reported.exitCode, migrated.exitCode) << name;
@@ -325,7 +346,8 @@ TEST_F(ReportPageTest, WhatIsLostIsNotShownInTheResult) {
     const QDomDocument page = parsed(pageOf(archive({}, " schemaVersion='56'"), 22));
     const QStringList before = clipsIn(page, "before");
     ASSERT_EQ(before.size(), 1);
-    EXPECT_TRUE(before[0].endsWith("lost by V57: no reference leads to it any more")) << before[0].toStdString();
+    EXPECT_TRUE(before[0].endsWith("lost by V57: no reference leads to it any more"))
+        << before[0].toStdString();
     EXPECT_TRUE(clipsIn(page, "after").isEmpty());
     EXPECT_TRUE(page.documentElement().text().contains("Something of the project is missing in the result."));
 }
@@ -334,9 +356,10 @@ TEST_F(ReportPageTest, ErrorsStandAtTheirClip) {
     QByteArray film = archive("<RootObject type='Effect::SideBySide' objectId='8'>"
                               "<mode type='int32_t' value='9'/></RootObject>",
                               " schemaVersion='41'");
-    film.replace("<name type='String' value='Beach'/>",
-                 "<name type='String' value='Beach'/><effects type='Array' size='1'><Item type='Item' index='1'>"
-                 "<Data type='ObjectRef' value='8'/></Item></effects>");
+    film.replace(
+        "<name type='String' value='Beach'/>",
+        "<name type='String' value='Beach'/><effects type='Array' size='1'><Item type='Item' index='1'>"
+        "<Data type='ObjectRef' value='8'/></Item></effects>");
     const QByteArray page = pageOf(film, 0, {"--to", "50"});
     const QStringList before = clipsIn(parsed(page), "before");
     ASSERT_EQ(before.size(), 1);
@@ -354,7 +377,9 @@ TEST_F(ReportPageTest, MediaFilesAreLookedUp) {
     };
     const auto presence = [&](const char* name) {
         const QString text = parsed(pageOf(withFile(name))).documentElement().text();
-        return QRegularExpression("(present|missing|unknown)" + QRegularExpression::escape(name)).match(text).captured(1);
+        return QRegularExpression("(present|missing|unknown)" + QRegularExpression::escape(name))
+            .match(text)
+            .captured(1);
     };
     EXPECT_EQ(presence("there.mp4"), "present");
     EXPECT_EQ(presence("elsewhere.mp4"), "missing");
