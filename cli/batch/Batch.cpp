@@ -299,8 +299,8 @@ int migrateAll(const Arguments& arguments, Output& output) {
         Coordinator(std::move(work), state, tally, progress, stopSignals).run();
     }
     progress.end();
-    const int signal = stopSignals.first();
     writeReport(state, arguments, [&] { return stopSignals.count() > 0; });
+    const int signal = stopSignals.first();
     JsonReport::Json result;
     result["stopped"] = signal != 0;
     result["run"] = Texts::tallyAsJson(tally);

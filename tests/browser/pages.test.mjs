@@ -55,8 +55,7 @@ function pageOfFile(project, exitCode = 0) {
 
 /// Opens a page, does the work, and checks that nothing was loaded, nothing failed and no dialog came up.
 async function inPage(file, options, work) {
-  const { waiting, ...settings } = options;
-  const context = await browser.newContext({ viewport: { width: 1280, height: 900 }, reducedMotion: "reduce", ...settings });
+  const context = await browser.newContext({ viewport: { width: 1280, height: 900 }, reducedMotion: "reduce", ...options });
   const troubles = [];
   try {
     const page = await context.newPage();
