@@ -19,6 +19,7 @@
 #include "Summary.h"
 #include "TimelineReport.h"
 #include "TimelineSvg.h"
+#include "report/Page.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -390,6 +391,59 @@ int versionToCompare(const DiffReport::Input& before, const DiffReport::Input& a
     return before.form == after.form ? newer : std::max(newer, Reader::lastXmlVersion + 1);
 }
 
+/// Migrates a document for a page, as `migrate` would. `facts` has all that was seen also where a step fails.
+void observe(const Arguments& arguments, const QByteArray& bytes, const QString& mediaFolder,
+             Reader::MigrationOptions options, ReportPage::Facts& facts, Output& output) {
+    Repairs::Opened project = opened(bytes, options.name, arguments);
+    Reader::Document& document = project.document;
+    facts.faultsOfInput = Reader::verify(document);
+    facts.media = ReportPage::mediaOf(Reader::readTimelines(document), mediaFolder);
+    ReportPage::Observer observer(document);
+    facts.report.formBefore = facts.report.formAfter = document.form();
+    facts.report.from = facts.report.to = document.version().value_or(0);
+    if (isUpToDate(document, arguments) && !needsRepair(bytes, arguments, options)) {
+        observer.moveTo(facts);
+        facts.isUpToDate = true;
+        facts.result = facts.input;
+        return;
+    }
+    Progress progress(output);
+    options.opening = std::move(project.report);
+    options.reread = [&bytes, &arguments, name = options.name] {
+        return opened(bytes, name, arguments).document;
+    };
+    options.watch = [&](const Reader::MigrationPart& part, const Reader::Document& current) {
+        observer.note(part, current);
+        progress.note(part);
+    };
+    std::optional<Reader::Migration> migration(std::in_place, std::move(document), std::move(options));
+    progress.expect(migration->document(), arguments.to);
+    const auto takeReport = [&] {
+        observer.moveTo(facts);
+        facts.report = migration->report();
+        migration.reset(); // pages of large projects take memory themselves
+    };
+    try {
+        migration->run();
+        const QByteArray result = migration->save();
+        takeReport();
+        facts.isWhole = isWhole(facts.report);
+        facts.result = ReportPage::File::of(result);
+        facts.faultsOfResult = Reader::verify(Reader::parse(result, {}, arguments.to));
+    } catch (const Reader::Error&) {
+        if (migration)
+            takeReport();
+        throw;
+    }
+}
+
+void writePage(const Arguments& arguments, const QString& input, const QString& target,
+               const ReportPage::Facts& facts) {
+    Reader::UnfinishedParts made;
+    writeResult(target, QByteArray::fromStdString(ReportPage::page(facts)), optionsToWrite(arguments, input),
+                made);
+}
+
 } // namespace
 
 int migrate(const Arguments& arguments, Output& output) {
@@ -566,6 +620,49 @@ int timeline(const Arguments& arguments, Output& output) {
     if (output.isJson())
         output.setResult({{"output", FileNames::bytesOf(nameOfTarget(target))}});
     return Messages::Done;
+}
+
+int report(const Arguments& arguments, Output& output) {
+    if (path(arguments.output) == Reader::standardStream)
+        output.yieldStandardOutput();
+    const QString input = inputOf(arguments, output);
+    const QString base =
+        Reader::isStream(input) ? QStringLiteral("project") : QFileInfo(input).completeBaseName();
+    const QString target = outputFor(arguments, input, base + QStringLiteral(".html"));
+    setTarget(target, output);
+    checkOutput(arguments, input, target);
+    const QByteArray bytes = readInput(arguments, input, output);
+
+    // The page is about the file that `migrate` would write.
+    Arguments others = arguments;
+    others.output.clear();
+    const QString result = outputFor(others, input, resultName(others, input));
+    const Reader::MigrationOptions options = optionsFor(others, input, result, nullptr);
+    ReportPage::Facts facts;
+    facts.name = FileNames::bytesOf(nameOf(input));
+    facts.resultName = FileNames::bytesOf(nameOfTarget(result));
+    facts.input = ReportPage::File::of(bytes);
+    const auto write = [&] {
+        writePage(arguments, input, target, facts);
+        if (output.isJson())
+            output.setResult({{"output", FileNames::bytesOf(nameOfTarget(target))}});
+    };
+    try {
+        observe(arguments, bytes, folderOf(input), options, facts, output);
+    } catch (const Reader::Error& error) {
+        const auto advice =
+            arguments.repair ? std::nullopt : Advice::messageFor(error, {bytes, arguments.from, options});
+        facts.failure = advice ? *advice : Messages::messageFor(error);
+        if (error.kind() == Reader::ErrorKind::StepFailed)
+            write(); // people look for what led up to the step that fails
+        throw Messages::Failure(*facts.failure);
+    }
+    write();
+    Summary summary{facts.report, nameOf(input), nameOfTarget(target)};
+    summary.isUpToDate = facts.isUpToDate;
+    if (!output.isJson() && !output.isQuiet())
+        output.note(Texts::summary(summary, Texts::Detail::Usual, output.colours()));
+    return facts.isWhole ? Messages::Done : Messages::Incomplete;
 }
 
 } // namespace Commands

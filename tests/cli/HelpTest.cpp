@@ -16,8 +16,8 @@ using Tests::Screen;
 
 namespace {
 
-const QStringList commands = {"migrate", "steps",   "run",      "info",    "verify",  "trace",
-                              "diff",    "explain", "timeline", "repairs", "restore", "help"};
+const QStringList commands = {"migrate", "steps",    "run",    "info",    "verify",  "trace", "diff",
+                              "explain", "timeline", "report", "repairs", "restore", "help"};
 
 class HelpTest : public Tests::ProgramTest {
 protected:

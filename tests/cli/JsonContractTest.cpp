@@ -149,6 +149,7 @@ TEST_F(JsonContractTest, EveryCommandKeepsItsSchema) {
         call({"trace", "sample", "--output-dir", QStringLiteral("steps-") + name, "--diff"});
         call({"explain", "sample"});
         call({"timeline", "sample", "-o", QStringLiteral("film-") + name + ".svg"});
+        EXPECT_EQ(call({"report", "sample", "-o", "page.html", "--force"})["output"], "page.html");
         EXPECT_EQ(call({"diff", "sample", "sample.json"})["differences"], json::array());
         EXPECT_FALSE(call({"diff", "sample", "film.xml"})["differences"].empty());
     }
@@ -197,6 +198,8 @@ TEST_F(JsonContractTest, EveryExitCodeKeepsTheSchemas) {
     EXPECT_EQ(fail(13, {"migrate", "failing.xml"})["error"]["step"], "PortableLoadAdaptor");
     const json traced = fail(13, {"trace", "failing.xml", "--output-dir", "failed"});
     EXPECT_FALSE(traced["steps"].empty());
+    EXPECT_EQ(fail(13, {"report", "failing.xml", "-o", "failing.html"})["output"], "failing.html");
+    EXPECT_EQ(fail(3, {"report", "missing.xml"}).count("output"), 0U);
     write("losing.xml", losing());
     const json strict = fail(14, {"migrate", "losing.xml", "--strict"});
     EXPECT_EQ(strict["clips"]["lost"][0]["name"], "Harbour");
