@@ -361,7 +361,8 @@ void addRepairs(CLI::App& command, Arguments&) {
     command.footer(
         "migrate, batch, report, run, trace, diff and explain make them with --repair, where the document "
         "needs "
-        "them, and recover damaged files.\n\nExamples:\nadaptors repairs\t\nadaptors repairs --json\tfor "
+        "needs them, and recover damaged files.\n\nExamples:\nadaptors repairs\t\nadaptors repairs "
+        "--json\tfor "
         "programs");
 }
 

@@ -407,7 +407,7 @@ TEST_F(ReportPageTest, FaultsOfTheDocumentAreListed) {
                     .hasMatch());
 }
 
-TEST_F(ReportPage, ADamagedFileShowsWhatWasRecovered) {
+TEST_F(ReportPageTest, ADamagedFileShowsWhatWasRecovered) {
     const QByteArray whole = sample("holiday-v27.xml");
     write("film.xml", whole.left(whole.size() * 9 / 10));
     EXPECT_EQ(run({"report", "film.xml", "-o", "none.html"}).exitCode, 6);
