@@ -360,10 +360,8 @@ void addRestore(CLI::App& command, Arguments& arguments) {
 void addRepairs(CLI::App& command, Arguments&) {
     command.footer(
         "migrate, batch, report, run, trace, diff and explain make them with --repair, where the document "
-        "needs "
-        "needs them, and recover damaged files.\n\nExamples:\nadaptors repairs\t\nadaptors repairs "
-        "--json\tfor "
-        "programs");
+        "needs them, and recover damaged files.\n\n"
+        "Examples:\nadaptors repairs\t\nadaptors repairs --json\tfor programs");
 }
 
 /// The options of `migrate` that hold for each file of a batch; workers get them all.
