@@ -469,10 +469,10 @@
       }, draw("g", { class: "ruler", "aria-hidden": "true" }));
       const lanes = new Map(shown.map((lane, place) => [lane, draw("svg",
         { class: "lane", y: rulerHeight + laneHeight * place, height: laneHeight }, draw("rect", { class: "ground" }))]));
-      for (const entry of this.clips.values()) lanes.get(entry[3]).append(this.drawClip(entry, this.marks.get(entry[0])));
-      for (const entry of this.gone) lanes.get(entry[3]).append(this.drawClip(entry, "removed"));
+      for (const entry of this.clips.values()) lanes.get(entry[3])?.append(this.drawClip(entry, this.marks.get(entry[0])));
+      for (const entry of this.gone) lanes.get(entry[3])?.append(this.drawClip(entry, "removed"));
       for (const [lane, name, time, duration] of this.transitions) {
-        lanes.get(lane).append(draw("svg", { class: "transition", x: `${((time - first) / length) * 100}%`, width: 1, role: "img" },
+        lanes.get(lane)?.append(draw("svg", { class: "transition", x: `${((time - first) / length) * 100}%`, width: 1, role: "img" },
           draw("title", {}, `Transition ${this.data.names[name]}, ${timeText(duration)} long`),
           draw("path", { d: "M-7 24 7 36V24L-7 36Z" })));
       }
