@@ -291,7 +291,8 @@
       const [name, track, kind, before, after, fate, more] = Array.from(row.cells, (cell) => cell.cloneNode(true));
       const heading = make("h3");
       heading.append(...name.childNodes);
-      const facts = make("p", "", `${kind.textContent}, track ${track.textContent}, before ${before.textContent}, after ${after.textContent}: `);
+      const when = (word, cell) => (cell.textContent === "\u2013" ? `not there ${word}` : `${word} ${cell.textContent}`);
+      const facts = make("p", "", `${kind.textContent}, track ${track.textContent}, ${when("before", before)}, ${when("after", after)}: `);
       facts.append(...fate.childNodes);
       content.replaceChildren(heading, facts, ...more.childNodes);
     }
