@@ -23,7 +23,9 @@ constexpr int rulerHeight = 26;
 constexpr int laneHeight = 40;
 
 constexpr std::size_t longestLabel = 60;
-constexpr double leastWidthForName = 1.5; ///< percent; scripts know better once they run
+// In percent; scripts know better once they run.
+constexpr double leastWidthForName = 1.5;
+constexpr double leastWidthForEdge = 0.3;
 
 /// A number without trailing zeros.
 std::string number(double value) {
@@ -197,7 +199,8 @@ private:
         const std::string name = Html::shortened(clip.name, longestLabel);
         return "<svg class=\"clip " + std::string(nameOf(clip.kind)) +
                (fate ? std::string(styleOf(fate->fate)) : "") + (isBad ? " bad" : "") +
-               (clip.isEnabled ? "" : " off") + (width < leastWidthForName ? " narrow" : "") + '"' +
+               (clip.isEnabled ? "" : " off") + (width < leastWidthForName ? " narrow" : "") +
+               (width < leastWidthForEdge ? " thin" : "") + '"' +
                (place ? attribute("data-row", std::to_string(*place)) : "") +
                attribute("x", number(start) + '%') + attribute("width", number(width) + '%') +
                " role=\"img\"><title>" + Html::shortened(title, 400) + "</title><rect/>" +

@@ -5,6 +5,7 @@
   const rulerHeight = 26; // as in page.css
   const laneHeight = 40;
   const leastWidthForNames = 30; // pixels
+  const leastWidthForEdges = 4;
   const widestPicture = 8000000;
 
   const byId = (id) => document.getElementById(id);
@@ -70,6 +71,7 @@
       this.first = Number(svg.dataset.first);
       this.length = Math.max(Number(svg.dataset.last) - this.first, 1);
       this.clips = all("svg.clip", svg);
+      this.transitions = svg.querySelectorAll("svg.transition").length;
       this.widths = this.clips.map((clip) => percent(clip, "width") / 100);
       this.measure();
       this.prepareKeys();
@@ -85,10 +87,15 @@
       this.seen = this.scroll.clientWidth;
     }
 
-    hideNames() {
+    /// Leaves out what has no space.
+    simplify() {
       const width = this.width;
-      for (let place = 0; place < this.clips.length; ++place)
-        this.clips[place].classList.toggle("narrow", this.widths[place] * width < leastWidthForNames);
+      for (let place = 0; place < this.clips.length; ++place) {
+        const classes = this.clips[place].classList;
+        classes.toggle("narrow", this.widths[place] * width < leastWidthForNames);
+        classes.toggle("thin", this.widths[place] * width < leastWidthForEdges);
+      }
+      this.svg.classList.toggle("dense", this.transitions * 20 > width);
     }
 
     /// Only the part that can be seen, and as much on both sides of it.
@@ -197,7 +204,7 @@
   function stretch(leftOf) {
     const each = Array.from(pictures);
     for (const picture of each) picture.svg.style.width = `${zoom * 100}%`;
-    for (const picture of each) picture.hideNames();
+    for (const picture of each) picture.simplify();
     for (const picture of each) picture.scroll.scrollLeft = leftOf(picture);
     drawRulers();
   }
@@ -248,7 +255,7 @@
     }, { passive: false });
     addEventListener("resize", onNextFrame(() => {
       for (const picture of pictures) picture.measure();
-      for (const picture of pictures) picture.hideNames();
+      for (const picture of pictures) picture.simplify();
       drawRulers();
     }));
     const drawRulersSoon = onNextFrame(drawRulers);
@@ -284,7 +291,8 @@
       const [name, track, kind, before, after, fate, more] = Array.from(row.cells, (cell) => cell.cloneNode(true));
       const heading = make("h3");
       heading.append(...name.childNodes);
-      const facts = make("p", "", `${kind.textContent}, track ${track.textContent}, before ${before.textContent}, after ${after.textContent}: `);
+      const when = (word, cell) => (cell.textContent === "\u2013" ? `not there ${word}` : `${word} ${cell.textContent}`);
+      const facts = make("p", "", `${kind.textContent}, track ${track.textContent}, ${when("before", before)}, ${when("after", after)}: `);
       facts.append(...fate.childNodes);
       content.replaceChildren(heading, facts, ...more.childNodes);
     }
@@ -462,10 +470,10 @@
       }, draw("g", { class: "ruler", "aria-hidden": "true" }));
       const lanes = new Map(shown.map((lane, place) => [lane, draw("svg",
         { class: "lane", y: rulerHeight + laneHeight * place, height: laneHeight }, draw("rect", { class: "ground" }))]));
-      for (const entry of this.clips.values()) lanes.get(entry[3]).append(this.drawClip(entry, this.marks.get(entry[0])));
-      for (const entry of this.gone) lanes.get(entry[3]).append(this.drawClip(entry, "removed"));
+      for (const entry of this.clips.values()) lanes.get(entry[3])?.append(this.drawClip(entry, this.marks.get(entry[0])));
+      for (const entry of this.gone) lanes.get(entry[3])?.append(this.drawClip(entry, "removed"));
       for (const [lane, name, time, duration] of this.transitions) {
-        lanes.get(lane).append(draw("svg", { class: "transition", x: `${((time - first) / length) * 100}%`, width: 1, role: "img" },
+        lanes.get(lane)?.append(draw("svg", { class: "transition", x: `${((time - first) / length) * 100}%`, width: 1, role: "img" },
           draw("title", {}, `Transition ${this.data.names[name]}, ${timeText(duration)} long`),
           draw("path", { d: "M-7 24 7 36V24L-7 36Z" })));
       }
@@ -525,7 +533,7 @@
       byId("stage-labels").replaceChildren(make("span", "corner"), ...drawn.labels.map((label) => make("span", "", label)));
       last = new Picture(drawn.picture);
       drawn.picture.style.width = `${zoom * 100}%`;
-      last.hideNames();
+      last.simplify();
       scroll.scrollLeft = left;
       last.drawRuler(left);
       drawTicks();
