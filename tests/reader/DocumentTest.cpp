@@ -70,7 +70,7 @@ TEST(Parse, CharactersThatXmlForbids) {
 TEST(Parse, LostBlocksAreNoTexts) {
     const QByteArray lost(512, '\0');
     expectFailure("<Archive>\n<RootRef value='1" + lost + "2'/></Archive>", ErrorKind::BrokenXml,
-                  "film.xml:2:17: ");
+                  "film.xml:2:18: ");
     expectFailure("<Archive>" + lost + "</Archive>", ErrorKind::BrokenXml, "512 NUL bytes");
     expectFailure("<Archive/>\n" + lost, ErrorKind::BrokenXml, "512 NUL bytes");
 }
