@@ -148,6 +148,7 @@ public:
             return;
         }
         std::vector<QString> texts;
+        texts.reserve(cells.size());
         for (const Json& cell : cells)
             texts.push_back(textOf(cell));
         write(m_form == Form::Csv ? csvLine(texts) : htmlRow("td", linkTo(row), texts));

@@ -117,8 +117,8 @@ constexpr std::string_view styleOf(Fate fate) {
 class Picture {
 public:
     Picture(const Film& film, Moment moment, const Clips& clips)
-        : m_film(film), m_moment(moment), m_timeline(moment == Moment::Before ? *film.before : *film.after),
-          m_clips(clips), m_scale(film.first, film.last, 100), m_lanes(TimelineLanes::lanesOf(m_timeline)) {
+        : m_film(film), m_timeline(moment == Moment::Before ? *film.before : *film.after), m_clips(clips),
+          m_scale(film.first, film.last, 100), m_lanes(TimelineLanes::lanesOf(m_timeline)) {
         for (const TimelineClip& clip : m_timeline.clips)
             m_names.emplace(clip.id, &clip);
     }
@@ -154,9 +154,12 @@ private:
         for (const double time : m_scale.marks(step)) {
             const std::string place = number(m_scale.placeOf(static_cast<long long>(time))) + '%';
             const std::string style = isOdd ? " class=\"odd\"" : "";
-            text += "<line" + style + attribute("x1", place) + attribute("x2", place) + " y1=\"18\"" +
-                    attribute("y2", std::to_string(height)) + "/><text" + style + attribute("x", place) +
-                    " dx=\"4\" y=\"16\">" + TimelineLanes::markText(time, step) + "</text>";
+            text += "<line" + style;
+            text += attribute("x1", place) + attribute("x2", place) + " y1=\"18\"" +
+                    attribute("y2", std::to_string(height)) + "/><text";
+            text += style;
+            text += attribute("x", place) + " dx=\"4\" y=\"16\">" + TimelineLanes::markText(time, step) +
+                    "</text>";
             isOdd = !isOdd;
         }
         return text + "</g>\n";
@@ -229,7 +232,6 @@ private:
     }
 
     const Film& m_film;
-    Moment m_moment;
     const Timeline& m_timeline;
     const Clips& m_clips;
     Scale m_scale;

@@ -19,7 +19,6 @@
 
 using Html::escaped;
 using Html::limited;
-using Phrases::plural;
 using Reader::Severity;
 
 namespace ReportPage {
