@@ -186,7 +186,7 @@ void Coordinator::takeDeath(WorkerProcess& worker) {
         startWorker();
 }
 
-void Coordinator::record(Row row, const Row& facts) {
+void Coordinator::record(const Row& row, const Row& facts) {
     Row result = facts;
     result.path = row.path;
     result.name = row.name;
