@@ -174,8 +174,10 @@ std::vector<std::string> sharedOptions(const CLI::App& from, const CLI::App& to)
             continue;
         const std::string name = "--" + option->get_lnames().front();
         if (to.get_option_no_throw(name)) {
-            for (const std::string& value : option->results())
-                words.push_back(name + '=' + value);
+            for (const std::string& value : option->results()) {
+                words.push_back(name);
+                words.back().append("=").append(value);
+            }
         }
     }
     return words;
