@@ -63,6 +63,7 @@ private:
 WorkerProcess::WorkerProcess(const QStringList& options, int timeout, Events events)
     : m_events(std::move(events)), m_timeout(timeout) {
     std::vector<QByteArray> words = {"adaptors", "batch-worker"};
+    words.reserve(words.size() + static_cast<std::size_t>(options.size()));
     for (const QString& option : options)
         words.push_back(QFile::encodeName(option));
     std::vector<char*> pointers;

@@ -78,6 +78,7 @@ std::vector<Backup> backupsOf(const QString& path) {
         return a.backup.made != b.backup.made ? a.backup.made > b.backup.made : a.number > b.number;
     });
     std::vector<Backup> backups;
+    backups.reserve(found.size());
     for (NumberedBackup& one : found)
         backups.push_back(std::move(one.backup));
     return backups;
