@@ -67,6 +67,7 @@ WorkerProcess::WorkerProcess(const QStringList& options, int timeout, Events eve
     for (const QString& option : options)
         words.push_back(QFile::encodeName(option));
     std::vector<char*> pointers;
+    pointers.reserve(words.size() + 1);
     for (QByteArray& word : words)
         pointers.push_back(word.data());
     pointers.push_back(nullptr);
