@@ -10,7 +10,7 @@
 /// or json().
 namespace Html {
 
-/// A text as it stands in an element or in an attribute with quotes, on one line. Characters that would change the
+/// Escapes a text for an element or for an attribute in quotes, on one line. Characters that would change the
 /// direction of text, control characters and bytes that are no UTF-8 are written as escapes, as on a terminal.
 std::string escaped(std::string_view text);
 

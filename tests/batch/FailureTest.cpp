@@ -1,4 +1,4 @@
-// What goes wrong with one file costs that file and nothing else.
+// If one file fails, all others are migrated.
 
 #include "support/Batch.h"
 #include "support/Sanitizers.h"

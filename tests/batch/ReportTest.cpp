@@ -1,6 +1,7 @@
 // What a batch reports: tables, files of them, JSON; and states of shards that are merged.
 
 #include "support/Batch.h"
+#include "support/Schemas.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -46,11 +47,7 @@ protected:
         QByteArray input;
         for (const json& line : lines)
             input += schema + '\t' + QByteArray::fromStdString(line.dump()) + '\n';
-        const Tests::Outcome checked =
-            Tests::runCommand("/usr/bin/python3",
-                              {QString::fromStdString(Tests::jsonChecker().string()),
-                               QString::fromStdString(Tests::schemaFolder().string())},
-                              QStringLiteral("/"), input);
+        const Tests::Outcome checked = Tests::checkSchemas(input);
         EXPECT_EQ(checked.exitCode, 0) << checked.out.toStdString() << checked.err.toStdString();
     }
 };

@@ -1,6 +1,6 @@
 // Damaged files as people and programs see them: what is said without --repair, and what --repair brings back.
 
-#include "support/ProgramTest.h"
+#include "support/Schemas.h"
 
 #include <gtest/gtest.h>
 
@@ -20,20 +20,8 @@ QByteArray cutOff() {
     return whole.left(whole.size() * 9 / 10);
 }
 
-class DamagedFilesTest : public Tests::ProgramTest {
+class DamagedFilesTest : public Tests::JsonProgramTest {
 protected:
-    /// What a call prints with --json, held against the schema of its command.
-    json call(const QStringList& arguments, int code) const {
-        const Outcome outcome = run(arguments + QStringList{"--json"});
-        EXPECT_EQ(outcome.exitCode, code) << outcome.out.toStdString();
-        const Outcome check = Tests::runCommand("/usr/bin/python3",
-                                                {QString::fromStdString(Tests::jsonChecker().string()),
-                                                 QString::fromStdString(Tests::schemaFolder().string())},
-                                                "/", arguments.front().toUtf8() + '\t' + outcome.out);
-        EXPECT_EQ(check.exitCode, 0) << check.out.toStdString() << check.err.toStdString();
-        return json::parse(outcome.out.toStdString());
-    }
-
     /// Migrates a file with --repair and expects a result without faults that says so.
     json repaired(const QByteArray& bytes, int code, const QString& name = "film.xml") const {
         write(name, bytes);

@@ -2,7 +2,7 @@
 // describes it.
 
 #include "JsonReport.h"
-#include "support/ProgramTest.h"
+#include "support/Schemas.h"
 
 #include <gtest/gtest.h>
 
@@ -27,18 +27,8 @@ constexpr bool isSanitized = true;
 constexpr bool isSanitized = false;
 #endif
 
-const QString python =
-    QStringLiteral("/usr/bin/python3"); // that of the system, which has the system's packages
-
 class JsonContractTest : public Tests::ProgramTest {
 protected:
-    static Outcome check(const QByteArray& lines) {
-        return Tests::runCommand(python,
-                                 {QString::fromStdString(Tests::jsonChecker().string()),
-                                  QString::fromStdString(Tests::schemaFolder().string())},
-                                 QStringLiteral("/"), lines);
-    }
-
     /// What a call printed, which must be one line of JSON and nothing else. It is held against its schema in the end.
     json note(const std::string& schema, const Outcome& outcome, bool isYielded = false) {
         const QByteArray& text = isYielded ? outcome.err : outcome.out;
@@ -73,7 +63,7 @@ protected:
     }
 
     void expectSchemasHold() const {
-        const Outcome outcome = check(m_lines);
+        const Outcome outcome = Tests::checkSchemas(m_lines);
         EXPECT_EQ(outcome.exitCode, 0) << outcome.out.toStdString() << outcome.err.toStdString();
     }
 
@@ -325,7 +315,8 @@ TEST_F(JsonContractTest, TheSchemasRefuseWhatIsNotAsTheyDescribe) {
         JsonReport::line({"verify", "film.xml", std::string(64, 'a'), 0.25}, JsonReport::findings({}));
     json value = json::parse(good);
     const auto isRefused = [](const json& other) {
-        const Outcome outcome = check("verify\t" + QByteArray::fromStdString(other.dump()) + '\n');
+        const Outcome outcome =
+            Tests::checkSchemas("verify\t" + QByteArray::fromStdString(other.dump()) + '\n');
         EXPECT_EQ(outcome.err, "");
         return outcome.exitCode == 1;
     };
@@ -349,9 +340,9 @@ TEST_F(JsonContractTest, TheSchemasRefuseWhatIsNotAsTheyDescribe) {
 }
 
 TEST_F(JsonContractTest, WithoutTheCheckerTestsFailAndSayWhy) {
-    const Outcome outcome =
-        Tests::runCommand(python, {"-I", "-S", QString::fromStdString(Tests::jsonChecker().string()), "/"},
-                          QStringLiteral("/"));
+    const Outcome outcome = Tests::runCommand(
+        Tests::python, {"-I", "-S", QString::fromStdString(Tests::jsonChecker().string()), "/"},
+        QStringLiteral("/"));
     EXPECT_EQ(outcome.exitCode, 3);
     EXPECT_TRUE(outcome.out.contains("apt-get install python3-jsonschema")) << outcome.out.toStdString();
 }
