@@ -31,7 +31,7 @@ std::vector<Reader::RepairMade> repairsFor(const Reader::MigrationReport& report
 /// Does a part of a command. Where it fails for what the document holds and --repair was not given, it is found out
 /// whether that would help.
 template <class Part>
-int advising(const Arguments& arguments, const Subject& subject, Part part) {
+auto advising(const Arguments& arguments, const Subject& subject, Part part) {
     try {
         return part();
     } catch (const Reader::Error& error) {

@@ -329,6 +329,25 @@ void addTimeline(CLI::App& command, Arguments& arguments) {
         "Examples:\nadaptors timeline film.xml -o film.svg\t\nadaptors timeline film.xml > film.svg\t");
 }
 
+void addReport(CLI::App& command, Arguments& arguments) {
+    addFile(command, arguments);
+    addName(command, "-o,--output", arguments.output, "FILE",
+            "Where the page goes, a file or a folder; - is standard output [FILE's name with .html]");
+    command.add_flag("--force", arguments.force, "Replace a page that exists");
+    addFrom(command, arguments);
+    addTo(command, arguments, "The schema version to stop at");
+    addRepair(command, arguments);
+    addFolders(command, arguments);
+    addMaxMemory(command, arguments);
+    command.footer(
+        "Writes no project. Exits as migrate does: with 0 where the result would be whole, and with 22 where "
+        "something would be missing.\n\n"
+        "Examples:\n"
+        "adaptors report film.xml\twrites film.html\n"
+        "adaptors report film.xml -o page.html --force\t\n"
+        "adaptors report - -o - < film.xml > film.html\t");
+}
+
 void addRestore(CLI::App& command, Arguments& arguments) {
     addName(command, "FILE", arguments.file, "FILE",
             "The project whose backup is put back, or the folder that holds it")
@@ -342,9 +361,9 @@ void addRestore(CLI::App& command, Arguments& arguments) {
 
 void addRepairs(CLI::App& command, Arguments&) {
     command.footer(
-        "migrate, batch, run, trace, diff and explain make them with --repair, where the document needs "
-        "them, and recover damaged files.\n\nExamples:\nadaptors repairs\t\nadaptors repairs --json\tfor "
-        "programs");
+        "migrate, batch, report, run, trace, diff and explain make them with --repair, where the document "
+        "needs them, and recover damaged files.\n\n"
+        "Examples:\nadaptors repairs\t\nadaptors repairs --json\tfor programs");
 }
 
 /// The options of `migrate` that hold for each file of a batch; workers get them all.
@@ -401,6 +420,8 @@ constexpr Command commands[] = {
     {"explain", "Migrate in memory and say what each step did to this project", addExplain,
      Commands::explain},
     {"timeline", "Draw the timelines of a project as an SVG picture", addTimeline, Commands::timeline},
+    {"report", "Migrate in memory and write a page about it: timelines before and after, steps, losses",
+     addReport, Commands::report},
 };
 
 void addOptionsForEveryCommand(CLI::App& app, OutputOptions& options) {

@@ -19,6 +19,7 @@
 #include "Summary.h"
 #include "TimelineReport.h"
 #include "TimelineSvg.h"
+#include "report/Page.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -328,6 +329,47 @@ int traceRead(const Arguments& arguments, const QString& input, const QByteArray
     return exitCodeAfterOpening(migration.report());
 }
 
+/// The work of `explain` on a file that was read.
+int explainRead(const Arguments& arguments, const QString& input, const QByteArray& bytes,
+                Reader::MigrationOptions options, Output& output) {
+    const QString name = nameOf(input);
+    const std::string wanted = arguments.step.empty() ? std::string() : Names::stepFor(arguments.step);
+    Reader::Explanation explanation(arguments.clip);
+    Progress progress(output);
+    options.watch = [&](const Reader::MigrationPart& part, const Reader::Document& document) {
+        explanation.note(part, document);
+        progress.note(part);
+    };
+    Repairs::Opened project = opened(bytes, name, arguments);
+    options.opening = std::move(project.report);
+    Reader::Migration migration(std::move(project.document), std::move(options));
+    progress.expect(migration.document(), arguments.to);
+    const auto show = [&] {
+        progress.end();
+        ExplainReport::Result result{name, migration.report(), explanation.steps(), !wanted.empty()};
+        if (!wanted.empty())
+            std::erase_if(result.steps,
+                          [&](const Reader::StepEffect& step) { return step.className != wanted; });
+        if (!wanted.empty() && result.steps.empty())
+            throw Messages::Failure(Messages::stepDidNotRun(name, wanted));
+        if (!arguments.clip.empty() && !explanation.hasFoundClip())
+            throw Messages::Failure(Messages::noSuchClip(name, arguments.clip));
+        if (output.isJson())
+            output.setResult(ExplainReport::asJson(result));
+        else
+            output.print(ExplainReport::text(result, output.colours()));
+    };
+    try {
+        migration.run();
+    } catch (const Reader::Error&) {
+        if (wanted.empty() && (arguments.clip.empty() || explanation.hasFoundClip()))
+            show(); // people look for what led up to the step that fails
+        throw;
+    }
+    show();
+    return exitCodeAfterOpening(migration.report());
+}
+
 /// A document brought to a version and saved as for its own place: side files are read, and paths are portable.
 Reader::Document broughtTo(int version, Reader::Document document, const Arguments& arguments,
                            const QString& file) {
@@ -347,6 +389,59 @@ int versionToCompare(const DiffReport::Input& before, const DiffReport::Input& a
     }
     const int newer = std::max(*before.version, *after.version);
     return before.form == after.form ? newer : std::max(newer, Reader::lastXmlVersion + 1);
+}
+
+/// Migrates a document for a page, as `migrate` would. `facts` has all that was seen also where a step fails.
+void observe(const Arguments& arguments, const QByteArray& bytes, const QString& mediaFolder,
+             Reader::MigrationOptions options, ReportPage::Facts& facts, Output& output) {
+    Repairs::Opened project = opened(bytes, options.name, arguments);
+    Reader::Document& document = project.document;
+    facts.faultsOfInput = Reader::verify(document);
+    facts.media = ReportPage::mediaOf(Reader::readTimelines(document), mediaFolder);
+    ReportPage::Observer observer(document);
+    facts.report.formBefore = facts.report.formAfter = document.form();
+    facts.report.from = facts.report.to = document.version().value_or(0);
+    if (isUpToDate(document, arguments) && !needsRepair(bytes, arguments, options)) {
+        observer.moveTo(facts);
+        facts.isUpToDate = true;
+        facts.result = facts.input;
+        return;
+    }
+    Progress progress(output);
+    options.opening = std::move(project.report);
+    options.reread = [&bytes, &arguments, name = options.name] {
+        return opened(bytes, name, arguments).document;
+    };
+    options.watch = [&](const Reader::MigrationPart& part, const Reader::Document& current) {
+        observer.note(part, current);
+        progress.note(part);
+    };
+    std::optional<Reader::Migration> migration(std::in_place, std::move(document), std::move(options));
+    progress.expect(migration->document(), arguments.to);
+    const auto takeReport = [&] {
+        observer.moveTo(facts);
+        facts.report = migration->report();
+        migration.reset(); // pages of large projects take memory themselves
+    };
+    try {
+        migration->run();
+        const QByteArray result = migration->save();
+        takeReport();
+        facts.isWhole = isWhole(facts.report);
+        facts.result = ReportPage::File::of(result);
+        facts.faultsOfResult = Reader::verify(Reader::parse(result, {}, arguments.to));
+    } catch (const Reader::Error&) {
+        if (migration)
+            takeReport();
+        throw;
+    }
+}
+
+void writePage(const Arguments& arguments, const QString& input, const QString& target,
+               const ReportPage::Facts& facts) {
+    Reader::UnfinishedParts made;
+    writeResult(target, QByteArray::fromStdString(ReportPage::page(facts)), optionsToWrite(arguments, input),
+                made);
 }
 
 } // namespace
@@ -464,8 +559,13 @@ int diff(const Arguments& arguments, Output& output) {
     const QByteArray bytesAfter = Reader::readFile(fileAfter);
     limitMemory(arguments, fileBefore, qint64(bytesBefore.size()) + bytesAfter.size(), output);
 
-    Reader::Document before = opened(bytesBefore, nameOf(fileBefore), arguments).document;
-    Reader::Document after = opened(bytesAfter, nameOf(fileAfter), arguments).document;
+    const auto openedFor = [&](const QByteArray& bytes, const QString& file) {
+        const Reader::MigrationOptions options = optionsFor(arguments, file, file, nullptr);
+        return Advice::advising(arguments, {bytes, std::nullopt, options},
+                                [&] { return opened(bytes, nameOf(file), arguments).document; });
+    };
+    Reader::Document before = openedFor(bytesBefore, fileBefore);
+    Reader::Document after = openedFor(bytesAfter, fileAfter);
     DiffReport::Result result = {{nameOf(fileBefore), before.form(), before.version()},
                                  {nameOf(fileAfter), after.form(), after.version()},
                                  {},
@@ -491,43 +591,10 @@ int diff(const Arguments& arguments, Output& output) {
 
 int explain(const Arguments& arguments, Output& output) {
     const QString input = inputOf(arguments, output);
-    const QString name = nameOf(input);
-    const std::string wanted = arguments.step.empty() ? std::string() : Names::stepFor(arguments.step);
-    Reader::Explanation explanation(arguments.clip);
-    Progress progress(output);
-    Reader::MigrationOptions options = optionsFor(arguments, input, Reader::standardStream, nullptr);
-    options.watch = [&](const Reader::MigrationPart& part, const Reader::Document& document) {
-        explanation.note(part, document);
-        progress.note(part);
-    };
-    Repairs::Opened project = opened(readInput(arguments, input, output), name, arguments);
-    options.opening = std::move(project.report);
-    Reader::Migration migration(std::move(project.document), std::move(options));
-    progress.expect(migration.document(), arguments.to);
-    const auto show = [&] {
-        progress.end();
-        ExplainReport::Result result{name, migration.report(), explanation.steps(), !wanted.empty()};
-        if (!wanted.empty())
-            std::erase_if(result.steps,
-                          [&](const Reader::StepEffect& step) { return step.className != wanted; });
-        if (!wanted.empty() && result.steps.empty())
-            throw Messages::Failure(Messages::stepDidNotRun(name, wanted));
-        if (!arguments.clip.empty() && !explanation.hasFoundClip())
-            throw Messages::Failure(Messages::noSuchClip(name, arguments.clip));
-        if (output.isJson())
-            output.setResult(ExplainReport::asJson(result));
-        else
-            output.print(ExplainReport::text(result, output.colours()));
-    };
-    try {
-        migration.run();
-    } catch (const Reader::Error&) {
-        if (wanted.empty() && (arguments.clip.empty() || explanation.hasFoundClip()))
-            show(); // people look for what led up to the step that fails
-        throw;
-    }
-    show();
-    return exitCodeAfterOpening(migration.report());
+    const QByteArray bytes = readInput(arguments, input, output);
+    const Reader::MigrationOptions options = optionsFor(arguments, input, Reader::standardStream, nullptr);
+    return Advice::advising(arguments, {bytes, arguments.from, options},
+                            [&] { return explainRead(arguments, input, bytes, options, output); });
 }
 
 int timeline(const Arguments& arguments, Output& output) {
@@ -553,6 +620,49 @@ int timeline(const Arguments& arguments, Output& output) {
     if (output.isJson())
         output.setResult({{"output", FileNames::bytesOf(nameOfTarget(target))}});
     return Messages::Done;
+}
+
+int report(const Arguments& arguments, Output& output) {
+    if (path(arguments.output) == Reader::standardStream)
+        output.yieldStandardOutput();
+    const QString input = inputOf(arguments, output);
+    const QString base =
+        Reader::isStream(input) ? QStringLiteral("project") : QFileInfo(input).completeBaseName();
+    const QString target = outputFor(arguments, input, base + QStringLiteral(".html"));
+    setTarget(target, output);
+    checkOutput(arguments, input, target);
+    const QByteArray bytes = readInput(arguments, input, output);
+
+    // The page is about the file that `migrate` would write.
+    Arguments others = arguments;
+    others.output.clear();
+    const QString result = outputFor(others, input, resultName(others, input));
+    const Reader::MigrationOptions options = optionsFor(others, input, result, nullptr);
+    ReportPage::Facts facts;
+    facts.name = FileNames::bytesOf(nameOf(input));
+    facts.resultName = FileNames::bytesOf(nameOfTarget(result));
+    facts.input = ReportPage::File::of(bytes);
+    const auto write = [&] {
+        writePage(arguments, input, target, facts);
+        if (output.isJson())
+            output.setResult({{"output", FileNames::bytesOf(nameOfTarget(target))}});
+    };
+    try {
+        observe(arguments, bytes, folderOf(input), options, facts, output);
+    } catch (const Reader::Error& error) {
+        const auto advice =
+            arguments.repair ? std::nullopt : Advice::messageFor(error, {bytes, arguments.from, options});
+        facts.failure = advice ? *advice : Messages::messageFor(error);
+        if (error.kind() == Reader::ErrorKind::StepFailed)
+            write(); // people look for what led up to the step that fails
+        throw Messages::Failure(*facts.failure);
+    }
+    write();
+    Summary summary{facts.report, nameOf(input), nameOfTarget(target)};
+    summary.isUpToDate = facts.isUpToDate;
+    if (!output.isJson() && !output.isQuiet())
+        output.note(Texts::summary(summary, Texts::Detail::Usual, output.colours()));
+    return facts.isWhole ? Messages::Done : Messages::Incomplete;
 }
 
 } // namespace Commands

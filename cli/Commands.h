@@ -59,5 +59,6 @@ int repairs(const Arguments& arguments, Output& output);
 int diff(const Arguments& arguments, Output& output);
 int explain(const Arguments& arguments, Output& output);
 int timeline(const Arguments& arguments, Output& output);
+int report(const Arguments& arguments, Output& output);
 
 } // namespace Commands

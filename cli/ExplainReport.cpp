@@ -40,21 +40,12 @@ std::string exampleText(const FieldChange& change, const FieldChange::Example& e
            (example.clip == 0 ? object : "clip " + Phrases::inQuotes(example.clipName) + ", " + object) + ')';
 }
 
-/// The change of a field with its examples. Examples of one value are shown once.
 std::string fieldText(const FieldChange& change) {
     std::string text = "    " + Phrases::classText(change.className) + '.' +
                        Phrases::shortText(change.field) + ' ' + std::string(nameOf(change.kind)) + " in " +
                        Phrases::plural(change.count, "object") + '\n';
-    const auto isSame = [&](const FieldChange::Example& example) {
-        return example.before == change.examples.front().before &&
-               example.after == change.examples.front().after;
-    };
-    const bool areSame = std::all_of(change.examples.begin(), change.examples.end(), isSame);
-    for (const FieldChange::Example& example : change.examples) {
-        text += "      " + exampleText(change, example) + '\n';
-        if (areSame)
-            break;
-    }
+    for (const std::string& example : examplesOf(change))
+        text += "      " + example + '\n';
     return text;
 }
 
@@ -108,6 +99,21 @@ Json stepAsJson(const StepEffect& step) {
 }
 
 } // namespace
+
+std::vector<std::string> examplesOf(const FieldChange& change) {
+    const auto isSame = [&](const FieldChange::Example& example) {
+        return example.before == change.examples.front().before &&
+               example.after == change.examples.front().after;
+    };
+    const bool areSame = std::all_of(change.examples.begin(), change.examples.end(), isSame);
+    std::vector<std::string> texts;
+    for (const FieldChange::Example& example : change.examples) {
+        texts.push_back(exampleText(change, example));
+        if (areSame)
+            break;
+    }
+    return texts;
+}
 
 std::string text(const Result& result, const Terminal::Colours& colours) {
     const Reader::MigrationReport& report = result.report;

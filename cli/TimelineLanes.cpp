@@ -47,7 +47,8 @@ std::vector<Lane> lanesOf(const Timeline& timeline) {
         const std::size_t first = lanes.size();
         lanes.push_back({std::string(nameOf(timeline.tracks[track].kind)) +
                              (level == 0 ? "" : ' ' + std::to_string(level)),
-                         {}});
+                         {},
+                         track});
         for (const TimelineClip* clip : clips) {
             std::size_t lane = first;
             while (lane < lanes.size() && !isFree(lanes[lane], *clip, overlaps))
@@ -55,7 +56,7 @@ std::vector<Lane> lanesOf(const Timeline& timeline) {
             if (lane == first + mostLanesOfOneLevel)
                 --lane;
             if (lane == lanes.size())
-                lanes.push_back({});
+                lanes.push_back({{}, {}, track});
             lanes[lane].clips.push_back(clip);
         }
     }
@@ -87,6 +88,9 @@ Scale::Scale(const Timeline& timeline, double width) : m_width(width) {
         m_first = std::min(m_first, static_cast<double>(clip.start));
     m_length = std::max(static_cast<double>(timeline.duration()) - m_first, 1.0);
 }
+
+Scale::Scale(double first, double last, double width)
+    : m_width(width), m_first(first), m_length(std::max(last - first, 1.0)) {}
 
 double Scale::placeOf(long long time) const {
     return std::clamp((static_cast<double>(time) - m_first) * m_width / m_length, 0.0, m_width);

@@ -13,6 +13,7 @@ namespace TimelineLanes {
 struct Lane {
     std::string label; ///< of the track and the level; empty for a further lane of the same level
     std::vector<const Reader::TimelineClip*> clips;
+    std::size_t track = 0; ///< its place in Timeline::tracks
 };
 
 /// The lanes of a timeline: one for each level of each track, the uppermost track first. Clips that overlap have lanes
@@ -32,6 +33,8 @@ std::vector<std::vector<Mark>> marksOf(const Reader::Timeline& timeline, const s
 class Scale {
 public:
     Scale(const Reader::Timeline& timeline, double width);
+    /// From a time to a later one, in milliseconds.
+    Scale(double first, double last, double width);
 
     /// From 0 to the width.
     double placeOf(long long time) const;

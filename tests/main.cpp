@@ -4,7 +4,12 @@
 
 #include <glog/logging.h>
 
+#include <csignal>
+
 int main(int argc, char** argv) {
+    // A shell's background jobs ignore some signals, and so would the programs that tests start.
+    for (const int number : {SIGINT, SIGTERM, SIGHUP})
+        std::signal(number, SIG_DFL);
     testing::InitGoogleTest(&argc, argv);
     qSetGlobalQHashSeed(0);
     // Tests read log lines through sinks; nothing is written to files or to the terminal.

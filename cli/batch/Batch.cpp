@@ -24,6 +24,7 @@
 
 #include <clocale>
 #include <cstdio>
+#include <functional>
 #include <iostream>
 #include <optional>
 
@@ -59,6 +60,10 @@ void checkOptions(const Arguments& arguments) {
         refuse("\"batch\" needs --output-dir DIR, --in-place or --check");
     if (options.list == "-" && options.paths.size() == 1 && options.paths.front() == "-")
         refuse("standard input can't be the list and a project");
+}
+
+int jobsOf(const Options& options) {
+    return options.jobs > 0 ? options.jobs : std::max(1, QThread::idealThreadCount());
 }
 
 /// Where the state is; empty for one that is not kept.
@@ -172,8 +177,10 @@ std::optional<qint64> findFiles(State& state, const QByteArray& statePath, const
     search.results = results;
     for (const char* suffix : {"", ".lock", "-journal"})
         search.ownFiles.push_back(statePath + suffix);
-    if (!options.report.empty())
-        search.ownFiles.push_back(nameOf(options.report));
+    if (!options.report.empty()) {
+        for (const QString& own : {Places::path(options.report), Pages::folderFor(options.report)})
+            search.ownFiles.push_back(absolute(QFile::encodeName(own)));
+    }
     search.followsLinks = arguments.inPlace;
     search.known = [&](const Found& found) { return inventory.known(found); };
     search.isStopped = [&] { return stopSignals.count() > 0; };
@@ -212,11 +219,26 @@ void show(State& state, const QByteArray& path, JsonReport::Json result, Output&
         output.print("state: " + Terminal::escaped(path.toStdString()) + '\n');
 }
 
+/// The table and its pages, where --report asks for them.
+void writeReport(State& state, const Arguments& arguments, const std::function<bool()>& isStopped = {}) {
+    const Options& options = arguments.batch;
+    if (options.report.empty())
+        return;
+    Pages::Options pages;
+    pages.which = options.pages;
+    pages.words = optionsForPages(state);
+    if (arguments.maxMemory)
+        pages.words += QStringLiteral("--max-memory=%1").arg(*arguments.maxMemory);
+    pages.jobs = jobsOf(options);
+    pages.timeout = options.timeout;
+    pages.isStopped = isStopped;
+    writeReport(state, options.report, std::move(pages));
+}
+
 int showStatus(const Arguments& arguments, Output& output) {
     const QByteArray path = nameOf(arguments.batch.status);
     State state(path, Database::Access::Read);
-    if (!arguments.batch.report.empty())
-        writeReport(state, arguments.batch.report);
+    writeReport(state, arguments);
     show(state, path, JsonReport::Json::object(), output);
     return exitCodeFor(state);
 }
@@ -232,8 +254,7 @@ int mergeStates(const Arguments& arguments, Output& output) {
     for (const std::string& source : arguments.batch.merge)
         sources.push_back(nameOf(source));
     merge(sources, state);
-    if (!arguments.batch.report.empty())
-        writeReport(state, arguments.batch.report);
+    writeReport(state, arguments);
     show(state, path, JsonReport::Json::object(), output);
     return exitCodeFor(state);
 }
@@ -263,7 +284,7 @@ int migrateAll(const Arguments& arguments, Output& output) {
         tally.kept = *kept;
         tally.total = state.counts()[FileState::Waiting];
         Coordinator::Options work;
-        work.jobs = options.jobs > 0 ? options.jobs : std::max(1, QThread::idealThreadCount());
+        work.jobs = jobsOf(options);
         work.timeout = options.timeout;
         for (const std::string& word : options.workerOptions)
             work.worker += Places::path(word);
@@ -278,9 +299,8 @@ int migrateAll(const Arguments& arguments, Output& output) {
         Coordinator(std::move(work), state, tally, progress, stopSignals).run();
     }
     progress.end();
+    writeReport(state, arguments, [&] { return stopSignals.count() > 0; });
     const int signal = stopSignals.first();
-    if (!options.report.empty())
-        writeReport(state, options.report);
     JsonReport::Json result;
     result["stopped"] = signal != 0;
     result["run"] = Texts::tallyAsJson(tally);

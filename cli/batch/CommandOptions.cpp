@@ -60,6 +60,16 @@ ProgressForm progressIn(const std::string& value) {
     refuse("--progress", value, "auto, json or none");
 }
 
+WhichPages pagesIn(const std::string& value) {
+    if (value == "needed")
+        return WhichPages::Needed;
+    if (value == "all")
+        return WhichPages::All;
+    if (value == "none")
+        return WhichPages::None;
+    refuse("--pages", value, "needed, all or none");
+}
+
 template <class Value>
 CLI::Option* addName(CLI::App& command, const std::string& names, Value& value, const std::string& type,
                      const std::string& help) {
@@ -134,6 +144,12 @@ void addOptions(CLI::App& command, Arguments& arguments) {
     addName(command, "--report", options.report, "FILE",
             "Write what was done to FILE.csv, FILE.jsonl or FILE.html, a row for each file")
         ->group(state);
+    command
+        .add_option_function<std::string>(
+            "--pages", [&options](const std::string& value) { options.pages = pagesIn(value); },
+            "Of which files FILE.html has pages: all, none, or those that failed or lost something [needed]")
+        ->type_name("WHICH")
+        ->group(state);
     command.footer(
         "The state is a SQLite database. The same command goes on where an earlier one was stopped: what "
         "is done and unchanged is left alone. Ctrl-C lets the files end that are in work; a second one "
@@ -158,8 +174,10 @@ std::vector<std::string> sharedOptions(const CLI::App& from, const CLI::App& to)
             continue;
         const std::string name = "--" + option->get_lnames().front();
         if (to.get_option_no_throw(name)) {
-            for (const std::string& value : option->results())
-                words.push_back(name + '=' + value);
+            for (const std::string& value : option->results()) {
+                words.push_back(name);
+                words.back().append("=").append(value);
+            }
         }
     }
     return words;

@@ -127,7 +127,8 @@ Content contentOf(const QByteArray& beginning) {
     const auto first = Reader::firstCharacter(beginning);
     if (!first)
         return Content::Empty; // nothing but white space
-    if (first != U'<' && first != U'{')
+    const bool isText = *first == U'<' || *first == U'{';
+    if (!isText)
         return Content::Other;
     QByteArray bytes = beginning;
     try {

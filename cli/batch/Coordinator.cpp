@@ -177,7 +177,7 @@ void Coordinator::takeDeath(WorkerProcess& worker) {
     facts.path = row.path;
     if (m_options.takeReport)
         m_options.takeReport(isOutOfMemory ? lastWords : reportOf(facts));
-    record(std::move(row), facts);
+    record(row, facts);
     if (m_isStopping)
         return;
     if (m_queue.empty())
@@ -186,7 +186,7 @@ void Coordinator::takeDeath(WorkerProcess& worker) {
         startWorker();
 }
 
-void Coordinator::record(Row row, const Row& facts) {
+void Coordinator::record(const Row& row, const Row& facts) {
     Row result = facts;
     result.path = row.path;
     result.name = row.name;

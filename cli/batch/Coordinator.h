@@ -46,7 +46,7 @@ private:
     void takeAnswer(WorkerProcess& worker, const std::string& line);
     void takeEnd(WorkerProcess& worker);
     void takeDeath(WorkerProcess& worker);
-    void record(Row row, const Row& facts);
+    void record(const Row& row, const Row& facts);
     void stop();
     void endIfDone();
     void claim();

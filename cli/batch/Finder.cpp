@@ -116,7 +116,7 @@ std::optional<std::vector<QByteArray>> namesIn(const QByteArray& path) {
 }
 
 QByteArray absolute(const QByteArray& path) {
-    const QByteArray whole =
+    QByteArray whole =
         QFile::encodeName(QDir::cleanPath(QDir::current().absoluteFilePath(QFile::decodeName(path))));
     if (whole == "/")
         return whole;

@@ -18,6 +18,13 @@ enum class ProgressForm {
     None,
 };
 
+/// The files about which a table in HTML has pages.
+enum class WhichPages {
+    Needed, ///< those that failed or lost something
+    All,
+    None,
+};
+
 /// What the command line says to `adaptors batch` beside the options that `migrate` has too.
 struct Options {
     std::vector<std::string> paths;
@@ -28,6 +35,7 @@ struct Options {
     std::string status; ///< the state whose table is wanted; empty for none
     std::vector<std::string> merge;
     std::string report;
+    WhichPages pages = WhichPages::Needed;
     Shard shard;
     ProgressForm progress = ProgressForm::Auto;
     int jobs = 0;      ///< worker processes; 0: as many as there are cores

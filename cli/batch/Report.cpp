@@ -3,11 +3,14 @@
 #include "JsonReport.h"
 #include "Messages.h"
 #include "Places.h"
+#include "report/Assets.h"
+#include "report/Html.h"
 
 #include <QSaveFile>
 
 #include <array>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace Batch {
@@ -81,47 +84,58 @@ QByteArray csvLine(const std::vector<QString>& cells) {
     return line + "\r\n";
 }
 
-QByteArray htmlRow(const char* tag, const std::vector<QString>& cells) {
-    QByteArray row = "<tr>";
+QByteArray htmlRow(const char* tag, const std::string& link, const std::vector<QString>& cells) {
+    QByteArray row = QByteArray("<tr><") + tag + '>' + QByteArray::fromStdString(link) + "</" + tag + '>';
     for (const QString& cell : cells) {
         QString visible;
         for (const QChar c : cell)
             visible += c.isPrint() || c.isSurrogate()
                            ? QString(c)
                            : QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
-        row += QByteArray("<") + tag + '>' + visible.toHtmlEscaped().toUtf8() + "</" + tag + '>';
+        row += QByteArray("<") + tag + '>' + QByteArray::fromStdString(Html::escaped(visible.toStdString())) +
+               "</" + tag + '>';
     }
     return row + "</tr>\n";
 }
 
-// Nothing is loaded and nothing runs, whatever the names of files hold.
-constexpr const char* htmlHead = R"(<!DOCTYPE html>
-<html lang="en">
-<head>
-<meta charset="utf-8">
-<meta http-equiv="Content-Security-Policy" content="default-src 'none'; style-src 'unsafe-inline'">
-<title>Batch of migrations</title>
-<style>
-body { font-family: sans-serif; margin: 1em; }
-table { border-collapse: collapse; }
-th, td { border: 1px solid #999; padding: 0.2em 0.5em; text-align: left; vertical-align: top; overflow-wrap: anywhere; }
-</style>
-</head>
-<body>
-<h1>Batch of migrations</h1>
-<table>
-)";
+/// How many files there are of each state.
+std::string tilesOf(State& state) {
+    std::string tiles;
+    for (const auto& [fileState, count] : state.counts())
+        tiles += "<div" + std::string(fileState == FileState::Failed ? " class=\"bad\"" : "") + "><dt>" +
+                 std::string(nameOf(fileState)) + "</dt><dd>" +
+                 Html::number(static_cast<std::size_t>(count)) + "</dd></div>";
+    return "<dl class=\"tiles\">" + tiles + "</dl>\n";
+}
 
-constexpr const char* htmlEnd = "</table>\n</body>\n</html>\n";
+/// The start of the table up to its first row.
+QByteArray htmlStart(State& state, const std::vector<QString>& names) {
+    // Nothing is loaded and nothing runs, whatever the names of files hold.
+    const std::string start =
+        Html::documentStart({"Batch of migrations",
+                             std::string(ReportAssets::baseStyle) + std::string(ReportAssets::tableStyle),
+                             {},
+                             {}});
+    return QByteArray::fromStdString(
+               start + "<header>\n<p class=\"kicker\">Migration report</p>\n<h1>Batch of migrations</h1>\n" +
+               tilesOf(state) +
+               "</header>\n<main>\n<section aria-label=\"All files\"><div class=\"wide\" tabindex=\"0\" "
+               "role=\"group\" "
+               "aria-label=\"All files; can be scrolled\"><table>\n<thead>\n") +
+           htmlRow("th", "page", names) + "</thead>\n<tbody>\n";
+}
+
+constexpr const char* htmlEnd = "</tbody>\n</table></div></section>\n</main>\n</body>\n</html>\n";
 
 class Writer {
 public:
-    Writer(QSaveFile& file, Form form) : m_file(file), m_form(form) {
+    Writer(QSaveFile& file, Form form, State& state, const Pages& pages)
+        : m_file(file), m_form(form), m_pages(pages) {
         const std::vector<QString> names(columns.begin(), columns.end());
         if (m_form == Form::Csv)
             write(csvLine(names));
         else if (m_form == Form::Html)
-            write(htmlHead + htmlRow("th", names));
+            write(htmlStart(state, names));
     }
 
     void add(const Row& row) {
@@ -134,9 +148,10 @@ public:
             return;
         }
         std::vector<QString> texts;
+        texts.reserve(cells.size());
         for (const Json& cell : cells)
             texts.push_back(textOf(cell));
-        write(m_form == Form::Csv ? csvLine(texts) : htmlRow("td", texts));
+        write(m_form == Form::Csv ? csvLine(texts) : htmlRow("td", linkTo(row), texts));
     }
 
     /// Whether all was written.
@@ -149,8 +164,18 @@ public:
 private:
     void write(const QByteArray& bytes) { m_isWhole = m_isWhole && m_file.write(bytes) == bytes.size(); }
 
+    std::string linkTo(const Row& row) const {
+        const std::string page = m_pages.linkTo(row);
+        const auto slash = row.path.lastIndexOf('/');
+        const std::string name = Html::limited(row.path.mid(slash + 1).toStdString(), 200);
+        return page.empty()
+                   ? ""
+                   : "<a href=\"" + Html::escaped(page) + "\" aria-label=\"Page of " + name + "\">page</a>";
+    }
+
     QSaveFile& m_file;
     Form m_form;
+    const Pages& m_pages;
     bool m_isWhole = true;
 };
 
@@ -162,11 +187,16 @@ void checkReport(const std::string& file) {
             Messages::badValue("--report", file, "a name that ends in .csv, .jsonl or .html"));
 }
 
-void writeReport(State& state, const std::string& file) {
+void writeReport(State& state, const std::string& file, Pages::Options options) {
+    const Form form = *formOf(file);
+    if (form != Form::Html)
+        options.which = WhichPages::None;
+    const Pages pages(file, std::move(options));
     QSaveFile target(Places::path(file));
     bool isWritten = target.open(QIODevice::WriteOnly);
     if (isWritten) {
-        Writer writer(target, *formOf(file));
+        pages.write(state);
+        Writer writer(target, form, state, pages);
         state.forEach([&](const Row& row) { writer.add(row); });
         isWritten = writer.finish();
     }

@@ -40,7 +40,8 @@ struct Row {
     std::string kind;           ///< why it failed or was skipped, as a word
     std::string reason;         ///< the same as a sentence
     std::optional<qint64> losses;
-    std::string repairs; ///< names of those that were made, separated by a blank, and "recovery" for a damaged file
+    std::string
+        repairs; ///< names of those that were made, separated by a blank, and "recovery" for a damaged file
     std::optional<double> seconds;
     std::optional<qint64> outputSize; ///< of the result as it was written
     std::optional<qint64> outputTime;

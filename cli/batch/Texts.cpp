@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <cmath>
+
 namespace Batch::Texts {
 namespace {
 
@@ -49,7 +51,7 @@ std::string number(qint64 value) {
 }
 
 std::string duration(double seconds) {
-    const auto whole = static_cast<qint64>(seconds + 0.5);
+    const auto whole = static_cast<qint64>(std::llround(seconds));
     const auto two = [](qint64 value) { return QString::number(value).rightJustified(2, QLatin1Char('0')); };
     const QString minutes = whole >= 3600
                                 ? QString::number(whole / 3600) + QLatin1Char(':') + two(whole / 60 % 60)

@@ -63,9 +63,11 @@ private:
 WorkerProcess::WorkerProcess(const QStringList& options, int timeout, Events events)
     : m_events(std::move(events)), m_timeout(timeout) {
     std::vector<QByteArray> words = {"adaptors", "batch-worker"};
+    words.reserve(words.size() + static_cast<std::size_t>(options.size()));
     for (const QString& option : options)
         words.push_back(QFile::encodeName(option));
     std::vector<char*> pointers;
+    pointers.reserve(words.size() + 1);
     for (QByteArray& word : words)
         pointers.push_back(word.data());
     pointers.push_back(nullptr);

@@ -61,7 +61,9 @@ void putBack(const QByteArray& backup, const QByteArray& target) {
 } // namespace
 
 std::vector<Backup> backupsOf(const QString& path) {
-    const QFileInfo file(targetOfLinks(path));
+    const QString target = targetOfLinks(path);
+    const QFileInfo file(target);
+    const QString folder = target.left(target.lastIndexOf(QLatin1Char('/')) + 1); // as the caller wrote it
     const QString first = file.fileName() + QStringLiteral(".bak");
     std::vector<NumberedBackup> found;
     const auto candidates = QDir(file.path()).entryInfoList(QDir::Files | QDir::Hidden | QDir::NoSymLinks);
@@ -69,12 +71,14 @@ std::vector<Backup> backupsOf(const QString& path) {
         const auto number = numberIn(candidate.fileName(), first);
         if (const auto made = number ? madeAt(candidate.filePath()) : std::nullopt)
             found.push_back(
-                {{candidate.filePath(), candidate.size(), *made, candidate.lastModified()}, *number});
+                {{folder + candidate.fileName(), candidate.size(), *made, candidate.lastModified()},
+                 *number});
     }
     std::sort(found.begin(), found.end(), [](const NumberedBackup& a, const NumberedBackup& b) {
         return a.backup.made != b.backup.made ? a.backup.made > b.backup.made : a.number > b.number;
     });
     std::vector<Backup> backups;
+    backups.reserve(found.size());
     for (NumberedBackup& one : found)
         backups.push_back(std::move(one.backup));
     return backups;

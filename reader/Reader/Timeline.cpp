@@ -413,6 +413,7 @@ std::vector<MediaFile> mediaOf(const std::vector<Timeline>& timelines) {
         }
     }
     std::vector<MediaFile> list;
+    list.reserve(files.size());
     for (const auto& [path, clips] : files)
         list.push_back({path, clips});
     return list;

@@ -29,12 +29,16 @@ struct Track {
     TrackKind kind;
     bool isMuted = false;
     bool isHidden = false;
+
+    bool operator==(const Track&) const = default;
 };
 
 struct ClipEffect {
     unsigned long long id;
     std::string className; ///< empty where there is no such object
     std::string name;      ///< its `tag`, such as "PopArt9Tiles"
+
+    bool operator==(const ClipEffect&) const = default;
 };
 
 /// A clip and its place in a timeline.
@@ -59,6 +63,7 @@ struct TimelineClip {
 
     /// Where it ends; no less than where it starts, and no overflow.
     long long end() const;
+    bool operator==(const TimelineClip&) const = default;
 };
 
 struct TimelineTransition {
@@ -68,6 +73,8 @@ struct TimelineTransition {
     unsigned long long from; ///< id of the clip before it; 0 for none
     unsigned long long to;   ///< id of the clip after it; 0 for none
     long long duration = 0;
+
+    bool operator==(const TimelineTransition&) const = default;
 };
 
 struct Timeline {
@@ -89,6 +96,7 @@ struct Timeline {
 
     /// Where its last clip ends.
     long long duration() const;
+    bool operator==(const Timeline&) const = default;
 };
 
 std::string_view nameOf(Timeline::Role role);

@@ -94,6 +94,10 @@ bool TagScan::passStartTag() {
     int attributes = 0;
     for (++m_position; m_position < m_text.size(); ++m_position) {
         const char c = m_text[m_position];
+        if (c == '<') { // not well-formed, also between quotes
+            m_position = m_text.size();
+            return false;
+        }
         if (quote) {
             quote = c == quote ? char(0) : quote;
         } else if (c == '"' || c == '\'') {
@@ -133,6 +137,25 @@ void refuseForeignEncoding(const QByteArray& text, const QString& name) {
         });
     if (!isKnown)
         failForEncoding(name, encoding.toStdString());
+}
+
+/// The XML reader takes NUL characters for text. So many in a row are a block of the file that was lost, which can hide
+/// tags.
+void refuseLostBlocks(const QByteArray& bytes, const QString& name) {
+    static const QByteArray block(16, '\0');
+    const int found = bytes.indexOf(block);
+    if (found < 0)
+        return;
+    int end = found;
+    while (end < bytes.size() && bytes.at(end) == '\0')
+        ++end;
+    const std::string_view text(bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    const auto [line, column] = lineAndColumn(text, static_cast<std::size_t>(found));
+    throw Error(ErrorKind::BrokenXml, {.file = name,
+                                       .line = line,
+                                       .column = column,
+                                       .reason = "here are " + std::to_string(end - found) +
+                                                 " NUL bytes in place of a part of the file that was lost"});
 }
 
 void refuseHostileText(const QByteArray& bytes, const QString& name) {
@@ -246,6 +269,7 @@ QDomDocument parseXml(const QByteArray& bytes, const QString& name, Archive::Int
     const auto [text, endsInCharacter] = decode(bytes, name);
     refuseForeignEncoding(text, name);
     refuseHostileText(text, name);
+    refuseLostBlocks(text, name);
     QXmlStreamReader reader(text);
     reader.setNamespaceProcessing(false);
     QDomDocument document = buildXmlTree(reader, facts);

@@ -24,19 +24,13 @@ public:
     /// Must be called before any change: which fields there are depends on it.
     void setVersion(int version) { m_version = version; }
 
-    /// Whether anything is lost. Otherwise nothing needs to be mended.
-    bool isDamaged() const { return m_document.isDamaged; }
-
     /// Completes the objects that lead to clips, and puts entries into the lists that they belong to.
     void closeDamaged();
-    /// Clears references to lost objects. Comes last.
-    void mendReferences();
     /// The document as text. The salvage can't be used afterwards.
     QByteArray write();
 
-    /// The clips that were in the file, by what is left of it: by timelines and their own objects.
-    std::vector<RecoveredClip> mentionedClips() const;
-
+    bool isDamaged() const override { return m_document.isDamaged; }
+    std::vector<RecoveredClip> mentionedClips() const override;
     std::vector<SalvagedClip> clips() const override;
     std::vector<SalvagedTimeline> timelines() const override;
     std::vector<SalvagedTrack> tracks() const override;
@@ -49,6 +43,7 @@ public:
     void listClip(ObjectId timeline, ObjectId clip, const ClipPlace& place) override;
     void moveClip(ObjectId timeline, ObjectId clip, ObjectId track) override;
     void setMainTimeline(ObjectId timeline) override;
+    void mendReferences() override;
 
 private:
     using Object = nlohmann::json;

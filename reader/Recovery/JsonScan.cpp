@@ -74,6 +74,9 @@ bool isEnvelope(const json& members) {
            (members.contains("version") || members.contains("schemaVersion"));
 }
 
+/// Values are copied and written with a stack frame for each level. No project is nested that deeply.
+constexpr std::size_t mostLevels = 1000;
+
 class JsonScan {
 public:
     JsonScan(DamagedText& source, RecoveryReport& report)
@@ -126,14 +129,14 @@ private:
     /// The places of the frames that are closed where they are damaged, and whose ends were not seen.
     std::vector<std::size_t> m_containers;
     bool m_isEnded = false;
+    bool m_isTooDeep = false;
     ObjectId m_temporaryId = firstTemporaryId;
     std::map<ObjectId, ObjectId> m_wantedIds; ///< by temporary id, those that base class parts had
     std::unordered_set<ObjectId> m_ids;
-
 };
 
 ScannedJson JsonScan::run() {
-    while (true) {
+    while (!m_isTooDeep) {
         m_position = std::min(m_text.find_first_not_of(whiteSpace, m_position), m_text.size());
         if (m_position == m_text.size())
             break;
@@ -146,6 +149,8 @@ ScannedJson JsonScan::run() {
             readNext();
         }
     }
+    if (m_isTooDeep)
+        return {};
     if (!m_frames.empty() && (m_frames.back().kind != Kind::Rest || !m_frames.back().value.empty() ||
                               !m_frames.back().entries.empty()))
         lose(Damage::CutOff, m_text.size(), 0);
@@ -275,6 +280,11 @@ void JsonScan::open(Kind kind) {
             lose(Damage::BrokenMarkup, m_position, 0);
             return;
         }
+    }
+    if (m_frames.size() == mostLevels) {
+        m_isTooDeep = true;
+        m_position = m_text.size();
+        return;
     }
     m_frames.push_back({kind, kind == Kind::Array ? json::array() : json::object(), {}, {}});
     ++m_position;

@@ -79,6 +79,19 @@ void noteLostClips(const std::vector<RecoveredClip>& mentioned, const std::vecto
     }
 }
 
+/// Makes a project of what is whole, and notes what became of the clips.
+void mend(Salvage& salvage, RecoveryReport& report) {
+    if (!salvage.isDamaged()) {
+        report.clipsInPlace = salvage.clips().size();
+        return;
+    }
+    const std::vector<RecoveredClip> mentioned = salvage.mentionedClips();
+    const std::vector<SalvagedClip> clips = salvage.clips();
+    mendTimelines(salvage, report.version, report);
+    salvage.mendReferences();
+    noteLostClips(mentioned, clips, report);
+}
+
 QByteArray recoverXml(DamagedText& text, std::optional<int> given, RecoveryReport& report) {
     ScannedTree tree = scanXml(text, report);
     if (tree.nodes.empty())
@@ -88,13 +101,7 @@ QByteArray recoverXml(DamagedText& text, std::optional<int> given, RecoveryRepor
         chooseVersion(Backend::Xml, given, salvage.statedVersion(), salvage.versionFacts(), report);
     salvage.setVersion(report.version);
     salvage.dropDamaged();
-    const std::vector<RecoveredClip> mentioned = salvage.mentionedClips();
-    const std::vector<SalvagedClip> clips = salvage.clips();
-    if (salvage.isDamaged()) {
-        mendTimelines(salvage, report.version, report);
-        salvage.mendReferences();
-        noteLostClips(mentioned, clips, report);
-    }
+    mend(salvage, report);
     return salvage.write();
 }
 
@@ -110,14 +117,9 @@ QByteArray recoverJson(DamagedText& text, std::optional<int> given, RecoveryRepo
                          : std::optional(stated.is_string() ? stated.get<std::string>() : stated.dump()),
         salvage.versionFacts(), report);
     salvage.setVersion(report.version);
-    if (salvage.isDamaged()) {
+    if (salvage.isDamaged())
         salvage.closeDamaged();
-        const std::vector<RecoveredClip> mentioned = salvage.mentionedClips();
-        const std::vector<SalvagedClip> clips = salvage.clips();
-        mendTimelines(salvage, report.version, report);
-        salvage.mendReferences();
-        noteLostClips(mentioned, clips, report);
-    }
+    mend(salvage, report);
     return salvage.write();
 }
 

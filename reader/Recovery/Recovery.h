@@ -26,7 +26,7 @@ bool isRecoverable(ErrorKind kind);
 /// lost are cleared, and counts and predeclarations are mended. `version` replaces what the file says of its schema
 /// version. Healthy files are for parse(): this function is not made to keep all of their bytes.
 ///
-/// Gives nothing for a file that has nothing of a project. Throws nothing but std::bad_alloc. Time and memory are linear
+/// Gives nothing for a file that has nothing of a project, and for JSON that is nested deeper than 1,000 levels. Throws nothing but std::bad_alloc. Time and memory are linear
 /// in the size of the file, but for a logarithm.
 ///
 /// Threads: thread-safe.

@@ -65,6 +65,10 @@ public:
     Salvage(const Salvage&) = delete;
     Salvage& operator=(const Salvage&) = delete;
 
+    /// Whether anything is lost. Otherwise nothing needs to be mended.
+    virtual bool isDamaged() const = 0;
+    /// The clips that were in the file, by what is left of it.
+    virtual std::vector<RecoveredClip> mentionedClips() const = 0;
     virtual std::vector<SalvagedClip> clips() const = 0;
     virtual std::vector<SalvagedTimeline> timelines() const = 0;
     virtual std::vector<SalvagedTrack> tracks() const = 0;
@@ -90,6 +94,9 @@ public:
 
     /// Makes the project's root object lead to the timeline, and makes a root object where there is none.
     virtual void setMainTimeline(ObjectId timeline) = 0;
+
+    /// Clears references to lost objects, and mends counts and predeclarations. Comes last.
+    virtual void mendReferences() = 0;
 };
 
 /// Makes the clips that are there reachable: makes lost timelines and tracks, puts clips whose timing is lost at the

@@ -76,10 +76,9 @@ constexpr FieldHistory histories[] = {
     {"Overlay::DropShadow", "", 38, always, Shows::Presence},
     {"Timeline::Clip", "quiz", 40},
     {"Effect::SideBySide", "transformSrc", 42},
-    {"Timeline::Clip", "name:StringPtr", 0, 44},
-    {"Timeline::Clip", "name:String", 44, 63},
-    {"Overlay::Preset", "description:StringPtr", 0, 44},
-    {"Overlay::Preset", "description:String", 44, 63},
+    // A text is not always of type StringPtr before.
+    {"Timeline::Clip", "name:StringPtr", 0, 44, Shows::Presence},
+    {"Overlay::Preset", "description:StringPtr", 0, 44, Shows::Presence},
     {"Timeline::Clip", "transition", 0, 46},
     {"Timeline::Track", "gapless", 46},
     {"Timeline::Object", "transitions", 46},

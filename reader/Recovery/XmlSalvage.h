@@ -34,19 +34,13 @@ public:
     /// Must be called before any change: which fields there are depends on it.
     void setVersion(int version) { m_version = version; }
 
-    /// Whether anything is lost. Otherwise nothing needs to be mended.
-    bool isDamaged() const { return m_tree.isDamaged; }
-
     /// Drops the objects that are damaged, but for those that lead to clips: they keep what they have.
     void dropDamaged();
-    /// Clears references to lost objects, and mends counts and predeclarations. Comes last.
-    void mendReferences();
     /// The archive as text.
     QByteArray write() const;
 
-    /// The clips that were in the file, by what is left of it: by predeclarations, timelines and their own objects.
-    std::vector<RecoveredClip> mentionedClips() const;
-
+    bool isDamaged() const override { return m_tree.isDamaged; }
+    std::vector<RecoveredClip> mentionedClips() const override;
     std::vector<SalvagedClip> clips() const override;
     std::vector<SalvagedTimeline> timelines() const override;
     std::vector<SalvagedTrack> tracks() const override;
@@ -59,6 +53,7 @@ public:
     void listClip(ObjectId timeline, ObjectId clip, const ClipPlace& place) override;
     void moveClip(ObjectId timeline, ObjectId clip, ObjectId track) override;
     void setMainTimeline(ObjectId timeline) override;
+    void mendReferences() override;
 
 private:
     struct Record {

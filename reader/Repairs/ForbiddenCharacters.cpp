@@ -80,7 +80,7 @@ bool isUtf8(std::string_view text) {
 class ForbiddenCharacters : public TextRepair {
 public:
     QByteArray repair(const QByteArray& bytes, Changes& changes) override {
-        const auto first = Reader::firstCharacter(bytes);
+        const char32_t first = Reader::firstCharacter(bytes).value_or(U' ');
         if (first == U'<')
             return repairXml(bytes, changes);
         if ((first == U'{' || first == U'[') && Reader::encodingOf(bytes) == Reader::Encoding::Bytes)

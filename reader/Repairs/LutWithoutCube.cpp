@@ -53,7 +53,7 @@ private:
         if (!effect)
             return {};
         const json& name = memberOf(*effect, "uniqueId");
-        if (name.is_string() && name != "" && name != genericLut)
+        if (name.is_string() && !name.get_ref<const std::string&>().empty() && name != genericLut)
             return name.get<std::string>();
         (*effect)["uniqueId"] = genericLut; // version 56 took the missing name of the cube
         return {};

@@ -43,7 +43,7 @@ std::string replacementFor(std::string_view token) {
 class NumbersInText : public TextRepair {
 public:
     QByteArray repair(const QByteArray& bytes, Changes& changes) override {
-        const auto first = Reader::firstCharacter(bytes);
+        const char32_t first = Reader::firstCharacter(bytes).value_or(U' ');
         if ((first != U'{' && first != U'[') || Reader::encodingOf(bytes) != Reader::Encoding::Bytes)
             return bytes;
         const std::string_view text(bytes.constData(), static_cast<std::size_t>(bytes.size()));

@@ -59,8 +59,8 @@ private:
             m_used.insert(id);
     }
 
-    /// New ids in the order of the old ones, above all others, or in the gaps where there is no room: version 69 takes
-    /// the timeline of the lowest id for the main one.
+    /// Maps old ids to new ones. The order stays the same, because version 69 takes the timeline with the lowest id for
+    /// the main one. New ids are greater than all ids in use; if there are too few of these, unused ones are taken.
     QHash<long long, long long> newIds() const {
         std::set<unsigned long long> old;
         for (const QDomElement& e : m_wide)

@@ -16,8 +16,8 @@ using Tests::Screen;
 
 namespace {
 
-const QStringList commands = {"migrate", "steps",   "run",      "info",    "verify",  "trace",
-                              "diff",    "explain", "timeline", "repairs", "restore", "help"};
+const QStringList commands = {"migrate", "steps",    "run",    "info",    "verify",  "trace", "diff",
+                              "explain", "timeline", "report", "repairs", "restore", "help"};
 
 class HelpTest : public Tests::ProgramTest {
 protected:
@@ -129,6 +129,8 @@ TEST_F(HelpTest, EveryExampleWorks) {
             if (command == "verify" || command == "diff") {
                 ASSERT_EQ(run({"migrate", place + "/film.xml"}).exitCode, 0);
             }
+            if (command == "restore")
+                write(place + "/film.xml.bak", sample("holiday-v27.xml"));
             const Outcome outcome =
                 Tests::runCommand("/bin/sh", {"-c", "PATH=\"$0:$PATH\"; " + example, folder}, path(place));
             const int expected = example.contains("--check") ? 19 : 0;

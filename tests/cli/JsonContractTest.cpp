@@ -2,7 +2,7 @@
 // describes it.
 
 #include "JsonReport.h"
-#include "support/ProgramTest.h"
+#include "support/Schemas.h"
 
 #include <gtest/gtest.h>
 
@@ -27,18 +27,8 @@ constexpr bool isSanitized = true;
 constexpr bool isSanitized = false;
 #endif
 
-const QString python =
-    QStringLiteral("/usr/bin/python3"); // that of the system, which has the system's packages
-
 class JsonContractTest : public Tests::ProgramTest {
 protected:
-    static Outcome check(const QByteArray& lines) {
-        return Tests::runCommand(python,
-                                 {QString::fromStdString(Tests::jsonChecker().string()),
-                                  QString::fromStdString(Tests::schemaFolder().string())},
-                                 QStringLiteral("/"), lines);
-    }
-
     /// What a call printed, which must be one line of JSON and nothing else. It is held against its schema in the end.
     json note(const std::string& schema, const Outcome& outcome, bool isYielded = false) {
         const QByteArray& text = isYielded ? outcome.err : outcome.out;
@@ -73,7 +63,7 @@ protected:
     }
 
     void expectSchemasHold() const {
-        const Outcome outcome = check(m_lines);
+        const Outcome outcome = Tests::checkSchemas(m_lines);
         EXPECT_EQ(outcome.exitCode, 0) << outcome.out.toStdString() << outcome.err.toStdString();
     }
 
@@ -127,11 +117,12 @@ TEST_F(JsonContractTest, EveryCommandKeepsItsSchema) {
     EXPECT_EQ(call({"verify", "film.xml"})["findings"], json::array());
     ASSERT_EQ(run({"migrate", "film.xml", "--in-place"}).exitCode, 0);
     const json backups = call({"restore", "film.xml", "--list"})["backups"];
-    ASSERT_EQ(backups.size(), 1);
-    EXPECT_EQ(backups[0]["file"], "film.xml.bak");
+    ASSERT_EQ(backups.size(), 2);
+    EXPECT_EQ(backups[0]["file"], "film.xml.bak2");
+    EXPECT_EQ(backups[1]["file"], "film.xml.bak");
     const json restored = call({"restore", "film.xml"});
     EXPECT_EQ(restored["restored"], "film.xml");
-    EXPECT_EQ(restored["kept"], "film.xml.bak");
+    EXPECT_EQ(restored["kept"], "film.xml.bak2");
     EXPECT_EQ(fail(3, {"restore", "none.xml"})["error"]["kind"], "no-backup");
     const json trace = call({"trace", "film.xml", "--output-dir", "steps", "--to", "28"});
     EXPECT_EQ(trace["steps"].back(), json::parse(R"({"place": 3, "class": "V28_ClipLabelAdaptor",
@@ -148,6 +139,7 @@ TEST_F(JsonContractTest, EveryCommandKeepsItsSchema) {
         call({"trace", "sample", "--output-dir", QStringLiteral("steps-") + name, "--diff"});
         call({"explain", "sample"});
         call({"timeline", "sample", "-o", QStringLiteral("film-") + name + ".svg"});
+        EXPECT_EQ(call({"report", "sample", "-o", "page.html", "--force"})["output"], "page.html");
         EXPECT_EQ(call({"diff", "sample", "sample.json"})["differences"], json::array());
         EXPECT_FALSE(call({"diff", "sample", "film.xml"})["differences"].empty());
     }
@@ -196,6 +188,8 @@ TEST_F(JsonContractTest, EveryExitCodeKeepsTheSchemas) {
     EXPECT_EQ(fail(13, {"migrate", "failing.xml"})["error"]["step"], "PortableLoadAdaptor");
     const json traced = fail(13, {"trace", "failing.xml", "--output-dir", "failed"});
     EXPECT_FALSE(traced["steps"].empty());
+    EXPECT_EQ(fail(13, {"report", "failing.xml", "-o", "failing.html"})["output"], "failing.html");
+    EXPECT_EQ(fail(3, {"report", "missing.xml"}).count("output"), 0U);
     write("losing.xml", losing());
     const json strict = fail(14, {"migrate", "losing.xml", "--strict"});
     EXPECT_EQ(strict["clips"]["lost"][0]["name"], "Harbour");
@@ -321,7 +315,8 @@ TEST_F(JsonContractTest, TheSchemasRefuseWhatIsNotAsTheyDescribe) {
         JsonReport::line({"verify", "film.xml", std::string(64, 'a'), 0.25}, JsonReport::findings({}));
     json value = json::parse(good);
     const auto isRefused = [](const json& other) {
-        const Outcome outcome = check("verify\t" + QByteArray::fromStdString(other.dump()) + '\n');
+        const Outcome outcome =
+            Tests::checkSchemas("verify\t" + QByteArray::fromStdString(other.dump()) + '\n');
         EXPECT_EQ(outcome.err, "");
         return outcome.exitCode == 1;
     };
@@ -345,9 +340,9 @@ TEST_F(JsonContractTest, TheSchemasRefuseWhatIsNotAsTheyDescribe) {
 }
 
 TEST_F(JsonContractTest, WithoutTheCheckerTestsFailAndSayWhy) {
-    const Outcome outcome =
-        Tests::runCommand(python, {"-I", "-S", QString::fromStdString(Tests::jsonChecker().string()), "/"},
-                          QStringLiteral("/"));
+    const Outcome outcome = Tests::runCommand(
+        Tests::python, {"-I", "-S", QString::fromStdString(Tests::jsonChecker().string()), "/"},
+        QStringLiteral("/"));
     EXPECT_EQ(outcome.exitCode, 3);
     EXPECT_TRUE(outcome.out.contains("apt-get install python3-jsonschema")) << outcome.out.toStdString();
 }

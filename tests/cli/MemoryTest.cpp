@@ -2,6 +2,7 @@
 
 #include "SystemMemory.h"
 #include "support/ProgramTest.h"
+#include "support/Sanitizers.h"
 
 #include <gtest/gtest.h>
 
@@ -90,16 +91,10 @@ TEST_F(SystemMemoryTest, VersionOneHasLimitsToo) {
     expectMemory(5000000, true);
 }
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool isSanitized = true;
-#else
-constexpr bool isSanitized = false;
-#endif
-
 class MemoryTest : public Tests::ProgramTest {
 protected:
     void SetUp() override {
-        if (isSanitized)
+        if (Tests::isSanitized)
             GTEST_SKIP() << "a sanitizer's own memory would count";
         write("film.xml", archive());
         // About 130 bytes of memory for each of these bytes.

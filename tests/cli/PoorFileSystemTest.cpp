@@ -1,6 +1,7 @@
 // File systems that know neither links nor a renaming that replaces nothing.
 
 #include "support/ProgramTest.h"
+#include "support/Sanitizers.h"
 
 #include <gtest/gtest.h>
 
@@ -12,16 +13,10 @@ using Tests::Outcome;
 
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool isSanitized = true;
-#else
-constexpr bool isSanitized = false;
-#endif
-
 class PoorFileSystemTest : public Tests::ProgramTest {
 protected:
     void SetUp() override {
-        if (isSanitized)
+        if (Tests::isSanitized)
             GTEST_SKIP() << "a sanitizer wants to be loaded first";
         write("film.xml", archive());
     }

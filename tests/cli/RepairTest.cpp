@@ -2,7 +2,7 @@
 
 #include "Repairs/RepairTable.h"
 #include "repairs/OldProject.h"
-#include "support/ProgramTest.h"
+#include "support/Schemas.h"
 
 #include <gtest/gtest.h>
 
@@ -31,19 +31,8 @@ QByteArray losing() {
 const QByteArray failingAdvice = "--repair would help; clips-without-track: clips that lie on no track of "
                                  "their timeline get one for their type";
 
-class RepairTest : public Tests::ProgramTest {
+class RepairTest : public Tests::JsonProgramTest {
 protected:
-    /// What a call prints with --json, held against the schema of that name.
-    json call(const QStringList& arguments, int code = 0) const {
-        const Outcome outcome = run(arguments + QStringList{"--json"});
-        EXPECT_EQ(outcome.exitCode, code) << outcome.out.toStdString();
-        const Outcome check = Tests::runCommand("/usr/bin/python3",
-                                                {QString::fromStdString(Tests::jsonChecker().string()),
-                                                 QString::fromStdString(Tests::schemaFolder().string())},
-                                                "/", arguments.front().toUtf8() + '\t' + outcome.out);
-        EXPECT_EQ(check.exitCode, 0) << check.out.toStdString() << check.err.toStdString();
-        return json::parse(outcome.out.toStdString());
-    }
     /// The names of repairs in JSON.
     static std::vector<std::string> namesIn(const json& repairs) {
         std::vector<std::string> names;

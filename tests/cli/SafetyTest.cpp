@@ -3,6 +3,7 @@
 #include "Reader/Error.h"
 #include "Reader/Files.h"
 #include "support/ProgramTest.h"
+#include "support/Sanitizers.h"
 
 #include <gtest/gtest.h>
 
@@ -233,17 +234,11 @@ TEST_F(SafetyTest, ConcurrentRunsLoseNothing) {
 
 // Too much input
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool isSanitized = true;
-#else
-constexpr bool isSanitized = false;
-#endif
-
 /// A shell command that limits the memory of the following commands to that many bytes.
 QString withMemory(qint64 bytes) {
     // A sanitizer reserves unlimited address space. It has a limit of its own for used memory, which must be
     // several times higher.
-    if (isSanitized)
+    if (Tests::isSanitized)
         return QStringLiteral("export ASAN_OPTIONS=quarantine_size_mb=1:hard_rss_limit_mb=%1; ")
             .arg(bytes * 5 >> 20);
     return QStringLiteral("ulimit -d %1; ").arg(bytes >> 10);
@@ -305,7 +300,7 @@ TEST_F(SafetyTest, ReadingTakesMemoryInProportionToTheFile) {
 }
 
 TEST_F(SafetyTest, MemoryIsLimitedByTheSizeOfTheDocument) {
-    if (isSanitized)
+    if (Tests::isSanitized)
         GTEST_SKIP() << "a sanitizer's own memory would count";
     // Each of these gets six tracks, each with a predeclaration.
     const QByteArray timelines =
@@ -333,7 +328,7 @@ TEST_F(SafetyTest, MemoryIsLimitedByTheSizeOfTheDocument) {
 }
 
 TEST_F(SafetyTest, AnEndlessInputIsRefused) {
-    if (isSanitized)
+    if (Tests::isSanitized)
         GTEST_SKIP() << "takes a sanitizer long";
     expectFailure({"info", "/dev/zero"}, 3, "1 GiB");
 }

@@ -3,6 +3,7 @@
 #include "Reader/Error.h"
 #include "Reader/Migration.h"
 #include "Reader/XmlText.h"
+#include "Repairs/Opening.h"
 #include "support/Facts.h"
 #include "support/IndexedSteps.h"
 
@@ -31,6 +32,21 @@ std::optional<Document> read(const QByteArray& bytes) {
     } catch (const Reader::Error&) {
         return std::nullopt;
     }
+}
+
+void migrateAndCheck(Document document, bool repair) {
+    Reader::MigrationOptions options;
+    options.name = options.location = options.target = name;
+    options.repair = repair;
+    QByteArray saved;
+    try {
+        Reader::Migration migration(std::move(document), std::move(options));
+        migration.run();
+        saved = migration.save();
+    } catch (const Reader::Error&) {
+        return;
+    }
+    checkReadsAgain(saved);
 }
 
 } // namespace
@@ -68,17 +84,15 @@ void migrate(const QByteArray& bytes) {
         return;
     const std::string difference = Tests::indexDifferenceAfterSteps(*document);
     check(difference.empty(), difference.c_str());
-    Reader::MigrationOptions options;
-    options.name = options.location = options.target = name;
-    QByteArray saved;
+    migrateAndCheck(std::move(*document), false);
+}
+
+void migrateWithRepairs(const QByteArray& bytes) {
     try {
-        Reader::Migration migration(std::move(*document), std::move(options));
-        migration.run();
-        saved = migration.save();
+        migrateAndCheck(Repairs::open(bytes, name).document, true);
     } catch (const Reader::Error&) {
-        return;
+        return; // nothing of a project
     }
-    checkReadsAgain(saved);
 }
 
 void checkReadsAgain(const QByteArray& saved) {

@@ -20,6 +20,9 @@ QByteArray bytesOf(const std::uint8_t* data, std::size_t size);
 /// if the saved document can't be read and saved again as the same bytes.
 void migrate(const QByteArray& bytes);
 
+/// The same with repairs: what can't be read is recovered.
+void migrateWithRepairs(const QByteArray& bytes);
+
 /// Fails unless a saved document that is read and saved again gives the same bytes.
 void checkReadsAgain(const QByteArray& saved);
 

@@ -67,6 +67,14 @@ TEST(Parse, CharactersThatXmlForbids) {
     EXPECT_NO_THROW(Reader::parse("<Archive a='&#9;&#10;&#x1F3AC;'/>", name));
 }
 
+TEST(Parse, LostBlocksAreNoTexts) {
+    const QByteArray lost(512, '\0');
+    expectFailure("<Archive>\n<RootRef value='1" + lost + "2'/></Archive>", ErrorKind::BrokenXml,
+                  "film.xml:2:18: ");
+    expectFailure("<Archive>" + lost + "</Archive>", ErrorKind::BrokenXml, "512 NUL bytes");
+    expectFailure("<Archive/>\n" + lost, ErrorKind::BrokenXml, "512 NUL bytes");
+}
+
 TEST(Parse, DocumentTypesAreRefused) {
     expectFailure("<?xml version='1.0'?>\n<!DOCTYPE Archive>\n<Archive/>", ErrorKind::RefusedXml,
                   "film.xml:2:1");
@@ -85,6 +93,14 @@ TEST(Parse, TooManyAttributesAreRefused) {
     expectFailure("<Archive>\n" + element(200000) + "</Archive>", ErrorKind::RefusedXml, "film.xml:2:");
     expectFailure(element(257), ErrorKind::RefusedXml, "256 attributes");
     EXPECT_NO_THROW(Reader::parse(element(256), name));
+    // Behind the place where the text is broken nothing is counted: here a quote is missing.
+    QByteArray elements;
+    for (int number = 0; number < 300; ++number)
+        elements += "<RootObject a='1'/>";
+    expectFailure("<Archive>\n<RootRef a=' />" + elements + "</Archive>", ErrorKind::BrokenXml,
+                  "film.xml:2:");
+    expectFailure("<Archive>\n<RootRef a='1" + QByteArray(512, '\0') + elements + "</Archive>",
+                  ErrorKind::BrokenXml, "film.xml:2:");
 }
 
 TEST(Parse, ForeignEncodingsAreRefused) {

@@ -7,6 +7,7 @@
 #include "Reader/Error.h"
 #include "Reader/Migration.h"
 #include "Recovery/Recovery.h"
+#include "Repairs/Opening.h"
 #include "support/Files.h"
 #include "support/Paths.h"
 
@@ -132,8 +133,9 @@ TEST(MutatedSamples, AreRecoveredToWhatCanBeReadOrRefused) {
         EXPECT_EQ(Reader::serialize(Reader::parse(saved, QStringLiteral("film"))).bytes, saved) << seed;
         Reader::MigrationOptions options;
         options.name = options.location = options.target = QStringLiteral("film");
+        options.repair = true;
         try {
-            Reader::Migration migration(std::move(result->document), options);
+            Reader::Migration migration(Repairs::open(bytes, options.name).document, options);
             migration.run();
         } catch (const Reader::Error&) {
         }

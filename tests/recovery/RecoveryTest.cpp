@@ -523,4 +523,32 @@ TEST(Recovery, IsForErrorsOfDamagedFiles) {
     EXPECT_FALSE(Reader::isRecoverable(Reader::ErrorKind::Unreadable));
 }
 
+TEST(Recover, JsonThatIsNestedTooDeeplyIsRefused) {
+    constexpr int levels = 200000;
+    for (const auto& [opening, closing] : {std::pair("[", "]"), std::pair("{\"a\":", "}")}) {
+        const QByteArray deep =
+            QByteArray(opening).repeated(levels) + "1" + QByteArray(closing).repeated(levels);
+        const QByteArray object = R"({"@meta":{"class_name":"Note","object_id":2}})";
+        const QByteArray version =
+            R"({"version":"1.0","schemaVersion":)" + deep + R"(,"data":)" + object + '}';
+        const QByteArray field =
+            R"({"data":{"@meta":{"class_name":"Note","object_id":2},"deep":)" + deep + "}";
+        for (const QByteArray& bytes : {version, field, version.left(version.size() / 2), field.left(levels)})
+            EXPECT_FALSE(Reader::recover(bytes, QStringLiteral("film")));
+    }
+}
+
+TEST(Recover, ArchivesMayBeCutOffAtAnyDepth) {
+    const QByteArray archive = "<?xml version='1.0'?><Archive schemaVersion='60'>";
+    for (const int level : {1000, 200000}) {
+        auto recovered =
+            Reader::recover(archive + QByteArray("<RootObject type='A' objectId='1'>").repeated(level),
+                            QStringLiteral("film"));
+        if (recovered) {
+            const QByteArray saved = Reader::serialize(std::move(recovered->document)).bytes;
+            EXPECT_NO_THROW(Reader::parse(saved, QStringLiteral("film")));
+        }
+    }
+}
+
 } // namespace

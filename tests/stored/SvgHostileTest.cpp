@@ -420,10 +420,10 @@ TEST(SvgHostile, ManySiblings) {
         QString("<linearGradient><stop stop-color='red'/></linearGradient><use xlink:href='#a'/>"
                 "<g id='p' fill='red' stroke='red'><animate attributeName='x' values='p.posX;2' "
                 "begin='q.end'/></g>")
-            .repeated(10000) +
+            .repeated(4000) +
         "<adjustablePoint id='p' posX='1' posY='2'/></svg>";
     SvgImage image(text);
-    EXPECT_THAT(image.document()->animations(), SizeIs(10000));
+    EXPECT_THAT(image.document()->animations(), SizeIs(4000));
     image.setFillColor(Qt::blue);
     EXPECT_TRUE(image.toString().contains("fill=\"red\""));
 }

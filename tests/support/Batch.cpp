@@ -143,7 +143,7 @@ BackgroundRun::BackgroundRun(const QStringList& arguments, const QString& folder
 BackgroundRun::~BackgroundRun() {
     if (isRunning()) {
         m_process.kill();
-        m_process.waitForFinished();
+        m_process.waitForFinished(-1);
     }
 }
 
@@ -158,7 +158,7 @@ bool BackgroundRun::isRunning() {
 }
 
 int BackgroundRun::wait() {
-    m_process.waitForFinished(120000);
+    m_process.waitForFinished(600000);
     return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -2;
 }
 

@@ -26,7 +26,7 @@ inline Outcome runCommand(const QString& command, const QStringList& arguments, 
         return {-1, {}, process.errorString().toUtf8()};
     process.write(input);
     process.closeWriteChannel();
-    process.waitForFinished(120000);
+    process.waitForFinished(600000);
     const int code = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
     return {code, process.readAllStandardOutput(), process.readAllStandardError()};
 }
