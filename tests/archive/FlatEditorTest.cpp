@@ -5,7 +5,7 @@
 #include "Adaptors/JsonStep.h"
 #include "Reader/AdaptorTable.h"
 #include "Reader/Document.h"
-#include "support/Paths.h"
+#include "support/ProgramTest.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
