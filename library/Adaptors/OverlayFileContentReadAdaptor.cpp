@@ -1,7 +1,7 @@
 #include "Adaptors/OverlayFileContentReadAdaptor.h"
 
 #include "Archive/Internal/ArchiveEditor.h"
-#include "Archive/Internal/FlatObjects.h"
+#include "Archive/Internal/FlatEditor.h"
 #include "Archive/Internal/Reading.h"
 #include "Serialize/Json/FlatObject.h"
 
@@ -43,8 +43,8 @@ void OverlayFileContentReadAdaptor::convert(ArchiveEditor& archive) {
     }
 }
 
-void OverlayFileContentReadAdaptor::adapt(Serialize::Json::FlatObject& document) {
-    for (const auto& [id, item] : Archive::Internal::selectObjects(document, "Overlay::Item")) {
+void OverlayFileContentReadAdaptor::convert(Archive::Internal::FlatEditor& editor) {
+    for (const auto& [id, item] : editor.objects("Overlay::Item")) {
         nlohmann::json& text = item->at("encodedText");
         const auto name = QString::fromStdString(text.get<std::string>());
         if (name.startsWith(QLatin1String("content_")))

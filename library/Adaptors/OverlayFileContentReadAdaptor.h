@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Adaptors/AbstractAdaptorJson.h"
+#include "Adaptors/JsonStep.h"
 #include "Adaptors/XmlStep.h"
 
 #include <QByteArray>
@@ -9,16 +9,17 @@
 #include <functional>
 
 /// Runs after loading: replaces the names of side files in overlay items by the contents of these files.
-class OverlayFileContentReadAdaptor : public Bundle::XmlStep, public Bundle::AbstractAdaptorJson {
+class OverlayFileContentReadAdaptor : public Bundle::XmlStep, public Bundle::JsonStep {
 public:
     /// `readFile` gives the content of the side file of that name. It is called during adapt().
     explicit OverlayFileContentReadAdaptor(const std::function<QByteArray(const QString&)>& readFile);
 
+    using JsonStep::adapt;
     using XmlStep::adapt;
-    void adapt(Serialize::Json::FlatObject& document) override;
 
 protected:
     void convert(Archive::Internal::ArchiveEditor& archive) override;
+    void convert(Archive::Internal::FlatEditor& editor) override;
 
 private:
     std::function<QByteArray(const QString&)> m_readFile;

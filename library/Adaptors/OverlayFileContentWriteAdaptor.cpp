@@ -1,6 +1,6 @@
 #include "Adaptors/OverlayFileContentWriteAdaptor.h"
 
-#include "Archive/Internal/FlatObjects.h"
+#include "Archive/Internal/FlatEditor.h"
 
 namespace {
 
@@ -23,9 +23,9 @@ OverlayFileContentWriteAdaptor::OverlayFileContentWriteAdaptor(
     const std::function<bool(const QString&, const QByteArray&)>& writeFile)
     : m_writeFile(writeFile) {}
 
-void OverlayFileContentWriteAdaptor::adapt(Serialize::Json::FlatObject& document) {
+void OverlayFileContentWriteAdaptor::convert(Archive::Internal::FlatEditor& editor) {
     qulonglong files = 0;
-    for (const auto& [id, item] : Archive::Internal::selectObjects(document, "Overlay::Item")) {
+    for (const auto& [id, item] : editor.objects("Overlay::Item")) {
         nlohmann::json& encodedText = item->at("encodedText");
         const QString text = decoded(encodedText.get<std::string>());
         if (isFileName(text)) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Adaptors/AbstractAdaptorJson.h"
+#include "Adaptors/JsonStep.h"
 
 #include <QByteArray>
 #include <QString>
@@ -8,14 +8,15 @@
 #include <functional>
 
 /// Runs before saving: moves the SVG texts of overlay items to side files of a bundle.
-class OverlayFileContentWriteAdaptor : public Bundle::AbstractAdaptorJson {
+class OverlayFileContentWriteAdaptor : public Bundle::JsonStep {
 public:
     /// `writeFile` writes a side file of that name and content and returns whether it succeeded. If it fails,
     /// the text stays in the document. It is called during adapt().
     explicit OverlayFileContentWriteAdaptor(
         const std::function<bool(const QString&, const QByteArray&)>& writeFile);
 
-    void adapt(Serialize::Json::FlatObject& document) override;
+protected:
+    void convert(Archive::Internal::FlatEditor& editor) override;
 
 private:
     std::function<bool(const QString&, const QByteArray&)> m_writeFile;

@@ -134,7 +134,7 @@ constexpr AdaptorRow row(Stage stage, int number, std::string_view summary) {
             classNameOf<Adaptor>(),
             summary,
             maker<Bundle::XmlStep, Adaptor>(),
-            maker<Bundle::AbstractAdaptorJson, Adaptor>()};
+            maker<Bundle::JsonStep, Adaptor>()};
 }
 
 template <class Adaptor>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Adaptors/AbstractAdaptorJson.h"
 #include "Adaptors/Backend.h"
+#include "Adaptors/JsonStep.h"
 #include "Adaptors/PortableFolders.h"
 #include "Adaptors/XmlStep.h"
 
@@ -56,7 +56,7 @@ enum class Stage {
 class AdaptorRow {
 public:
     using MakeXml = std::unique_ptr<Bundle::XmlStep> (*)(const AdaptorContext&);
-    using MakeJson = std::unique_ptr<Bundle::AbstractAdaptorJson> (*)(const AdaptorContext&);
+    using MakeJson = std::unique_ptr<Bundle::JsonStep> (*)(const AdaptorContext&);
 
     constexpr AdaptorRow(Stage runsAt, int schemaVersion, std::string_view name, std::string_view sentence,
                          MakeXml xml, MakeJson json)
@@ -76,7 +76,7 @@ public:
     std::unique_ptr<Bundle::XmlStep> makeXml(const AdaptorContext& context = {}) const {
         return m_makeXml(context);
     }
-    std::unique_ptr<Bundle::AbstractAdaptorJson> makeJson(const AdaptorContext& context = {}) const {
+    std::unique_ptr<Bundle::JsonStep> makeJson(const AdaptorContext& context = {}) const {
         return m_makeJson(context);
     }
 

@@ -1,6 +1,7 @@
 #include "Reader/Migration.h"
 
 #include "Archive/Internal/ArchiveEditor.h"
+#include "Archive/Internal/FlatEditor.h"
 #include "Archive/Internal/Reading.h"
 #include "Reader/Conversion.h"
 #include "Reader/Error.h"
@@ -108,6 +109,7 @@ void Migration::run() {
         // Quirk: side files of a JSON document are read last, those of an archive first.
         runStage(Stage::AfterLoading, m_options.location);
     }
+    m_flat.reset(); // it refers to the document, which may move with this object
     compareResult();
 }
 
@@ -232,6 +234,7 @@ void Migration::runOnly(const std::string& className) {
         openArchive();
     repairBefore(Repairs::loading);
     runAdaptor(className, *row, contextAt(m_options.location));
+    m_flat.reset();
     m_report.steps.push_back(className);
     m_report.objectsAfter = countObjects(m_document);
 }
@@ -241,6 +244,7 @@ QByteArray Migration::save(bool toBundle) {
         runStage(Stage::BeforeSaving, m_options.target);
         if (toBundle)
             runStage(Stage::BeforeBundling, m_options.target);
+        m_flat.reset();
     }
     return write();
 }
@@ -293,6 +297,8 @@ bool Migration::makeRepair(const Repairs::RepairRow& row, const Repairs::Place& 
         const bool isNeeded = repair->find(m_document.json(), place);
         if (isNeeded)
             repair->repair(m_document.json(), changes);
+        if (isNeeded && m_flat)
+            m_flat->invalidate();
         return isNeeded;
     }
     if (!row.hasXml())
@@ -331,10 +337,13 @@ void Migration::runStage(Stage stage, const QString& location) {
 void Migration::runAdaptor(const std::string& name, const AdaptorRow& row, const AdaptorContext& context) {
     repairBefore(row.className);
     runNamed(name, [&] {
-        if (m_document.isXml())
+        if (m_document.isXml()) {
             row.makeXml(context)->apply(*m_archive);
-        else
-            row.makeJson(context)->adapt(m_document.json().flat);
+            return;
+        }
+        if (!m_flat)
+            m_flat = std::make_unique<Archive::Internal::FlatEditor>(m_document.json().flat);
+        row.makeJson(context)->apply(*m_flat);
     });
 }
 

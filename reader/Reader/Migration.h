@@ -19,7 +19,8 @@
 
 namespace Archive::Internal {
 class ArchiveEditor;
-}
+class FlatEditor;
+} // namespace Archive::Internal
 
 namespace Repairs {
 class Changes;
@@ -93,6 +94,7 @@ private:
     MigrationOptions m_options;
     Document m_document;
     std::unique_ptr<Archive::Internal::ArchiveEditor> m_archive; ///< null unless the document is an archive
+    std::unique_ptr<Archive::Internal::FlatEditor> m_flat;       ///< null unless adaptors on JSON are running
     MigrationReport m_report;
     LossTracker m_losses;
 };

@@ -1,12 +1,12 @@
 #include "Adaptors/Project/CollectionItemPreviewUrlsAdaptor.h"
 
-#include "Archive/Internal/FlatObjects.h"
+#include "Archive/Internal/FlatEditor.h"
 
 namespace Project {
 
-void CollectionItemPreviewUrlsAdaptor::adapt(Serialize::Json::FlatObject& document) {
+void CollectionItemPreviewUrlsAdaptor::convert(Archive::Internal::FlatEditor& editor) {
     // Quirk: existing URLs are removed, because the field is always set.
-    for (const auto& item : Archive::Internal::selectObjects(document, "Collection::Item"))
+    for (const auto& item : editor.objects("Collection::Item"))
         (*item.object)["previewUrls"] = nlohmann::json::array();
 }
 

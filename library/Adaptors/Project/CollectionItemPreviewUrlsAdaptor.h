@@ -1,14 +1,14 @@
 #pragma once
 
-#include "Adaptors/AbstractAdaptorJson.h"
+#include "Adaptors/JsonStep.h"
 
 namespace Project {
 
 /// Runs on request only: sets `previewUrls`, which old files may lack, of every "Collection::Item" to an
 /// empty list.
-class CollectionItemPreviewUrlsAdaptor : public Bundle::AbstractAdaptorJson {
-public:
-    void adapt(Serialize::Json::FlatObject& document) override;
+class CollectionItemPreviewUrlsAdaptor : public Bundle::JsonStep {
+protected:
+    void convert(Archive::Internal::FlatEditor& editor) override;
 };
 
 } // namespace Project

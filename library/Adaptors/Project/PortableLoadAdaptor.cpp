@@ -28,10 +28,10 @@ PortableLoadAdaptor::PortableLoadAdaptor(const QString& location) : m_location(l
 PortableLoadAdaptor::PortableLoadAdaptor(const QString& location, const Bundle::PortableFolders& folders)
     : m_location(location), m_folders(folders) {}
 
-void PortableLoadAdaptor::adapt(Serialize::Json::FlatObject& document) {
+void PortableLoadAdaptor::convert(Archive::Internal::FlatEditor& editor) {
     const QString base = FS::absolutePath(m_location);
     const PathRoots roots = Archive::Internal::pathRoots(m_folders);
-    Archive::Internal::convertPaths(document,
+    Archive::Internal::convertPaths(editor,
                                     [&](const QString& path) { return toAbsolute(path, base, roots); });
 }
 

@@ -24,10 +24,10 @@ PortableSaveAdaptor::PortableSaveAdaptor(const QString& location) : m_location(l
 PortableSaveAdaptor::PortableSaveAdaptor(const QString& location, const Bundle::PortableFolders& folders)
     : m_location(location), m_folders(folders) {}
 
-void PortableSaveAdaptor::adapt(Serialize::Json::FlatObject& document) {
+void PortableSaveAdaptor::convert(Archive::Internal::FlatEditor& editor) {
     const QString base = FS::absolutePath(m_location);
     const PathRoots roots = Archive::Internal::pathRoots(m_folders);
-    Archive::Internal::convertPaths(document,
+    Archive::Internal::convertPaths(editor,
                                     [&](const QString& path) { return toPortable(path, base, roots); });
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Adaptors/AbstractAdaptorJson.h"
+#include "Adaptors/JsonStep.h"
 #include "Adaptors/PortableFolders.h"
 
 #include <QString>
@@ -14,7 +14,7 @@ namespace Project {
 ///
 /// Threads: adaptors that were created with folders of their own may run in different threads at once. The
 /// settings belong to the process.
-class PortableSaveAdaptor : public Bundle::AbstractAdaptorJson {
+class PortableSaveAdaptor : public Bundle::JsonStep {
 public:
     /// `location` is the path of the project file; relative paths are relative to its folder. The editor's
     /// folders are read from the settings at each call of adapt().
@@ -24,7 +24,8 @@ public:
     PortableSaveAdaptor(const PortableSaveAdaptor&) = default;
     PortableSaveAdaptor& operator=(const PortableSaveAdaptor&) = default;
 
-    void adapt(Serialize::Json::FlatObject& document) override;
+protected:
+    void convert(Archive::Internal::FlatEditor& editor) override;
 
 private:
     QString m_location;

@@ -1,7 +1,7 @@
 #include "Adaptors/Project/V60_CollectionItemDescriptionAdaptor.h"
 
 #include "Archive/Internal/ArchiveEditor.h"
-#include "Archive/Internal/FlatObjects.h"
+#include "Archive/Internal/FlatEditor.h"
 #include "Archive/Internal/Reading.h"
 #include "Archive/Xml.h"
 
@@ -12,7 +12,6 @@
 #include <string>
 
 using namespace Archive::Internal;
-using Serialize::Json::FlatObject;
 
 namespace Project {
 namespace {
@@ -51,21 +50,19 @@ void describeRootObjects(ArchiveEditor& archive, const QString& type, const QSet
 /// Quirk: an item without a reference excludes all objects without an id.
 using ExcludedIds = std::set<std::optional<unsigned long long>>;
 
-ExcludedIds themeIds(FlatObject& document) {
+ExcludedIds themeIds(FlatEditor& editor) {
     ExcludedIds ids;
-    for (const auto& item : selectObjects(document, "Collection::PersistentItem::Import::Object")) {
+    for (const auto& item : editor.objects("Collection::PersistentItem::Import::Object")) {
         if (memberOf(*item.object, "collectionId").get<std::string>() == "Themes")
             ids.insert(Serialize::Json::getReferenceObjectId(memberOf(*item.object, "item")));
     }
     return ids;
 }
 
-void describeObjects(FlatObject& document, const std::set<std::string>& classes,
-                     const ExcludedIds& excluded) {
-    for (auto& [id, object] : document.objects) {
-        const std::string* name = Serialize::Json::classNameOf(object);
-        if (name && classes.count(*name) > 0 && excluded.count(Serialize::Json::getObjectId(object)) == 0)
-            object["description"] = memberOf(object, "tag").get<std::string>();
+void describeObjects(FlatEditor& editor, const std::set<std::string>& classes, const ExcludedIds& excluded) {
+    for (const auto& [id, object] : editor.objects(classes)) {
+        if (excluded.count(Serialize::Json::getObjectId(*object)) == 0)
+            (*object)["description"] = memberOf(*object, "tag").get<std::string>();
     }
 }
 
@@ -79,12 +76,12 @@ void V60_CollectionItemDescriptionAdaptor::convert(ArchiveEditor& archive) {
         describeRootObjects(archive, "Import::Object", excluded);
 }
 
-void V60_CollectionItemDescriptionAdaptor::adapt(FlatObject& document) {
-    const ExcludedIds excluded = themeIds(document);
+void V60_CollectionItemDescriptionAdaptor::convert(FlatEditor& editor) {
+    const ExcludedIds excluded = themeIds(editor);
     std::set<std::string> classes = {"Effect::Object", "Transition::Object", "Overlay::Preset"};
-    if (!document.firstObjectByClassName("Project::Content"))
+    if (editor.objects("Project::Content").empty())
         classes.insert("Import::Object");
-    describeObjects(document, classes, excluded);
+    describeObjects(editor, classes, excluded);
 }
 
 } // namespace Project

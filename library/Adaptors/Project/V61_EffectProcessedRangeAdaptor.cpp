@@ -1,9 +1,8 @@
 #include "Adaptors/Project/V61_EffectProcessedRangeAdaptor.h"
 
 #include "Archive/Internal/ArchiveEditor.h"
-#include "Archive/Internal/FlatObjects.h"
+#include "Archive/Internal/FlatEditor.h"
 #include "Archive/Internal/Reading.h"
-#include "Serialize/Json/FlatObject.h"
 
 #include <QHash>
 
@@ -48,8 +47,9 @@ void V61_EffectProcessedRangeAdaptor::convert(ArchiveEditor& archive) {
     }
 }
 
-void V61_EffectProcessedRangeAdaptor::adapt(Serialize::Json::FlatObject& document) {
-    for (const auto& selected : selectObjects(document, effectClass)) {
+void V61_EffectProcessedRangeAdaptor::convert(FlatEditor& editor) {
+    Serialize::Json::FlatObject& document = editor.document();
+    for (const auto& selected : editor.objects(effectClass)) {
         nlohmann::json* range = document.createObject(rangeClass);
         (*range)["from"] = rangeFrom;
         (*range)["to"] = rangeTo;

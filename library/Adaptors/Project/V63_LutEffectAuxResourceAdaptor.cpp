@@ -1,6 +1,6 @@
 #include "Adaptors/Project/V63_LutEffectAuxResourceAdaptor.h"
 
-#include "Archive/Internal/FlatObjects.h"
+#include "Archive/Internal/FlatEditor.h"
 #include "Stored/V57/ResourceType.h"
 
 #include <cstdint>
@@ -45,9 +45,9 @@ void moveCube(FlatObject& document, json& lut) {
 
 } // namespace
 
-void V63_LutEffectAuxResourceAdaptor::adapt(FlatObject& document) {
-    for (const auto& lut : selectObjects(document, "Effect::Lut"))
-        moveCube(document, *lut.object);
+void V63_LutEffectAuxResourceAdaptor::convert(FlatEditor& editor) {
+    for (const auto& lut : editor.objects("Effect::Lut"))
+        moveCube(editor.document(), *lut.object);
 }
 
 } // namespace Project

@@ -1,11 +1,11 @@
 #include "Adaptors/Project/V64_OverlayPayloadFontDirAdaptor.h"
 
-#include "Archive/Internal/FlatObjects.h"
+#include "Archive/Internal/FlatEditor.h"
 
 namespace Project {
 
-void V64_OverlayPayloadFontDirAdaptor::adapt(Serialize::Json::FlatObject& document) {
-    for (const auto& [id, preset] : Archive::Internal::selectObjects(document, "Overlay::Preset"))
+void V64_OverlayPayloadFontDirAdaptor::convert(Archive::Internal::FlatEditor& editor) {
+    for (const auto& [id, preset] : editor.objects("Overlay::Preset"))
         (*preset)["fontsDir"] = "";
 }
 

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "Adaptors/AbstractAdaptorJson.h"
+#include "Adaptors/JsonStep.h"
 
 namespace Project {
 
 /// Version 64: an overlay preset can have fonts of its own, so each gets an empty `fontsDir`.
-class V64_OverlayPayloadFontDirAdaptor : public Bundle::AbstractAdaptorJson {
-public:
-    void adapt(Serialize::Json::FlatObject& document) override;
+class V64_OverlayPayloadFontDirAdaptor : public Bundle::JsonStep {
+protected:
+    void convert(Archive::Internal::FlatEditor& editor) override;
 };
 
 } // namespace Project

@@ -1,11 +1,11 @@
 #include "Adaptors/Project/V64_OverlayResourceInfoAdaptor.h"
 
-#include "Archive/Internal/FlatObjects.h"
+#include "Archive/Internal/FlatEditor.h"
 
 namespace Project {
 
-void V64_OverlayResourceInfoAdaptor::adapt(Serialize::Json::FlatObject& document) {
-    for (const auto& [id, item] : Archive::Internal::selectObjects(document, "Overlay::Item"))
+void V64_OverlayResourceInfoAdaptor::convert(Archive::Internal::FlatEditor& editor) {
+    for (const auto& [id, item] : editor.objects("Overlay::Item"))
         (*item)["resourcesInfo"] = nlohmann::json::array();
 }
 

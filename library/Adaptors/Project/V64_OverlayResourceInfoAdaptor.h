@@ -1,13 +1,13 @@
 #pragma once
 
-#include "Adaptors/AbstractAdaptorJson.h"
+#include "Adaptors/JsonStep.h"
 
 namespace Project {
 
 /// Version 64: an overlay item lists the resources that it uses, so each gets an empty `resourcesInfo`.
-class V64_OverlayResourceInfoAdaptor : public Bundle::AbstractAdaptorJson {
-public:
-    void adapt(Serialize::Json::FlatObject& document) override;
+class V64_OverlayResourceInfoAdaptor : public Bundle::JsonStep {
+protected:
+    void convert(Archive::Internal::FlatEditor& editor) override;
 };
 
 } // namespace Project

@@ -1,14 +1,14 @@
 #pragma once
 
-#include "Adaptors/AbstractAdaptorJson.h"
+#include "Adaptors/JsonStep.h"
 
 namespace Project {
 
 /// Version 67: a clip names the collection item that it was created from, so every "Timeline::Clip" gets such
 /// an info.
-class V67_ClipCollectionItemInfoAdaptor : public Bundle::AbstractAdaptorJson {
-public:
-    void adapt(Serialize::Json::FlatObject& document) override;
+class V67_ClipCollectionItemInfoAdaptor : public Bundle::JsonStep {
+protected:
+    void convert(Archive::Internal::FlatEditor& editor) override;
 };
 
 } // namespace Project

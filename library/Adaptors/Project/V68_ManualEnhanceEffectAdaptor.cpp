@@ -1,13 +1,12 @@
 #include "Adaptors/Project/V68_ManualEnhanceEffectAdaptor.h"
 
-#include "Archive/Internal/FlatObjects.h"
+#include "Archive/Internal/FlatEditor.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
 using nlohmann::json;
-using Serialize::Json::FlatObject;
 
 namespace Project {
 namespace {
@@ -61,8 +60,8 @@ constexpr Parameter parameters[] = {
 
 } // namespace
 
-void V68_ManualEnhanceEffectAdaptor::adapt(FlatObject& document) {
-    for (const auto& effect : Archive::Internal::selectObjects(document, "Effect::ManualEnhance")) {
+void V68_ManualEnhanceEffectAdaptor::convert(Archive::Internal::FlatEditor& editor) {
+    for (const auto& effect : editor.objects("Effect::ManualEnhance")) {
         for (const Parameter& parameter : parameters) {
             const auto value = effect.object->find(parameter.key);
             if (value != effect.object->end())

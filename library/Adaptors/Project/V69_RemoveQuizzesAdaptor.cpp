@@ -2,7 +2,7 @@
 
 #include "Adaptors/Project/Internal/QuizFiller.h"
 #include "Archive/Internal/EntryFilter.h"
-#include "Archive/Internal/FlatObjects.h"
+#include "Archive/Internal/FlatEditor.h"
 #include "MTime/MTime.h"
 
 #include <algorithm>
@@ -167,10 +167,10 @@ json QuizRemoval::trackForFiller(const json& timeline) {
 
 } // namespace
 
-void V69_RemoveQuizzesAdaptor::adapt(FlatObject& document) {
-    const auto timelines = selectObjects(document, "Timeline::Object");
+void V69_RemoveQuizzesAdaptor::convert(FlatEditor& editor) {
+    const auto timelines = editor.objects("Timeline::Object");
     if (!timelines.empty())
-        QuizRemoval(document).removeFrom(timelines.front().id);
+        QuizRemoval(editor.document()).removeFrom(timelines.front().id);
 }
 
 } // namespace Project

@@ -1,11 +1,10 @@
 #include "Adaptors/Project/V71_ImportBlendAndTransformAdaptor.h"
 
-#include "Archive/Internal/FlatObjects.h"
+#include "Archive/Internal/FlatEditor.h"
 #include "Archive/Internal/Transforms.h"
 #include "Archive/Json.h"
 
 using nlohmann::json;
-using Serialize::Json::FlatObject;
 
 namespace Project {
 namespace {
@@ -14,11 +13,11 @@ constexpr int plainBlending = 5;
 
 } // namespace
 
-void V71_ImportBlendAndTransformAdaptor::adapt(FlatObject& document) {
-    for (const auto& import : Archive::Internal::selectObjects(document, "Import::Object")) {
+void V71_ImportBlendAndTransformAdaptor::convert(Archive::Internal::FlatEditor& editor) {
+    for (const auto& import : editor.objects("Import::Object")) {
         json& object = *import.object;
         object["blendingMode"] = plainBlending;
-        object["transform"] = Archive::createRef(document, Archive::Internal::identityTransform);
+        object["transform"] = Archive::createRef(editor.document(), Archive::Internal::identityTransform);
     }
 }
 

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "Adaptors/AbstractAdaptorJson.h"
+#include "Adaptors/JsonStep.h"
 
 namespace Project {
 
 /// Version 71: an import has a `blendingMode` and a `transform`, so every `Import::Object` gets the defaults.
-class V71_ImportBlendAndTransformAdaptor : public Bundle::AbstractAdaptorJson {
-public:
-    void adapt(Serialize::Json::FlatObject& document) override;
+class V71_ImportBlendAndTransformAdaptor : public Bundle::JsonStep {
+protected:
+    void convert(Archive::Internal::FlatEditor& editor) override;
 };
 
 } // namespace Project

@@ -1,6 +1,6 @@
 #include "Adaptors/Project/V72_TrackTypeAdaptor.h"
 
-#include "Archive/Internal/FlatObjects.h"
+#include "Archive/Internal/FlatEditor.h"
 #include "Archive/Internal/JsonFields.h"
 
 #include <algorithm>
@@ -26,7 +26,7 @@ constexpr TrackType trackTypes[] = {
 // clang-format on
 
 // Quirk: any other type, and one that is no number, becomes 0.
-int convert(const json& type) {
+int newType(const json& type) {
     if (!type.is_number())
         return 0;
     const long long before = Archive::Internal::toInteger(type);
@@ -36,10 +36,10 @@ int convert(const json& type) {
 
 } // namespace
 
-void V72_TrackTypeAdaptor::adapt(Serialize::Json::FlatObject& document) {
-    for (const auto& track : Archive::Internal::selectObjects(document, "Timeline::Track")) {
+void V72_TrackTypeAdaptor::convert(Archive::Internal::FlatEditor& editor) {
+    for (const auto& track : editor.objects("Timeline::Track")) {
         json& type = (*track.object)["type"];
-        type = convert(type);
+        type = newType(type);
     }
 }
 

@@ -1,6 +1,6 @@
 #include "Adaptors/Project/V77_TitlesTrackAdaptor.h"
 
-#include "Archive/Internal/FlatObjects.h"
+#include "Archive/Internal/FlatEditor.h"
 #include "Archive/Internal/JsonFields.h"
 #include "Archive/Internal/JsonValues.h"
 
@@ -158,9 +158,9 @@ private:
 
 } // namespace
 
-void V77_TitlesTrackAdaptor::adapt(FlatObject& document) {
-    for (const auto& timeline : selectObjects(document, "Timeline::Object"))
-        TitlesMove(document, timeline).run();
+void V77_TitlesTrackAdaptor::convert(FlatEditor& editor) {
+    for (const auto& timeline : editor.objects("Timeline::Object"))
+        TitlesMove(editor.document(), timeline).run();
 }
 
 } // namespace Project

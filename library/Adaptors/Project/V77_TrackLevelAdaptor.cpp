@@ -1,6 +1,6 @@
 #include "Adaptors/Project/V77_TrackLevelAdaptor.h"
 
-#include "Archive/Internal/FlatObjects.h"
+#include "Archive/Internal/FlatEditor.h"
 #include "Archive/Internal/JsonFields.h"
 #include "Archive/Internal/JsonValues.h"
 #include "Archive/Json.h"
@@ -26,11 +26,11 @@ constexpr long long levelledTrack = 4; // Quirk: clips stay on this track and lo
 /// Creates a clone of a track for each of its levels.
 class LevelTracks {
 public:
-    explicit LevelTracks(FlatObject& document) : m_document(document) {}
+    explicit LevelTracks(FlatEditor& editor) : m_editor(editor), m_document(editor.document()) {}
 
     /// Moves each timing with a level to the clone for that level.
     void moveTimings() {
-        for (const auto& timing : selectObjects(m_document, "Timeline::ClipTiming"))
+        for (const auto& timing : m_editor.objects("Timeline::ClipTiming"))
             moveTiming(*timing.object);
     }
 
@@ -38,7 +38,7 @@ public:
     void listClones() {
         if (m_timelines.empty())
             return;
-        for (const auto& timeline : selectObjects(m_document, "Timeline::Object")) {
+        for (const auto& timeline : m_editor.objects("Timeline::Object")) {
             const auto id = getAnyObjectId(*timeline.object);
             if (id && m_timelines.count(*id) > 0) {
                 m_rewritten.insert(timeline.id);
@@ -112,6 +112,7 @@ private:
         }
     }
 
+    FlatEditor& m_editor;
     FlatObject& m_document;
     std::unordered_map<Id, std::map<int, Id>> m_clones; ///< by track and level
     std::unordered_set<Id> m_timelines;                 ///< timelines with a clone
@@ -120,8 +121,8 @@ private:
 
 } // namespace
 
-void V77_TrackLevelAdaptor::adapt(FlatObject& document) {
-    LevelTracks levels(document);
+void V77_TrackLevelAdaptor::convert(FlatEditor& editor) {
+    LevelTracks levels(editor);
     levels.moveTimings();
     levels.listClones();
 }

@@ -1,6 +1,6 @@
 #include "Adaptors/Project/V77_TrackUsedAdaptor.h"
 
-#include "Archive/Internal/FlatObjects.h"
+#include "Archive/Internal/FlatEditor.h"
 #include "Archive/Internal/JsonFields.h"
 #include "Archive/Json.h"
 
@@ -8,18 +8,17 @@
 #include <vector>
 
 using nlohmann::json;
-using Serialize::Json::FlatObject;
 using Serialize::Json::getAnyObjectId;
 
 namespace Project {
 namespace {
 
-using Archive::Internal::selectObjects;
+using Archive::Internal::FlatEditor;
 using Ids = std::unordered_set<unsigned long long>;
 
-Ids collectUnused(FlatObject& document) {
+Ids collectUnused(FlatEditor& editor) {
     Ids unused;
-    for (const auto& track : selectObjects(document, "Timeline::Track")) {
+    for (const auto& track : editor.objects("Timeline::Track")) {
         if ((*track.object)["used"].get<bool>())
             continue;
         if (const auto id = getAnyObjectId(*track.object))
@@ -34,8 +33,8 @@ void renameFades(json& timing) {
 }
 
 /// Renames the fields of the timings, and removes the tracks that they are on from `unused`.
-void keepOccupied(FlatObject& document, Ids& unused) {
-    for (const auto& timing : selectObjects(document, "Timeline::ClipTiming")) {
+void keepOccupied(FlatEditor& editor, Ids& unused) {
+    for (const auto& timing : editor.objects("Timeline::ClipTiming")) {
         renameFades(*timing.object);
         if (const auto track = getAnyObjectId(Archive::Internal::memberOf(*timing.object, "track")))
             unused.erase(*track);
@@ -44,8 +43,8 @@ void keepOccupied(FlatObject& document, Ids& unused) {
 
 // Quirk: a track is removed from the lists only; its object stays. `used` stays false on a track that is
 // kept.
-void dropTracks(FlatObject& document, const Ids& unused) {
-    for (const auto& timeline : selectObjects(document, "Timeline::Object")) {
+void dropTracks(FlatEditor& editor, const Ids& unused) {
+    for (const auto& timeline : editor.objects("Timeline::Object")) {
         auto* tracks = Archive::Internal::listOf(*timeline.object, "tracks");
         if (!tracks)
             continue;
@@ -58,10 +57,10 @@ void dropTracks(FlatObject& document, const Ids& unused) {
 
 } // namespace
 
-void V77_TrackUsedAdaptor::adapt(FlatObject& document) {
-    Ids unused = collectUnused(document);
-    keepOccupied(document, unused);
-    dropTracks(document, unused);
+void V77_TrackUsedAdaptor::convert(FlatEditor& editor) {
+    Ids unused = collectUnused(editor);
+    keepOccupied(editor, unused);
+    dropTracks(editor, unused);
 }
 
 } // namespace Project

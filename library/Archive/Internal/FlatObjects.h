@@ -1,7 +1,6 @@
 #pragma once
 
-// Selecting and looking up objects and members of the flat document, for the JSON steps. A lookup never
-// creates a missing key.
+// Selecting and looking up objects and members of the flat document. A lookup never creates a missing key.
 
 #include "Serialize/Json/FlatObject.h"
 
@@ -15,8 +14,7 @@ struct SelectedObject {
     nlohmann::json* object;
 };
 
-/// All objects of that class, by ascending id. Steps that create objects use this order, so that new ids are
-/// the same on every run.
+/// All objects of that class, by ascending id. Searches the whole document; steps ask their FlatEditor instead.
 std::vector<SelectedObject> selectObjects(Serialize::Json::FlatObject& document,
                                           const std::string& className);
 

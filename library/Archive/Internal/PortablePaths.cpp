@@ -1,10 +1,12 @@
 #include "Archive/Internal/PortablePaths.h"
 
-#include "Archive/Internal/FlatObjects.h"
+#include "Archive/Internal/FlatEditor.h"
 #include "Settings/Settings.h"
 
 #include <algorithm>
+#include <set>
 #include <string>
+#include <string_view>
 
 using nlohmann::json;
 
@@ -53,16 +55,15 @@ PathRoots pathRoots(const std::optional<Bundle::PortableFolders>& folders) {
     }};
 }
 
-void convertPaths(Serialize::Json::FlatObject& document,
-                  const std::function<QString(const QString&)>& convert) {
-    for (auto& [id, object] : document.objects) {
-        const std::string* name = Serialize::Json::classNameOf(object);
-        if (!name)
-            continue;
-        const auto* row = std::find_if(std::begin(pathFields), std::end(pathFields),
-                                       [&](const PathFields& fields) { return *name == fields.className; });
-        if (row != std::end(pathFields))
-            convertObject(object, *row, convert);
+void convertPaths(FlatEditor& editor, const std::function<QString(const QString&)>& convert) {
+    std::set<std::string> classes;
+    for (const PathFields& row : pathFields)
+        classes.insert(row.className);
+    for (const auto& [id, object] : editor.objects(classes)) {
+        const auto* row =
+            std::ranges::find(pathFields, *Serialize::Json::classNameOf(*object),
+                              [](const PathFields& fields) { return std::string_view(fields.className); });
+        convertObject(*object, *row, convert);
     }
 }
 

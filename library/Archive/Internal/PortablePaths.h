@@ -4,7 +4,6 @@
 // with paths.
 
 #include "Adaptors/PortableFolders.h"
-#include "Serialize/Json/FlatObject.h"
 
 #include <QString>
 
@@ -13,6 +12,8 @@
 #include <optional>
 
 namespace Archive::Internal {
+
+class FlatEditor;
 
 /// A folder of the installed editor and its marker in saved paths.
 struct PathRoot {
@@ -28,7 +29,6 @@ PathRoots pathRoots(const std::optional<Bundle::PortableFolders>& folders);
 
 /// Replaces the value of every path field of the document by the result of `convert`. The `description` of an
 /// import is set to its path. Throws the JSON type error for a path field that is no string.
-void convertPaths(Serialize::Json::FlatObject& document,
-                  const std::function<QString(const QString&)>& convert);
+void convertPaths(FlatEditor& editor, const std::function<QString(const QString&)>& convert);
 
 } // namespace Archive::Internal
