@@ -251,10 +251,13 @@ private:
     }
 
     void listLinks(const Context& context, FlatView::Value timeline) {
+        std::unordered_map<unsigned long long, std::string> names;
+        for (const TimelineClip& clip : context.timeline.clips)
+            names.emplace(clip.id, clip.name);
         for (const char* name : {"links", "trackingLinks"}) {
             for (const FlatView::Value link : FlatView::items(FlatView::field(timeline, FieldName(name)))) {
                 const unsigned long long id = FlatView::targetId(FlatView::field(link, m_slaveField));
-                omit(context, Kind::Link, id, {}, name);
+                omit(context, Kind::Link, id, names[id], name);
             }
         }
     }
