@@ -41,7 +41,8 @@ std::string_view meaningOf(Omission::Kind kind) {
 
 /// `"Beach" (cropEnvelope)`
 std::string subjectText(const Omission& omission) {
-    std::string text = omission.name.empty() ? "id " + std::to_string(omission.object) : inQuotes(omission.name);
+    std::string text =
+        omission.name.empty() ? "id " + std::to_string(omission.object) : inQuotes(omission.name);
     if (!omission.detail.empty())
         text += " (" + Phrases::shortText(omission.detail) + ')';
     return text;

@@ -30,9 +30,11 @@ using Kind = Omission::Kind;
 
 /// Times up to this number of milliseconds, 285 years, are exact in all that readers compute with them.
 constexpr long long greatestTime = 9'007'199'254'740;
-constexpr int mostNestedTimelines = 32;
-/// How many tracks and clips of timelines that were written already are written again, in all.
-constexpr std::size_t mostRepeatedItems = 10'000;
+constexpr std::size_t mostNestedTimelines = 16;
+/// How many tracks and clips of timelines that were written already are written again: so many, and so many for each
+/// clip of the project.
+constexpr std::size_t repeatedItems = 1'000;
+constexpr std::size_t repeatedItemsOfClip = 10;
 
 bool isExact(long long time) {
     return time >= -greatestTime && time <= greatestTime;
@@ -48,7 +50,8 @@ class Times {
 public:
     explicit Times(const std::optional<double>& frameRate) {
         constexpr double greatestRate = 1000;
-        if (frameRate && *frameRate >= 1 && *frameRate <= greatestRate && *frameRate == std::floor(*frameRate))
+        if (frameRate && *frameRate >= 1 && *frameRate <= greatestRate &&
+            *frameRate == std::floor(*frameRate))
             m_rate = static_cast<long long>(*frameRate);
     }
 
@@ -113,8 +116,10 @@ public:
             m_places.emplace(m_timelines[place].id, place);
         for (const FlatView::Value object : m_view.ofClass(QStringLiteral("Timeline::Object")))
             m_objects.emplace(FlatView::idOf(object), object);
-        for (const Timeline& timeline : m_timelines)
+        for (const Timeline& timeline : m_timelines) {
             reserveParts(timeline);
+            m_repeatableItems += repeatedItemsOfClip * timeline.clips.size();
+        }
     }
 
     TimelineExport write() {
@@ -184,7 +189,8 @@ private:
 
     /// The tracks of a timeline, with nothing around them.
     Json stack(const Timeline& timeline) {
-        Context context{timeline, Times(timeline.frameRate), {}, {}, m_writtenTimelines.insert(timeline.id).second};
+        Context context{
+            timeline, Times(timeline.frameRate), {}, {}, m_writtenTimelines.insert(timeline.id).second};
         ++m_result.timelines;
         m_path.insert(timeline.id);
         for (const TimelineClip& clip : timeline.clips) {
@@ -234,7 +240,8 @@ private:
     }
 
     static std::unordered_set<std::size_t> leftTransitions(const Context& context) {
-        std::unordered_set<std::size_t> left(context.joined.misplaced.begin(), context.joined.misplaced.end());
+        std::unordered_set<std::size_t> left(context.joined.misplaced.begin(),
+                                             context.joined.misplaced.end());
         left.insert(context.joined.tooLong.begin(), context.joined.tooLong.end());
         return left;
     }
@@ -303,8 +310,8 @@ private:
         const Track& facts = context.timeline.tracks[place.track];
         const bool isAudio = facts.kind == TrackKind::Audio;
         const std::string kind(nameOf(facts.kind));
-        Json result = item("Track.1", {}, kind + (place.level == 0 ? "" : ' ' + std::to_string(place.level)),
-                           nullptr);
+        Json result =
+            item("Track.1", {}, kind + (place.level == 0 ? "" : ' ' + std::to_string(place.level)), nullptr);
         result["enabled"] = !(isAudio ? facts.isMuted : facts.isHidden);
         if (place.lane == 0 && (isAudio ? facts.isHidden : facts.isMuted))
             omit(context, isAudio ? Kind::TrackHidden : Kind::TrackMuted, facts.id, kind);
@@ -433,11 +440,11 @@ private:
         if (m_writtenTimelines.contains(clip.nested)) {
             const Timeline& nested = m_timelines[place->second];
             const std::size_t items = 1 + nested.tracks.size() + nested.clips.size();
-            if (m_repeatedItems + items > mostRepeatedItems) {
+            if (items > m_repeatableItems) {
                 omit(context, Kind::NestedSize, clip);
                 return false;
             }
-            m_repeatedItems += items;
+            m_repeatableItems -= items;
         }
         return true;
     }
@@ -480,14 +487,15 @@ private:
     }
 
     Json mediaReference(const Context& context, const TimelineClip& clip) {
-        const bool isGenerated = clip.media.empty() && (clip.kind == ClipKind::Title || clip.kind == ClipKind::Intro ||
-                                                        clip.kind == ClipKind::Outro || !clip.texts.empty());
+        const bool isGenerated =
+            clip.media.empty() && (clip.kind == ClipKind::Title || clip.kind == ClipKind::Intro ||
+                                   clip.kind == ClipKind::Outro || !clip.texts.empty());
         const bool hasMarker = Exchange::hasFolderMarker(clip.media);
         if (hasMarker)
             omit(context, Kind::MediaFolder, clip, clip.media);
-        const std::string_view schema = isGenerated                          ? "GeneratorReference.1"
+        const std::string_view schema = isGenerated                       ? "GeneratorReference.1"
                                         : hasMarker || clip.media.empty() ? "MissingReference.1"
-                                                                             : "ExternalReference.1";
+                                                                          : "ExternalReference.1";
         const std::string name = m_copies.text(clip.media.substr(clip.media.find_last_of("/\\") + 1));
         Json reference = {{"OTIO_SCHEMA", schema},
                           {"metadata", Json::object()},
@@ -535,9 +543,10 @@ private:
     }
 
     /// Fields of a clip that other programs don't see: they are only in its metadata.
-    const std::array<FieldName, 7> m_clipFeatures = {
-        FieldName("cropEnvelope"), FieldName("moveEnvelope"), FieldName("volumeEnvelope"),
-        FieldName("stabilization"), FieldName("rhythm"), FieldName("quiz"), FieldName("motionTrackings")};
+    const std::array<FieldName, 7> m_clipFeatures = {FieldName("cropEnvelope"),   FieldName("moveEnvelope"),
+                                                     FieldName("volumeEnvelope"), FieldName("stabilization"),
+                                                     FieldName("rhythm"),         FieldName("quiz"),
+                                                     FieldName("motionTrackings")};
     const FieldName m_labelsField{"labels"};
     const FieldName m_slaveField{"slave"};
     const FieldName m_clipsField{"clips"};
@@ -547,22 +556,26 @@ private:
     const std::vector<Timeline> m_timelines;
     ObjectCopies m_copies;
     TimelineExport m_result;
-    std::unordered_map<unsigned long long, std::size_t> m_places;         ///< in m_timelines, by id
-    std::unordered_map<unsigned long long, FlatView::Value> m_objects;    ///< of timelines, by id
+    std::unordered_map<unsigned long long, std::size_t> m_places;      ///< in m_timelines, by id
+    std::unordered_map<unsigned long long, FlatView::Value> m_objects; ///< of timelines, by id
     std::unordered_set<unsigned long long> m_writtenTimelines;
     std::unordered_set<unsigned long long> m_path; ///< timelines that are being written
     std::set<std::tuple<Kind, unsigned long long, unsigned long long, std::string>> m_omitted;
-    std::size_t m_repeatedItems = 0;
+    std::size_t m_repeatableItems = repeatedItems;
 };
 
 } // namespace
 
 std::string_view nameOf(Omission::Kind kind) {
-    constexpr std::array<std::string_view, 18> names = {
-        "clip-place",      "clip-length",       "source-range", "media-range",  "media-folder", "nested-missing",
-        "nested-circle",   "nested-depth",      "nested-size",  "transition-place", "transition-length",
-        "track-muted",     "track-hidden",      "label",        "clip-feature", "link",         "unused-timeline",
-        "text"};
+    constexpr std::array<std::string_view, 18> names = {"clip-place",        "clip-length",
+                                                        "source-range",      "media-range",
+                                                        "media-folder",      "nested-missing",
+                                                        "nested-circle",     "nested-depth",
+                                                        "nested-size",       "transition-place",
+                                                        "transition-length", "track-muted",
+                                                        "track-hidden",      "label",
+                                                        "clip-feature",      "link",
+                                                        "unused-timeline",   "text"};
     return names[static_cast<std::size_t>(kind)];
 }
 

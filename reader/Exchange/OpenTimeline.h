@@ -17,11 +17,11 @@ namespace Reader {
 /// metadata.
 struct Omission {
     enum class Kind {
-        ClipPlace,        ///< the clip begins before 0, or beyond what a number can say exactly: it is on no track
-        ClipLength,       ///< the clip's duration is negative: it has none in the export
-        SourceRange,      ///< where the clip begins in its source can't be said exactly: 0 in the export
-        MediaRange,       ///< how long the clip's media are can't be said exactly
-        MediaFolder,      ///< the path of the clip's file begins with a marker of an unknown folder
+        ClipPlace,   ///< the clip begins before 0, or beyond what a number can say exactly: it is on no track
+        ClipLength,  ///< the clip's duration is negative: it has none in the export
+        SourceRange, ///< where the clip begins in its source can't be said exactly: 0 in the export
+        MediaRange,  ///< how long the clip's media are can't be said exactly
+        MediaFolder, ///< the path of the clip's file begins with a marker of an unknown folder
         NestedMissing,    ///< the timeline that the clip shows is not there
         NestedCircle,     ///< the timeline shows itself
         NestedDepth,      ///< too many timelines in each other
@@ -34,7 +34,7 @@ struct Omission {
         ClipFeature,      ///< a field of the clip, such as an animation; `detail` is its name
         Link,             ///< a clip moves with another
         UnusedTimeline,   ///< no clip shows the timeline
-        Text,             ///< a text had characters that can't be written and were replaced; of the whole project
+        Text, ///< a text had characters that can't be written and were replaced; of the whole project
     };
 
     Kind kind;

@@ -65,10 +65,11 @@ TEST_F(ExportTest, SaysWhatTheFormatHasNoWordsFor) {
 TEST_F(ExportTest, LossesHaveTheExitCodesOfMigrate) {
     // Its second timeline is nested nowhere, so that its clip is lost.
     write("film.xml",
-          archive("<RootObject type='Timeline::Object' objectId='7'><clips type='Array' size='1'><Item>"
-                  "<Key type='ObjectRef' value='8'/><Value type='int32_t' value='0'/></Item></clips></RootObject>"
-                  "<RootObject type='Timeline::Clip' objectId='8'><name type='String' value='Harbour'/>"
-                  "</RootObject>"));
+          archive(
+              "<RootObject type='Timeline::Object' objectId='7'><clips type='Array' size='1'><Item>"
+              "<Key type='ObjectRef' value='8'/><Value type='int32_t' value='0'/></Item></clips></RootObject>"
+              "<RootObject type='Timeline::Clip' objectId='8'><name type='String' value='Harbour'/>"
+              "</RootObject>"));
     EXPECT_EQ(run({"export", "film.xml", "--strict", "-o", "strict.otio"}).exitCode, 14);
     EXPECT_FALSE(exists("strict.otio"));
     EXPECT_EQ(run({"export", "film.xml"}).exitCode, run({"migrate", "film.xml"}).exitCode);

@@ -16,7 +16,7 @@ using Tests::Screen;
 
 namespace {
 
-const QStringList commands = {"migrate", "steps",    "run",    "info",    "verify",  "trace", "diff",
+const QStringList commands = {"migrate", "steps",    "run",    "info",    "verify",  "trace",  "diff",
                               "explain", "timeline", "report", "repairs", "restore", "export", "help"};
 
 class HelpTest : public Tests::ProgramTest {

@@ -64,7 +64,9 @@ json timeline(int id, int firstClip, const std::vector<Entry>& entries, json fie
 
 Reader::Document document(json content) {
     return Reader::Document(
-        Reader::openEnvelope({{"version", "1.0"}, {"schemaVersion", 77}, {"data", std::move(content)}}, "film"), 77);
+        Reader::openEnvelope({{"version", "1.0"}, {"schemaVersion", 77}, {"data", std::move(content)}},
+                             "film"),
+        77);
 }
 
 Reader::Document project(json main) {
@@ -119,7 +121,8 @@ Json time(double value, double rate) {
 }
 
 Json range(Json start, Json duration) {
-    return {{"OTIO_SCHEMA", "TimeRange.1"}, {"duration", std::move(duration)}, {"start_time", std::move(start)}};
+    return {
+        {"OTIO_SCHEMA", "TimeRange.1"}, {"duration", std::move(duration)}, {"start_time", std::move(start)}};
 }
 
 void collectIds(const Json& value, std::multiset<unsigned long long>& ids) {
@@ -163,15 +166,15 @@ TEST(OpenTimeline, ClipsThatOverlapAreOnSeveralTracks) {
 }
 
 TEST(OpenTimeline, TheUppermostTrackComesLast) {
-    const auto document = project(timeline(
-        2, 100,
-        {clip("Song", 0, 1000, {{"type", 3}}, {{"track", link(12)}}),
-         clip("Low", 0, 1000, json::object(), {{"track", link(11)}, {"trackLevel", 0}}),
-         clip("High", 0, 1000, json::object(), {{"track", link(11)}, {"trackLevel", 1}})},
-        {{"tracks",
-          {object("Timeline::Track", 10, {{"type", 16}, {"hidden", true}}),
-           object("Timeline::Track", 11, {{"type", 8}, {"muted", true}}),
-           object("Timeline::Track", 12, {{"type", 4}, {"muted", true}})}}}));
+    const auto document =
+        project(timeline(2, 100,
+                         {clip("Song", 0, 1000, {{"type", 3}}, {{"track", link(12)}}),
+                          clip("Low", 0, 1000, json::object(), {{"track", link(11)}, {"trackLevel", 0}}),
+                          clip("High", 0, 1000, json::object(), {{"track", link(11)}, {"trackLevel", 1}})},
+                         {{"tracks",
+                           {object("Timeline::Track", 10, {{"type", 16}, {"hidden", true}}),
+                            object("Timeline::Track", 11, {{"type", 8}, {"muted", true}}),
+                            object("Timeline::Track", 12, {{"type", 4}, {"muted", true}})}}}));
     const auto result = exportTimeline(document);
     ASSERT_EQ(result.document["tracks"]["children"].size(), 4U);
     EXPECT_EQ(track(result, 0)["name"], "audio");
@@ -205,15 +208,15 @@ TEST(OpenTimeline, OtherTimesAreMilliseconds) {
 
 TEST(OpenTimeline, TimesThatNoNumberSaysAreListed) {
     constexpr long long most = std::numeric_limits<long long>::max();
-    const auto document = film({clip("Before", -1, 10), clip("Endless", 5, most), clip("Far", most, 1),
-                                clip("Negative", 100, -50), clip("Odd", 200, 10, {{"sourceDuration", most}},
-                                                                 {{"sourcePosition", -most}})});
+    const auto document = film(
+        {clip("Before", -1, 10), clip("Endless", 5, most), clip("Far", most, 1), clip("Negative", 100, -50),
+         clip("Odd", 200, 10, {{"sourceDuration", most}}, {{"sourcePosition", -most}})});
     const auto result = exportTimeline(document);
     EXPECT_THAT(shape(items(result)), ElementsAre("Gap 0.1", "Clip Negative 0", "Gap 0.1", "Clip Odd 0.01"));
-    EXPECT_THAT(kinds(result), ElementsAre(std::pair(Kind::ClipPlace, 100ULL), std::pair(Kind::ClipPlace, 101ULL),
-                                           std::pair(Kind::ClipPlace, 102ULL), std::pair(Kind::ClipLength, 103ULL),
-                                           std::pair(Kind::SourceRange, 104ULL),
-                                           std::pair(Kind::MediaRange, 104ULL)));
+    EXPECT_THAT(kinds(result),
+                ElementsAre(std::pair(Kind::ClipPlace, 100ULL), std::pair(Kind::ClipPlace, 101ULL),
+                            std::pair(Kind::ClipPlace, 102ULL), std::pair(Kind::ClipLength, 103ULL),
+                            std::pair(Kind::SourceRange, 104ULL), std::pair(Kind::MediaRange, 104ULL)));
     EXPECT_EQ(result.document["tracks"]["metadata"]["adaptors"]["timeline"]["clips"].size(), 3U);
     expectAllObjects(document, result);
 }
@@ -241,15 +244,16 @@ TEST(OpenTimeline, TransitionsAreBetweenTheClipsThatTheyJoin) {
 }
 
 TEST(OpenTimeline, ATransitionFromNothingBeginsWithAGap) {
-    const auto result = exportTimeline(
-        film({clip("A", 0, 5000, json::object(), {{"transitionIn", 200}})}, {{"transitions", {joined(50, 0, 100)}}}));
+    const auto result = exportTimeline(film({clip("A", 0, 5000, json::object(), {{"transitionIn", 200}})},
+                                            {{"transitions", {joined(50, 0, 100)}}}));
     EXPECT_THAT(shape(items(result)), ElementsAre("Gap 0", "Transition Blinds 0+0.2", "Clip A 5"));
 }
 
 TEST(OpenTimeline, AnOverlappingClipDoesNotComeBetweenJoinedClips) {
-    const auto result = exportTimeline(film(
-        {clip("Other", 5000, 5000), clip("A", 0, 5000, json::object(), {{"transitionOut", 200}}), clip("B", 5000, 5000)},
-        {{"transitions", {joined(50, 101, 102)}}}));
+    const auto result = exportTimeline(
+        film({clip("Other", 5000, 5000), clip("A", 0, 5000, json::object(), {{"transitionOut", 200}}),
+              clip("B", 5000, 5000)},
+             {{"transitions", {joined(50, 101, 102)}}}));
     EXPECT_THAT(shape(items(result, 1)), ElementsAre("Clip A 5", "Transition Blinds 0.2+0", "Clip B 5"));
     EXPECT_THAT(shape(items(result, 0)), ElementsAre("Gap 5", "Clip Other 5"));
 }
@@ -274,11 +278,11 @@ TEST(OpenTimeline, OtherTransitionsAreListedAndKept) {
 // Clips
 
 TEST(OpenTimeline, SpeedAndReversalAreTimeWarps) {
-    const auto result = exportTimeline(
-        film({clip("Fast", 0, 1000, {{"sourceDuration", 8000}}, {{"sourceDuration", 4000}}),
-              clip("Back", 1000, 1000, {{"sourceDuration", 4000}}, {{"sourceDuration", 4000}, {"reversed", true}}),
-              clip("Still", 2000, 1000, {{"sourceDuration", 4000}, {"type", 2}}, {{"sourceDuration", 1000}}),
-              clip("Third", 3000, 1000, {{"sourceDuration", 1000}}, {{"sourceDuration", 3000}})}));
+    const auto result = exportTimeline(film(
+        {clip("Fast", 0, 1000, {{"sourceDuration", 8000}}, {{"sourceDuration", 4000}}),
+         clip("Back", 1000, 1000, {{"sourceDuration", 4000}}, {{"sourceDuration", 4000}, {"reversed", true}}),
+         clip("Still", 2000, 1000, {{"sourceDuration", 4000}, {"type", 2}}, {{"sourceDuration", 1000}}),
+         clip("Third", 3000, 1000, {{"sourceDuration", 1000}}, {{"sourceDuration", 3000}})}));
     const Json children = items(result);
     EXPECT_EQ(children[0]["effects"][0]["OTIO_SCHEMA"], "LinearTimeWarp.1");
     EXPECT_EQ(children[0]["effects"][0]["time_scalar"], 2.0);
@@ -288,13 +292,15 @@ TEST(OpenTimeline, SpeedAndReversalAreTimeWarps) {
 }
 
 TEST(OpenTimeline, VolumeFadesAndEffectsAreEffects) {
-    const auto document = film(
-        {clip("A", 0, 1000,
-              {{"volume", 50},
-               {"effects",
-                {object("Effect::Blur", 60, {{"Effect::Object", object("Effect::Object", 61, {{"tag", "Soft"}, {"bypass", true}})}})}}},
-              {{"fadeInDuration", 40}, {"fadeOutDuration", 80}}),
-         clip("B", 1000, 1000, {{"effects", {link(60)}}})});
+    const auto document =
+        film({clip("A", 0, 1000,
+                   {{"volume", 50},
+                    {"effects",
+                     {object("Effect::Blur", 60,
+                             {{"Effect::Object",
+                               object("Effect::Object", 61, {{"tag", "Soft"}, {"bypass", true}})}})}}},
+                   {{"fadeInDuration", 40}, {"fadeOutDuration", 80}}),
+              clip("B", 1000, 1000, {{"effects", {link(60)}}})});
     const auto result = exportTimeline(document);
     const Json effects = items(result)[0]["effects"];
     ASSERT_EQ(effects.size(), 4U);
@@ -345,8 +351,9 @@ TEST(OpenTimeline, MediaAreReferences) {
 }
 
 TEST(OpenTimeline, TitlesAreGenerated) {
-    const json overlay = object("Overlay::Preset", 80,
-                                {{"items", {object("Overlay::Item", 81, {{"type", 1}, {"encodedText", "U2Vh"}})}}});
+    const json overlay =
+        object("Overlay::Preset", 80,
+               {{"items", {object("Overlay::Item", 81, {{"type", 1}, {"encodedText", "U2Vh"}})}}});
     const auto result = exportTimeline(film({clip("T", 0, 10, {{"type", 4}, {"overlay", overlay}})}));
     const Json title = items(result)[0];
     const Json media = title["media_references"]["DEFAULT_MEDIA"];
@@ -362,7 +369,8 @@ TEST(OpenTimeline, WhatOnlyTheEditorKnowsIsListed) {
         film({clip("A", 0, 10, {{"moveEnvelope", object("TransformationEnvelope", 90, {{"x", 1}})}})},
              {{"links", {{{"slave", link(100)}, {"link", object("Timeline::Link", 91, {{"offset", 5}})}}}}});
     const auto result = exportTimeline(document);
-    EXPECT_THAT(kinds(result), ElementsAre(std::pair(Kind::ClipFeature, 100ULL), std::pair(Kind::Link, 100ULL)));
+    EXPECT_THAT(kinds(result),
+                ElementsAre(std::pair(Kind::ClipFeature, 100ULL), std::pair(Kind::Link, 100ULL)));
     EXPECT_EQ(items(result)[0]["metadata"]["adaptors"]["clip"]["moveEnvelope"]["x"], 1);
     expectAllObjects(document, result);
 }
@@ -382,7 +390,8 @@ json onTrack(int id) {
 }
 
 TEST(OpenTimeline, NestedTimelinesAreStacks) {
-    const json village = timeline(3, 300, {clip("Church", 1000, 1000, json::object(), onTrack(30))}, withTrack(30));
+    const json village =
+        timeline(3, 300, {clip("Church", 1000, 1000, json::object(), onTrack(30))}, withTrack(30));
     const auto document = film({clip("Village", 2000, 5000, {{"type", 64}, {"nestedTimeline", village}},
                                      {{"sourcePosition", 500}})});
     const auto result = exportTimeline(document);
@@ -424,8 +433,9 @@ Reader::Document chain(int length, int times) {
             entries.push_back({{"clip", link(clip)}, {"timing", link(clip + 1)}});
         }
         result.flat.objects[std::uint64_t(id) + 50] = object("Timeline::Track", id + 50, {{"type", 1}});
-        result.flat.objects[std::uint64_t(id)] = object(
-            "Timeline::Object", id, {{"clips", std::move(entries)}, {"tracks", json::array({link(id + 50)})}});
+        result.flat.objects[std::uint64_t(id)] =
+            object("Timeline::Object", id,
+                   {{"clips", std::move(entries)}, {"tracks", json::array({link(id + 50)})}});
     }
     return Reader::Document(std::move(result), 77);
 }
@@ -433,17 +443,17 @@ Reader::Document chain(int length, int times) {
 TEST(OpenTimeline, DeepTimelinesEnd) {
     const auto document = chain(3000, 1);
     const auto result = exportTimeline(document);
-    EXPECT_EQ(result.timelines, 33U);
+    EXPECT_EQ(result.timelines, 17U);
     ASSERT_FALSE(result.omissions.empty());
     EXPECT_EQ(result.omissions[0].kind, Kind::NestedDepth);
     expectAllObjects(document, result);
 }
 
 TEST(OpenTimeline, TimelinesThatDoubleAreBounded) {
-    const auto document = chain(25, 2);
+    const auto document = chain(12, 2);
     const auto result = exportTimeline(document);
-    EXPECT_LT(result.clips, 15000U);
-    EXPECT_GT(result.clips, 5000U);
+    EXPECT_LT(result.clips, 1000U); // all would be 8190
+    EXPECT_GT(result.clips, 500U);
     std::set<Kind> found;
     for (const Omission& omission : result.omissions)
         found.insert(omission.kind);
@@ -453,8 +463,8 @@ TEST(OpenTimeline, TimelinesThatDoubleAreBounded) {
 
 TEST(OpenTimeline, UnusedTimelinesAreKept) {
     const json village = timeline(3, 300, {clip("Church", 0, 10)});
-    const auto document = ::document(
-        object("Project::Content", 1, {{"timeline", timeline(2, 100, {})}, {"other", village}}));
+    const auto document =
+        ::document(object("Project::Content", 1, {{"timeline", timeline(2, 100, {})}, {"other", village}}));
     const auto result = exportTimeline(document);
     EXPECT_THAT(kinds(result), ElementsAre(std::pair(Kind::UnusedTimeline, 3ULL)));
     expectAllObjects(document, result);
@@ -491,7 +501,8 @@ TEST(OpenTimeline, MetadataHoldWhatReadersKeep) {
     EXPECT_EQ(fields["wide"], "18446744073709551615");
     EXPECT_EQ(fields["_OTIO_SCHEMA"], "Clip.2");
     EXPECT_EQ(fields["__OTIO_SCHEMA"], 1);
-    EXPECT_EQ(fields["zero"], "a\xef\xbf\xbd" "b");
+    EXPECT_EQ(fields["zero"], "a\xef\xbf\xbd"
+                              "b");
     EXPECT_THAT(kinds(result), ElementsAre(std::pair(Kind::Text, 0ULL)));
     const std::string text = Reader::openTimelineText(result.document);
     EXPECT_EQ(json::parse(text), json(result.document));

@@ -239,7 +239,7 @@ class OtioTest(unittest.TestCase):
         self.assertEqual("fadeIn" in effects, timing["fadeInDuration"] != 0)
         self.assertEqual("fadeOut" in effects, timing["fadeOutDuration"] != 0)
         speed = 1
-        if clip["kind"] in ("video", "audio", "timeline") and not fields["unlimitedDuration"]:
+        if clip["kind"] in ("video", "audio", "timeline") and not fields.get("unlimitedDuration"):
             speed = fields["sourceDuration"] / clip["sourceDuration"]
         if clip["reversed"]:
             speed = -speed

@@ -20,10 +20,10 @@ struct ClipTransitions {
 
 /// What can be said of a timeline's transitions.
 struct JoinedClips {
-    std::map<std::size_t, ClipTransitions> ends;    ///< by the place of the clip in Timeline::clips
-    std::map<std::size_t, std::size_t> next;        ///< the clip that a transition leads to, by the one before it
-    std::vector<std::size_t> misplaced;             ///< transitions that join no clips that follow each other
-    std::vector<std::size_t> tooLong;               ///< transitions that are longer than a clip has space for
+    std::map<std::size_t, ClipTransitions> ends; ///< by the place of the clip in Timeline::clips
+    std::map<std::size_t, std::size_t> next; ///< the clip that a transition leads to, by the one before it
+    std::vector<std::size_t> misplaced;      ///< transitions that join no clips that follow each other
+    std::vector<std::size_t> tooLong;        ///< transitions that are longer than a clip has space for
 };
 
 /// Finds out which transitions lie between clips of one level of a track where one ends and the other starts, or at

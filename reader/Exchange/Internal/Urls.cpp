@@ -41,9 +41,8 @@ std::string encodedPath(std::string_view path) {
 bool isUrl(std::string_view text) {
     const std::size_t colon = text.find("://");
     return colon != std::string_view::npos && colon > 1 && isLetter(text.front()) &&
-           std::all_of(text.begin(), text.begin() + static_cast<long>(colon), [](char c) {
-               return isLetterOrDigit(c) || c == '+' || c == '-' || c == '.';
-           });
+           std::all_of(text.begin(), text.begin() + static_cast<long>(colon),
+                       [](char c) { return isLetterOrDigit(c) || c == '+' || c == '-' || c == '.'; });
 }
 
 } // namespace
@@ -55,8 +54,8 @@ bool hasFolderMarker(const std::string& path) {
 std::string urlOf(const std::string& path) {
     if (isUrl(path))
         return encoded(path, "-._~!$&'()*+,;=:@/?#[]%");
-    const bool hasDrive = path.size() > 2 && isLetter(path[0]) && path[1] == ':' &&
-                          (path[2] == '/' || path[2] == '\\');
+    const bool hasDrive =
+        path.size() > 2 && isLetter(path[0]) && path[1] == ':' && (path[2] == '/' || path[2] == '\\');
     const bool isShare = path.starts_with("\\\\");
     if (hasDrive || isShare) {
         std::string slashes = path;
