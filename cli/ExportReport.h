@@ -1,0 +1,19 @@
+#pragma once
+
+#include "Exchange/OpenTimeline.h"
+#include "Summary.h"
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+
+/// What `adaptors export` says of its work.
+namespace ExportReport {
+
+/// What could not be said in the format, fit for a terminal; empty where all could.
+std::string text(const Reader::TimelineExport& result);
+
+/// The keys of `adaptors export --json`.
+nlohmann::ordered_json asJson(const Summary& summary, const Reader::TimelineExport& result);
+
+} // namespace ExportReport
