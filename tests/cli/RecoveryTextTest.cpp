@@ -1,5 +1,6 @@
 // What the program says of a damaged file that was recovered.
 
+#include "JsonReport.h"
 #include "RecoveryText.h"
 
 #include <gmock/gmock.h>
