@@ -32,6 +32,9 @@ COLUMNS = ("path", "name", "output", "bundle", "state", "size", "time", "sha256"
            "replaceable", "tool")
 """The columns of the result; docs/batch.md describes them."""
 
+_WHOLE_NUMBERS = ("bundle", "size", "time", "from_version", "to_version", "code", "losses", "output_size", "output_time",
+                  "fresh", "replaceable")
+
 STATES = ".adaptors-dask"
 """The folder below the output that has the state of each chunk."""
 
@@ -391,4 +394,4 @@ def migrate_all(sources: str | os.PathLike[str] | Sequence[str | os.PathLike[str
             raise ChunkFailedError("no chunk could be worked on; the last: " + reason, kind="chunk-failed") from error
         rows += _failed_rows(part, reason)
     rows.sort(key=lambda row: os.fsencode(row[0]))
-    return pandas.DataFrame(rows, columns=list(COLUMNS))
+    return pandas.DataFrame(rows, columns=list(COLUMNS)).astype({column: "Int64" for column in _WHOLE_NUMBERS})

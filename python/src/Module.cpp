@@ -1,6 +1,7 @@
 // The module project_adaptors._native. Arguments are plain values, and reports are JSON texts: what users see of it is
 // made of them in Python.
 
+#include "MemoryReserve.h"
 #include "ProjectAdaptors/Version.h"
 #include "Reader/Error.h"
 #include "Report/FileNames.h"
@@ -76,6 +77,7 @@ std::string textOf(const Work::Json& json) {
 /// Works without the lock of the interpreter, so that other threads run meanwhile, and raises what goes wrong.
 template <class Part>
 auto unlocked(Part part) {
+    MemoryReserve::refill();
     try {
         const py::gil_scoped_release release;
         return part();
@@ -156,6 +158,7 @@ void writeFile(const py::bytes& path, const py::bytes& data, bool replace, const
 
 /// Settings of the process, as the program has them.
 void setUpProcess() {
+    MemoryReserve::install();
     Reader::FileNames::keepAllBytes();
     // Qt orders attributes by a hash: the same input gives the same bytes only with a fixed seed.
     qSetGlobalQHashSeed(0);

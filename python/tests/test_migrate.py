@@ -145,17 +145,19 @@ def test_strict(run, samples, strict):
     assert run("migrate", path, "--repair", flag, "--check").returncode == 14
 
 
-def test_strict_all_is_for_intended_losses_too(run, samples):
-    flagged = [name for name in SAMPLES
-               if run("migrate", samples / name, "-o", samples / "x.json", "--force", "--strict=all").returncode == 14]
-    assert flagged
-    for name in SAMPLES:
-        project_adaptors.migrate(samples / name, strict=True)
-        if name in flagged:
-            with pytest.raises(project_adaptors.RefusedError):
-                project_adaptors.migrate(samples / name, strict="all")
-        else:
-            project_adaptors.migrate(samples / name, strict="all")
+@pytest.mark.parametrize("strict, flag", [(True, "--strict"), ("all", "--strict=all")])
+def test_the_same_samples_are_refused(run, samples, strict, flag):
+    def is_refused(name):
+        try:
+            project_adaptors.migrate(samples / name, strict=strict)
+        except project_adaptors.RefusedError:
+            return True
+        return False
+
+    wanted = {name: run("migrate", samples / name, "-o", samples / "x.json", "--force", flag).returncode == 14
+              for name in SAMPLES}
+    assert {name: is_refused(name) for name in SAMPLES} == wanted
+    assert set(wanted.values()) == {True, False}
 
 
 def test_writing_replaces_only_with_force_and_leaves_nothing_behind(samples):

@@ -36,6 +36,9 @@ def resolved(schema, file):
 def check(hint, schema, file, path):
     """Compares a type with a schema, and all types in it; gives the dataclasses that it came by."""
     schema, file = resolved(schema, file)
+    if schema.get("type") == "null":
+        assert types.NoneType in typing.get_args(hint), path
+        return set()
     if isinstance(hint, types.UnionType):
         hint = next(kind for kind in typing.get_args(hint) if kind is not types.NoneType)
     if dataclasses.is_dataclass(hint):
