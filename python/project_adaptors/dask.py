@@ -242,7 +242,12 @@ def _put(system: Any, local: str, target: str) -> None:
         return
     part = "%s.%d-0.tmp" % (target, os.getpid())
     system.put_file(local, part)
-    system.mv(part, target)
+    # Not mv(), for which "*" in a name is a pattern.
+    if hasattr(system, "mv_file"):
+        system.mv_file(part, target)
+    else:
+        system.cp_file(part, target)
+        system.rm_file(part)
 
 
 def _migrate_remote(job: Job, chunk: Chunk) -> list[tuple[Any, ...]]:
@@ -353,8 +358,8 @@ def migrate_all(sources: str | os.PathLike[str] | Sequence[str | os.PathLike[str
 
     if chunk < 1:
         raise ValueError("chunk is a number of files, at least 1")
-    single = isinstance(sources, (str, os.PathLike))
-    places = [os.fspath(source) for source in ([sources] if single else sources)]  # type: ignore[list-item, union-attr]
+    listed = [sources] if isinstance(sources, (str, os.PathLike)) else sources
+    places = [os.fspath(source) for source in listed]
     target = os.fspath(output)
     remote = {_is_url(place) for place in [*places, target]}
     if len(remote) > 1:
@@ -394,4 +399,8 @@ def migrate_all(sources: str | os.PathLike[str] | Sequence[str | os.PathLike[str
             raise ChunkFailedError("no chunk could be worked on; the last: " + reason, kind="chunk-failed") from error
         rows += _failed_rows(part, reason)
     rows.sort(key=lambda row: os.fsencode(row[0]))
-    return pandas.DataFrame(rows, columns=list(COLUMNS)).astype({column: "Int64" for column in _WHOLE_NUMBERS})
+    columns = zip(*rows) if rows else ([] for _ in COLUMNS)
+    # Not by way of floating numbers, which times in nanoseconds don't fit into.
+    return pandas.DataFrame({
+        name: pandas.array(list(values), dtype="Int64") if name in _WHOLE_NUMBERS else pandas.Series(values, dtype=object)
+        if name != "seconds" else pandas.Series(values, dtype=float) for name, values in zip(COLUMNS, columns)})

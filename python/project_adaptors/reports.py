@@ -485,7 +485,8 @@ def from_json(kind: type[_Report], value: str | Mapping[str, Any]) -> _Report:
     Clip(id=7, name='Beach')
     """
     object_ = json.loads(value) if isinstance(value, str) else value
-    fields = {name: _value_of(hint, object_[key]) for name, (key, hint) in _types_of(kind).items() if key in object_}
+    fields = {name: _value_of(hint, object_[key]) for name, (key, hint) in _types_of(typing.cast(Any, kind)).items()
+              if key in object_}
     return kind(**fields)
 
 

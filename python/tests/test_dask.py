@@ -40,13 +40,35 @@ def client(cluster):
         yield connected
 
 
+@pytest.fixture(scope="module")
+def shared(tmp_path_factory):
+    """An archive that no test changes."""
+    return filled(tmp_path_factory.mktemp("shared") / "projects")
+
+
 @pytest.fixture
 def archive(tmp_path):
+    return filled(tmp_path / "projects")
+
+
+@pytest.fixture(scope="module")
+def wanted(run, shared):
+    """The rows of a batch, whose results are in the folder "batch" beside the archive."""
+    return batch(run, shared, shared.parent / "batch")
+
+
+@pytest.fixture
+def output(shared):
+    """A folder for results; not deeper than that of the batch, so that relative paths are the same."""
+    number = len(list(shared.parent.iterdir()))
+    return shared.parent / ("fleet%d" % number)
+
+
+def filled(folder):
     """Projects in several folders, with what a search passes over."""
-    folder = tmp_path / "projects"
     for place in ("a", "a/b", "c [x]*", "d"):
         (folder / place).mkdir(parents=True)
-        for sample in SAMPLES[:4]:
+        for sample in SAMPLES[:3]:
             shutil.copy(sample, folder / place)
     shutil.copytree(ROOT / "samples" / "holiday-v20-bundle", folder / "bundle")
     shutil.copy(SAMPLES[0], folder / "film.xml")
@@ -56,7 +78,7 @@ def archive(tmp_path):
     (folder / "empty.xml").write_text("")
     (folder / "link.xml").symlink_to("film.xml")
     (folder / "damaged.xml").write_bytes(SAMPLES[0].read_bytes()[:3000])
-    for number in range(60):
+    for number in range(24):
         shutil.copy(SAMPLES[number % len(SAMPLES)], folder / "d" / ("film%02d%s" % (number, SAMPLES[number % len(SAMPLES)].suffix)))
     return folder
 
@@ -72,6 +94,14 @@ def batch(run, archive, output):
 def comparable(rows, place=lambda path: path):
     return {place(os.fsdecode(row["path"])): {key: value for key, value in row.items() if key not in OF_THE_RUN}
             for row in rows}
+
+
+def differences(rows, wanted):
+    """What is different, short enough to be read."""
+    found = ["only in one: " + path for path in set(rows) ^ set(wanted)]
+    found += ["%s: %s %r != %r" % (path, key, row[key], wanted[path][key]) for path, row in rows.items()
+              if path in wanted for key in row if row[key] != wanted[path][key]]
+    return found
 
 
 def rows_of(table):
@@ -92,10 +122,10 @@ def test_columns_are_those_of_the_database(run, tmp_path):
 
 
 @pytest.mark.parametrize("chunk", [1, 7, 1000])
-def test_chunks_have_each_file_once_and_folders_in_one_piece(archive, chunk):
-    chunks = list(fleet._local_chunks([str(archive)], "/no/output", chunk))
+def test_chunks_have_each_file_once_and_folders_in_one_piece(shared, chunk):
+    chunks = list(fleet._local_chunks([str(shared)], "/no/output", chunk))
     files = [file for part in chunks for file in fleet._files_of(part)]
-    assert sorted(files) == sorted(str(path) for path in archive.rglob("*") if path.is_symlink() or not path.is_dir())
+    assert sorted(files) == sorted(str(path) for path in shared.rglob("*") if path.is_symlink() or not path.is_dir())
     if chunk == 1000:
         assert len(chunks) == 1
     if chunk == 7:
@@ -103,12 +133,11 @@ def test_chunks_have_each_file_once_and_folders_in_one_piece(archive, chunk):
 
 
 @pytest.mark.parametrize("chunk", [7, 1000])
-def test_outputs_and_rows_are_those_of_a_batch(run, program, client, archive, chunk):
-    wanted = batch(run, archive, archive.parent / "batch")
-    table = fleet.migrate_all(archive, archive.parent / "fleet", client, chunk=chunk, program=program)
+def test_outputs_and_rows_are_those_of_a_batch(program, client, shared, wanted, output, chunk):
+    table = fleet.migrate_all(shared, output, client, chunk=chunk, program=program)
     assert list(table.columns) == list(fleet.COLUMNS)
-    assert comparable(rows_of(table)) == wanted
-    assert tree(archive.parent / "fleet") == tree(archive.parent / "batch") != {}
+    assert differences(comparable(rows_of(table)), wanted) == []
+    assert tree(output) == tree(shared.parent / "batch") != {}
 
 
 def test_a_second_run_keeps_what_is_done(program, client, archive):
@@ -139,9 +168,8 @@ def script(path, text):
     return str(path)
 
 
-def test_a_worker_that_is_killed_costs_its_chunk_only(run, program, client, archive, tmp_path):
+def test_a_worker_that_is_killed_costs_its_chunk_only(program, client, shared, wanted, output, tmp_path):
     """The worker is killed while the program has a chunk in work; it is done again by another one."""
-    wanted = batch(run, archive, archive.parent / "batch")
     slow = script(tmp_path / "slow", 'echo $PPID >> "%s/begun"\nsleep 0.5\nexec "%s" "$@"\n' % (tmp_path, program))
     killed = []
 
@@ -154,21 +182,20 @@ def test_a_worker_that_is_killed_costs_its_chunk_only(run, program, client, arch
 
     killer = threading.Thread(target=kill)
     killer.start()
-    table = fleet.migrate_all(archive, archive.parent / "fleet", client, chunk=7, program=slow)
+    table = fleet.migrate_all(shared, output, client, chunk=7, program=slow)
     killer.join()
     runs = len((tmp_path / "begun").read_text().splitlines())
-    chunks = len(list((archive.parent / "fleet" / fleet.STATES).glob("*.sqlite")))
+    chunks = len(list((output / fleet.STATES).glob("*.sqlite")))
     assert killed and chunks < runs <= chunks + 2
-    assert comparable(rows_of(table)) == wanted
-    assert tree(archive.parent / "fleet") == tree(archive.parent / "batch")
+    assert differences(comparable(rows_of(table)), wanted) == []
+    assert tree(output) == tree(shared.parent / "batch")
 
 
-def test_a_chunk_that_ends_its_workers_again_and_again_is_recorded_as_failed(run, program, client, archive, tmp_path):
+def test_a_chunk_that_ends_its_workers_again_and_again_is_recorded_as_failed(program, client, shared, wanted, output, tmp_path):
     """The worker dies with the chunk of folder "a/b", and all else is done."""
-    wanted = batch(run, archive, archive.parent / "batch")
     deadly = script(tmp_path / "deadly", 'cat > "%s/list.$$"\nif tr "\\0" "\\n" < "%s/list.$$" | grep -q "/a/b$"; then kill -9 $PPID; exit 1; fi\n'
                     'exec "%s" "$@" < "%s/list.$$"\n' % (tmp_path, tmp_path, program, tmp_path))
-    table = fleet.migrate_all(archive, archive.parent / "fleet", client, chunk=4, program=deadly)
+    table = fleet.migrate_all(shared, output, client, chunk=4, program=deadly)
     rows = comparable(rows_of(table))
     lost = {path for path, row in rows.items() if row["kind"] == "chunk-failed"}
     assert {path for path in wanted if "/a/b/" in path} <= lost
@@ -176,19 +203,17 @@ def test_a_chunk_that_ends_its_workers_again_and_again_is_recorded_as_failed(run
     for path in set(wanted) - lost:
         assert rows[path] == wanted[path]
     # A later run takes the chunk again.
-    table = fleet.migrate_all(archive, archive.parent / "fleet", client, chunk=4, program=program)
-    assert comparable(rows_of(table)) == wanted
+    table = fleet.migrate_all(shared, output, client, chunk=4, program=program)
+    assert differences(comparable(rows_of(table)), wanted) == []
 
 
-def test_a_file_that_ends_its_workers_costs_nothing_else(run, program, client, archive, tmp_path):
+def test_a_file_that_ends_its_workers_costs_nothing_else(program, client, shared, wanted, output, tmp_path):
     """The file that is recorded as in work when the workers die is given up, and the chunk goes on."""
-    output = archive.parent / "fleet"
-    poison = archive / "a" / SAMPLES[1].name
-    wanted = batch(run, archive, archive.parent / "batch")
+    poison = shared / "a" / SAMPLES[1].name
     # Leaves the state of a run that died while it had the file, as long as the file is not recorded as failed.
     deadly = script(tmp_path / "deadly", 'exec "%s" "%s" "%s" "%s" "$@"\n' % (
         sys.executable, pathlib.Path(__file__).with_name("deadly.py"), program, poison))
-    table = fleet.migrate_all(archive, output, client, chunk=1000, program=deadly)
+    table = fleet.migrate_all(shared, output, client, chunk=1000, program=deadly)
     rows = comparable(rows_of(table))
     assert set(rows) == set(wanted)
     assert {path for path in wanted if rows[path] != wanted[path]} == {str(poison)}
@@ -196,9 +221,9 @@ def test_a_file_that_ends_its_workers_costs_nothing_else(run, program, client, a
     assert (row["state"], row["code"], row["kind"]) == ("failed", 1, "crashed") and "KilledWorker" in row["reason"]
 
 
-def test_a_program_that_is_not_there_is_an_error(client, archive):
+def test_a_program_that_is_not_there_is_an_error(client, shared, output):
     with pytest.raises(fleet.ChunkFailedError):
-        fleet.migrate_all(archive, archive.parent / "fleet", client, program="/no/such/program", retries=0)
+        fleet.migrate_all(shared, output, client, program="/no/such/program", retries=0)
 
 
 def test_urls(run, program, client, archive):
