@@ -60,6 +60,29 @@ def test_texts_in_side_files_are_found_by_path_and_by_location(run, samples):
     assert project_adaptors.migrate(path.read_bytes()).data != data
 
 
+def test_drawings(run, samples):
+    path = samples / "drawing.xml"
+    path.write_text("""<Archive schemaVersion="20">
+ <RootRef type="ObjectRef" value="2"/>
+ <RootObject type="Timeline::Object" objectId="2"/>
+ <RootObject type="Overlay::Preset" objectId="3">
+  <items type="Array" size="1">
+   <Item type="Item" index="1">
+    <Data type="Overlay::Item" objectId="4">
+     <type type="int32_t" value="2"/>
+     <outline type="Overlay::Outline" objectId="5"><color type="uint32_t" value="4279383126"/></outline>
+     <text type="String" value="&lt;svg/&gt;"/>
+    </Data>
+   </Item>
+  </items>
+ </RootObject>
+</Archive>
+""")
+    data, _ = expected(run, path, "--to", "21")
+    assert b"#123456" in data
+    assert project_adaptors.migrate(path, 21).data == data
+
+
 def test_bytes_are_standard_input_to_the_program(run, samples):
     content = (samples / "holiday-v27.xml").read_bytes()
     done = run("migrate", "-", "-q", stdin=content, cwd=os.getcwd())
