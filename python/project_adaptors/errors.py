@@ -17,7 +17,13 @@ from typing import Any
 
 from . import reports
 
-__all__ = ["AdaptorsError", "RefusedError"]  # and a class for each kind, see below
+__all__ = [
+    "AdaptorsError", "BadVersionError", "BrokenJsonError", "BrokenXmlError", "ChangedMeanwhileError", "EmptyError",
+    "ForeignEncodingError", "InUseError", "MissingFileError", "MissingRootError", "NoArchiveError",
+    "NoRegularFileError", "NoSuchFormError", "NoVersionError", "NoWayBackError", "OutputExistsError", "RefusedError",
+    "RefusedXmlError", "StepFailedError", "TooLargeError", "TooNewError", "UnknownFormError", "UnknownStepError",
+    "UnreachableVersionError", "UnreadableError", "UnwritableError", "WrongEnvelopeError", "WrongFormError"
+]
 
 
 class AdaptorsError(Exception):
@@ -205,8 +211,6 @@ KINDS: dict[str, type[AdaptorsError]] = {
     "changed-meanwhile": ChangedMeanwhileError,
 }
 """The class of each kind."""
-
-__all__ += sorted({kind.__name__ for kind in KINDS.values()} | {"MissingFileError"})
 
 
 def made_of(facts: str) -> AdaptorsError:
