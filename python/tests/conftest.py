@@ -28,3 +28,7 @@ def samples(tmp_path):
     folder = tmp_path / "samples"
     shutil.copytree(ROOT / "samples", folder, ignore=shutil.ignore_patterns("*.py", "__pycache__"))
     return folder
+
+
+# A program that a test runs, and no module.
+collect_ignore = ["deadly.py"]
