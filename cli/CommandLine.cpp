@@ -348,6 +348,35 @@ void addReport(CLI::App& command, Arguments& arguments) {
         "adaptors report - -o - < film.xml > film.html\t");
 }
 
+void addExport(CLI::App& command, Arguments& arguments) {
+    addFile(command, arguments);
+    addName(command, "-o,--output", arguments.output, "FILE",
+            "Where the timeline goes, a file or a folder; - is standard output [FILE's name with .otio]");
+    CLI::Option* format = command.add_option("--format", arguments.exchangeFormat,
+                                             "What to write: otio, OpenTimelineIO [otio]");
+    format->type_name("FORMAT")->check(
+        [](const std::string& value) {
+            if (value != "otio")
+                throw Messages::Failure(Messages::badValue("--format", value, "otio"));
+            return std::string();
+        },
+        "");
+    command.add_flag("--force", arguments.force, "Replace an output that exists");
+    addFrom(command, arguments);
+    addRepair(command, arguments);
+    addStrict(command, arguments);
+    addFolders(command, arguments);
+    addMaxMemory(command, arguments);
+    command.footer(
+        "Writes no project. What the format has no words for is in its metadata, and is listed. Exits as "
+        "migrate does: with 0 where the migrated project is whole, and with 22 where something of it is "
+        "missing.\n\n"
+        "Examples:\n"
+        "adaptors export film.xml\twrites film.otio\n"
+        "adaptors export film.xml -o cut.otio --force\t\n"
+        "adaptors export - -o - < film.xml > film.otio\t");
+}
+
 void addRestore(CLI::App& command, Arguments& arguments) {
     addName(command, "FILE", arguments.file, "FILE",
             "The project whose backup is put back, or the folder that holds it")
@@ -422,6 +451,8 @@ constexpr Command commands[] = {
     {"timeline", "Draw the timelines of a project as an SVG picture", addTimeline, Commands::timeline},
     {"report", "Migrate in memory and write a page about it: timelines before and after, steps, losses",
      addReport, Commands::report},
+    {"export", "Migrate in memory and write the timeline for other editors, as OpenTimelineIO", addExport,
+     Commands::exportTimeline},
 };
 
 void addOptionsForEveryCommand(CLI::App& app, OutputOptions& options) {

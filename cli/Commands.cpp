@@ -2,7 +2,9 @@
 
 #include "Advice.h"
 #include "DiffReport.h"
+#include "Exchange/OpenTimeline.h"
 #include "ExplainReport.h"
+#include "ExportReport.h"
 #include "FileNames.h"
 #include "Memory.h"
 #include "Messages.h"
@@ -423,6 +425,45 @@ void writePage(const Arguments& arguments, const QString& input, const QString& 
                 made);
 }
 
+/// The work of `export` on a file that was read.
+int exportRead(const Arguments& arguments, const Job& job, Output& output) {
+    const QString name = nameOf(job.input);
+    Repairs::Opened project = opened(job.bytes, name, arguments);
+    Progress progress(output);
+    Reader::MigrationOptions options = job.options;
+    options.opening = std::move(project.report);
+    options.reread = [&] { return opened(job.bytes, name, arguments).document; };
+    options.watch = [&](const Reader::MigrationPart& part, const Reader::Document&) { progress.note(part); };
+    Reader::Migration migration(std::move(project.document), std::move(options));
+    progress.expect(migration.document(), arguments.to);
+    migration.run();
+    const Reader::MigrationReport& report = migration.report();
+    Summary summary{report, name};
+    if (!arguments.repair)
+        summary.advice = Reader::Report::betterRepairs(report, {job.bytes, arguments.from, job.options});
+    const bool isWritten = !isRefused(arguments, report);
+    // Saved and read again: paths count from the target then, as in a project that is written there.
+    const Reader::TimelineExport result =
+        Reader::exportTimeline(Reader::parse(migration.save(), name, arguments.to));
+    if (isWritten) {
+        writeResult(job.target, QByteArray::fromStdString(Reader::openTimelineText(result.document)),
+                    optionsToWrite(arguments, job.input), *job.made);
+        summary.output = nameOfTarget(job.target);
+    }
+    progress.end();
+    if (output.isJson())
+        output.setResult(JsonReport::exported(summary, result));
+    else if (output.isQuiet())
+        output.note(Texts::errors(summary, output.colours()));
+    else
+        output.note(Texts::summary(summary, output.isVerbose() ? Texts::Detail::Steps : Texts::Detail::Usual,
+                                   output.colours()) +
+                    ExportReport::text(result));
+    if (!isWritten)
+        throw Messages::Failure(Messages::refusedByStrict(name));
+    return isWhole(report) ? Messages::Done : Messages::Incomplete;
+}
+
 } // namespace
 
 int migrate(const Arguments& arguments, Output& output) {
@@ -642,6 +683,23 @@ int report(const Arguments& arguments, Output& output) {
     if (!output.isJson() && !output.isQuiet())
         output.note(Texts::summary(summary, Texts::Detail::Usual, output.colours()));
     return facts.isWhole ? Messages::Done : Messages::Incomplete;
+}
+
+int exportTimeline(const Arguments& arguments, Output& output) {
+    if (path(arguments.output) == Reader::standardStream)
+        output.yieldStandardOutput();
+    const QString input = inputOf(arguments, output);
+    const QString base =
+        Reader::isStream(input) ? QStringLiteral("project") : QFileInfo(input).completeBaseName();
+    const QString target = outputFor(arguments, input, base + QStringLiteral(".otio"));
+    setTarget(target, output);
+    checkOutput(arguments, input, target);
+    const QByteArray bytes = readInput(arguments, input, output);
+    const auto made = std::make_shared<Reader::UnfinishedParts>();
+    const Reader::MigrationOptions options = optionsFor(arguments, input, target, nullptr);
+    return Advice::advising(arguments, {bytes, arguments.from, options}, [&] {
+        return exportRead(arguments, {input, target, bytes, options, made, nullptr}, output);
+    });
 }
 
 } // namespace Commands

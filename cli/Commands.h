@@ -24,6 +24,7 @@ struct Arguments {
     std::string packagesRoot;
     std::string aiModelsRoot;
     std::string downloadableRoot;
+    std::string exchangeFormat = "otio"; ///< what `export` writes
     std::optional<int> from;
     std::optional<std::uint64_t> maxMemory; ///< in bytes
     int to = Reader::currentVersion;
@@ -60,5 +61,6 @@ int diff(const Arguments& arguments, Output& output);
 int explain(const Arguments& arguments, Output& output);
 int timeline(const Arguments& arguments, Output& output);
 int report(const Arguments& arguments, Output& output);
+int exportTimeline(const Arguments& arguments, Output& output);
 
 } // namespace Commands

@@ -20,6 +20,16 @@ Json errorAsJson(const Messages::Message& error) {
     return result;
 }
 
+Reader::Report::MigrationFacts factsOf(const Summary& summary) {
+    return {summary.report,
+            FileNames::bytesOf(summary.output),
+            FileNames::bytesOf(summary.backup),
+            summary.notes,
+            summary.advice,
+            summary.hasVersion,
+            summary.hasClips};
+}
+
 } // namespace
 
 Json object(const Envelope& envelope, const Json& result, const Messages::Message* error) {
@@ -34,9 +44,11 @@ std::string line(const Json& object) {
 }
 
 Json migration(const Summary& summary) {
-    return Reader::Report::migration({summary.report, FileNames::bytesOf(summary.output),
-                                      FileNames::bytesOf(summary.backup), summary.notes, summary.advice,
-                                      summary.hasVersion, summary.hasClips});
+    return Reader::Report::migration(factsOf(summary));
+}
+
+Json exported(const Summary& summary, const Reader::TimelineExport& result) {
+    return Reader::Report::exported(factsOf(summary), result);
 }
 
 } // namespace JsonReport

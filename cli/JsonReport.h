@@ -34,5 +34,6 @@ inline std::string line(const Envelope& envelope, const Json& result,
 }
 
 Json migration(const Summary& summary);
+Json exported(const Summary& summary, const Reader::TimelineExport& result);
 
 } // namespace JsonReport

@@ -102,14 +102,16 @@ Work::Options optionsIn(const Common& common) {
     return {to, from, repair, {pathIn(packages), pathIn(aiModels), pathIn(downloadable)}, SignalCheck()};
 }
 
-py::tuple migrate(const py::bytes& location, const std::optional<py::bytes>& content, const Common& common,
-                  int strictness, const py::bytes& target) {
+/// A function that makes a document of one, and a report.
+template <Work::Migrated (*work)(const Work::Source&, const Work::Options&, Reader::Report::Strictness,
+                                 const QString&)>
+py::tuple converted(const py::bytes& location, const std::optional<py::bytes>& content, const Common& common,
+                    int strictness, const py::bytes& target) {
     const Work::Source source = sourceIn(location, content);
     const Work::Options options = optionsIn(common);
     const QString place = pathIn(target);
-    const Work::Migrated result = unlocked([&] {
-        return Work::migrate(source, options, static_cast<Reader::Report::Strictness>(strictness), place);
-    });
+    const Work::Migrated result = unlocked(
+        [&] { return work(source, options, static_cast<Reader::Report::Strictness>(strictness), place); });
     return py::make_tuple(py::bytes(result.data.constData(), static_cast<std::size_t>(result.data.size())),
                           textOf(result.report), result.isWhole);
 }
@@ -175,7 +177,8 @@ void setUpProcess() {
 
 PYBIND11_MODULE(_native, module) {
     setUpProcess();
-    module.def("migrate", migrate);
+    module.def("migrate", converted<Work::migrate>);
+    module.def("export_otio", converted<Work::exportOtio>);
     module.def("info", info);
     module.def("verify", verify);
     module.def("diff", diff);

@@ -1,5 +1,6 @@
 #include "Work.h"
 
+#include "Exchange/OpenTimeline.h"
 #include "Reader/AdaptorTable.h"
 #include "Reader/Comparison.h"
 #include "Reader/Error.h"
@@ -144,6 +145,32 @@ Migrated migrate(const Source& source, const Options& options, Strictness strict
         if (isRefusedResult)
             throw Refusal{std::move(report)};
         return {std::move(data), std::move(report), isWhole(work.report())};
+    });
+}
+
+Migrated exportOtio(const Source& source, const Options& options, Strictness strictness,
+                    const QString& target) {
+    const Input input(source);
+    const Reader::MigrationOptions shared = optionsFor(input, options, target);
+    return advising(input, options, shared, [&]() -> Migrated {
+        Repairs::Opened project = opened(input, options);
+        Reader::MigrationOptions own = shared;
+        own.opening = std::move(project.report);
+        own.reread = [&] { return opened(input, options).document; };
+        Reader::Migration work(std::move(project.document), std::move(own));
+        work.run();
+        MigrationFacts facts{work.report()};
+        if (!options.repair)
+            facts.advice = betterRepairs(work.report(), {input.bytes, options.from, shared});
+        const bool isRefusedResult = isRefused(strictness, work.report());
+        // Saved and read again: paths count from the target then, as in a project that is written there.
+        const Reader::TimelineExport result =
+            Reader::exportTimeline(Reader::parse(work.save(), input.name, options.to));
+        Json report = input.reported("export", exported(facts, result));
+        if (isRefusedResult)
+            throw Refusal{std::move(report)};
+        return {QByteArray::fromStdString(Reader::openTimelineText(result.document)), std::move(report),
+                isWhole(work.report())};
     });
 }
 

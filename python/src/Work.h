@@ -57,6 +57,10 @@ struct Migrated {
 Migrated migrate(const Source& source, const Options& options, Reader::Report::Strictness strictness,
                  const QString& target);
 
+/// The timeline of a project as OpenTimelineIO.
+Migrated exportOtio(const Source& source, const Options& options, Reader::Report::Strictness strictness,
+                    const QString& target);
+
 Json info(const Source& source, const Options& options);
 Json verify(const Source& source, const Options& options);
 /// With `asTheyAre` the documents are compared without a migration. Throws std::invalid_argument where that can't be.

@@ -42,6 +42,15 @@ const FieldName file("file");
 const FieldName path("path");
 const FieldName effects("effects");
 const FieldName tag("tag");
+const FieldName bypass("bypass"); ///< from version 55 on
+const FieldName volume("volume");
+const FieldName unlimitedDuration("unlimitedDuration"); ///< from version 36 on
+const FieldName labels("labels");                       ///< from version 28 on
+const FieldName fadeIn("fadeInDuration");               ///< from version 77 on
+const FieldName fadeOut("fadeOutDuration");
+// Quirk: two names were misspelt up to version 76.
+const FieldName oldFadeIn("fadeInDuraion");
+const FieldName oldFadeOut("fadeOutDuraion");
 const FieldName overlay("overlay");
 const FieldName items("items");
 const FieldName text("text");               ///< up to version 49
@@ -237,7 +246,19 @@ private:
         clip.level = View::integer(View::field(timing, Fields::trackLevel)).value_or(0);
         clip.isEnabled = View::boolean(View::field(object, Fields::enabled)).value_or(true);
         clip.isReversed = View::boolean(View::field(timing, Fields::reversed)).value_or(false);
-        clip.media = View::path(View::field(m_view.target(View::field(object, Fields::file)), Fields::path));
+        const Value file = m_view.target(View::field(object, Fields::file));
+        clip.media = View::path(View::field(file, Fields::path));
+        clip.file = View::idOf(file);
+        clip.fileDuration = time(file, Fields::duration);
+        clip.ownDuration = time(object, Fields::sourceDuration);
+        clip.isUnlimited = View::boolean(View::field(object, Fields::unlimitedDuration)).value_or(false);
+        clip.volume = View::integer(View::field(object, Fields::volume)).value_or(clip.volume);
+        clip.fadeIn = fadeOf(timing, Fields::fadeIn, Fields::oldFadeIn);
+        clip.fadeOut = fadeOf(timing, Fields::fadeOut, Fields::oldFadeOut);
+        for (const Value& label : View::items(View::field(object, Fields::labels))) {
+            if (std::string text = View::text(label); !text.empty())
+                clip.labels.push_back(std::move(text));
+        }
         for (const Value& effect : View::items(View::field(object, Fields::effects)))
             addEffect(clip, effect);
         clip.texts = textsOf(m_view.target(View::field(object, Fields::overlay)));
@@ -249,11 +270,17 @@ private:
         return View::integer(View::field(timing, name)).value_or(0);
     }
 
+    static long long fadeOf(const Value& timing, const FieldName& name, const FieldName& oldName) {
+        return time(timing, View::isNone(View::field(timing, name)) ? oldName : name);
+    }
+
     void addEffect(TimelineClip& clip, const Value& reference) {
         const Value effect = m_view.target(reference);
         if (View::targetId(reference) != 0)
-            clip.effects.push_back({View::targetId(reference), View::classOf(effect),
-                                    View::text(m_view.inheritedField(effect, Fields::tag))});
+            clip.effects.push_back(
+                {View::targetId(reference), View::classOf(effect),
+                 View::text(m_view.inheritedField(effect, Fields::tag)),
+                 View::boolean(m_view.inheritedField(effect, Fields::bypass)).value_or(false)});
     }
 
     std::vector<std::string> textsOf(const Value& preset) const {
@@ -290,8 +317,8 @@ private:
         for (const auto& [transition, fromClip, toClip] : View::transitionEntries(object)) {
             const unsigned long long from = View::targetId(fromClip);
             const unsigned long long to = View::targetId(toClip);
-            addTransition(timeline, transition, from, to,
-                          sum(timeIn(from, Fields::transitionOut), timeIn(to, Fields::transitionIn)));
+            addTransition(timeline, transition, from, to, timeIn(from, Fields::transitionOut),
+                          timeIn(to, Fields::transitionIn));
         }
         addTransitionsOfClips(timeline, entries);
     }
@@ -315,9 +342,9 @@ private:
             const long long half = time(place, Fields::transitionHalf);
             const Value whole = View::field(place, Fields::transitionDuration);
             const bool hasNext = n + 1 < places.size();
+            const long long length = View::isNone(whole) ? sum(half, half) : View::integer(whole).value_or(0);
             addTransition(timeline, transition, timeline.clips[places[n]].id,
-                          hasNext ? timeline.clips[places[n + 1]].id : 0,
-                          View::isNone(whole) ? sum(half, half) : View::integer(whole).value_or(0));
+                          hasNext ? timeline.clips[places[n + 1]].id : 0, length / 2, length - length / 2);
         }
     }
 
@@ -328,11 +355,11 @@ private:
     }
 
     void addTransition(Timeline& timeline, const Value& reference, unsigned long long from,
-                       unsigned long long to, long long duration) {
+                       unsigned long long to, long long before, long long after) {
         const Value object = m_view.target(reference);
         timeline.transitions.push_back({View::targetId(reference), View::classOf(object),
                                         View::text(m_view.inheritedField(object, Fields::tag)), from, to,
-                                        duration});
+                                        sum(before, after), before, after});
     }
 
     const View& m_view;

@@ -37,6 +37,7 @@ struct ClipEffect {
     unsigned long long id;
     std::string className; ///< empty where there is no such object
     std::string name;      ///< its `tag`, such as "PopArt9Tiles"
+    bool isBypassed = false;
 
     bool operator==(const ClipEffect&) const = default;
 };
@@ -60,6 +61,14 @@ struct TimelineClip {
     std::vector<ClipEffect> effects = {};
     std::vector<std::string> texts = {}; ///< of a title; texts in side files are left out
     unsigned long long nested = 0;       ///< id of the timeline that it shows; 0 for none
+    unsigned long long file = 0;         ///< id of the object of its file; 0 for none
+    long long fileDuration = 0;          ///< the length that this object has
+    long long ownDuration = 0;           ///< the length of its source at the source's own speed
+    bool isUnlimited = false;            ///< whether its source has no length of its own
+    long long volume = 100;              ///< in percent
+    long long fadeIn = 0;                ///< how long its sound fades in
+    long long fadeOut = 0;
+    std::vector<std::string> labels = {};
 
     /// Where it ends; no less than where it starts, and no overflow.
     long long end() const;
@@ -73,6 +82,8 @@ struct TimelineTransition {
     unsigned long long from; ///< id of the clip before it; 0 for none
     unsigned long long to;   ///< id of the clip after it; 0 for none
     long long duration = 0;
+    long long before = 0; ///< the part of it that is before the end of the first clip
+    long long after = 0;  ///< the part that is behind the start of the second
 
     bool operator==(const TimelineTransition&) const = default;
 };

@@ -160,6 +160,23 @@ Json migration(const MigrationFacts& facts) {
     return result;
 }
 
+Json exported(const MigrationFacts& facts, const TimelineExport& result) {
+    Json json = migration(facts);
+    json.erase("backup");
+    json.erase("notes");
+    json["export"] = {{"format", "otio"},
+                      {"timelines", result.timelines},
+                      {"clips", result.clips},
+                      {"omissions", listOf(result.omissions, [](const Omission& omission) {
+                           return Json{{"kind", nameOf(omission.kind)},
+                                       {"timeline", idOrNull(omission.timeline)},
+                                       {"id", idOrNull(omission.object)},
+                                       {"name", omission.name},
+                                       {"detail", omission.detail}};
+                       })}};
+    return json;
+}
+
 Json trace(const Trace& trace, const MigrationReport& report) {
     Json result;
     result["steps"] = listOf(trace.entries(), [](const Trace::Entry& entry) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Exchange/OpenTimeline.h"
 #include "Reader/Comparison.h"
 #include "Reader/Document.h"
 #include "Reader/Explanation.h"
@@ -52,6 +53,8 @@ struct MigrationFacts {
 };
 
 Json migration(const MigrationFacts& facts);
+/// A migration whose result was exported.
+Json exported(const MigrationFacts& facts, const TimelineExport& result);
 /// `repairs` are those that a migration needs; null where that is not known.
 Json info(const Document& document, const std::vector<RepairMade>* repairs);
 /// A part of it. `folder` is that of the project's file; empty for none.

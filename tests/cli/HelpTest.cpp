@@ -16,8 +16,8 @@ using Tests::Screen;
 
 namespace {
 
-const QStringList commands = {"migrate", "steps",    "run",    "info",    "verify",  "trace", "diff",
-                              "explain", "timeline", "report", "repairs", "restore", "help"};
+const QStringList commands = {"migrate", "steps",    "run",    "info",    "verify",  "trace",  "diff",
+                              "explain", "timeline", "report", "repairs", "restore", "export", "help"};
 
 class HelpTest : public Tests::ProgramTest {
 protected:

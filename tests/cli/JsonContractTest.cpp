@@ -140,6 +140,9 @@ TEST_F(JsonContractTest, EveryCommandKeepsItsSchema) {
         call({"explain", "sample"});
         call({"timeline", "sample", "-o", QStringLiteral("film-") + name + ".svg"});
         EXPECT_EQ(call({"report", "sample", "-o", "page.html", "--force"})["output"], "page.html");
+        const json exported = call({"export", "sample", "-o", "film.otio", "--force"});
+        EXPECT_EQ(exported["output"], "film.otio");
+        EXPECT_FALSE(exported["export"]["omissions"].empty());
         EXPECT_EQ(call({"diff", "sample", "sample.json"})["differences"], json::array());
         EXPECT_FALSE(call({"diff", "sample", "film.xml"})["differences"].empty());
     }
