@@ -21,7 +21,7 @@ from typing import Literal, Protocol, TypeAlias
 from . import _native, reports
 from .errors import *  # noqa: F403
 from .errors import AdaptorsError as AdaptorsError
-from .reports import DiffReport, ExplainReport, InfoReport, MigrationReport, StepsReport, VerifyReport
+from .reports import DiffReport, ExplainReport, ExportReport, InfoReport, MigrationReport, StepsReport, VerifyReport
 
 __version__: str = _native.version
 
@@ -76,8 +76,24 @@ class Result:
             ...
         project_adaptors.errors.OutputExistsError: ...
         """
-        data = self.data if self._migration.is_for_folder_of(path) else self._migration.run(path)[0]
-        _native.write(_file(path), data, force, self._migration.location)
+        self._migration.write(self.data, path, force)
+        return dataclasses.replace(self.report, output=os.fspath(path))
+
+
+@dataclass(frozen=True)
+class Export:
+    """A project's timeline for other editors."""
+
+    data: bytes = field(repr=False)
+    """The bytes of an .otio file."""
+    report: ExportReport = field(repr=False)
+    whole: bool
+    """Whether all of the input is in the migrated project that was exported; see `Result`."""
+    _migration: _Migration = field(repr=False)
+
+    def write(self, path: Path, *, force: bool = False) -> ExportReport:
+        """Writes the timeline to a file, as `Result.write` writes a project."""
+        self._migration.write(self.data, path, force)
         return dataclasses.replace(self.report, output=os.fspath(path))
 
 
@@ -86,8 +102,9 @@ _Common: TypeAlias = tuple[int, int | None, bool, tuple[bytes, bytes, bytes]]
 
 @dataclass(frozen=True)
 class _Migration:
-    """The arguments of a migration."""
+    """The arguments of a migration, and what is made of its result."""
 
+    work: Literal["migrate", "export_otio"]
     location: bytes
     content: bytes | None
     common: _Common
@@ -95,8 +112,12 @@ class _Migration:
     target: bytes
 
     def run(self, target: Path | None = None) -> tuple[bytes, str, bool]:
-        return _native.migrate(self.location, self.content, self.common, self.strictness,
-                               self.target if target is None else _file(target))
+        work = _native.migrate if self.work == "migrate" else _native.export_otio
+        return work(self.location, self.content, self.common, self.strictness,
+                    self.target if target is None else _file(target))
+
+    def write(self, data: bytes, path: Path, force: bool) -> None:
+        _native.write(_file(path), data if self.is_for_folder_of(path) else self.run(path)[0], force, self.location)
 
     def is_for_folder_of(self, path: Path) -> bool:
         def folder(file: bytes) -> bytes:
@@ -169,14 +190,37 @@ def migrate(source: Source, to: int = NEWEST, *, strict: bool | Literal["all"] =
         ...
     project_adaptors.errors.EmptyError: ...
     """
+    migration = _migration("migrate", source, to, strict, folders, repair, from_version, location, target)
+    data, report, whole = migration.run()
+    return Result(data, reports.from_json(MigrationReport, report), whole, migration)
+
+
+def export_otio(source: Source, *, strict: bool | Literal["all"] = False, folders: Folders | None = None,
+                repair: bool = False, from_version: int | None = None, location: Path | None = None,
+                target: Path | None = None) -> Export:
+    """Migrates a project in memory and gives its timeline as OpenTimelineIO. The options are those of `migrate`. What
+    the format has no words for is listed in the report.
+
+    >>> export = export_otio("samples/holiday-v27.xml")
+    >>> export.report.export.clips
+    6
+    >>> b"Timeline.1" in export.data
+    True
+    """
+    migration = _migration("export_otio", source, NEWEST, strict, folders, repair, from_version, location, target)
+    data, report, whole = migration.run()
+    return Export(data, reports.from_json(ExportReport, report), whole, migration)
+
+
+def _migration(work: Literal["migrate", "export_otio"], source: Source, to: int, strict: bool | Literal["all"],
+               folders: Folders | None, repair: bool, from_version: int | None, location: Path | None,
+               target: Path | None) -> _Migration:
     if strict not in (False, True, "all"):
         raise ValueError('strict is False, True or "all"')
     common = _options(to, from_version, repair, folders)
     place, content = _read(source, location)
-    migration = _Migration(place, content, common, 2 if strict == "all" else int(strict),
-                           b"" if target is None else _file(target))
-    data, report, whole = migration.run()
-    return Result(data, reports.from_json(MigrationReport, report), whole, migration)
+    return _Migration(work, place, content, common, 2 if strict == "all" else int(strict),
+                      b"" if target is None else _file(target))
 
 
 def info(source: Source, *, from_version: int | None = None, location: Path | None = None) -> InfoReport:

@@ -226,11 +226,10 @@ def _state_of(job: Job, chunk: Chunk) -> str:
     return os.path.join(job.output, STATES, chunk.key() + ".sqlite")
 
 
-def _migrate_local(job: Job, chunk: Chunk) -> list[tuple[Any, ...]]:
+def _migrate_local(job: Job, chunk: Chunk) -> None:
     state = _state_of(job, chunk)
     os.makedirs(os.path.dirname(state), exist_ok=True)
     _run_program(job, chunk, chunk.folder, chunk.paths, job.output, state)
-    return _rows_in(state, chunk.skipped)
 
 
 def _put(system: Any, local: str, target: str) -> None:
@@ -282,9 +281,12 @@ def _migrate_remote(job: Job, chunk: Chunk) -> list[tuple[Any, ...]]:
         return [(place.get(os.fsdecode(row[0]), row[0]), *row[1:]) for row in rows]
 
 
-def migrate_chunk(job: Job, chunk: Chunk) -> list[tuple[Any, ...]]:
-    """The task: gives the rows of the chunk's files."""
-    return (_migrate_remote if _is_url(chunk.folder) else _migrate_local)(job, chunk)
+def migrate_chunk(job: Job, chunk: Chunk) -> list[tuple[Any, ...]] | None:
+    """The task. Gives the rows of the chunk's files where its state does not have them."""
+    if _is_url(chunk.folder):
+        return _migrate_remote(job, chunk)
+    _migrate_local(job, chunk)
+    return None
 
 
 def _give_up(job: Job, chunk: Chunk, reason: str) -> bool:
@@ -385,7 +387,8 @@ def migrate_all(sources: str | os.PathLike[str] | Sequence[str | os.PathLike[str
     for future in waiting:
         part = parts.pop(future)
         if future.status == "finished":
-            rows += future.result()
+            # Not by way of the worker where that can be: it may be dead meanwhile, and Dask then closes its place.
+            rows += future.result() if _is_url(part.folder) else _rows_in(_state_of(job, part), part.skipped)
             continue
         error = future.exception()
         reason = "%s: %s" % (type(error).__name__, error)

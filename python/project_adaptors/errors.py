@@ -76,7 +76,7 @@ def _again(kind: type[AdaptorsError], text: str, facts: dict[str, Any]) -> Adapt
 class RefusedError(AdaptorsError):
     """The result was refused with ``strict``. ``report`` says what would be lost."""
 
-    report: reports.MigrationReport
+    report: reports.MigrationReport | reports.ExportReport
 
 
 class UnreadableError(AdaptorsError, OSError):
@@ -235,7 +235,10 @@ def made_of(facts: str) -> AdaptorsError:
 
 def refused(report: str) -> RefusedError:
     """The exception for a migration whose result was refused; its report is a JSON object."""
-    refusal = reports.from_json(reports.MigrationReport, report)
+    facts = json.loads(report)
+    refusal: reports.MigrationReport | reports.ExportReport = (
+        reports.from_json(reports.ExportReport, facts) if facts["command"] == "export"
+        else reports.from_json(reports.MigrationReport, facts))
     error = RefusedError((refusal.input or "the document") + ": refused, because strict allows no such losses or errors",
                          kind="strict", file=refusal.input)
     error.report = refusal

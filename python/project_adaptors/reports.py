@@ -224,6 +224,47 @@ class MigrationReport(Report):
 
 
 @dataclass(frozen=True)
+class Omission:
+    """Something of a project that the format of an export has no words for."""
+
+    kind: str
+    timeline: int | None
+    id: int | None
+    name: str
+    detail: str
+
+
+@dataclass(frozen=True)
+class Exported:
+    """What an export holds."""
+
+    format: str
+    timelines: int
+    clips: int
+    omissions: tuple[Omission, ...]
+
+
+@dataclass(frozen=True)
+class ExportReport(Report):
+    """What a migration and the export of its result did."""
+
+    output: str | None
+    from_: State
+    to: State
+    steps: tuple[str, ...]
+    skipped: tuple[str, ...]
+    log: tuple[LogLine, ...]
+    recovery: Recovery | None
+    repairs: tuple[Repair, ...]
+    advice: tuple[Repair, ...]
+    objects: ObjectCounts
+    duplicateIds: tuple[int, ...]
+    clips: ClipCounts | None
+    losses: tuple[Loss, ...] | None
+    export: Exported
+
+
+@dataclass(frozen=True)
 class DanglingReference:
     """A reference to an object that is missing."""
 

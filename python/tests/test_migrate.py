@@ -259,3 +259,30 @@ def test_list_of_steps(run):
     for above, to in ((0, 77), (27, 62)):
         wanted = json.loads(run("steps", "--from", above, "--to", to, "--json").stdout)
         assert without(reports.as_json(project_adaptors.steps(above, to))) == without(wanted)
+
+
+@pytest.mark.parametrize("name", SAMPLES)
+def test_exports_are_those_of_the_program(run, samples, name):
+    path = samples / name
+    done = run("export", path, "-o", samples / "program.otio", "--json")
+    export = project_adaptors.export_otio(path)
+    assert export.data == (samples / "program.otio").read_bytes()
+    assert without(reports.as_json(export.report)) == without(json.loads(done.stdout))
+    assert export.whole == (done.returncode == 0)
+
+
+def test_an_export_to_another_folder_has_other_relative_paths(run, samples):
+    other = samples / "results" / "new"
+    other.mkdir(parents=True)
+    path = samples / "holiday-v27.xml"
+    run("export", path, "-o", other / "program.otio")
+    report = project_adaptors.export_otio(path).write(other / "film.otio")
+    assert (other / "film.otio").read_bytes() == (other / "program.otio").read_bytes()
+    assert report.output == str(other / "film.otio")
+
+
+def test_a_refused_export(samples):
+    whole = (samples / "holiday-v27.xml").read_bytes()
+    with pytest.raises(project_adaptors.RefusedError) as caught:
+        project_adaptors.export_otio(whole[:len(whole) * 2 // 3], repair=True, strict=True)
+    assert caught.value.report.export.clips >= 0

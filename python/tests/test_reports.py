@@ -15,7 +15,7 @@ from project_adaptors import reports
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 SCHEMAS = {path.name: json.loads(path.read_text()) for path in (ROOT / "docs" / "schema").glob("*.json")}
 REPORTS = {"migrate": reports.MigrationReport, "info": reports.InfoReport, "verify": reports.VerifyReport,
-           "diff": reports.DiffReport, "explain": reports.ExplainReport, "steps": reports.StepsReport}
+           "diff": reports.DiffReport, "export": reports.ExportReport, "explain": reports.ExplainReport, "steps": reports.StepsReport}
 
 
 def resolved(schema, file):
@@ -80,7 +80,7 @@ def test_reports_follow_the_schemas():
     path = ROOT / "samples" / "holiday-v27.xml"
     made = {"migrate": project_adaptors.migrate(path).report, "info": project_adaptors.info(path),
             "verify": project_adaptors.verify(path), "diff": project_adaptors.diff(path, path),
-            "explain": project_adaptors.explain(path), "steps": project_adaptors.steps()}
+            "explain": project_adaptors.explain(path), "export": project_adaptors.export_otio(path).report, "steps": project_adaptors.steps()}
     for command, report in made.items():
         resolver = jsonschema.RefResolver("", SCHEMAS[command + ".json"], store=SCHEMAS)
         jsonschema.Draft202012Validator(SCHEMAS[command + ".json"], resolver=resolver).validate(
