@@ -1,7 +1,7 @@
 // What the program says of a damaged file that was recovered.
 
-#include "JsonReport.h"
 #include "RecoveryText.h"
+#include "JsonReport.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
