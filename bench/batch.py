@@ -173,4 +173,5 @@ def main():
             measure_memory(program, pathlib.Path(folder), options.memory_files)
 
 
-main()
+if __name__ == "__main__":
+    main()

@@ -6,7 +6,6 @@
 #include "ExplainReport.h"
 #include "ExportReport.h"
 #include "FileNames.h"
-#include "LossMessages.h"
 #include "Memory.h"
 #include "Messages.h"
 #include "Names.h"
@@ -18,6 +17,7 @@
 #include "Reader/Unfinished.h"
 #include "Repairs/Opening.h"
 #include "Repairs/RepairTrial.h"
+#include "Report/Verdict.h"
 #include "Summary.h"
 #include "TimelineReport.h"
 #include "TimelineSvg.h"
@@ -36,6 +36,8 @@ namespace Commands {
 namespace {
 
 using namespace Places;
+using Reader::Report::isWhole;
+using Reader::Report::wouldLose;
 
 /// The project's file. Failures from here on are reported with its name.
 QString inputOf(const Arguments& arguments, Output& output) {
@@ -146,29 +148,17 @@ void showTrace(const Reader::Trace& trace, const Reader::MigrationReport& report
         output.print(Texts::trace(trace));
 }
 
-/// Whether something is lost that no schema version meant to remove, by a step or in a damaged file, or a step reported
-/// an error.
-bool wouldLose(const Reader::MigrationReport& report) {
-    return report.hasErrors() || report.hasUnintendedLosses() || report.isFromIncompleteFile();
-}
-
 bool isRefused(const Arguments& arguments, const Reader::MigrationReport& report) {
-    return !arguments.strict.empty() &&
-           (wouldLose(report) || (arguments.strict == "all" && !report.losses.empty()));
-}
-
-/// Whether all that the input held is in the result, except what schema versions removed on purpose.
-bool isWhole(const Reader::MigrationReport& report) {
-    return !report.hasHarmfulLosses() && !report.isFromIncompleteFile() &&
-           std::all_of(report.log.begin(), report.log.end(), [](const Reader::LogLine& line) {
-               return !line.isError() || LossMessages::isHarmless(line);
-           });
+    using Reader::Report::Strictness;
+    const Strictness strictness = arguments.strict.empty()    ? Strictness::None
+                                  : arguments.strict == "all" ? Strictness::All
+                                                              : Strictness::Unintended;
+    return Reader::Report::isRefused(strictness, report);
 }
 
 /// Whether a migration of the document has nothing to do. A bundle is made of any document.
 bool isUpToDate(const Reader::Document& document, const Arguments& arguments) {
-    const bool hasFormOfTarget = document.isXml() == (arguments.to <= Reader::lastXmlVersion);
-    return document.version() == arguments.to && hasFormOfTarget && arguments.bundle.empty();
+    return Reader::Report::isUpToDate(document, arguments.to) && arguments.bundle.empty();
 }
 
 /// The project in a file; with --repair also in one that is damaged.
@@ -255,7 +245,7 @@ int migrateRead(const Arguments& arguments, const Job& job, Output& output) {
 
     Summary summary{report, name};
     if (!arguments.repair)
-        summary.advice = Advice::repairsFor(report, {job.bytes, arguments.from, job.options});
+        summary.advice = Reader::Report::betterRepairs(report, {job.bytes, arguments.from, job.options});
     if (isWritten) {
         if (job.file) {
             const Reader::Replacement replacement = job.file->replace(result);
@@ -357,7 +347,7 @@ int explainRead(const Arguments& arguments, const QString& input, const QByteArr
         if (!arguments.clip.empty() && !explanation.hasFoundClip())
             throw Messages::Failure(Messages::noSuchClip(name, arguments.clip));
         if (output.isJson())
-            output.setResult(ExplainReport::asJson(result));
+            output.setResult(Reader::Report::explanation(result.steps, result.report, result.isOneStep));
         else
             output.print(ExplainReport::text(result, output.colours()));
     };
@@ -380,17 +370,6 @@ Reader::Document broughtTo(int version, Reader::Document document, const Argumen
     Reader::Migration migration(std::move(document), std::move(options));
     migration.run();
     return Reader::parse(migration.save(), nameOf(file), version);
-}
-
-/// The version that two documents are compared at: the newer one; where only one is an archive of it, the first one that
-/// both can have as JSON.
-int versionToCompare(const DiffReport::Input& before, const DiffReport::Input& after) {
-    for (const DiffReport::Input& input : {before, after}) {
-        if (!input.version)
-            throw Reader::Error(Reader::ErrorKind::NoVersion, {.file = input.name});
-    }
-    const int newer = std::max(*before.version, *after.version);
-    return before.form == after.form ? newer : std::max(newer, Reader::lastXmlVersion + 1);
 }
 
 /// Migrates a document for a page, as `migrate` would. `facts` has all that was seen also where a step fails.
@@ -461,7 +440,7 @@ int exportRead(const Arguments& arguments, const Job& job, Output& output) {
     const Reader::MigrationReport& report = migration.report();
     Summary summary{report, name};
     if (!arguments.repair)
-        summary.advice = Advice::repairsFor(report, {job.bytes, arguments.from, job.options});
+        summary.advice = Reader::Report::betterRepairs(report, {job.bytes, arguments.from, job.options});
     const bool isWritten = !isRefused(arguments, report);
     // Saved and read again: paths count from the target then, as in a project that is written there.
     const Reader::TimelineExport result =
@@ -473,7 +452,7 @@ int exportRead(const Arguments& arguments, const Job& job, Output& output) {
     }
     progress.end();
     if (output.isJson())
-        output.setResult(ExportReport::asJson(summary, result));
+        output.setResult(JsonReport::exported(summary, result));
     else if (output.isQuiet())
         output.note(Texts::errors(summary, output.colours()));
     else
@@ -543,7 +522,7 @@ int info(const Arguments& arguments, Output& output) {
         const auto* repairs = trial ? &trial->report.repairs : nullptr;
         if (output.isJson()) {
             JsonReport::Json result = JsonReport::info(document, repairs);
-            result.update(TimelineReport::asJson(project));
+            result.update(Reader::Report::timelines(project.timelines, project.folder));
             output.setResult(std::move(result));
         } else {
             const auto drawing =
@@ -614,7 +593,7 @@ int diff(const Arguments& arguments, Output& output) {
     if (arguments.raw && before.form() != after.form())
         throw Messages::Failure(Messages::differentForms(nameOf(fileBefore), nameOf(fileAfter)));
     if (!arguments.raw)
-        result.comparedAs = versionToCompare(result.before, result.after);
+        result.comparedAs = Reader::Report::versionToCompare(result.before, result.after);
     const auto prepared = [&](Reader::Document document, const QString& file) {
         if (result.comparedAs)
             document = broughtTo(*result.comparedAs, std::move(document), arguments, file);
@@ -624,7 +603,7 @@ int diff(const Arguments& arguments, Output& output) {
     const Reader::ComparedProject projectBefore = prepared(std::move(before), fileBefore);
     result.differences = Reader::compare(projectBefore, prepared(std::move(after), fileAfter));
     if (output.isJson())
-        output.setResult(DiffReport::asJson(result));
+        output.setResult(Reader::Report::comparison(result));
     else
         output.print(DiffReport::text(result));
     return result.differences.empty() ? Messages::Done : Messages::IsDifferent;

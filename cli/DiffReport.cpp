@@ -11,7 +11,6 @@ using Phrases::shortText;
 using Phrases::timeText;
 using Phrases::valueText;
 using Reader::Difference;
-using Json = nlohmann::ordered_json;
 
 namespace DiffReport {
 namespace {
@@ -132,29 +131,6 @@ std::string lineOf(const Difference& difference) {
     return {};
 }
 
-Json idOrNull(unsigned long long id) {
-    return id == 0 ? Json() : Json(id);
-}
-
-Json inputAsJson(const Input& input) {
-    return {{"name", FileNames::bytesOf(input.name)},
-            {"form", input.form == Bundle::Backend::Xml ? "xml" : "json"},
-            {"version", input.version ? Json(*input.version) : Json()}};
-}
-
-Json differenceAsJson(const Difference& difference) {
-    return {{"kind", nameOf(difference.kind)},
-            {"clip", difference.clip ? Json{{"name", difference.clip->name}, {"time", difference.clip->start}}
-                                     : Json()},
-            {"class", difference.className},
-            {"name", difference.name},
-            {"idBefore", idOrNull(difference.idBefore)},
-            {"idAfter", idOrNull(difference.idAfter)},
-            {"field", difference.field.empty() ? Json() : Json(difference.field)},
-            {"before", difference.before},
-            {"after", difference.after}};
-}
-
 } // namespace
 
 std::string text(const Result& result) {
@@ -167,16 +143,6 @@ std::string text(const Result& result) {
     for (const Difference& difference : result.differences)
         out += "  " + lineOf(difference) + '\n';
     return out + "  " + Phrases::plural(result.differences.size(), "difference") + '\n';
-}
-
-Json asJson(const Result& result) {
-    Json differences = Json::array();
-    for (const Difference& difference : result.differences)
-        differences.push_back(differenceAsJson(difference));
-    return {{"before", inputAsJson(result.before)},
-            {"after", inputAsJson(result.after)},
-            {"comparedAs", result.comparedAs ? Json(*result.comparedAs) : Json()},
-            {"differences", std::move(differences)}};
 }
 
 } // namespace DiffReport

@@ -1,32 +1,15 @@
 #pragma once
 
-#include "Reader/Comparison.h"
+#include "Report/ReportJson.h"
 
-#include <QString>
-
-#include <nlohmann/json.hpp>
-
-#include <optional>
-#include <vector>
+#include <string>
 
 /// What `adaptors diff` says.
 namespace DiffReport {
 
-struct Input {
-    QString name;
-    Bundle::Backend form;
-    std::optional<int> version;
-};
-
-struct Result {
-    Input before;
-    Input after;
-    std::optional<int>
-        comparedAs; ///< the version that both were brought to; none where they are as they were
-    std::vector<Reader::Difference> differences;
-};
+using Input = Reader::Report::ComparedInput;
+using Result = Reader::Report::ComparisonFacts;
 
 std::string text(const Result& result);
-nlohmann::ordered_json asJson(const Result& result);
 
 } // namespace DiffReport

@@ -9,7 +9,6 @@
 using Phrases::valueText;
 using Reader::FieldChange;
 using Reader::StepEffect;
-using Json = nlohmann::ordered_json;
 
 namespace ExplainReport {
 namespace {
@@ -64,40 +63,6 @@ std::string stepText(const StepEffect& step) {
     return text;
 }
 
-Json countsAsJson(const Reader::ObjectCounts& counts) {
-    Json result = Json::object();
-    for (const auto& [className, count] : counts)
-        result[className] = count;
-    return result;
-}
-
-Json fieldAsJson(const FieldChange& change) {
-    Json examples = Json::array();
-    for (const FieldChange::Example& example : change.examples)
-        examples.push_back(
-            {{"id", example.id},
-             {"clip", example.clip == 0 ? Json() : Json{{"id", example.clip}, {"name", example.clipName}}},
-             {"before", example.before},
-             {"after", example.after}});
-    return {{"class", change.className},
-            {"field", change.field},
-            {"change", nameOf(change.kind)},
-            {"count", change.count},
-            {"examples", std::move(examples)}};
-}
-
-Json stepAsJson(const StepEffect& step) {
-    Json fields = Json::array();
-    for (const FieldChange& change : step.fields)
-        fields.push_back(fieldAsJson(change));
-    return {{"class", step.className},
-            {"summary", step.summary},
-            {"added", countsAsJson(step.added)},
-            {"removed", countsAsJson(step.removed)},
-            {"changed", countsAsJson(step.changed)},
-            {"fields", std::move(fields)}};
-}
-
 } // namespace
 
 std::vector<std::string> examplesOf(const FieldChange& change) {
@@ -132,21 +97,6 @@ std::string text(const Result& result, const Terminal::Colours& colours) {
         out += '\n' + Phrases::plural(unchanged, unchanged < result.steps.size() ? "other step" : "step") +
                " changed nothing\n";
     return out;
-}
-
-Json asJson(const Result& result) {
-    Json steps = Json::array();
-    Json unchanged = Json::array();
-    for (const StepEffect& step : result.steps) {
-        if (step.changedNothing() && !result.isOneStep)
-            unchanged.push_back(step.className);
-        else
-            steps.push_back(stepAsJson(step));
-    }
-    return {{"steps", std::move(steps)},
-            {"unchanged", std::move(unchanged)},
-            {"recovery", JsonReport::recoveryAsJson(result.report.recovery)},
-            {"repairs", JsonReport::repairsAsJson(result.report.repairs)}};
 }
 
 } // namespace ExplainReport

@@ -4,8 +4,6 @@
 #include "Reader/MigrationReport.h"
 #include "Terminal.h"
 
-#include <nlohmann/json.hpp>
-
 #include <QString>
 
 #include <string>
@@ -22,7 +20,6 @@ struct Result {
 };
 
 std::string text(const Result& result, const Terminal::Colours& colours);
-nlohmann::ordered_json asJson(const Result& result);
 
 /// The examples of a change, each as a text; a single one where all are the same.
 std::vector<std::string> examplesOf(const Reader::FieldChange& change);

@@ -1,6 +1,5 @@
 #include "ExportReport.h"
 
-#include "JsonReport.h"
 #include "Phrases.h"
 
 #include <array>
@@ -9,7 +8,6 @@
 
 using Phrases::inQuotes;
 using Reader::Omission;
-using Json = nlohmann::ordered_json;
 
 namespace ExportReport {
 namespace {
@@ -69,24 +67,6 @@ std::string text(const Reader::TimelineExport& result) {
         out += '\n';
     }
     return out;
-}
-
-Json asJson(const Summary& summary, const Reader::TimelineExport& result) {
-    Json json = JsonReport::migration(summary);
-    json.erase("backup");
-    json.erase("notes");
-    Json omissions = Json::array();
-    for (const Omission& omission : result.omissions)
-        omissions.push_back({{"kind", nameOf(omission.kind)},
-                             {"timeline", omission.timeline == 0 ? Json() : Json(omission.timeline)},
-                             {"id", omission.object == 0 ? Json() : Json(omission.object)},
-                             {"name", omission.name},
-                             {"detail", omission.detail}});
-    json["export"] = {{"format", "otio"},
-                      {"timelines", result.timelines},
-                      {"clips", result.clips},
-                      {"omissions", std::move(omissions)}};
-    return json;
 }
 
 } // namespace ExportReport

@@ -1,9 +1,6 @@
 #pragma once
 
 #include "Exchange/OpenTimeline.h"
-#include "Summary.h"
-
-#include <nlohmann/json.hpp>
 
 #include <string>
 
@@ -12,8 +9,5 @@ namespace ExportReport {
 
 /// What could not be said in the format, fit for a terminal; empty where all could.
 std::string text(const Reader::TimelineExport& result);
-
-/// The keys of `adaptors export --json`.
-nlohmann::ordered_json asJson(const Summary& summary, const Reader::TimelineExport& result);
 
 } // namespace ExportReport

@@ -19,11 +19,4 @@ std::string loss(const Reader::Loss& loss, const Terminal::Colours& colours);
 /// reason in common. Intended losses of clips are left out: clips() has them.
 std::string losses(const Reader::MigrationReport& report, const Terminal::Colours& colours);
 
-/// What a line that a step logged means for the user, a sentence without a full stop; empty for nothing more than the
-/// line itself says.
-std::string meaningOf(const Reader::LogLine& line);
-
-/// Whether the result is whole all the same: nothing that the input held is missing or changed because of that error.
-bool isHarmless(const Reader::LogLine& line);
-
 } // namespace LossMessages

@@ -68,13 +68,6 @@ void writeVersion(std::ostream& out, const RecoveryReport& report) {
         out << "      " << escaped(reason) << '\n';
 }
 
-JsonReport::Json clipsAsJson(const std::vector<RecoveredClip>& clips) {
-    JsonReport::Json list = JsonReport::Json::array();
-    for (const RecoveredClip& clip : clips)
-        list.push_back({{"id", clip.id}, {"name", clip.name}});
-    return list;
-}
-
 } // namespace
 
 std::string Texts::recovery(const RecoveryReport& report, const Terminal::Colours& colours) {
@@ -106,39 +99,4 @@ std::string Texts::recoveryInShort(const RecoveryReport& report) {
     else if (!report.isComplete())
         text += ", something else is lost";
     return text;
-}
-
-JsonReport::Json JsonReport::recovery(const RecoveryReport& report) {
-    Json findings = Json::array();
-    for (const Reader::DamageFinding& finding : report.findings)
-        findings.push_back({{"damage", Reader::nameOf(finding.damage)},
-                            {"byte", finding.byte},
-                            {"line", finding.line},
-                            {"column", finding.column},
-                            {"text", finding.text}});
-    Json guess;
-    if (report.versionGuess)
-        guess = {{"highest", report.versionGuess->highest}, {"reasons", report.versionGuess->reasons}};
-    return {{"complete", report.isComplete()},
-            {"findings", findings},
-            {"findingsLeftOut", report.findingsLeftOut},
-            {"encoding", report.encoding},
-            {"version", report.version},
-            {"versionGuess", guess},
-            {"newerVersion", report.newerVersion ? Json(*report.newerVersion) : Json()},
-            {"objects",
-             {{"whole", report.objectsWhole},
-              {"inPart", report.objectsClosed},
-              {"lost", report.objectsDropped},
-              {"made", report.objectsMade}}},
-            {"referencesCleared", report.referencesCleared},
-            {"entriesRemoved", report.entriesDropped},
-            {"predeclarationsMended", report.predeclarationsMended},
-            {"countsMended", report.countsMended},
-            {"charactersReplaced", report.charactersReplaced},
-            {"clips",
-             {{"inPlace", report.clipsInPlace},
-              {"moved", clipsAsJson(report.clipsMoved)},
-              {"inPart", clipsAsJson(report.clipsReduced)},
-              {"lost", clipsAsJson(report.clipsLost)}}}};
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "JsonReport.h"
 #include "Recovery/RecoveryReport.h"
 #include "Terminal.h"
 
@@ -18,9 +17,3 @@ std::string recovery(const Reader::RecoveryReport& report, const Terminal::Colou
 std::string recoveryInShort(const Reader::RecoveryReport& report);
 
 } // namespace Texts
-
-namespace JsonReport {
-
-Json recovery(const Reader::RecoveryReport& report);
-
-} // namespace JsonReport

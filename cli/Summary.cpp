@@ -5,6 +5,8 @@
 #include "Phrases.h"
 #include "RecoveryText.h"
 #include "Repairs/RepairTable.h"
+#include "Report/ReportJson.h"
+#include "Report/Verdict.h"
 
 #include <algorithm>
 #include <iomanip>
@@ -15,6 +17,9 @@ using Phrases::classText;
 using Phrases::plural;
 using Phrases::timeText;
 using Reader::AdaptorRow;
+using Reader::Report::namesOfStepsToRun;
+using Reader::Report::ofKind;
+using Reader::Report::unnumberedAdaptors;
 using Terminal::Colours;
 using Terminal::escaped;
 
@@ -41,7 +46,7 @@ std::string objectText(const Reader::LoggedObject& object) {
 }
 
 std::string lineText(const Reader::LogLine& line, const Colours& colours) {
-    const std::string meaning = LossMessages::meaningOf(line);
+    const std::string meaning = Reader::Report::meaningOf(line);
     return (line.isError() ? colours.red("error") : colours.yellow("warning")) + ": " + escaped(line.step) +
            ": " + escaped(line.text) + (line.object ? objectText(*line.object) : std::string()) +
            (meaning.empty() ? "" : ": " + meaning) + '\n';
@@ -115,32 +120,6 @@ std::string severityText(Reader::Severity severity, const Colours& colours) {
 }
 
 } // namespace
-
-std::vector<const AdaptorRow*> unnumberedAdaptors() {
-    std::vector<const AdaptorRow*> rows;
-    for (const AdaptorRow& row : Reader::adaptorTable()) {
-        if (!row.isStep())
-            rows.push_back(&row);
-    }
-    std::sort(rows.begin(), rows.end(),
-              [](const AdaptorRow* a, const AdaptorRow* b) { return a->className < b->className; });
-    return rows;
-}
-
-std::vector<std::string> namesOfStepsToRun(const Reader::Document& document) {
-    std::vector<std::string> names;
-    if (!document.version())
-        return names;
-    for (const AdaptorRow* step :
-         Reader::stepsToRun(document.form(), *document.version(), Reader::currentVersion))
-        names.emplace_back(step->className);
-    return names;
-}
-
-std::vector<Reader::Finding> ofKind(Reader::Fault fault, std::vector<Reader::Finding> findings) {
-    std::erase_if(findings, [fault](const Reader::Finding& finding) { return finding.fault != fault; });
-    return findings;
-}
 
 namespace Texts {
 

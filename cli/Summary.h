@@ -73,9 +73,3 @@ std::string restored(const QString& file, const QString& backup, const QString& 
 std::string progress(const std::string& step, std::size_t place, std::size_t total);
 
 } // namespace Texts
-
-// What both people and programs are shown.
-
-std::vector<const Reader::AdaptorRow*> unnumberedAdaptors();
-std::vector<std::string> namesOfStepsToRun(const Reader::Document& document);
-std::vector<Reader::Finding> ofKind(Reader::Fault fault, std::vector<Reader::Finding> findings);

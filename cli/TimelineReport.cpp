@@ -15,7 +15,6 @@ using Reader::MediaFile;
 using Reader::Presence;
 using Reader::Timeline;
 using Reader::TimelineClip;
-using Json = nlohmann::ordered_json;
 
 namespace TimelineReport {
 namespace {
@@ -99,76 +98,6 @@ std::string mediaText(const Project& project) {
     return text + '\n' + list.str();
 }
 
-template <class Value>
-Json orNull(const std::optional<Value>& value) {
-    return value ? Json(*value) : Json();
-}
-
-Json idOrNull(unsigned long long id) {
-    return id == 0 ? Json() : Json(id);
-}
-
-Json trackAsJson(const Reader::Track& track) {
-    return {{"id", idOrNull(track.id)},
-            {"kind", nameOf(track.kind)},
-            {"muted", track.isMuted},
-            {"hidden", track.isHidden}};
-}
-
-Json clipAsJson(const TimelineClip& clip) {
-    Json effects = Json::array();
-    for (const Reader::ClipEffect& effect : clip.effects)
-        effects.push_back({{"id", effect.id}, {"class", effect.className}, {"name", effect.name}});
-    return {{"id", clip.id},
-            {"class", clip.className},
-            {"name", clip.name},
-            {"kind", nameOf(clip.kind)},
-            {"track", clip.track},
-            {"level", clip.level},
-            {"start", clip.start},
-            {"duration", clip.duration},
-            {"sourceStart", clip.sourceStart},
-            {"sourceDuration", clip.sourceDuration},
-            {"enabled", clip.isEnabled},
-            {"reversed", clip.isReversed},
-            {"media", clip.media.empty() ? Json() : Json(clip.media)},
-            {"timeline", idOrNull(clip.nested)},
-            {"effects", std::move(effects)},
-            {"texts", clip.texts}};
-}
-
-Json timelineAsJson(const Timeline& timeline) {
-    Json tracks = Json::array();
-    for (const Reader::Track& track : timeline.tracks)
-        tracks.push_back(trackAsJson(track));
-    Json clips = Json::array();
-    for (const TimelineClip& clip : timeline.clips)
-        clips.push_back(clipAsJson(clip));
-    Json transitions = Json::array();
-    for (const Reader::TimelineTransition& transition : timeline.transitions)
-        transitions.push_back({{"id", transition.id},
-                               {"class", transition.className},
-                               {"name", transition.name},
-                               {"from", idOrNull(transition.from)},
-                               {"to", idOrNull(transition.to)},
-                               {"duration", transition.duration}});
-    const bool hasRate = timeline.frameRate && std::isfinite(*timeline.frameRate);
-    return {{"id", timeline.id},
-            {"role", nameOf(timeline.role)},
-            {"name", timeline.name},
-            {"duration", timeline.duration()},
-            {"width", orNull(timeline.width)},
-            {"height", orNull(timeline.height)},
-            {"frameRate", hasRate ? Json(*timeline.frameRate) : Json()},
-            {"tracks", std::move(tracks)},
-            {"clips", std::move(clips)},
-            {"transitions", std::move(transitions)}};
-}
-
-Json presenceAsJson(Presence presence) {
-    return presence == Presence::Unknown ? Json() : Json(presence == Presence::Present);
-}
-
 } // namespace
 
 std::string text(const Project& project, const std::optional<TimelineDrawing::Style>& drawing) {
@@ -181,18 +110,6 @@ std::string text(const Project& project, const std::optional<TimelineDrawing::St
     for (const Timeline& timeline : project.timelines)
         out += '\n' + shortHeadingOf(timeline) + '\n' + TimelineDrawing::draw(timeline, *drawing);
     return out + '\n' + TimelineDrawing::legend(*drawing);
-}
-
-Json asJson(const Project& project) {
-    Json timelines = Json::array();
-    for (const Timeline& timeline : project.timelines)
-        timelines.push_back(timelineAsJson(timeline));
-    Json media = Json::array();
-    for (const MediaFile& file : Reader::mediaOf(project.timelines))
-        media.push_back({{"path", file.path},
-                         {"present", presenceAsJson(Reader::presenceOf(file.path, project.folder))},
-                         {"clips", file.clips}});
-    return {{"timelines", std::move(timelines)}, {"media", std::move(media)}};
 }
 
 } // namespace TimelineReport

@@ -3,8 +3,6 @@
 #include "Reader/Timeline.h"
 #include "TimelineDrawing.h"
 
-#include <nlohmann/json.hpp>
-
 #include <optional>
 #include <string>
 #include <vector>
@@ -19,8 +17,5 @@ struct Project {
 
 /// For people: length, picture, tracks and media. With a style the timelines are drawn as well.
 std::string text(const Project& project, const std::optional<TimelineDrawing::Style>& drawing);
-
-/// For programs: the keys "timelines" and "media".
-nlohmann::ordered_json asJson(const Project& project);
 
 } // namespace TimelineReport

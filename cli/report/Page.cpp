@@ -1,10 +1,10 @@
 #include "report/Page.h"
 
 #include "ExplainReport.h"
-#include "LossMessages.h"
 #include "Phrases.h"
 #include "Reader/AdaptorTable.h"
 #include "RecoveryText.h"
+#include "Report/Verdict.h"
 #include "report/Assets.h"
 #include "report/Clips.h"
 #include "report/Films.h"
@@ -398,7 +398,7 @@ private:
     }
 
     static std::string lineHtml(const Reader::LogLine& line) {
-        const std::string meaning = LossMessages::meaningOf(line);
+        const std::string meaning = Reader::Report::meaningOf(line);
         std::string text = mark(line.isError() ? "bad" : "warn", line.isError() ? "error" : "warning") + ' ' +
                            code(line.step) + ' ' + shown(line.text);
         if (line.object) {

@@ -1,6 +1,7 @@
 // What the program says of a damaged file that was recovered.
 
 #include "RecoveryText.h"
+#include "JsonReport.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
-#include "FileNames.h"
+#include "Report/FileNames.h"
 
 #include <QTextCodec>
 
-namespace FileNames {
+namespace Reader::FileNames {
 namespace {
 
 constexpr ushort escapeBase = 0xDC00;
@@ -73,4 +73,4 @@ QByteArray encode(const QString& name) {
     return bytes + name.mid(begin).toUtf8();
 }
 
-} // namespace FileNames
+} // namespace Reader::FileNames
