@@ -117,7 +117,8 @@ std::vector<std::unique_ptr<Bundle::JsonStep>> allSteps() {
 
 // A step that removed an object or changed its class without the editor's knowledge would make the two differ.
 TEST(FlatEditor, StepsGiveTheSameWithOneEditorAndWithOneEach) {
-    for (const char* name : {"holiday-v60.json", "holiday-v63.json", "holiday-v70.json", "holiday-v76.json"}) {
+    for (const char* name :
+         {"holiday-v60.json", "holiday-v63.json", "holiday-v70.json", "holiday-v76.json"}) {
         const Reader::Document parsed = Reader::parse(Tests::sample(name), name);
         Reader::Document together = parsed.clone();
         Reader::Document apart = parsed.clone();
