@@ -29,6 +29,12 @@ void install() {
 }
 
 void refill() {
+    // A thread's first exception takes memory for what the runtime keeps of the thread, and ends the process where there
+    // is none.
+    try {
+        throw 0;
+    } catch (int) {
+    }
     if (reserve.load())
         return;
     void* const memory = std::malloc(size); // never touched, and so never real memory

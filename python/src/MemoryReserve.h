@@ -10,7 +10,7 @@ namespace MemoryReserve {
 /// handler of its own for memory that has run out.
 void install();
 
-/// Has the reserve ready, also after it was used. Takes address space only.
+/// Has the reserve ready for work on this thread, also after it was used. Takes address space only.
 void refill();
 
 } // namespace MemoryReserve

@@ -264,9 +264,10 @@ def test_list_of_steps(run):
 @pytest.mark.parametrize("name", SAMPLES)
 def test_exports_are_those_of_the_program(run, samples, name):
     path = samples / name
-    done = run("export", path, "-o", samples / "program.otio", "--json")
+    output = path.parent / "program.otio"
+    done = run("export", path, "-o", output, "--json")
     export = project_adaptors.export_otio(path)
-    assert export.data == (samples / "program.otio").read_bytes()
+    assert export.data == output.read_bytes()
     assert without(reports.as_json(export.report)) == without(json.loads(done.stdout))
     assert export.whole == (done.returncode == 0)
 
