@@ -1,6 +1,6 @@
 #include "Output.h"
 
-#include <QCryptographicHash>
+#include "Sha256.h"
 
 #include <unistd.h>
 
@@ -15,7 +15,7 @@ Output::Output(const OutputOptions& options)
 
 void Output::setBytes(const QByteArray& bytes) {
     if (isJson())
-        m_envelope.sha256 = QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex().toStdString();
+        m_envelope.sha256 = sha256(bytes).toHex().toStdString();
 }
 
 bool Output::showsProgress() const {

@@ -2,8 +2,8 @@
 
 #include "Messages.h"
 #include "Places.h"
+#include "Sha256.h"
 
-#include <QCryptographicHash>
 #include <QFile>
 #include <QFileInfo>
 #include <QtEndian>
@@ -150,7 +150,7 @@ void Inventory::wish(const Found& found) {
 bool Inventory::isOfShard(const QByteArray& name) const {
     if (m_options.shard.count == 1)
         return true;
-    const QByteArray hash = QCryptographicHash::hash(name, QCryptographicHash::Sha256);
+    const QByteArray hash = sha256(name);
     const auto number = qFromBigEndian<quint64>(hash.constData());
     return number % static_cast<quint64>(m_options.shard.count) ==
            static_cast<quint64>(m_options.shard.number - 1);

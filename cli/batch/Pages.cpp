@@ -4,10 +4,10 @@
 #include "Messages.h"
 #include "Places.h"
 #include "Reader/Files.h"
+#include "Sha256.h"
 #include "batch/Settings.h"
 #include "report/Page.h"
 
-#include <QCryptographicHash>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -26,7 +26,7 @@ namespace {
 /// The same for each run, and without any character of the file's own name.
 QString nameOfPage(const Row& row) {
     constexpr int digits = 20;
-    const QByteArray hash = QCryptographicHash::hash(row.path, QCryptographicHash::Sha256).toHex();
+    const QByteArray hash = sha256(row.path).toHex();
     return QString::fromLatin1(hash.left(digits)) + QStringLiteral(".html");
 }
 

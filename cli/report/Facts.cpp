@@ -1,15 +1,14 @@
 #include "report/Facts.h"
 
 #include "Reader/AdaptorTable.h"
-
-#include <QCryptographicHash>
+#include "Sha256.h"
 
 namespace ReportPage {
 
 using Reader::MigrationPart;
 
 File File::of(const QByteArray& bytes) {
-    return {QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex().toStdString(), bytes.size()};
+    return {::sha256(bytes).toHex().toStdString(), bytes.size()};
 }
 
 Observer::Observer(const Reader::Document& document) : m_version(document.version().value_or(0)) {

@@ -1,9 +1,9 @@
 #include "report/Html.h"
 
+#include "Sha256.h"
 #include "Terminal.h"
 
 #include <QByteArray>
-#include <QCryptographicHash>
 #include <QString>
 
 namespace Html {
@@ -89,8 +89,7 @@ std::string number(std::size_t value) {
 
 std::string policySource(std::string_view content) {
     const QByteArray bytes(content.data(), static_cast<int>(content.size()));
-    return "'sha256-" + QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toBase64().toStdString() +
-           '\'';
+    return "'sha256-" + sha256(bytes).toBase64().toStdString() + '\'';
 }
 
 std::string documentStart(const Page& page) {
