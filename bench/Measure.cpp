@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 
+#include <algorithm>
 #include <cstdlib>
 #include <ctime>
 #include <fstream>
@@ -53,6 +54,18 @@ double processorTime() {
     timespec time{};
     clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
     return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+}
+
+double median(std::vector<double> numbers) {
+    std::sort(numbers.begin(), numbers.end());
+    return numbers[numbers.size() / 2];
+}
+
+std::size_t countElements(const QByteArray& text) {
+    std::size_t count = 0;
+    for (int place = 0; place + 1 < text.size(); ++place)
+        count += text[place] == '<' && text[place + 1] != '/' && text[place + 1] != '?' ? 1 : 0;
+    return count;
 }
 
 std::size_t peakMemory(const std::function<QByteArray()>& prepare,

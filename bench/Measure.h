@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <vector>
 
 namespace Bench {
 
@@ -18,6 +19,12 @@ double millisecondsOf(Call call) {
     call();
     return processorTime() - start;
 }
+
+/// The greater of the two middle numbers where their count is even.
+double median(std::vector<double> numbers);
+
+/// The elements of an XML text, by their start tags.
+std::size_t countElements(const QByteArray& text);
 
 /// The peak memory of `work` in bytes, called with the result of `prepare`, minus the memory of the process
 /// before. Runs in a child process. 0 if it can't be measured.

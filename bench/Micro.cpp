@@ -11,11 +11,10 @@
 #include "Reader/XmlText.h"
 #include "bench/Generator.h"
 #include "bench/MigrationTimes.h"
+#include "bench/StepInput.h"
 
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -137,32 +136,6 @@ void writeJson(benchmark::State& state) {
     countBytes(state, text);
 }
 
-Reader::MigrationOptions options() {
-    Reader::MigrationOptions result;
-    result.name = name;
-    return result;
-}
-
-/// The document of a migration before that step.
-Reader::Document documentBefore(const Reader::AdaptorRow& step, const QByteArray& text) {
-    std::vector<std::string> parts;
-    Reader::MigrationOptions naming = options();
-    naming.watch = [&](const Reader::MigrationPart& part, const Reader::Document&) {
-        parts.push_back(part.name);
-    };
-    Reader::Migration(Reader::parse(text, name), naming).run();
-    const auto place = std::find(parts.begin(), parts.end(), step.className) - parts.begin();
-
-    std::optional<Reader::Document> before;
-    Reader::MigrationOptions copying = options();
-    copying.watch = [&, count = 0](const Reader::MigrationPart&, const Reader::Document& document) mutable {
-        if (++count == place)
-            before = document.clone();
-    };
-    Reader::Migration(Reader::parse(text, name), copying).run();
-    return std::move(before).value();
-}
-
 void stepInMigration(benchmark::State& state, const Reader::AdaptorRow* step) {
     const QByteArray text = generateProject(oldestVersion, {static_cast<std::size_t>(state.range(0)), 0});
     const Reader::Document before = documentBefore(*step, text);
@@ -184,7 +157,9 @@ void stepInMigration(benchmark::State& state, const Reader::AdaptorRow* step) {
 void wholeMigration(benchmark::State& state) {
     const QByteArray text = generateProject(oldestVersion, {static_cast<std::size_t>(state.range(0)), 0});
     for (auto _ : state) {
-        Reader::Migration migration(Reader::parse(text, name), options());
+        Reader::MigrationOptions options;
+        options.name = name;
+        Reader::Migration migration(Reader::parse(text, name), std::move(options));
         migration.run();
         benchmark::DoNotOptimize(migration.save());
     }

@@ -12,17 +12,59 @@ namespace {
 
 const QString name = QStringLiteral("project");
 
-/// Counts the elements by their start tags.
-std::size_t countElements(const QByteArray& text) {
-    std::size_t count = 0;
-    for (int place = 0; place + 1 < text.size(); ++place)
-        count += text[place] == '<' && text[place + 1] != '/' && text[place + 1] != '?' ? 1 : 0;
-    return count;
+struct Counts {
+    long long elements = 0;
+    long long attributes = 0;
+};
+
+Counts countNodes(const QDomDocument& document) {
+    Counts counts;
+    QDomElement e = document.documentElement();
+    while (!e.isNull()) {
+        ++counts.elements;
+        counts.attributes += e.attributes().count();
+        QDomElement next = e.firstChildElement();
+        for (; next.isNull() && !e.isNull(); e = e.parentNode().toElement())
+            next = e.nextSiblingElement();
+        e = next;
+    }
+    return counts;
 }
 
-double median(std::vector<double> numbers) {
-    std::sort(numbers.begin(), numbers.end());
-    return numbers[numbers.size() / 2];
+/// The nodes that the archive has more before its conversion than as it was read.
+Counts countAdded(const QByteArray& text) {
+    Counts first;
+    Counts last;
+    Reader::MigrationOptions options;
+    options.name = name;
+    options.watch = [&](const Reader::MigrationPart& part, const Reader::Document& document) {
+        if (!document.isXml())
+            return;
+        last = countNodes(document.xml());
+        if (part.kind == Reader::MigrationPart::Kind::Preparation)
+            first = last;
+    };
+    options.to = Reader::lastXmlVersion;
+    Reader::Document document = Reader::parse(text, name);
+    Reader::Migration(std::move(document), std::move(options)).run();
+    return {std::max(0LL, last.elements - first.elements), std::max(0LL, last.attributes - first.attributes)};
+}
+
+/// Creates so many elements below a new one, with the attributes spread evenly.
+QDomDocument createNodes(const Counts& counts) {
+    const QString names[] = {"type", "value", "objectId", "index"};
+    QDomDocument document;
+    QDomElement parent = document.createElement("parent");
+    document.appendChild(parent);
+    long long attributes = 0;
+    for (long long number = 1; number <= counts.elements; ++number) {
+        QDomElement e = document.createElement("field");
+        for (int place = 0; place < 4 && attributes * counts.elements < number * counts.attributes;
+             ++place, ++attributes)
+            e.setAttribute(names[place], "int32_t");
+        parent.appendChild(e);
+    }
+    return document;
 }
 
 /// Runs one migration and measures each part that MigrationOptions::watch reports.
@@ -47,6 +89,13 @@ public:
         add("write");
         migration = processorTime() - start;
         logLines = pipeline.report().log.size();
+    }
+
+    /// 0 if there is no such part.
+    double timeOf(const std::string& part) const {
+        const auto found =
+            std::find_if(others.begin(), others.end(), [&](const Part& other) { return other.name == part; });
+        return found == others.end() ? 0 : found->milliseconds;
     }
 
 private:
@@ -98,9 +147,13 @@ MigrationTimes measureMigration(const Size& size, int runs) {
     std::vector<double> migrations;
     std::vector<double> loads;
     std::vector<double> writes;
+    std::vector<double> creates;
+    std::vector<double> conversions;
+    const Counts added = countAdded(text);
     for (int number = 0; number < runs; ++number) {
         Run& run = all.emplace_back(text);
         migrations.push_back(run.migration);
+        conversions.push_back(run.timeOf("XmlToJson"));
         times.bytesWritten = static_cast<std::size_t>(run.result.size());
         times.logLines = run.logLines;
         {
@@ -108,12 +161,16 @@ MigrationTimes measureMigration(const Size& size, int runs) {
             run.result.clear();
             writes.push_back(millisecondsOf([&] { Reader::writeJson(result); }));
         }
-        QDomDocument document; // declared here so that freeing it is not measured
+        QDomDocument created; // declared here so that freeing it is not measured
+        creates.push_back(millisecondsOf([&] { created = createNodes(added); }));
+        QDomDocument document;
         loads.push_back(millisecondsOf([&] { document = Reader::parseXml(text, name); }));
     }
     times.migration = median(migrations);
     times.load = median(loads);
     times.write = median(writes);
+    times.create = median(creates);
+    times.convert = median(conversions);
     times.steps = medians(all, &Run::steps);
     times.others = medians(all, &Run::others);
     return times;

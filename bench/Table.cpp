@@ -125,9 +125,13 @@ void Table::print() {
     time("floor: load into the DOM, write the result", [](const MigrationTimes& p) { return p.floor(); });
     time("  load", [](const MigrationTimes& p) { return p.load; });
     time("  write", [](const MigrationTimes& p) { return p.write; });
+    time("bound: floor, create what the steps add, convert",
+         [](const MigrationTimes& p) { return p.bound(); });
     time("whole migration: parse, run, save", [](const MigrationTimes& p) { return p.migration; });
     number(
         "  migration / floor", [](const MigrationTimes& p) { return p.migration / p.floor(); }, 2, "");
+    number(
+        "  migration / bound", [](const MigrationTimes& p) { return p.migration / p.bound(); }, 2, "");
     number(
         "peak memory of loading", [](const MigrationTimes& p) { return megabytes(p.loadMemory); }, 1, "MB");
     number(

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Measures `adaptors batch` beside `find | xargs adaptors migrate`, and its memory over many files.
 
-usage: batch.py PROGRAM [--projects N] [--rounds N] [--memory-files N] [--folder DIR]
+usage: batch.py PROGRAM [--projects N] [--rounds N] [--memory-files N] [--folder DIR] [--figures FILE]
 
 The projects are films like those of samples/, with 5 to 60 clips, at several schema versions. The ways to migrate them
 take turns, so that what else the machine does meets all of them alike. Of each way the shortest time counts.
@@ -117,6 +117,7 @@ def measure_speed(program, folder, count, rounds):
     cpu = [min(way.cpu) for way in ways]
     print("by processor time: batch -j2 takes %.2f times that of -j1, and find | xargs %.2f times that of batch -j2"
           % (cpu[1] / cpu[0], cpu[2] / cpu[1]))
+    return {"projects": count, "bytes": size, "seconds": {way.name: min(way.times) for way in ways}}
 
 
 def resident(process):
@@ -146,15 +147,18 @@ def measure_memory(program, folder, count):
     batch = subprocess.Popen([program, "batch", str(projects), "--output-dir", str(folder / "many-out"), "-j2",
                               "--progress", "json"], stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
     done = 0
+    figures = []
     for line in batch.stderr:
         done += json.loads(line)["event"] == "file"
         if marks and done == marks[0]:
             marks.pop(0)
             workers = [resident(process) / 1024 for process in children_of(batch.pid)]
+            figures.append({"files": done, "parent": resident(batch.pid) / 1024, "workers": workers})
             print("  after %6d files: batch %5.1f, workers %s"
                   % (done, resident(batch.pid) / 1024, ", ".join("%.1f" % each for each in workers)), flush=True)
     if batch.wait() != 0 or done != count:
         sys.exit("exit code %d, %d files of %d" % (batch.returncode, done, count))
+    return figures
 
 
 def main():
@@ -164,13 +168,17 @@ def main():
     parser.add_argument("--rounds", type=int, default=3)
     parser.add_argument("--memory-files", type=int, default=100000)
     parser.add_argument("--folder", help="where the files are written and removed again")
+    parser.add_argument("--figures", type=pathlib.Path, help="where the figures are written as JSON")
     options = parser.parse_args()
+    figures = {}
     program = os.path.abspath(options.program)
     with tempfile.TemporaryDirectory(dir=options.folder) as folder:
         if options.projects:
-            measure_speed(program, pathlib.Path(folder), options.projects, options.rounds)
+            figures["speed"] = measure_speed(program, pathlib.Path(folder), options.projects, options.rounds)
         if options.memory_files:
-            measure_memory(program, pathlib.Path(folder), options.memory_files)
+            figures["memory"] = measure_memory(program, pathlib.Path(folder), options.memory_files)
+    if options.figures:
+        options.figures.write_text(json.dumps(figures))
 
 
 if __name__ == "__main__":

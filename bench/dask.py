@@ -1,13 +1,14 @@
 #!/usr/bin/env python3
 """Measures migrate_all() on a Dask cluster of this machine beside `adaptors batch`.
 
-usage: dask.py PROGRAM [--projects N] [--rounds N] [--jobs N] [--chunk N]
+usage: dask.py PROGRAM [--projects N] [--rounds N] [--jobs N] [--chunk N] [--figures FILE]
 
 The projects are those of bench/batch.py. The two ways take turns. Of each the shortest time counts. Starting the cluster
 is not counted: a cluster is there before the work is.
 """
 
 import argparse
+import json
 import os
 import pathlib
 import shutil
@@ -46,6 +47,7 @@ def measure(options, folder, client):
         if found != options.projects or (table["state"] != "done").any():
             sys.exit("Dask: %d results of %d" % (found, options.projects))
     print("Dask has %.2f times the throughput of %s      (0.9 is wanted)" % (min(way.times) / min(times), way.name))
+    return {"projects": options.projects, "jobs": options.jobs, "batch": min(way.times), "dask": min(times)}
 
 
 def main():
@@ -55,10 +57,13 @@ def main():
     parser.add_argument("--rounds", type=int, default=3)
     parser.add_argument("--jobs", type=int, default=2)
     parser.add_argument("--chunk", type=int, default=200)
+    parser.add_argument("--figures", type=pathlib.Path, help="where the figures are written as JSON")
     options = parser.parse_args()
     with LocalCluster(n_workers=options.jobs, threads_per_worker=1, host="127.0.0.1", dashboard_address=None) as cluster, \
             Client(cluster) as client, tempfile.TemporaryDirectory() as folder:
-        measure(options, pathlib.Path(folder), client)
+        figures = measure(options, pathlib.Path(folder), client)
+    if options.figures:
+        options.figures.write_text(json.dumps(figures))
 
 
 if __name__ == "__main__":

@@ -1,3 +1,5 @@
+#include "Reader/AdaptorTable.h"
+#include "bench/Figures.h"
 #include "bench/Generator.h"
 #include "bench/Micro.h"
 #include "bench/MigrationTimes.h"
@@ -20,6 +22,7 @@ constexpr const char* usage =
 adaptors-bench --large               the same, and at 1,000,000 elements
 adaptors-bench --elements N...       the same at these sizes
 adaptors-bench --clips N EFFECTS     the same with a tenth of N clips and with N, each with its effects so many times
+adaptors-bench --figures KIND N...   measures at these sizes and prints JSON; KIND is migration, flat or peers
 adaptors-bench --write N VERSION     writes such a project to standard output
 adaptors-bench --recovery PLACES     recovers projects with so many cuts, and so many lost blocks, of each version
 adaptors-bench --micro [ARGUMENTS]   single operations, with the arguments of Google Benchmark
@@ -74,6 +77,34 @@ int printClips(const std::vector<std::string>& arguments) {
     return printTable({few, many});
 }
 
+nlohmann::json figuresOf(const std::string& kind, std::size_t elements) {
+    const int runs = runsFor(elements);
+    if (kind == "migration")
+        return Bench::figuresOf(Bench::measureMigration({elements, 0, 0, 0}, runs));
+    if (kind == "peers")
+        return Bench::figuresOf(Bench::measurePeers(elements, runs));
+    nlohmann::json versions = nlohmann::json::array();
+    for (int version = Reader::lastXmlVersion + 1; version < Reader::currentVersion; ++version)
+        versions.push_back(Bench::figuresOf(Bench::measureFlat(version, elements, runs)));
+    return {{"elements", elements}, {"versions", versions}};
+}
+
+int printFigures(const std::vector<std::string>& arguments) {
+    if (arguments.size() < 2 ||
+        (arguments[0] != "migration" && arguments[0] != "flat" && arguments[0] != "peers"))
+        return refuse();
+    nlohmann::json all = nlohmann::json::array();
+    for (std::size_t place = 1; place < arguments.size(); ++place) {
+        std::size_t elements = 0;
+        if (!readNumber(arguments[place], elements))
+            return refuse();
+        std::cerr << "measuring " << arguments[0] << " with " << elements << " elements\n";
+        all.push_back(figuresOf(arguments[0], elements));
+    }
+    std::cout << all.dump(1) << '\n';
+    return std::cout.good() ? 0 : 1;
+}
+
 int writeProject(const std::vector<std::string>& arguments) {
     std::size_t elements = 0;
     int version = 0;
@@ -115,6 +146,8 @@ int main(int argc, char* argv[]) {
         return printSizes(arguments);
     if (mode == "--clips")
         return printClips(arguments);
+    if (mode == "--figures")
+        return printFigures(arguments);
     if (mode == "--write")
         return writeProject(arguments);
     if (mode == "--recovery")

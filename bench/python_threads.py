@@ -1,13 +1,14 @@
 #!/usr/bin/env python3
 """Measures the Python module on one thread and on several.
 
-usage: python_threads.py [--projects N] [--threads N] [--rounds N]
+usage: python_threads.py [--projects N] [--threads N] [--rounds N] [--figures FILE]
 
 The projects are those of bench/batch.py, in memory. One thread and several take turns. Of each the shortest time counts.
 """
 
 import argparse
 import concurrent.futures
+import json
 import os
 import pathlib
 import sys
@@ -32,6 +33,7 @@ def main():
     parser.add_argument("--projects", type=int, default=300)
     parser.add_argument("--threads", type=int, default=2)
     parser.add_argument("--rounds", type=int, default=5)
+    parser.add_argument("--figures", type=pathlib.Path, help="where the figures are written as JSON")
     options = parser.parse_args()
     with tempfile.TemporaryDirectory() as folder:
         batch.write_projects(pathlib.Path(folder), options.projects)
@@ -48,6 +50,10 @@ def main():
                   % (number + 1, threads, taken, processor, os.getloadavg()[0]), flush=True)
     print("%d threads are %.2f times as fast as one" % (options.threads, min(times[1]) / min(times[options.threads])))
     print("by processor time they take %.2f times that of one" % (min(work[options.threads]) / min(work[1])))
+    if options.figures:
+        options.figures.write_text(json.dumps({
+            "projects": len(projects), "threads": options.threads, "one": min(times[1]),
+            "several": min(times[options.threads])}))
 
 
 if __name__ == "__main__":

@@ -1,0 +1,13 @@
+<?xml version="1.0"?>
+<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
+<xsl:template match="@*|node()">
+  <xsl:copy><xsl:apply-templates select="@*|node()"/></xsl:copy>
+</xsl:template>
+
+<xsl:template match="BaseOfObject[@type='Transition::Object']">
+  <xsl:copy>
+    <xsl:apply-templates select="@*|node()"/>
+    <volume type="int32_t" value="100"/>
+  </xsl:copy>
+</xsl:template>
+</xsl:stylesheet>
