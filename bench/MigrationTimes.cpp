@@ -6,6 +6,7 @@
 #include "bench/Measure.h"
 
 #include <algorithm>
+#include <string_view>
 
 namespace Bench {
 namespace {
@@ -37,14 +38,15 @@ Counts countAdded(const QByteArray& text) {
     Counts last;
     Reader::MigrationOptions options;
     options.name = name;
-    options.watch = [&](const Reader::MigrationPart& part, const Reader::Document& document) {
-        if (!document.isXml())
-            return;
-        last = countNodes(document.xml());
-        if (part.kind == Reader::MigrationPart::Kind::Preparation)
-            first = last;
-    };
     options.to = Reader::lastXmlVersion;
+    const std::string_view lastStep =
+        Reader::stepsFor(Bundle::Backend::Xml, oldestVersion, options.to).back()->className;
+    options.watch = [&](const Reader::MigrationPart& part, const Reader::Document& document) {
+        if (part.kind == Reader::MigrationPart::Kind::Preparation)
+            first = countNodes(document.xml());
+        if (part.name == lastStep)
+            last = countNodes(document.xml());
+    };
     Reader::Document document = Reader::parse(text, name);
     Reader::Migration(std::move(document), std::move(options)).run();
     return {std::max(0LL, last.elements - first.elements), std::max(0LL, last.attributes - first.attributes)};

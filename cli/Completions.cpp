@@ -223,11 +223,15 @@ std::vector<std::string> zshOption(const Option& option) {
     const std::string text = zshQuoted("[" + withBackslashes(option.text, "[]\\") + "]" +
                                        (option.takesValue ? zshAction(option.valueName, option.values) : ""));
     const std::vector<std::string> names = option.names();
+    const std::string excluded = "'(" + joined(names, " ") + ')';
     std::vector<std::string> result;
     for (const std::string& name : names) {
-        const bool isLong = name.starts_with("--");
-        result.push_back("'(" + joined(names, " ") + ')' + name +
-                         (option.takesValue ? (isLong ? "=" : "+") : "") + text + '\'');
+        std::string& word = result.emplace_back(excluded);
+        word += name;
+        if (option.takesValue)
+            word += name.starts_with("--") ? '=' : '+';
+        word += text;
+        word += '\'';
     }
     return result;
 }

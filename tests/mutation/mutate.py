@@ -15,7 +15,6 @@ import json
 import pathlib
 import re
 import shlex
-import shutil
 import subprocess
 import sys
 import tempfile
@@ -73,8 +72,6 @@ class Step:
                                capture_output=True, text=True).stdout.splitlines()
         link = next(line for line in reversed(lines) if " -o tests/adaptors-tests " in line)
         self.link = [word for word in shlex.split(link) if word not in (":", "&&", "ccache")]
-        self.library = next(word for word in self.link if word.endswith("libProjectAdaptorsAdaptors.a"))
-        self.libraries = [word for word in self.link if word.endswith("libProjectAdaptorsAdaptors.a")]
 
     def try_mutant(self, mutant):
         """Gives how a mutant ended: "killed", "survived" or "not compiled"."""
@@ -84,22 +81,20 @@ class Step:
             folder = pathlib.Path(folder)
             changed = folder / self.source.name
             changed.write_text(text[:place] + new + text[place + len(old):])
-            # In the archive, the object must have the name of the one that it replaces.
-            compiled = folder / pathlib.Path(self.object).name
+            compiled, program = folder / "step.o", folder / "tests"
             words = [str(changed) if pathlib.Path(word).name == self.source.name else word for word in self.compile]
             words[words.index("-o") + 1] = str(compiled)
             if "-MF" in words:
                 words[words.index("-MF") + 1] = str(folder / "dependencies")
-            words += ["-I", str(self.source.parent), "-w"]
+            words += ["-I", str(self.source.parent), "-w", "-g0"]
             if subprocess.run(words, cwd=self.build, capture_output=True).returncode != 0:
                 return "not compiled"
-            library = folder / "libSteps.a"
-            shutil.copy(self.build / self.library, library)
-            subprocess.run(["ar", "r", str(library), str(compiled)], check=True, capture_output=True)
-            program = folder / "tests"
-            words = [str(library) if pathlib.Path(word).name == pathlib.Path(self.library).name else word for word in self.link]
+            # Of two objects with the same functions the linker takes the first.
+            words = [self.link[0], str(compiled), "-Wl,-z,muldefs", "-Wl,-s", *self.link[1:]]
             words[words.index("-o") + 1] = str(program)
-            subprocess.run(words, cwd=self.build, check=True, capture_output=True)
+            linked = subprocess.run(words, cwd=self.build, capture_output=True, text=True)
+            if linked.returncode != 0:
+                sys.exit("the tests do not link: " + linked.stderr[-2000:])
             return "survived" if self.passes(program) else "killed"
 
     def passes(self, program):
@@ -121,6 +116,7 @@ def main():
     options = parser.parse_args()
     print("%-42s %8s %8s %8s" % ("", "changes", "noticed", "not"))
     totals = [0, 0]
+    subprocess.run(["ninja", "-C", str(options.build), "tests/adaptors-tests"], check=True, stdout=sys.stderr)
     for name in options.steps:
         step = Step(options.build.resolve(), name)
         if not step.passes(step.build / "tests/adaptors-tests"):
