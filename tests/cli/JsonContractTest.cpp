@@ -2,6 +2,7 @@
 // describes it.
 
 #include "JsonReport.h"
+#include "support/Sanitizers.h"
 #include "support/Schemas.h"
 
 #include <gtest/gtest.h>
@@ -20,12 +21,6 @@ using Tests::Outcome;
 using Tests::sample;
 
 namespace {
-
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool isSanitized = true;
-#else
-constexpr bool isSanitized = false;
-#endif
 
 class JsonContractTest : public Tests::ProgramTest {
 protected:
@@ -213,7 +208,7 @@ TEST_F(JsonContractTest, EveryExitCodeKeepsTheSchemas) {
     EXPECT_EQ(call({"migrate", "incomplete.v62.xml", "--to", "62"})["output"], nullptr); // nothing to do
 
     // A sanitizer's own memory would not fit into the bound.
-    if (!isSanitized) {
+    if (!Tests::isSanitized) {
         write("large.json",
               Tests::jsonProject(R"({"@meta":{"class_name":"A","object_id":2},"a":[)" +
                                  QByteArray("{\"@meta\":{\"class_name\":\"A\"}},").repeated(200000) + "1]}"));

@@ -254,9 +254,12 @@ QByteArray inProject(const QByteArray& content) {
     return jsonProject(R"({"@meta":{"class_name":"Note","object_id":2},"a":)" + content + "}");
 }
 
-/// A document of about a million bytes that repeats the same part.
+/// The bytes of a hostile document. A sanitizer sets no bound for the memory and takes long.
+constexpr int hostileSize = Tests::isSanitized ? 100000 : 1000000;
+
+/// A document of about so many bytes that repeats the same part.
 QByteArray many(const QByteArray& part) {
-    return part.repeated(1000000 / part.size());
+    return part.repeated(hostileSize / part.size());
 }
 
 struct Hostile {
@@ -280,7 +283,8 @@ std::vector<Hostile> hostileDocuments() {
         {"empty objects", inProject('[' + many("{},") + "0]")},
         {"objects without ids", inProject('[' + many(R"({"@meta":{}},)") + "0]")},
         {"links to nothing", inProject('[' + many(R"({"@meta_reference":9},)") + "0]")},
-        {"deep arrays", inProject(QByteArray("[").repeated(500000) + QByteArray("]").repeated(500000))},
+        {"deep arrays",
+         inProject(QByteArray("[").repeated(hostileSize / 2) + QByteArray("]").repeated(hostileSize / 2))},
         {"long text", inProject('"' + many("x") + '"')},
     };
 }

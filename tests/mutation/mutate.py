@@ -103,7 +103,7 @@ class Step:
                                  cwd=self.build, capture_output=True, text=True, errors="replace", timeout=120)
         except subprocess.TimeoutExpired:
             return False
-        if " 0 tests" in run.stdout:
+        if "[==========] 0 tests" in run.stdout:
             sys.exit("%s has no case" % self.name)
         return run.returncode == 0
 

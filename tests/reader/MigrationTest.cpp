@@ -3,6 +3,7 @@
 #include "support/Compare.h"
 #include "support/Findings.h"
 #include "support/Holiday.h"
+#include "support/Sanitizers.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -102,7 +103,9 @@ TEST_P(MigrationTest, StoppingAtAnyVersionGivesTheSameProject) {
     const json atOnce = Tests::renumbered(result().bytes);
     const QByteArray bytes = bytesOf(GetParam());
     const int first = GetParam().isXml ? version() : std::max(version(), Reader::lastXmlVersion + 1);
-    for (int stop = first; stop < Reader::currentVersion; ++stop) {
+    // A sanitizer takes long: with it only the oldest sample stops at all versions, the others at every third.
+    const int stride = Tests::isSanitized && first > 3 ? 3 : 1;
+    for (int stop = first; stop < Reader::currentVersion; stop += stride) {
         const Result half = migrated(bytes, stop);
         const Result whole = migrated(half.bytes);
         EXPECT_EQ(Tests::difference(atOnce, Tests::renumbered(whole.bytes)), "") << "stopped at " << stop;
