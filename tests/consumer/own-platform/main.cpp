@@ -41,13 +41,15 @@ bool usesObjects() {
     return Serialize::Json::FlatObject::made == 1 && Serialize::Json::getReferenceObjectId(reference) == 1;
 }
 
+/// Steps on XML and on JSON: the first add a table of resources, the last say which version it is.
 bool migrates() {
     Reader::Migration migration(Reader::parse("<Archive><RootRef type='ObjectRef' value='2'/>"
-                                              "<RootObject type='Timeline::Clip' objectId='2'/></Archive>",
+                                              "<RootObject type='Timeline::Object' objectId='2'/></Archive>",
                                               "film.xml", 27),
                                 {});
     migration.run();
-    return migration.save().contains("Timeline::Clip");
+    const QByteArray result = migration.save();
+    return result.contains("ResourceTable::Object") && result.contains("\"schemaVersion\":77");
 }
 
 } // namespace
