@@ -80,7 +80,7 @@ std::map<int, std::string> identifiers(const char* rows) {
     std::istringstream in(rows);
     std::string digits;
     for (int number = 0; in >> digits >> number;) {
-        for (const std::size_t place : {8, 13, 18, 23})
+        for (const std::size_t place : {8U, 13U, 18U, 23U})
             digits.insert(place, "-");
         EXPECT_TRUE(result.emplace(number, digits).second) << number;
     }
