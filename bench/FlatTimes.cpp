@@ -31,26 +31,24 @@ QByteArray migrated(const QByteArray& text, int version) {
 
 FlatTimes measureFlat(int version, std::size_t elements, int runs) {
     const QByteArray text = migrated(generateProject(Reader::lastXmlVersion, {elements, 0, 0, 0}), version);
+    std::vector<FlatTimes> measured;
+    std::vector<double> ratios;
     FlatTimes times;
     times.version = version;
     times.bytesRead = static_cast<std::size_t>(text.size());
-    std::vector<double> parses;
-    std::vector<double> dumps;
-    std::vector<double> migrations;
     for (int run = 0; run < runs; ++run) {
         QByteArray result;
-        migrations.push_back(millisecondsOf([&] { result = migrated(text, Reader::currentVersion); }));
+        times.migration = millisecondsOf([&] { result = migrated(text, Reader::currentVersion); });
         times.bytesWritten = static_cast<std::size_t>(result.size());
         json document; // declared here so that freeing it is not measured
-        parses.push_back(millisecondsOf([&] { document = json::parse(text.begin(), text.end()); }));
+        times.parse = millisecondsOf([&] { document = json::parse(text.begin(), text.end()); });
         const json written = json::parse(result.begin(), result.end());
         std::string dumped;
-        dumps.push_back(millisecondsOf([&] { dumped = written.dump(); }));
+        times.dump = millisecondsOf([&] { dumped = written.dump(); });
+        measured.push_back(times);
+        ratios.push_back(times.migration / times.floor());
     }
-    times.parse = median(parses);
-    times.dump = median(dumps);
-    times.migration = median(migrations);
-    return times;
+    return measured[placeOfMedian(ratios)];
 }
 
 } // namespace Bench

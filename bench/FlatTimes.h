@@ -17,7 +17,7 @@ struct FlatTimes {
 };
 
 /// Measures a document of that version, 63 or later: a generated archive with so many elements that was migrated to it.
-/// Gives the median of `runs` times.
+/// Gives one of the `runs`, as measureMigration() does.
 FlatTimes measureFlat(int version, std::size_t elements, int runs);
 
 } // namespace Bench

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <fstream>
+#include <numeric>
 #include <sstream>
 #include <string>
 
@@ -59,6 +60,14 @@ double processorTime() {
 double median(std::vector<double> numbers) {
     std::sort(numbers.begin(), numbers.end());
     return numbers[numbers.size() / 2];
+}
+
+std::size_t placeOfMedian(const std::vector<double>& numbers) {
+    std::vector<std::size_t> places(numbers.size());
+    std::iota(places.begin(), places.end(), 0);
+    const auto middle = places.begin() + static_cast<std::ptrdiff_t>((places.size() - 1) / 2);
+    std::ranges::nth_element(places, middle, {}, [&](std::size_t place) { return numbers[place]; });
+    return *middle;
 }
 
 std::size_t countElements(const QByteArray& text) {

@@ -23,6 +23,9 @@ double millisecondsOf(Call call) {
 /// The greater of the two middle numbers where their count is even.
 double median(std::vector<double> numbers);
 
+/// The place of the median; of the smaller of the two middle numbers where their count is even. Not for an empty list.
+std::size_t placeOfMedian(const std::vector<double>& numbers);
+
 /// The elements of an XML text, by their start tags.
 std::size_t countElements(const QByteArray& text);
 

@@ -146,33 +146,28 @@ MigrationTimes measureMigration(const Size& size, int runs) {
     times.elements = countElements(text);
     times.bytesRead = static_cast<std::size_t>(text.size());
     std::vector<Run> all;
-    std::vector<double> migrations;
-    std::vector<double> loads;
-    std::vector<double> writes;
-    std::vector<double> creates;
-    std::vector<double> conversions;
+    std::vector<MigrationTimes> measured;
+    std::vector<double> ratios;
     const Counts added = countAdded(text);
     for (int number = 0; number < runs; ++number) {
         Run& run = all.emplace_back(text);
-        migrations.push_back(run.migration);
-        conversions.push_back(run.timeOf("XmlToJson"));
+        times.migration = run.migration;
+        times.convert = run.timeOf("XmlToJson");
         times.bytesWritten = static_cast<std::size_t>(run.result.size());
         times.logLines = run.logLines;
         {
             const nlohmann::json result = Reader::parseJson(run.result, name);
             run.result.clear();
-            writes.push_back(millisecondsOf([&] { Reader::writeJson(result); }));
+            times.write = millisecondsOf([&] { Reader::writeJson(result); });
         }
         QDomDocument created; // declared here so that freeing it is not measured
-        creates.push_back(millisecondsOf([&] { created = createNodes(added); }));
+        times.create = millisecondsOf([&] { created = createNodes(added); });
         QDomDocument document;
-        loads.push_back(millisecondsOf([&] { document = Reader::parseXml(text, name); }));
+        times.load = millisecondsOf([&] { document = Reader::parseXml(text, name); });
+        measured.push_back(times);
+        ratios.push_back(times.migration / times.floor());
     }
-    times.migration = median(migrations);
-    times.load = median(loads);
-    times.write = median(writes);
-    times.create = median(creates);
-    times.convert = median(conversions);
+    times = measured[placeOfMedian(ratios)];
     times.steps = medians(all, &Run::steps);
     times.others = medians(all, &Run::others);
     return times;

@@ -41,7 +41,8 @@ struct MigrationTimes {
     double bound() const { return load + create + convert + write; }
 };
 
-/// Measures `runs` times and gives the median of each part.
+/// Measures `runs` times. Gives the times of the run whose migration costs the median of what its floor costs: both were
+/// measured in the same seconds, in which other programs disturb both. Of each part it gives the median of all runs.
 MigrationTimes measureMigration(const Size& size, int runs);
 
 } // namespace Bench

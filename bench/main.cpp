@@ -40,7 +40,7 @@ bool readNumber(std::string_view text, Number& number) {
 }
 
 int runsFor(std::size_t elements) {
-    return elements <= 20000 ? 9 : elements <= 200000 ? 3 : 1;
+    return elements <= 20000 ? 15 : elements <= 200000 ? 7 : 3;
 }
 
 int printTable(const std::vector<Bench::Size>& sizes) {

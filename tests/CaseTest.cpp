@@ -1,6 +1,6 @@
 // Runs the cases of tests/cases/<Class>/<case>/: the adaptor <Class> on before.xml or before.json gives after.* and
 // logs the lines of log.txt ("ERROR text"; no file, no line). With adaptors.txt several adaptors run, one to a line;
-// the first is <Class>. With throws.txt the last of them throws, and the exception's text contains that of the file;
+// the first is <Class>. With throws.txt the last of them throws, and the exception's text ends with that of the file;
 // after.* may be missing then. setup.json gives what an adaptor's constructor needs and the editor's folders.
 // side-files.json holds all side files that are written, as {name: text}. JSON documents are written flat, as
 // {"id": object, ...}.
@@ -152,7 +152,7 @@ protected:
         if (expected.empty()) {
             EXPECT_EQ(thrown, "");
         } else {
-            EXPECT_TRUE(thrown.find(expected) != std::string::npos)
+            EXPECT_TRUE(thrown.ends_with(expected))
                 << "expected the exception \"" << expected << "\", got \"" << thrown << "\"";
         }
         EXPECT_EQ(log.lines(), readLines(file("log.txt")));

@@ -339,7 +339,7 @@ std::optional<json> Conversion::beginMapEntry(const QDomElement& item) {
 std::optional<json> Conversion::resume(ObjectFrame& frame, std::optional<json> value) {
     for (;;) {
         if (value)
-            frame.object[frame.key] = std::move(*value);
+            frame.object[std::move(frame.key)] = std::move(*value);
         if (frame.next.isNull()) {
             if (!frame.spent.isNull())
                 m_archive.removeChild(frame.spent);

@@ -163,6 +163,8 @@ def _options(to: int = NEWEST, from_version: int | None = None, repair: bool = F
              folders: Folders | None = None) -> _Common:
     _version(to, "to")
     _version(from_version, "from_version")
+    if folders is not None and not isinstance(folders, Folders):
+        raise TypeError("folders is a Folders, not %s" % type(folders).__name__)
     places = folders or Folders()
     return (to, from_version, bool(repair), (os.fsencode(places.packages), os.fsencode(places.ai_models),
                                              os.fsencode(places.downloadable)))

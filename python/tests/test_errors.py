@@ -77,10 +77,10 @@ def test_versions_that_cannot_be_reached(samples, to):
 
 @pytest.mark.parametrize("arguments, options", [
     ((None,), {}), ((7,), {}), ((b"", "77"), {}), ((b"", 77.0), {}), ((b"", True), {}), ((b"",), {"from_version": "27"}),
-    ((object(),), {}), ((b"", 77), {"folders": "folder"}),
+    ((object(),), {}), ((b"", 77), {"folders": "folder"}), ((b"",), {"folders": 0}),
 ])
 def test_wrong_types(arguments, options):
-    with pytest.raises((TypeError, AttributeError)):
+    with pytest.raises(TypeError):
         project_adaptors.migrate(*arguments, **options)
 
 
@@ -103,6 +103,9 @@ def test_steps_and_clips_that_are_not_there(samples):
     with pytest.raises(project_adaptors.UnknownStepError) as caught:
         project_adaptors.explain(path, step="V99_NoAdaptor")
     assert caught.value.step == "V99_NoAdaptor"
+    with pytest.raises(project_adaptors.UnknownStepError) as caught:
+        project_adaptors.explain(path, step="\0")
+    assert str(caught.value) == "\\x00: there is no such step"
     with pytest.raises(ValueError, match="does not run"):
         project_adaptors.explain(path, step=project_adaptors.steps(0, 20).steps[0].class_)
     with pytest.raises(ValueError, match="no clip"):

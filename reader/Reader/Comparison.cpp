@@ -623,7 +623,7 @@ private:
 
     // Transitions
 
-    /// Transitions between the same clips are the same.
+    /// Transitions between the same clips are the same. A clip that the timeline does not have counts as none.
     void compareTransitions(const Timeline& before, const Timeline& after) {
         const Subjects subjectsBefore = subjectsOf(before);
         const Subjects subjectsAfter = subjectsOf(after);
@@ -631,13 +631,17 @@ private:
             const auto subject = subjects.find(transition.from != 0 ? transition.from : transition.to);
             return subject == subjects.end() ? std::nullopt : std::optional(subject->second);
         };
+        const auto clipIn = [](const Subjects& subjects, unsigned long long id) {
+            return subjects.count(id) > 0 ? id : 0;
+        };
         std::unordered_map<unsigned long long, unsigned long long> partnersBefore;
         for (const auto& [one, other] : m_partners)
             partnersBefore.emplace(other, one);
         std::map<std::pair<unsigned long long, unsigned long long>, std::deque<const TimelineTransition*>>
             free;
         for (const TimelineTransition& transition : after.transitions)
-            free[{transition.from, transition.to}].push_back(&transition);
+            free[{clipIn(subjectsAfter, transition.from), clipIn(subjectsAfter, transition.to)}].push_back(
+                &transition);
         for (const TimelineTransition& transition : before.transitions) {
             const auto partner = [&](unsigned long long id) {
                 const auto found = m_partners.find(id);
@@ -645,7 +649,8 @@ private:
             };
             const unsigned long long from = partner(transition.from);
             const unsigned long long to = partner(transition.to);
-            const bool isLost = (from == 0 && transition.from != 0) || (to == 0 && transition.to != 0);
+            const bool isLost = (from == 0 && clipIn(subjectsBefore, transition.from) != 0) ||
+                                (to == 0 && clipIn(subjectsBefore, transition.to) != 0);
             auto group = isLost ? free.end() : free.find({from, to});
             const auto subject = subjectIn(subjectsBefore, transition);
             if (group == free.end() || group->second.empty()) {

@@ -1,6 +1,7 @@
 #include "Reader/Contents.h"
 
 #include "Archive/Internal/ArchiveEditor.h"
+#include "Archive/Internal/FlatEditor.h"
 #include "Archive/Internal/TreeFacts.h"
 #include "Archive/Internal/Walk.h"
 #include "Archive/Xml.h"
@@ -38,18 +39,26 @@ void walkElements(const QDomElement& top, Visit visit) {
     }
 }
 
-/// Calls `visit` for a flat object and each value inside it. Not recursive: depth costs memory, not stack.
+/// Calls `visit` for a flat object and each object inside it, in no order. Not recursive: depth costs memory, not stack.
+/// `open` is an empty list, whose memory is used again.
 template <class Visit>
-void walkValues(const json& top, Visit visit) {
-    std::vector<const json*> open = {&top};
+void walkObjects(const json& top, std::vector<const json*>& open, Visit visit) {
+    open.push_back(&top);
+    const auto enter = [&](const json& value) {
+        if (value.is_structured())
+            open.push_back(&value);
+    };
     while (!open.empty()) {
         const json& value = *open.back();
         open.pop_back();
-        visit(value);
-        if (!value.is_structured())
-            continue;
-        for (auto it = value.rbegin(); it != value.rend(); ++it)
-            open.push_back(&*it);
+        if (const auto* list = value.get_ptr<const json::array_t*>()) {
+            for (const json& entry : *list)
+                enter(entry);
+        } else if (const auto* members = value.get_ptr<const json::object_t*>()) {
+            visit(value);
+            for (const auto& [key, member] : *members)
+                enter(member);
+        }
     }
 }
 
@@ -101,8 +110,9 @@ public:
 
     explicit PartsOf(const View& view) : m_view(view) {}
 
-    std::vector<Part> list() {
-        for (const Value& timeline : m_view.ofClass(timelineClass)) {
+    std::vector<Part> list() { return list(m_view.ofClass(timelineClass)); }
+    std::vector<Part> list(const std::vector<Value>& timelines) {
+        for (const Value& timeline : timelines) {
             for (const auto& [clip, timing] : View::clipEntries(timeline))
                 addClip(clip, timing);
         }
@@ -133,8 +143,8 @@ private:
 /// Follows references from the root object. `visit(id, found)` must call `found` for each id that the object refers to,
 /// and give false where there is no such object.
 template <class Visit>
-std::set<unsigned long long> follow(unsigned long long root, Visit visit) {
-    std::set<unsigned long long> reached = {root};
+std::unordered_set<unsigned long long> follow(unsigned long long root, Visit visit) {
+    std::unordered_set<unsigned long long> reached = {root};
     std::vector<unsigned long long> missing;
     std::vector<unsigned long long> open = {root};
     while (!open.empty()) {
@@ -152,7 +162,7 @@ std::set<unsigned long long> follow(unsigned long long root, Visit visit) {
     return reached;
 }
 
-std::set<unsigned long long> reachableInXml(const QDomDocument& xml) {
+std::unordered_set<unsigned long long> reachableInXml(const QDomDocument& xml) {
     const auto objects = objectsById(rootObjectsOf(xml));
     const auto root = idIn(xml.documentElement().firstChildElement(Words::RootRef));
     return follow(root, [&](unsigned long long id, auto found) {
@@ -167,13 +177,14 @@ std::set<unsigned long long> reachableInXml(const QDomDocument& xml) {
     });
 }
 
-std::set<unsigned long long> reachableInJson(const JsonDocument& document) {
+std::unordered_set<unsigned long long> reachableInJson(const JsonDocument& document) {
     std::vector<unsigned long long> embedded; // objects inside of others, whose values are visited with those
+    std::vector<const json*> open;
     auto reached = follow(document.root, [&](unsigned long long id, auto found) {
         const auto object = document.flat.objects.find(id);
         if (object == document.flat.objects.end())
             return false;
-        walkValues(object->second, [&](const json& value) {
+        walkObjects(object->second, open, [&](const json& value) {
             found(linkTarget(value));
             if (isClassObject(value))
                 embedded.push_back(Serialize::Json::getObjectId(value).value_or(0));
@@ -214,6 +225,13 @@ std::vector<Part> listParts(Archive::Internal::ArchiveEditor& archive) {
     return PartsOf(ArchiveView(archive.rootObjects(Archive::Internal::Scope::Document))).list();
 }
 
+std::vector<Part> listParts(const JsonDocument& document, Archive::Internal::FlatEditor& editor) {
+    std::vector<const json*> timelines;
+    for (const auto& timeline : editor.objects(timelineClass.toStdString()))
+        timelines.push_back(timeline.object);
+    return PartsOf(FlatView(document)).list(timelines);
+}
+
 std::vector<Clip> listClips(const Document& document) {
     std::vector<Clip> clips;
     for (Part& part : listParts(document)) {
@@ -223,7 +241,7 @@ std::vector<Clip> listClips(const Document& document) {
     return clips;
 }
 
-std::set<unsigned long long> findReachable(const Document& document) {
+std::unordered_set<unsigned long long> findReachable(const Document& document) {
     return document.isXml() ? reachableInXml(document.xml()) : reachableInJson(document.json());
 }
 

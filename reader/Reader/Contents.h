@@ -3,16 +3,17 @@
 #include "Reader/Document.h"
 
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 // Threads: each function reads only its argument; see Document.
 
 namespace Archive::Internal {
 class ArchiveEditor;
-}
+class FlatEditor;
+} // namespace Archive::Internal
 
 namespace Reader {
 
@@ -54,11 +55,12 @@ struct Part {
 /// All clips that the document's timelines list, each once, in document order, each followed by its effects and its
 /// title. What several clips share is listed with the first.
 std::vector<Part> listParts(const Document& document);
-/// The same for an archive that is being edited.
+/// The same for a document that is being edited.
 std::vector<Part> listParts(Archive::Internal::ArchiveEditor& archive);
+std::vector<Part> listParts(const JsonDocument& document, Archive::Internal::FlatEditor& editor);
 
 /// The ids of all objects that references lead to from the root object, itself included. A reference to an object that
 /// is not there leads nowhere.
-std::set<unsigned long long> findReachable(const Document& document);
+std::unordered_set<unsigned long long> findReachable(const Document& document);
 
 } // namespace Reader

@@ -118,10 +118,25 @@ Serialized serializeJson(Document document) {
     Serialized result;
     result.moved = project.notes.wideNumbers.restore(project.flat);
     json envelope = std::move(project.envelope);
-    envelope[dataKey] = nest(std::move(project), result.leftOut);
+    envelope[dataKey] = nullptr;
     if (document.version())
         envelope[schemaVersionKey] = *document.version();
-    result.bytes = writeJson(envelope) + '\n';
+    Nester nester(std::move(project));
+    std::string text;
+    for (const auto& [key, value] : envelope.items()) {
+        text += text.empty() ? '{' : ',';
+        appendJson(key, text);
+        text += ':';
+        if (key == dataKey) {
+            consumeJson(
+                nester.start(), [&](json& part) { nester.visit(part); }, text);
+        } else {
+            appendJson(value, text);
+        }
+    }
+    text += "}\n";
+    result.leftOut = nester.leftOut();
+    result.bytes = QByteArray::fromStdString(text);
     return result;
 }
 

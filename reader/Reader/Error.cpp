@@ -67,6 +67,8 @@ std::string describe(ErrorKind kind, const ErrorFacts& facts) {
     if (facts.target)
         text += ", asked for is " + std::to_string(*facts.target);
     add(facts.reason);
+    for (std::size_t place = text.find('\0'); place != std::string::npos; place = text.find('\0', place))
+        text.replace(place, 1, "\\x00"); // what() ends at the first one
     return text;
 }
 

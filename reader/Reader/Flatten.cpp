@@ -1,16 +1,16 @@
 #include "Reader/Flatten.h"
 
+#include "Archive/Internal/FlatObjects.h"
+
 #include <algorithm>
 #include <iterator>
 #include <limits>
 #include <optional>
 #include <stdexcept>
 #include <unordered_map>
-#include <unordered_set>
 #include <utility>
 
 using nlohmann::json;
-using Serialize::Json::FlatObject;
 using Serialize::Json::MetaDetails;
 
 namespace Reader {
@@ -56,9 +56,9 @@ void walk(json& root, Visit visit) {
 
 class Flattener {
 public:
-    Flattener(json& root, FlattenNotes& notes) : m_notes(notes), m_greatest(greatestId(root)) {}
+    Flattener(json root, FlattenNotes& notes) : m_root(std::move(root)), m_notes(notes) {}
 
-    FlatDocument run(json root);
+    FlatDocument run();
 
 private:
     struct Level {
@@ -70,7 +70,7 @@ private:
         WideNumbers::Name member() const;
     };
 
-    static unsigned long long greatestId(json& root);
+    unsigned long long greatestId();
     void enter(json& value, const std::string* key);
     unsigned long long takeId(json& object, const std::string* key);
     unsigned long long freshId();
@@ -78,8 +78,9 @@ private:
     void addLink(json& link, unsigned long long target);
     void keepDigits(json& number);
 
+    json m_root;
     FlattenNotes& m_notes;
-    unsigned long long m_greatest;
+    std::optional<unsigned long long> m_greatest; ///< of all ids, once an object needs a new one
     std::vector<Level> m_levels;
     std::unordered_map<unsigned long long, bool> m_isBasePart; ///< by the ids found so far
     std::vector<json*>
@@ -87,19 +88,23 @@ private:
     FlatDocument m_result;
 };
 
-unsigned long long Flattener::greatestId(json& root) {
+/// The greatest id of the objects and links that the document came with.
+unsigned long long Flattener::greatestId() {
     unsigned long long greatest = 0;
-    walk(root, [&](const json& value) {
+    const auto look = [&](const json& value) {
         if (isClassObject(value))
             greatest = std::max(greatest, Serialize::Json::getObjectId(value).value_or(0));
         else
             greatest = std::max(greatest, linkTarget(value));
-    });
+    };
+    walk(m_root, look);
+    for (auto& [id, object] : m_result.flat.objects)
+        walk(object, look);
     return greatest;
 }
 
-FlatDocument Flattener::run(json root) {
-    enter(root, nullptr);
+FlatDocument Flattener::run() {
+    enter(m_root, nullptr);
     m_result.root = m_levels.front().id;
     while (!m_levels.empty()) {
         Place& place = m_levels.back().place;
@@ -166,9 +171,11 @@ unsigned long long Flattener::takeId(json& object, const std::string* key) {
 }
 
 unsigned long long Flattener::freshId() {
-    if (m_greatest == std::numeric_limits<unsigned long long>::max())
+    if (!m_greatest)
+        m_greatest = greatestId();
+    if (*m_greatest == std::numeric_limits<unsigned long long>::max())
         throw std::length_error("no object id is left");
-    return ++m_greatest;
+    return ++*m_greatest;
 }
 
 void Flattener::leave() {
@@ -204,33 +211,16 @@ void Flattener::keepDigits(json& number) {
     numbers.keepDigits(numbers.add(*m_levels.back().parts, m_levels.back().member()), number);
 }
 
-class Nester {
-public:
-    explicit Nester(FlatObject& flat) : m_flat(flat) {}
-
-    json run(unsigned long long root);
-    std::size_t leftOut() const { return m_flat.objects.size() - m_written.size(); }
-
-private:
-    void visit(json& value);
-    void writeInFull(json& place, json& entry, unsigned long long id);
-
-    FlatObject& m_flat;
-    std::unordered_set<unsigned long long> m_written;
-};
-
 /// Whether an entry of the flat document can be written as a class object.
 bool isWritable(const json& entry) {
-    if (!entry.is_object())
-        return false;
-    const auto meta = entry.find(MetaDetails::s_meta);
-    return meta == entry.end() || meta->is_object();
+    const json* meta = Archive::Internal::metaOf(entry);
+    return entry.is_object() && (!meta || meta->is_object());
 }
 
-json Nester::run(unsigned long long root) {
-    json result = makeLink(root);
-    walk(result, [this](json& value) { visit(value); });
-    return result;
+} // namespace
+
+json Nester::start() const {
+    return makeLink(m_document.root);
 }
 
 void Nester::visit(json& value) {
@@ -239,8 +229,8 @@ void Nester::visit(json& value) {
     if (target == 0 && !isEmbedded)
         return;
     const unsigned long long id = isEmbedded ? Serialize::Json::getObjectId(value).value_or(0) : target;
-    const auto it = m_flat.objects.find(id);
-    if (it == m_flat.objects.end())
+    const auto it = m_document.flat.objects.find(id);
+    if (it == m_document.flat.objects.end())
         return; // a dangling link, or an embedded object without an entry
     if (m_written.count(id))
         value = makeLink(id);
@@ -255,13 +245,9 @@ void Nester::writeInFull(json& place, json& entry, unsigned long long id) {
     setId(place, id); // links refer to the key in the flat document
 }
 
-} // namespace
-
 bool isClassObject(const json& value) {
-    if (!value.is_object())
-        return false;
-    const auto meta = value.find(MetaDetails::s_meta);
-    return meta != value.end() && meta->is_object();
+    const json* meta = Archive::Internal::metaOf(value);
+    return meta && meta->is_object();
 }
 
 unsigned long long linkTarget(const json& value) {
@@ -270,13 +256,13 @@ unsigned long long linkTarget(const json& value) {
 }
 
 FlatDocument flatten(json root, FlattenNotes& notes) {
-    Flattener flattener(root, notes);
-    return flattener.run(std::move(root));
+    return Flattener(std::move(root), notes).run();
 }
 
 json nest(FlatDocument document, std::size_t& leftOut) {
-    Nester nester(document.flat);
-    json result = nester.run(document.root);
+    Nester nester(std::move(document));
+    json result = nester.start();
+    walk(result, [&](json& value) { nester.visit(value); });
     leftOut = nester.leftOut();
     return result;
 }

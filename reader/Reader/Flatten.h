@@ -4,6 +4,7 @@
 #include "Serialize/Json/FlatObject.h"
 
 #include <cstddef>
+#include <unordered_set>
 #include <vector>
 
 // Threads: all functions are thread-safe for different arguments.
@@ -42,5 +43,29 @@ FlatDocument flatten(nlohmann::json root, FlattenNotes& notes);
 /// The reverse: each object is written in full at its first reference, depth-first from the root, and as a
 /// link at later ones. `leftOut` is set to the number of objects that can't be reached.
 nlohmann::json nest(FlatDocument document, std::size_t& leftOut);
+
+/// The same in parts, for one who walks through the result anyway.
+///
+/// Threads: belongs to one thread.
+class Nester {
+public:
+    explicit Nester(FlatDocument document) : m_document(std::move(document)) {}
+
+    /// The link to the root object, where the walk starts.
+    nlohmann::json start() const;
+
+    /// To be called for each value, depth-first and before what is in it, but not for "@meta". Replaces the first link to
+    /// an object by the object.
+    void visit(nlohmann::json& value);
+
+    /// Number of objects that were not visited.
+    std::size_t leftOut() const { return m_document.flat.objects.size() - m_written.size(); }
+
+private:
+    void writeInFull(nlohmann::json& place, nlohmann::json& entry, unsigned long long id);
+
+    FlatDocument m_document;
+    std::unordered_set<unsigned long long> m_written;
+};
 
 } // namespace Reader

@@ -5,6 +5,9 @@
 #include <QByteArray>
 #include <QString>
 
+#include <functional>
+#include <string>
+
 // Threads: all functions are thread-safe.
 
 namespace Reader {
@@ -15,5 +18,13 @@ nlohmann::json parseJson(const QByteArray& bytes, const QString& name);
 
 /// Writes JSON text as nlohmann::json::dump() does, without white space; a wideNumber() as its digits. Depth costs memory, not stack.
 QByteArray writeJson(const nlohmann::json& value);
+
+/// Appends the same text to another.
+void appendJson(const nlohmann::json& value, std::string& text);
+
+/// The same for a value, and frees it meanwhile. Calls `prepare` for each value before it is written, which
+/// may replace it, but not for "@meta" and what is in it.
+void consumeJson(nlohmann::json value, const std::function<void(nlohmann::json&)>& prepare,
+                 std::string& text);
 
 } // namespace Reader

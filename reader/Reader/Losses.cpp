@@ -1,6 +1,6 @@
 #include "Reader/Losses.h"
 
-#include "Archive/Internal/FlatObjects.h"
+#include "Archive/Internal/FlatEditor.h"
 #include "Reader/Error.h"
 #include "Reader/Internal/ProjectView.h"
 #include "Reader/Migration.h"
@@ -10,6 +10,7 @@
 #include <string_view>
 #include <utility>
 
+using Archive::Internal::FlatEditor;
 using nlohmann::json;
 
 namespace Reader {
@@ -61,24 +62,12 @@ unsigned long long idIn(const Document& document, unsigned long long id, bool wa
     return it == redirected.end() ? id : it->second;
 }
 
-std::vector<unsigned long long> idsOfTimelines(const JsonDocument& document) {
+/// The ids of the clips in the entries of all timelines, in order.
+std::vector<unsigned long long> listedClips(FlatEditor& document, std::size_t expected) {
     std::vector<unsigned long long> ids;
-    for (const auto& [id, object] : document.flat.objects) {
-        if (Serialize::Json::getClassName(object) == "Timeline::Object")
-            ids.push_back(id);
-    }
-    return ids;
-}
-
-/// The ids of the clips in the entries of those timelines, in order.
-std::vector<unsigned long long> listedClips(const JsonDocument& document,
-                                            const std::vector<unsigned long long>& timelines) {
-    std::vector<unsigned long long> ids;
-    for (const unsigned long long timeline : timelines) {
-        const auto object = document.flat.objects.find(timeline);
-        if (object == document.flat.objects.end())
-            continue;
-        for (const json& entry : Archive::Internal::memberOf(object->second, "clips"))
+    ids.reserve(expected);
+    for (const auto& [id, timeline] : document.objects("Timeline::Object")) {
+        for (const json& entry : Archive::Internal::memberOf(*timeline, "clips"))
             ids.push_back(FlatView::targetId(FlatView::clipOf(&entry)));
     }
     return ids;
@@ -137,10 +126,8 @@ void LossTracker::noteRemoved(const std::vector<unsigned long long>& ids, const 
     }
 }
 
-void LossTracker::noteTimelines(const JsonDocument& document, const std::string& adaptor) {
-    if (m_timelines.empty())
-        m_timelines = idsOfTimelines(document);
-    std::vector<unsigned long long> listed = listedClips(document, m_timelines);
+void LossTracker::noteTimelines(FlatEditor& document, const std::string& adaptor) {
+    std::vector<unsigned long long> listed = listedClips(document, m_listed.size());
     if (listed == m_listed)
         return;
     const std::unordered_set<unsigned long long> ids(listed.begin(), listed.end());

@@ -13,6 +13,10 @@
 
 // Threads: each function works on documents of its own.
 
+namespace Archive::Internal {
+class FlatEditor;
+}
+
 namespace Reader {
 
 /// Notes during a migration at which step clips, effects and titles of the input leave the project. What it notes costs
@@ -27,7 +31,7 @@ public:
     /// Notes root objects that an adaptor removed from the archive.
     void noteRemoved(const std::vector<unsigned long long>& ids, const std::string& adaptor);
     /// Notes clips that a JSON document does not list any more behind an adaptor.
-    void noteTimelines(const JsonDocument& document, const std::string& adaptor);
+    void noteTimelines(Archive::Internal::FlatEditor& document, const std::string& adaptor);
 
     /// What `document` does not reach of the parts, in their order. Losses whose step was not noted have none.
     std::vector<Loss> losses(const Document& document) const;
@@ -42,8 +46,7 @@ private:
     bool m_wasXml = false;
     std::unordered_set<unsigned long long> m_ids;
     std::unordered_map<unsigned long long, std::string> m_removedBy; ///< adaptor by id
-    std::vector<unsigned long long> m_timelines;                     ///< of the JSON document
-    std::vector<unsigned long long> m_listed;                        ///< clips in their entries
+    std::vector<unsigned long long> m_listed; ///< clips in the entries of the timelines of the JSON document
 };
 
 /// Migrates a document again and looks behind each adaptor whether it reaches the lost parts, to find the step of each.

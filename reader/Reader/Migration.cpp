@@ -102,15 +102,24 @@ void Migration::run() {
             migrateJson();
     } else {
         repairBefore(Repairs::loading);
-        m_losses.start(listParts(m_document), m_document.form());
-        m_losses.noteTimelines(m_document.json(), {});
+        m_losses.start(listParts(m_document.json(), flat()), m_document.form());
+        m_losses.noteTimelines(flat(), {});
         finish(MigrationPart::Kind::Preparation, {});
         migrateJson();
         // Quirk: side files of a JSON document are read last, those of an archive first.
         runStage(Stage::AfterLoading, m_options.location);
     }
-    m_flat.reset(); // it refers to the document, which may move with this object
     compareResult();
+}
+
+/// The context for all steps on JSON.
+FlatEditor& Migration::flat() {
+    Serialize::Json::FlatObject& document = m_document.json().flat;
+    if (m_flat)
+        m_flat->follow(document); // it moves with this object
+    else
+        m_flat = std::make_unique<FlatEditor>(document);
+    return *m_flat;
 }
 
 void Migration::checkVersions() const {
@@ -132,7 +141,7 @@ void Migration::checkVersions() const {
 void Migration::noteInput() {
     m_report.formBefore = m_document.form();
     m_report.from = *m_document.version();
-    m_report.objectsBefore = countObjects(m_document);
+    m_report.objectsBefore = m_document.isXml() ? countObjects(m_document) : flat().countByClass();
 }
 
 /// All stages on an archive, the last being the conversion.
@@ -171,7 +180,7 @@ void Migration::convert() {
             Document(openEnvelope(std::move(json), m_options.name), std::max(*m_document.version(), version));
     });
     m_archive.reset();
-    m_losses.noteTimelines(m_document.json(), conversion.name().toStdString());
+    m_losses.noteTimelines(flat(), conversion.name().toStdString());
     auto& duplicateIds = m_document.json().notes.duplicateIds;
     sharedIds.insert(duplicateIds.begin(), duplicateIds.end());
     duplicateIds.assign(sharedIds.begin(), sharedIds.end());
@@ -197,7 +206,7 @@ void Migration::compareResult() {
     m_document.setVersion(m_options.to);
     m_report.to = m_options.to;
     m_report.formAfter = m_document.form();
-    m_report.objectsAfter = countObjects(m_document);
+    m_report.objectsAfter = m_document.isXml() ? countObjects(m_document) : flat().countByClass();
     noteLosses();
     finish(MigrationPart::Kind::Comparison, {});
 }
@@ -234,7 +243,6 @@ void Migration::runOnly(const std::string& className) {
         openArchive();
     repairBefore(Repairs::loading);
     runAdaptor(className, *row, contextAt(m_options.location));
-    m_flat.reset();
     m_report.steps.push_back(className);
     m_report.objectsAfter = countObjects(m_document);
 }
@@ -244,12 +252,12 @@ QByteArray Migration::save(bool toBundle) {
         runStage(Stage::BeforeSaving, m_options.target);
         if (toBundle)
             runStage(Stage::BeforeBundling, m_options.target);
-        m_flat.reset();
     }
     return write();
 }
 
 QByteArray Migration::write() {
+    m_flat.reset();
     Serialized result = serialize(std::move(m_document));
     m_report.leftOut = result.leftOut;
     for (const MovedNumber& number : result.moved)
@@ -341,9 +349,7 @@ void Migration::runAdaptor(const std::string& name, const AdaptorRow& row, const
             row.makeXml(context)->apply(*m_archive);
             return;
         }
-        if (!m_flat)
-            m_flat = std::make_unique<Archive::Internal::FlatEditor>(m_document.json().flat);
-        row.makeJson(context)->apply(*m_flat);
+        row.makeJson(context)->apply(flat());
     });
 }
 
@@ -367,7 +373,7 @@ void Migration::runNamed(const std::string& name, const std::function<void()>& a
     if (m_archive)
         m_losses.noteRemoved(m_archive->takeRemovedRootObjects(), name);
     else if (!m_document.isXml())
-        m_losses.noteTimelines(m_document.json(), name);
+        m_losses.noteTimelines(flat(), name);
     finish(MigrationPart::Kind::Adaptor, name);
 }
 

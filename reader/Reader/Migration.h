@@ -74,6 +74,7 @@ private:
     void checkVersions() const;
     void noteInput();
     void migrateArchive();
+    Archive::Internal::FlatEditor& flat();
     void migrateJson();
     void convert();
     void compareResult();
@@ -94,7 +95,7 @@ private:
     MigrationOptions m_options;
     Document m_document;
     std::unique_ptr<Archive::Internal::ArchiveEditor> m_archive; ///< null unless the document is an archive
-    std::unique_ptr<Archive::Internal::FlatEditor> m_flat;       ///< null unless adaptors on JSON are running
+    std::unique_ptr<Archive::Internal::FlatEditor> m_flat; ///< null until it is needed; of a JSON document
     MigrationReport m_report;
     LossTracker m_losses;
 };

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
-#include <set>
 #include <unordered_set>
 
 using nlohmann::json;
@@ -134,7 +133,7 @@ private:
 
     const Document& m_document;
     const Inventory m_inventory;
-    const std::set<unsigned long long> m_reachable;
+    const std::unordered_set<unsigned long long> m_reachable;
     Ids m_seen;
     std::vector<Level> m_levels;
     std::vector<Owner> m_owners; ///< the objects that contain the current element, innermost last
@@ -245,8 +244,8 @@ std::string classOf(const json& object) {
 /// Walks through an object of a flat document without recursion and finds dangling references.
 class ObjectCheck {
 public:
-    ObjectCheck(const Serialize::Json::FlatObject& flat, const std::set<unsigned long long>& reachable,
-                std::vector<Finding>& findings)
+    ObjectCheck(const Serialize::Json::FlatObject& flat,
+                const std::unordered_set<unsigned long long>& reachable, std::vector<Finding>& findings)
         : m_flat(flat), m_reachable(reachable), m_findings(findings) {}
 
     void run(unsigned long long id, const json& object);
@@ -261,7 +260,7 @@ private:
     std::string nameAt(std::size_t level) const;
 
     const Serialize::Json::FlatObject& m_flat;
-    const std::set<unsigned long long>& m_reachable;
+    const std::unordered_set<unsigned long long>& m_reachable;
     std::vector<Finding>& m_findings;
     unsigned long long m_id = 0;
     const json* m_object = nullptr;

@@ -147,9 +147,9 @@ TEST(Messages, EveryKindHasItsSentence) {
         {of(ErrorKind::UnknownStep, {.step = "V1_Nothing"}),
          "film.xml: there is no step V1_Nothing; \"adaptors steps\" lists them all"},
         {of(ErrorKind::NoSuchForm, {.step = "V72_TrackTypeAdaptor", .reason = "XML archive"}),
-         "film.xml: V72_TrackTypeAdaptor has no form for a document that is XML archive; \"adaptors steps\" "
-         "lists the "
-         "forms of each step"},
+         "film.xml: V72_TrackTypeAdaptor has no form for this document (XML archive); \"adaptors steps\" "
+         "lists "
+         "the forms of each step"},
         {of(ErrorKind::StepFailed, {.step = "V7_PenEnableAdaptor", .reason = "no id"}),
          "film.xml: V7_PenEnableAdaptor: no id; \"adaptors verify\" and \"adaptors trace\" help to find what "
          "is wrong "
@@ -195,8 +195,8 @@ TEST(Messages, EveryOtherFailureHasItsSentence) {
         {Messages::notOneProject("old", {}), "old: the folder of a project holds one .xml or .json file, and "
                                              "this one holds none; name the project's own "
                                              "file"},
-        {Messages::folderNotMade("a/b"),
-         "a/b: can't make this folder; make the one above it first, or give another one"},
+        {Messages::folderNotMade("a/b"), "a/b: can't make this folder; make the one above it first, check "
+                                         "its permissions, or give another one"},
         {Messages::refusedByStrict(film), "film.xml: not written, because --strict allows neither errors nor "
                                           "losses; look at those listed here, or leave "
                                           "--strict out to write the result all the same"},

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <utility>
 
 using nlohmann::json;
 using Reader::Difference;
@@ -317,6 +318,18 @@ TEST(Comparison, ATransition) {
     EXPECT_EQ(
         texts(afterEdit([](json& document) { entryOf(document, "Boat")["timing"]["transitionOut"] = 5; })),
         Texts{"clip-changed Boat transitionOut"});
+}
+
+TEST(Comparison, ATransitionToAClipThatIsNotThereIsEqualToItself) {
+    json project = holiday();
+    json& transition = project["data"]["content"]["timeline"]["transitions"][0];
+    ASSERT_TRUE(transition.contains("clipTo"));
+    const json clip = std::exchange(transition["clipTo"], {{"@meta_reference", 999999}});
+    EXPECT_EQ(texts(differences(bytesOf(project), bytesOf(project))), Texts());
+    json whole = project;
+    whole["data"]["content"]["timeline"]["transitions"][0]["clipTo"] = clip;
+    EXPECT_EQ(texts(differences(bytesOf(whole), bytesOf(project))),
+              (Texts{"transition-removed Beach", "transition-added Beach"}));
 }
 
 TEST(Comparison, TheWordsOfATitle) {

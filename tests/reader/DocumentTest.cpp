@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <unordered_set>
 #include <utility>
 
 using Reader::ErrorKind;
@@ -306,7 +307,7 @@ TEST(Contents, OfJson) {
     ASSERT_EQ(clips.size(), 2u);
     EXPECT_EQ(clips[0].name, "Beach");
     EXPECT_EQ(clips[1].id, 9u);
-    EXPECT_EQ(Reader::findReachable(document), (std::set<unsigned long long>{2, 3, 10}));
+    EXPECT_EQ(Reader::findReachable(document), (std::unordered_set<unsigned long long>{2, 3, 10}));
 }
 
 } // namespace

@@ -58,4 +58,10 @@ TEST(FuzzFindings, AreRefusedOrMigratedToWhatCanBeRead) {
     }
 }
 
+TEST(FuzzFindings, TheTextOfAnErrorDoesNotEndAtANul) {
+    const Reader::Error error(Reader::ErrorKind::UnknownStep, {.step = std::string("V1\0\0a", 5)});
+    EXPECT_STREQ(error.what(), "V1\\x00\\x00a: there is no such step");
+    EXPECT_EQ(error.facts().step.size(), 5u);
+}
+
 } // namespace

@@ -20,13 +20,26 @@ std::vector<SelectedObject> FlatEditor::objects(const std::set<std::string>& cla
     return selection;
 }
 
+std::map<std::string, std::size_t> FlatEditor::countByClass() {
+    update();
+    std::map<std::string, std::size_t> counts;
+    std::size_t without = m_document->objects.size();
+    for (const auto& [className, objects] : m_byClass) {
+        counts[className] += objects.size();
+        without -= objects.size();
+    }
+    if (without > 0)
+        counts[{}] += without;
+    return counts;
+}
+
 void FlatEditor::invalidate() {
     m_byClass.clear();
     m_isEmpty = true;
 }
 
 void FlatEditor::update() {
-    auto& objects = m_document.objects;
+    auto& objects = m_document->objects;
     auto entry = m_isEmpty ? objects.begin() : objects.upper_bound(m_lastId);
     for (; entry != objects.end(); ++entry) {
         m_lastId = entry->first;

@@ -2,6 +2,8 @@
 
 #include "Archive/Internal/FlatObjects.h"
 
+#include <cstddef>
+#include <map>
 #include <set>
 #include <string>
 #include <unordered_map>
@@ -17,9 +19,12 @@ namespace Archive::Internal {
 class FlatEditor {
 public:
     /// The document must live as long as the editor.
-    explicit FlatEditor(Serialize::Json::FlatObject& document) : m_document(document) {}
+    explicit FlatEditor(Serialize::Json::FlatObject& document) : m_document(&document) {}
 
-    Serialize::Json::FlatObject& document() const { return m_document; }
+    Serialize::Json::FlatObject& document() const { return *m_document; }
+
+    /// Goes on with the document in another place, after it was moved.
+    void follow(Serialize::Json::FlatObject& document) { m_document = &document; }
 
     /// All objects of that class, by ascending id: a snapshot. Steps that create objects use this order, so that new
     /// ids are the same on every run.
@@ -28,13 +33,16 @@ public:
     /// The objects of any of these classes, by ascending id.
     std::vector<SelectedObject> objects(const std::set<std::string>& classNames);
 
+    /// How many objects of each class there are; entries without a class count as "".
+    std::map<std::string, std::size_t> countByClass();
+
     /// Discards the index. To be called after objects were removed, or got another class.
     void invalidate();
 
 private:
     void update();
 
-    Serialize::Json::FlatObject& m_document;
+    Serialize::Json::FlatObject* m_document; ///< never null
     std::unordered_map<std::string, std::vector<SelectedObject>> m_byClass;
     unsigned long long m_lastId = 0; ///< the greatest id in the index
     bool m_isEmpty = true;           ///< whether nothing is indexed

@@ -24,6 +24,16 @@ json& objectAt(FlatObject& document, unsigned long long id) {
     return it->second;
 }
 
+const json* metaOf(const json& value) {
+    const auto* members = value.get_ptr<const json::object_t*>();
+    if (!members || members->empty())
+        return nullptr;
+    // Keys are sorted, and '@' sorts before all letters: it is nearly always the first, or missing.
+    const int order = members->begin()->first.compare(Serialize::Json::MetaDetails::s_meta);
+    const auto meta = order < 0 ? members->find(Serialize::Json::MetaDetails::s_meta) : members->begin();
+    return order > 0 || meta == members->end() ? nullptr : &meta->second;
+}
+
 const json& memberOf(const json& object, const std::string& key) {
     static const json missing;
     const auto it = object.find(key);

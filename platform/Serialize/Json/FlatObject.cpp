@@ -16,10 +16,11 @@ const json* member(const json& value, const std::string& key) {
     const auto* object = value.get_ptr<const json::object_t*>();
     if (!object || object->empty())
         return nullptr;
-    // Keys are sorted, and '@' sorts before all letters: the key is nearly always the first.
+    // Keys are sorted, and '@' sorts before all letters: the key is nearly always the first, or missing.
     const auto first = object->begin();
-    if (first->first == key)
-        return &first->second;
+    const int order = first->first.compare(key);
+    if (order >= 0)
+        return order == 0 ? &first->second : nullptr;
     const auto it = object->find(key);
     return it == object->end() ? nullptr : &it->second;
 }
