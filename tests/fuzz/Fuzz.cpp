@@ -11,6 +11,7 @@
 
 #include <glog/logging.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <iostream>
 #include <optional>
@@ -21,18 +22,6 @@ namespace Fuzz {
 namespace {
 
 const QString name = QStringLiteral("fuzz");
-
-/// Nothing for a document that the reader refuses.
-std::optional<Document> read(const QByteArray& bytes) {
-    try {
-        Document document = Reader::parse(bytes, name);
-        if (!document.version())
-            document.setVersion(0);
-        return document;
-    } catch (const Reader::Error&) {
-        return std::nullopt;
-    }
-}
 
 void migrateAndCheck(Document document, bool repair) {
     Reader::MigrationOptions options;
@@ -69,6 +58,35 @@ void check(bool holds, const char* what) {
 
 QByteArray bytesOf(const std::uint8_t* data, std::size_t size) {
     return {reinterpret_cast<const char*>(data), static_cast<int>(size)};
+}
+
+std::optional<Document> read(const QByteArray& bytes) {
+    try {
+        Document document = Reader::parse(bytes, name);
+        if (!document.version())
+            document.setVersion(0);
+        return document;
+    } catch (const Reader::Error&) {
+        return std::nullopt;
+    }
+}
+
+void checkFitForTerminal(const std::string& text) {
+    check(QString::fromStdString(text).toStdString() == text, "a text is no UTF-8");
+    for (const QChar character : QString::fromStdString(text)) {
+        const bool isObeyed = character != QLatin1Char('\n') && character.category() == QChar::Other_Control;
+        check(!isObeyed, "a text has a control character");
+        // Overrides and isolates of the direction of text.
+        check(character < QChar(0x202a) || character > QChar(0x202e), "a text changes its direction");
+        check(character < QChar(0x2066) || character > QChar(0x2069), "a text changes its direction");
+    }
+}
+
+void checkIsJson(const std::string& line) {
+    check(line.ends_with('\n'), "a line does not end");
+    check(std::all_of(line.begin(), line.end() - 1, [](char byte) { return byte >= ' ' && byte <= '~'; }),
+          "JSON has other characters than those of ASCII");
+    check(nlohmann::json::accept(line), "what was written is no JSON");
 }
 
 void checkFacts(const QByteArray& archive) {

@@ -303,6 +303,11 @@ QByteArray mutateJson(const QByteArray& bytes, const QByteArray& donor, Random& 
     }
 }
 
+QByteArray mutateProject(const QByteArray& bytes, const QByteArray& donor, Random& random) {
+    return bytes.trimmed().startsWith('<') ? mutateXml(bytes, donor, random)
+                                           : mutateJson(bytes, donor, random);
+}
+
 std::size_t mutateOrElse(Mutation mutate, std::uint8_t* data, std::size_t size, std::size_t most,
                          unsigned int seed) {
     Random random(seed);

@@ -18,6 +18,9 @@ using Random = std::minstd_rand;
 QByteArray mutateXml(const QByteArray& bytes, const QByteArray& donor, Random& random);
 QByteArray mutateJson(const QByteArray& bytes, const QByteArray& donor, Random& random);
 
+/// One of the two by the first character.
+QByteArray mutateProject(const QByteArray& bytes, const QByteArray& donor, Random& random);
+
 using Mutation = QByteArray (*)(const QByteArray& bytes, const QByteArray& donor, Random& random);
 
 std::size_t mutateOrElse(Mutation mutate, std::uint8_t* data, std::size_t size, std::size_t most,

@@ -4,6 +4,7 @@
 
 #include "Reader/Contents.h"
 #include "Reader/Error.h"
+#include "Reader/JsonText.h"
 #include "Reader/Verify.h"
 
 #include <QXmlStreamReader>
@@ -21,6 +22,27 @@ void checkTree(const QDomDocument& document, const QByteArray& bytes) {
     Fuzz::check(document.toByteArray(1) == expected.toByteArray(1), "Qt reads another tree");
 }
 
+std::optional<nlohmann::json> readJson(const QByteArray& text) {
+    try {
+        return Reader::parseJson(text, QStringLiteral("fuzz"));
+    } catch (const Reader::Error&) {
+        return std::nullopt;
+    }
+}
+
+/// Fails unless both parsers of JSON text give the same. A text with an escaped character goes to the slower one.
+void checkParsers(const QByteArray& bytes) {
+    if (bytes.startsWith("\xEF\xBB\xBF"))
+        return; // a byte order mark stands only at the start of a text
+    const auto value = readJson(bytes);
+    const auto list = readJson('[' + bytes + ",\"\\u0041\"]");
+    const bool isOne = list && list->size() == 2; // the bytes may be several values
+    Fuzz::check(value.has_value() == isOne, "one parser refuses what the other reads");
+    if (value)
+        Fuzz::check(Reader::writeJson(*value) == Reader::writeJson(list->front()),
+                    "the parsers read another value");
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
@@ -29,6 +51,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    checkParsers(Fuzz::bytesOf(data, size));
     std::optional<Reader::Document> document;
     try {
         document = Reader::parse(Fuzz::bytesOf(data, size), QStringLiteral("fuzz"));

@@ -1,6 +1,9 @@
 // Any bytes are migrated with repairs to a document that can be read again, or refused.
 
 #include "Fuzz.h"
+#include "Mutate.h"
+
+FUZZ_MUTATE_BY(Fuzz::mutateProject)
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
     Fuzz::initialize("RepairsFuzz");

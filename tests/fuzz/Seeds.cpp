@@ -1,8 +1,9 @@
 // Writes the seeds of the fuzz targets on documents: the inputs of the step cases, each at the version below
-// its step, and reduced samples. Usage: Seeds CASES SAMPLES OUTPUT
+// its step, reduced samples, and states of a batch. Usage: Seeds CASES SAMPLES OUTPUT
 
 #include "Reader/JsonText.h"
 #include "Reader/XmlText.h"
+#include "batch/State.h"
 
 #include <QDomDocument>
 
@@ -107,17 +108,61 @@ public:
         }
     }
 
+    /// States with some files. Pages are small, so that a change of a byte is likely to change what is read.
+    void addStates() {
+        const fs::path folder = fs::absolute(m_output / "StateFuzz");
+        fs::remove_all(folder);
+        fs::create_directories(folder);
+        for (const int files : {0, 3, 40}) {
+            const std::string path = folder / ("files-" + std::to_string(files));
+            {
+                Batch::State state(QByteArray::fromStdString(path), Batch::Sqlite::Database::Access::Write);
+                state.set("options", "{}");
+                for (int number = 0; number < files; ++number)
+                    state.put(row(number));
+            }
+            Batch::Sqlite::Database(QByteArray::fromStdString(path), Batch::Sqlite::Database::Access::Write)
+                .run("PRAGMA page_size = 512; VACUUM");
+        }
+    }
+
 private:
+    static Batch::Row row(int number) {
+        constexpr Batch::FileState states[] = {Batch::FileState::Waiting, Batch::FileState::Working,
+                                               Batch::FileState::Done,    Batch::FileState::Failed,
+                                               Batch::FileState::Skipped, Batch::FileState::Current};
+        const QByteArray name = QByteArray::number(number) + ".xml";
+        Batch::Row row;
+        row.path = "/films/" + name;
+        row.name = name;
+        row.output = name + ".json";
+        row.state = states[number % 6];
+        row.size = 1000 + number;
+        row.from = 27;
+        if (row.state == Batch::FileState::Failed) {
+            row.kind = "broken-xml";
+            row.reason = "the XML is broken";
+        }
+        return row;
+    }
     void addXml(const std::string& name, QDomDocument& document, int version) {
         if (version > 0)
             document.documentElement().setAttribute(QStringLiteral("schemaVersion"), version);
         const QByteArray bytes = Reader::writeXml(document);
-        for (const char* target : {"XmlChainFuzz", "ConverterFuzz", "ReaderFuzz", "RecoveryFuzz"})
+        for (const char* target : {"XmlChainFuzz", "ConverterFuzz"})
             write(m_output / target / (name + ".xml"), bytes);
+        addProject(name + ".xml", bytes);
     }
     void addJson(const std::string& name, const json& project) {
-        for (const char* target : {"JsonChainFuzz", "ReaderFuzz", "RecoveryFuzz"})
-            write(m_output / target / (name + ".json"), Reader::writeJson(project));
+        const QByteArray bytes = Reader::writeJson(project);
+        write(m_output / "JsonChainFuzz" / (name + ".json"), bytes);
+        addProject(name + ".json", bytes);
+    }
+    /// A seed of the targets that take both forms.
+    void addProject(const std::string& file, const QByteArray& bytes) {
+        for (const char* target : {"ReaderFuzz", "RecoveryFuzz", "RepairsFuzz", "TimelineFuzz", "DiffFuzz",
+                                   "ExplainFuzz", "ReportFuzz"})
+            write(m_output / target / file, bytes);
     }
 
     fs::path m_output;
@@ -137,5 +182,6 @@ int main(int argc, char** argv) {
     }
     for (const auto& entry : fs::directory_iterator(argv[2]))
         seeds.addSample(entry.path());
+    seeds.addStates();
     return 0;
 }
