@@ -109,28 +109,31 @@ void addFile(CLI::App& command, Arguments& arguments) {
         ->required();
 }
 
+/// Whether the text is a size above 0, which is replaced by its number of bytes.
+bool replaceByBytes(std::string& size) {
+    if (size.empty() || size.front() < '0' || size.front() > '9')
+        return false; // a sign would pass as a number that wraps
+    try {
+        return CLI::AsSizeValue(false)(size).empty() && size != "0";
+    } catch (const CLI::Error&) {
+        return false; // an unknown unit, or too many bytes for a number
+    }
+}
+
 void addMaxMemory(CLI::App& command, Arguments& arguments) {
     CLI::Option* option = command.add_option("--max-memory", arguments.maxMemory,
                                              "Take no more memory than SIZE: bytes, or with K, M or G [what "
                                              "a project of the file's size takes at most, and "
                                              "three quarters of the machine's or container's]");
-    option->type_name("SIZE")
-        ->transform(CLI::Validator(CLI::AsSizeValue(false)).description(""))
-        // The last transformation comes first: a sign would pass as a number that wraps.
-        ->transform(CLI::Validator(
-            [](const std::string& size) {
-                if (size.empty() || size.front() < '0' || size.front() > '9')
-                    throw Messages::Failure(Messages::badValue("--max-memory", size, "a size such as 500M"));
-                return std::string();
-            },
-            "", "digits"))
-        ->check(CLI::Validator(
-            [](const std::string& size) {
-                if (size == "0")
-                    throw Messages::Failure(Messages::badValue("--max-memory", size, "a size such as 500M"));
-                return std::string();
-            },
-            "", "a size"));
+    option->type_name("SIZE")->transform(CLI::Validator(
+        [](std::string& size) {
+            std::string bytes = size;
+            if (!replaceByBytes(bytes))
+                throw Messages::Failure(Messages::badValue("--max-memory", size, "a size such as 500M"));
+            size = bytes;
+            return std::string();
+        },
+        "", "size"));
 }
 
 void addFrom(CLI::App& command, Arguments& arguments) {
@@ -390,8 +393,8 @@ void addRestore(CLI::App& command, Arguments& arguments) {
 
 void addRepairs(CLI::App& command, Arguments&) {
     command.footer(
-        "migrate, batch, report, run, trace, diff and explain make them with --repair, where the document "
-        "needs them, and recover damaged files.\n\n"
+        "migrate, batch, report, export, run, trace, diff and explain make them with --repair, where the "
+        "document needs them, and recover damaged files.\n\n"
         "Examples:\nadaptors repairs\t\nadaptors repairs --json\tfor programs");
 }
 

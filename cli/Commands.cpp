@@ -514,12 +514,11 @@ int info(const Arguments& arguments, Output& output) {
     const QByteArray bytes = readInput(arguments, input, output);
     const Reader::MigrationOptions options = optionsFor(arguments, input, Reader::standardStream, nullptr);
     return Advice::advising(arguments, {bytes, arguments.from, options}, [&] {
+        // First, so that not two documents are in memory at a time.
+        const Repairs::Trial trial = Repairs::tryRepairs(bytes, arguments.from, options);
         const Reader::Document document = Reader::parse(bytes, name, arguments.from);
         const TimelineReport::Project project = {Reader::readTimelines(document), folderOf(input)};
-        std::optional<Repairs::Trial> trial;
-        if (document.version())
-            trial = Repairs::tryRepairs(bytes, arguments.from, options);
-        const auto* repairs = trial ? &trial->report.repairs : nullptr;
+        const auto* repairs = document.version() ? &trial.report.repairs : nullptr;
         if (output.isJson()) {
             JsonReport::Json result = JsonReport::info(document, repairs);
             result.update(Reader::Report::timelines(project.timelines, project.folder));

@@ -33,10 +33,12 @@ std::string wrapped(const std::string& text, std::size_t at, std::size_t indent,
 
 constexpr std::size_t margin = 2; ///< in front of a table
 constexpr std::size_t gap = 2;    ///< between its columns, at least
+constexpr std::size_t indent = 4; ///< of a text below its name, at least
 
-/// Where the second column begins: behind the longest name that leaves half of the line to it.
+/// Where the second column begins: behind the longest name that leaves half of the line to it. Where all names are too
+/// long, their texts are indented below them.
 std::size_t secondColumn(const std::vector<Row>& rows, std::size_t width) {
-    std::size_t column = 0;
+    std::size_t column = margin + indent;
     for (const Row& row : rows) {
         const std::size_t end = margin + row.name.size() + gap;
         if (end <= width / 2)
@@ -119,8 +121,10 @@ std::string usageOf(const CLI::App& app, const std::vector<const CLI::Option*>& 
     if (app.get_parent() == nullptr)
         return nameOf(app) + " COMMAND [OPTIONS] ...";
     std::string usage = nameOf(app) + " [OPTIONS]";
-    for (const CLI::Option* option : positionals)
-        usage += ' ' + (option->get_required() ? option->get_name(true) : '[' + option->get_name(true) + ']');
+    for (const CLI::Option* option : positionals) {
+        const std::string name = option->get_name(true) + (option->get_items_expected_max() > 1 ? "..." : "");
+        usage += ' ' + (option->get_required() ? name : '[' + name + ']');
+    }
     return usage;
 }
 

@@ -151,8 +151,8 @@ std::string sentenceFor(ErrorKind kind, const ErrorFacts& facts) {
     case ErrorKind::UnknownStep:
         return "there is no step " + facts.step + "; \"adaptors steps\" lists them all";
     case ErrorKind::NoSuchForm:
-        return facts.step + " has no form for a document that is " + reason +
-               "; \"adaptors steps\" lists the forms of each step";
+        return facts.step + " has no form for this document (" + reason +
+               "); \"adaptors steps\" lists the forms of each step";
     case ErrorKind::StepFailed:
         return facts.step + ": " + reason +
                "; \"adaptors verify\" and \"adaptors trace\" help to find what is wrong in the document";
@@ -272,9 +272,11 @@ Message notOneProject(const QString& folder, const QStringList& projects) {
 }
 
 Message folderNotMade(const QString& folder) {
-    return {Unwritable, "unwritable",
-            FileNames::bytesOf(folder) +
-                ": can't make this folder; make the one above it first, or give another one"};
+    return {
+        Unwritable, "unwritable",
+        FileNames::bytesOf(folder) +
+            ": can't make this folder; make the one above it first, check its permissions, or give another "
+            "one"};
 }
 
 Message refusedByStrict(const QString& name) {

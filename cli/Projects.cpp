@@ -2,6 +2,8 @@
 
 #include "Messages.h"
 
+#include "Reader/Error.h"
+
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
@@ -28,8 +30,10 @@ QString baseOf(const QString& name) {
 QStringList filesIn(const QString& folder) {
     QStringList names;
     std::error_code error;
-    for (const auto& entry :
-         std::filesystem::directory_iterator(QFile::encodeName(folder).toStdString(), error)) {
+    const std::filesystem::directory_iterator entries(QFile::encodeName(folder).toStdString(), error);
+    if (error)
+        throw Reader::Error(Reader::ErrorKind::Unreadable, {.file = folder, .reason = error.message()});
+    for (const auto& entry : entries) {
         if (entry.is_regular_file(error))
             names += QFile::decodeName(entry.path().filename().c_str());
     }

@@ -14,6 +14,7 @@ namespace {
 
 constexpr int leastWidth = 60;
 constexpr int usualWidth = 80;
+constexpr int mostWidth = 1000;
 
 /// A character of a UTF-8 text and the number of its bytes; 0 bytes for what is no UTF-8.
 struct Character {
@@ -128,7 +129,7 @@ int width(int descriptor) {
     winsize size = {};
     if (columns <= 0 && ioctl(descriptor, TIOCGWINSZ, &size) == 0)
         columns = size.ws_col;
-    return std::max(columns > 0 ? columns : usualWidth, leastWidth);
+    return std::clamp(columns > 0 ? columns : usualWidth, leastWidth, mostWidth);
 }
 
 std::string Colours::in(const char* code, std::string_view text) const {

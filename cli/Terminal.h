@@ -24,7 +24,7 @@ bool isColoured(ColourChoice choice, int descriptor);
 /// Whether the stream is a terminal that obeys escape sequences.
 bool isCapable(int descriptor);
 
-/// The number of characters on a line: COLUMNS, or the terminal's own; 80 where there is neither, and never below 60.
+/// The number of characters on a line, 60 to 1000: COLUMNS, or the terminal's own; 80 where there is neither.
 int width(int descriptor);
 
 /// Words in colour, or as they are.

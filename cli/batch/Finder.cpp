@@ -1,5 +1,9 @@
 #include "batch/Finder.h"
 
+#include "Messages.h"
+
+#include "Reader/Error.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -174,10 +178,13 @@ void Finder::search(const QByteArray& path, bool isOnly) {
 void Finder::searchFolder(const Folder& folder, std::vector<Folder>& further) {
     const auto names = namesIn(folder.path);
     if (!names) {
+        const std::string reason = std::strerror(errno);
         Found found{folder.path, folder.name.isEmpty() ? lastPart(folder.path) : folder.name};
         found.what = Found::What::Unreadable;
         found.kind = "unreadable";
-        found.reason = std::strerror(errno);
+        found.reason = Messages::messageFor({Reader::ErrorKind::Unreadable,
+                                             {.file = QFile::decodeName(folder.path), .reason = reason}})
+                           .text;
         m_take(found);
         return;
     }

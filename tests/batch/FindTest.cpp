@@ -257,6 +257,8 @@ TEST_F(FindTest, FoldersThatCannotBeReadAreReported) {
     ASSERT_EQ(chmod(QFile::encodeName(path("in/closed")).constData(), 0), 0);
     EXPECT_EQ(batch(toOut()), 20);
     EXPECT_EQ(column(state, "code")["closed"], "3");
+    EXPECT_EQ(column(state, "reason")["closed"],
+              path("in/closed").toStdString() + ": Permission denied; check its name and its permissions");
     ASSERT_EQ(chmod(QFile::encodeName(path("in/closed")).constData(), 0700), 0);
 }
 

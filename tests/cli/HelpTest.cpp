@@ -83,6 +83,17 @@ TEST_F(HelpTest, ColumnsAreAligned) {
     }
 }
 
+TEST_F(HelpTest, TextsOfExamplesAreIndented) {
+    const QByteArray shown = linesAt(80, {"run", "--help"}).join('\n');
+    EXPECT_TRUE(shown.contains("\n  adaptors run V28 film.xml > labelled.xml\n      the same\n"))
+        << shown.toStdString();
+}
+
+TEST_F(HelpTest, ArgumentsThatMayRepeatSaySo) {
+    EXPECT_EQ(linesAt(80, {"batch", "--help"})[3], "Usage: adaptors batch [OPTIONS] [PATH...]");
+    EXPECT_EQ(linesAt(80, {"diff", "--help"})[2], "Usage: adaptors diff [OPTIONS] OLD NEW");
+}
+
 TEST_F(HelpTest, NoCommandAndHelpAreTheSame) {
     const Outcome none = run({});
     EXPECT_EQ(none.exitCode, 0);

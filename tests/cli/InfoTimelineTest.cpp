@@ -226,6 +226,18 @@ TEST_F(ProgramTest, InfoDrawsTheTimelineAsWideAsTheTerminal) {
     }
 }
 
+TEST_F(ProgramTest, InfoDrawsNoEndlessLines) {
+    write("film.xml", sample("holiday-v62.xml"));
+    const Outcome outcome =
+        runAfter("export LC_ALL=C COLUMNS=99999999; ", {"info", "film.xml", "--timeline"});
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
+    int longest = 0;
+    for (const QByteArray& line : outcome.out.split('\n'))
+        longest = std::max(longest, line.size());
+    EXPECT_LT(longest, 1000);
+    EXPECT_GT(longest, 900);
+}
+
 TEST_F(ProgramTest, InfoShowsHostileNamesAsEscapes) {
     const QByteArray hostile = "\xe2\x80\xae&#10;&lt;b&gt;" + QByteArray("x").repeated(1 << 20);
     QByteArray film = archive();

@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 using Projects::projectsAmong;
 using Tests::archive;
 using Tests::migratedName;
@@ -44,6 +47,15 @@ TEST_F(ProgramTest, AFolderKeepsWorkingWhenItsResultLiesThere) {
     EXPECT_TRUE(run({"info", "old"}).out.startsWith("old/film.xml\n"));
     EXPECT_EQ(run({"migrate", "old", "--in-place"}).exitCode, 0);
     EXPECT_TRUE(run({"info", "old"}).out.contains("version: 77"));
+}
+
+TEST_F(ProgramTest, AFolderThatCannotBeReadIsNotEmpty) {
+    if (geteuid() == 0)
+        GTEST_SKIP() << "root may read every folder";
+    ASSERT_TRUE(QDir(m_folder.path()).mkdir("closed"));
+    ASSERT_EQ(chmod(QFile::encodeName(path("closed")).constData(), 0), 0);
+    expectFailure({"info", "closed"}, 3, "closed: Permission denied; check its name and its permissions");
+    ASSERT_EQ(chmod(QFile::encodeName(path("closed")).constData(), 0700), 0);
 }
 
 TEST_F(ProgramTest, SeveralProjectsOfAFolderAreNamed) {

@@ -5,11 +5,13 @@
 #include <QFile>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <pty.h>
 #include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
+#include <utmp.h>
 
 #include <array>
 #include <cstdlib>
@@ -60,6 +62,18 @@ void waitUntilRead(int pipe) {
         usleep(step * 1000);
 }
 
+/// Appends what can be read, until there is nothing for a moment.
+void readWaiting(int terminal, QByteArray& text) {
+    constexpr int moment = 5; // milliseconds
+    std::array<char, 4096> bytes = {};
+    for (pollfd waiting = {terminal, POLLIN, 0}; poll(&waiting, 1, moment) > 0;) {
+        const ssize_t count = ::read(terminal, bytes.data(), bytes.size());
+        if (count <= 0)
+            return;
+        text.append(bytes.data(), static_cast<int>(count));
+    }
+}
+
 } // namespace
 
 Screen runInTerminal(const QStringList& arguments, const QString& folder, const TerminalSetup& setup) {
@@ -69,18 +83,25 @@ Screen runInTerminal(const QStringList& arguments, const QString& folder, const 
     std::array<int, 2> input = {-1, -1};
     if (setup.piped && pipe2(input.data(), O_CLOEXEC) != 0)
         return {-1, "no pipe"};
+    // The program's end of the terminal stays open here: when the last one closes it, what was written may be lost.
     int terminal = -1;
-    const pid_t child = forkpty(&terminal, nullptr, nullptr, &size);
-    if (child < 0)
+    int line = -1;
+    if (openpty(&terminal, &line, nullptr, nullptr, &size) != 0)
         return {-1, "no pseudo-terminal"};
-    if (child == 0)
-        execute(arguments, folder, setup, input[0]);
-
     termios mode = {};
-    tcgetattr(terminal, &mode);
+    tcgetattr(line, &mode);
     mode.c_lflag &= ~static_cast<tcflag_t>(ECHO);
     mode.c_oflag &= ~static_cast<tcflag_t>(OPOST); // line ends stay as they are written
-    tcsetattr(terminal, TCSANOW, &mode);
+    tcsetattr(line, TCSANOW, &mode);
+    const pid_t child = fork();
+    if (child < 0)
+        return {-1, "no process"};
+    if (child == 0) {
+        close(terminal);
+        login_tty(line);
+        execute(arguments, folder, setup, input[0]);
+    }
+
     if (setup.piped) {
         close(input[0]);
         writeAll(input[1], setup.piped->left(1));
@@ -93,11 +114,16 @@ Screen runInTerminal(const QStringList& arguments, const QString& folder, const 
     }
     writeAll(terminal, setup.typed);
     Screen screen = {};
-    std::array<char, 4096> bytes = {};
-    for (ssize_t count = 0; (count = ::read(terminal, bytes.data(), bytes.size())) > 0;)
-        screen.text.append(bytes.data(), static_cast<int>(count));
     int status = 0;
-    waitpid(child, &status, 0);
+    do
+        readWaiting(terminal, screen.text);
+    while (waitpid(child, &status, WNOHANG) == 0);
+    readWaiting(terminal, screen.text);
+    writeAll(line, QByteArray(1, '\0')); // comes behind all that the program wrote
+    while (!screen.text.endsWith('\0'))
+        readWaiting(terminal, screen.text);
+    screen.text.chop(1);
+    close(line);
     close(terminal);
     screen.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
     return screen;
