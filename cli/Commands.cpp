@@ -488,6 +488,9 @@ int migrate(const Arguments& arguments, Output& output) {
 
 int steps(const Arguments& arguments, Output& output) {
     const int from = arguments.from.value_or(0);
+    if (from > arguments.to)
+        throw Messages::Failure(Messages::badValue("--to", std::to_string(arguments.to),
+                                                   "a schema version that is not below that of --from"));
     if (output.isJson())
         output.setResult(JsonReport::stepList(from, arguments.to));
     else

@@ -99,6 +99,8 @@ TEST_F(CommandLineTest, WhatIsWrongIsNamedWithARemedy) {
     for (const char* value : {"x", "78", "-1", "1.5", "", "7 ", "99999999999"})
         expectWrongUse({"migrate", "a.xml", "--from", value},
                        "--from can't be \"" + QByteArray(value) + "\"; give a schema version from 0 to 77");
+    expectWrongUse({"steps", "--from", "40", "--to", "20"},
+                   R"(--to can't be "20"; give a schema version that is not below that of --from)");
     expectWrongUse({"steps", "--to", "78"}, R"(--to can't be "78"; give a schema version from 0 to 77)");
     expectWrongUse({"migrate", "a.xml", "-o", "c", "-o", "d"},
                    "--output is given more than once; give it once");
