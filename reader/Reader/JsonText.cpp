@@ -309,6 +309,8 @@ bool FastEvents::RawNumber(const char* digits, rapidjson::SizeType length, bool)
 bool readFast(QByteArray bytes, Builder& builder) {
     if (bytes.contains('\0') || bytes.contains("\\u"))
         return false;
+    // After a first byte of UTF-8 the parser takes up to three more before it looks at them, also at the end of the text.
+    bytes.append(3, '\0');
     rapidjson::InsituStringStream stream(bytes.data()); // strings are unescaped in this copy
     FastEvents events(builder);
     constexpr unsigned flags = rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag |

@@ -105,6 +105,16 @@ TEST(JsonText, RefusesNulBytes) {
     EXPECT_NE(errorOf(inside).find("a NUL byte"), std::string::npos);
 }
 
+TEST(JsonText, RefusesTextsThatAreCutOffInACharacter) {
+    const std::string text = "\"\xC3\xA4\xE2\x82\xAC\xF0\x9F\x8E\xAC\"";
+    EXPECT_EQ(errorOf(text), "none");
+    for (std::size_t length = 1; length < text.size(); ++length)
+        EXPECT_NE(errorOf(text.substr(0, length)), "none") << length;
+    // The sanitizer sees whether any first byte makes a parser read behind the text.
+    for (int last = 0x80; last <= 0xFF; ++last)
+        EXPECT_NE(errorOf("\"Transition::Zoom" + std::string(1, static_cast<char>(last))), "none") << last;
+}
+
 TEST(JsonText, AByteOrderMarkIsPassedOver) {
     EXPECT_EQ(read("\xEF\xBB\xBF[1]"), json::parse("[1]"));
 }

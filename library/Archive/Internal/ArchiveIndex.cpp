@@ -159,7 +159,8 @@ void ArchiveIndex::imported(const QDomElement& e) {
 }
 
 void ArchiveIndex::retyped(const QDomElement& e) {
-    m_areTypesStale = m_areTypesStale || isIndexedTag(e.tagName());
+    if (isIndexedTag(e.tagName()) && (m_rootObjects || m_baseParts))
+        m_retyped.insert(identityOf(e));
 }
 
 void ArchiveIndex::update() {
@@ -224,15 +225,17 @@ void ArchiveIndex::collectInserted() {
 }
 
 void ArchiveIndex::readTypes() {
-    if (!m_areTypesStale)
+    if (m_retyped.empty())
         return;
-    m_areTypesStale = false;
     for (List* list : {&m_rootObjects, &m_baseParts}) {
         if (!*list)
             continue;
-        for (TypedElement& e : own(*list))
-            e.type = e.element.attribute(Words::type);
+        for (TypedElement& e : own(*list)) {
+            if (m_retyped.count(identityOf(e.element)) > 0)
+                e.type = e.element.attribute(Words::type);
+        }
     }
+    m_retyped.clear();
 }
 
 void ArchiveIndex::invalidateLists() {
@@ -360,7 +363,7 @@ void ArchiveIndex::invalidate() {
     m_removed.clear();
     m_lastAppended = QDomElement();
     m_isOneInserted = false;
-    m_areTypesStale = false;
+    m_retyped.clear();
     m_records.reset();
     invalidateTexts();
     m_created.clear();

@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -119,7 +120,7 @@ private:
     std::vector<unsigned long long> m_removedRootObjects;
     QDomElement m_lastAppended;   ///< the last root object that was appended to the archive
     bool m_isOneInserted = false; ///< a root object was inserted into the archive, not as its last child
-    bool m_areTypesStale = false;
+    std::unordered_set<const void*> m_retyped; ///< by identity
 
     std::optional<KnownRecords> m_records;
 
