@@ -173,4 +173,13 @@ MigrationTimes measureMigration(const Size& size, int runs) {
     return times;
 }
 
+double timeOfLoading(const QByteArray& text) {
+    QDomDocument document; // declared here so that freeing it is not measured
+    return millisecondsOf([&] { document = Reader::parseXml(text, name); });
+}
+
+double timeOfMigration(const QByteArray& text) {
+    return Run(text).migration;
+}
+
 } // namespace Bench

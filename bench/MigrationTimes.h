@@ -45,4 +45,8 @@ struct MigrationTimes {
 /// measured in the same seconds, in which other programs disturb both. Of each part it gives the median of all runs.
 MigrationTimes measureMigration(const Size& size, int runs);
 
+/// Milliseconds of one call, for a process that does nothing else.
+double timeOfLoading(const QByteArray& text);
+double timeOfMigration(const QByteArray& text);
+
 } // namespace Bench

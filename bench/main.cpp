@@ -6,6 +6,8 @@
 #include "bench/Recovery.h"
 #include "bench/Table.h"
 
+#include <QFile>
+
 #include <glog/logging.h>
 
 #include <algorithm>
@@ -23,6 +25,7 @@ adaptors-bench --large               the same, and at 1,000,000 elements
 adaptors-bench --elements N...       the same at these sizes
 adaptors-bench --clips N EFFECTS     the same with a tenth of N clips and with N, each with its effects so many times
 adaptors-bench --figures KIND N...   measures at these sizes and prints JSON; KIND is migration, flat or peers
+adaptors-bench --once KIND FILE      milliseconds of one call in this process; KIND is load or migration
 adaptors-bench --write N VERSION     writes such a project to standard output
 adaptors-bench --recovery PLACES     recovers projects with so many cuts, and so many lost blocks, of each version
 adaptors-bench --micro [ARGUMENTS]   single operations, with the arguments of Google Benchmark
@@ -81,8 +84,9 @@ nlohmann::json figuresOf(const std::string& kind, std::size_t elements) {
     const int runs = runsFor(elements);
     if (kind == "migration")
         return Bench::figuresOf(Bench::measureMigration({elements, 0, 0, 0}, runs));
+    constexpr int runsOfPeers = 3; // live lists take minutes
     if (kind == "peers")
-        return Bench::figuresOf(Bench::measurePeers(elements, runs));
+        return Bench::figuresOf(Bench::measurePeers(elements, runsOfPeers));
     nlohmann::json versions = nlohmann::json::array();
     for (int version = Reader::lastXmlVersion + 1; version < Reader::currentVersion; ++version)
         versions.push_back(Bench::figuresOf(Bench::measureFlat(version, elements, runs)));
@@ -102,6 +106,19 @@ int printFigures(const std::vector<std::string>& arguments) {
         all.push_back(figuresOf(arguments[0], elements));
     }
     std::cout << all.dump(1) << '\n';
+    return std::cout.good() ? 0 : 1;
+}
+
+int measureOnce(const std::vector<std::string>& arguments) {
+    if (arguments.size() != 2 || (arguments[0] != "load" && arguments[0] != "migration"))
+        return refuse();
+    QFile file(QString::fromStdString(arguments[1]));
+    if (!file.open(QIODevice::ReadOnly)) {
+        std::cerr << "can't read " << arguments[1] << '\n';
+        return 1;
+    }
+    const QByteArray text = file.readAll();
+    std::cout << (arguments[0] == "load" ? Bench::timeOfLoading(text) : Bench::timeOfMigration(text)) << '\n';
     return std::cout.good() ? 0 : 1;
 }
 
@@ -148,6 +165,8 @@ int main(int argc, char* argv[]) {
         return printClips(arguments);
     if (mode == "--figures")
         return printFigures(arguments);
+    if (mode == "--once")
+        return measureOnce(arguments);
     if (mode == "--write")
         return writeProject(arguments);
     if (mode == "--recovery")
