@@ -43,9 +43,9 @@ std::size_t measureHere(const std::function<QByteArray()>& prepare,
     const QByteArray input = prepare();
     if (!forgetPeak())
         return 0;
-    const std::size_t before = statusBytes("VmRSS");
+    const std::size_t before = memoryNow();
     work(input);
-    const std::size_t peak = statusBytes("VmHWM");
+    const std::size_t peak = greatestMemory();
     return peak > before ? peak - before : 0;
 }
 
@@ -75,6 +75,14 @@ std::size_t countElements(const QByteArray& text) {
     for (int place = 0; place + 1 < text.size(); ++place)
         count += text[place] == '<' && text[place + 1] != '/' && text[place + 1] != '?' ? 1 : 0;
     return count;
+}
+
+std::size_t memoryNow() {
+    return statusBytes("VmRSS");
+}
+
+std::size_t greatestMemory() {
+    return statusBytes("VmHWM");
 }
 
 std::size_t peakMemory(const std::function<QByteArray()>& prepare,

@@ -29,6 +29,10 @@ std::size_t placeOfMedian(const std::vector<double>& numbers);
 /// The elements of an XML text, by their start tags.
 std::size_t countElements(const QByteArray& text);
 
+/// The memory of this process in bytes, now and at most since it began. 0 if it can't be measured.
+std::size_t memoryNow();
+std::size_t greatestMemory();
+
 /// The peak memory of `work` in bytes, called with the result of `prepare`, minus the memory of the process
 /// before. Runs in a child process. 0 if it can't be measured.
 std::size_t peakMemory(const std::function<QByteArray()>& prepare,

@@ -1,6 +1,7 @@
 #include "Reader/AdaptorTable.h"
 #include "bench/Figures.h"
 #include "bench/Generator.h"
+#include "bench/Measure.h"
 #include "bench/Micro.h"
 #include "bench/MigrationTimes.h"
 #include "bench/Recovery.h"
@@ -25,7 +26,7 @@ adaptors-bench --large               the same, and at 1,000,000 elements
 adaptors-bench --elements N...       the same at these sizes
 adaptors-bench --clips N EFFECTS     the same with a tenth of N clips and with N, each with its effects so many times
 adaptors-bench --figures KIND N...   measures at these sizes and prints JSON; KIND is migration, flat or peers
-adaptors-bench --once KIND FILE      milliseconds of one call in this process; KIND is load or migration
+adaptors-bench --once KIND FILE      milliseconds of one call and the bytes that it takes; KIND is load or migration
 adaptors-bench --write N VERSION     writes such a project to standard output
 adaptors-bench --recovery PLACES     recovers projects with so many cuts, and so many lost blocks, of each version
 adaptors-bench --micro [ARGUMENTS]   single operations, with the arguments of Google Benchmark
@@ -118,7 +119,9 @@ int measureOnce(const std::vector<std::string>& arguments) {
         return 1;
     }
     const QByteArray text = file.readAll();
-    std::cout << (arguments[0] == "load" ? Bench::timeOfLoading(text) : Bench::timeOfMigration(text)) << '\n';
+    const std::size_t before = Bench::memoryNow();
+    std::cout << (arguments[0] == "load" ? Bench::timeOfLoading(text) : Bench::timeOfMigration(text)) << ' ';
+    std::cout << Bench::greatestMemory() - before << '\n';
     return std::cout.good() ? 0 : 1;
 }
 
