@@ -140,11 +140,13 @@ private:
     PartList m_parts;
 };
 
-/// Follows references from the root object. `visit(id, found)` must call `found` for each id that the object refers to,
-/// and give false where there is no such object.
+/// Follows references from the root object in a document of so many objects. `visit(id, found)` must call `found` for each
+/// id that the object refers to, and give false where there is no such object.
 template <class Visit>
-std::unordered_set<unsigned long long> follow(unsigned long long root, Visit visit) {
-    std::unordered_set<unsigned long long> reached = {root};
+std::unordered_set<unsigned long long> follow(unsigned long long root, std::size_t objects, Visit visit) {
+    std::unordered_set<unsigned long long> reached;
+    reached.reserve(objects);
+    reached.insert(root);
     std::vector<unsigned long long> missing;
     std::vector<unsigned long long> open = {root};
     while (!open.empty()) {
@@ -165,7 +167,7 @@ std::unordered_set<unsigned long long> follow(unsigned long long root, Visit vis
 std::unordered_set<unsigned long long> reachableInXml(const QDomDocument& xml) {
     const auto objects = objectsById(rootObjectsOf(xml));
     const auto root = idIn(xml.documentElement().firstChildElement(Words::RootRef));
-    return follow(root, [&](unsigned long long id, auto found) {
+    return follow(root, static_cast<std::size_t>(objects.size()), [&](unsigned long long id, auto found) {
         const QDomElement object = objects.value(id);
         if (object.isNull())
             return false;
@@ -180,14 +182,16 @@ std::unordered_set<unsigned long long> reachableInXml(const QDomDocument& xml) {
 std::unordered_set<unsigned long long> reachableInJson(const JsonDocument& document) {
     std::vector<unsigned long long> embedded; // objects inside of others, whose values are visited with those
     std::vector<const json*> open;
-    auto reached = follow(document.root, [&](unsigned long long id, auto found) {
+    auto reached = follow(document.root, document.flat.objects.size(), [&](unsigned long long id, auto found) {
         const auto object = document.flat.objects.find(id);
         if (object == document.flat.objects.end())
             return false;
         walkObjects(object->second, open, [&](const json& value) {
             found(linkTarget(value));
-            if (isClassObject(value))
-                embedded.push_back(Serialize::Json::getObjectId(value).value_or(0));
+            if (!isClassObject(value))
+                return;
+            if (const auto own = Serialize::Json::getObjectId(value).value_or(0); own != id)
+                embedded.push_back(own);
         });
         return true;
     });
