@@ -182,19 +182,20 @@ std::unordered_set<unsigned long long> reachableInXml(const QDomDocument& xml) {
 std::unordered_set<unsigned long long> reachableInJson(const JsonDocument& document) {
     std::vector<unsigned long long> embedded; // objects inside of others, whose values are visited with those
     std::vector<const json*> open;
-    auto reached = follow(document.root, document.flat.objects.size(), [&](unsigned long long id, auto found) {
-        const auto object = document.flat.objects.find(id);
-        if (object == document.flat.objects.end())
-            return false;
-        walkObjects(object->second, open, [&](const json& value) {
-            found(linkTarget(value));
-            if (!isClassObject(value))
-                return;
-            if (const auto own = Serialize::Json::getObjectId(value).value_or(0); own != id)
-                embedded.push_back(own);
+    auto reached =
+        follow(document.root, document.flat.objects.size(), [&](unsigned long long id, auto found) {
+            const auto object = document.flat.objects.find(id);
+            if (object == document.flat.objects.end())
+                return false;
+            walkObjects(object->second, open, [&](const json& value) {
+                found(linkTarget(value));
+                if (!isClassObject(value))
+                    return;
+                if (const auto own = Serialize::Json::getObjectId(value).value_or(0); own != id)
+                    embedded.push_back(own);
+            });
+            return true;
         });
-        return true;
-    });
     reached.insert(embedded.begin(), embedded.end());
     reached.erase(0);
     return reached;

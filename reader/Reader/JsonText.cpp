@@ -308,7 +308,8 @@ bool FastEvents::RawNumber(const char* digits, rapidjson::SizeType length, bool)
 /// trusted with: errors, which it describes in other words, and escaped characters, of which it takes lone surrogates.
 bool readFast(QByteArray bytes, Builder& builder) {
     const std::string_view text(bytes.constData(), static_cast<std::size_t>(bytes.size()));
-    if (text.find('\0') != text.npos || text.find("\\u") != text.npos) // QByteArray searches texts byte by byte
+    if (text.find('\0') != text.npos ||
+        text.find("\\u") != text.npos) // QByteArray searches texts byte by byte
         return false;
     // After a first byte of UTF-8 the parser takes up to three more before it looks at them, also at the end of the text.
     bytes.append(3, '\0');

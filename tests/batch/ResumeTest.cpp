@@ -69,7 +69,8 @@ protected:
             makeFolder();
             int last = -2;
             while (last == -2 && killed < kills) {
-                Tests::BackgroundRun run(QStringList{"batch"} + arguments, m_folder.path());
+                Tests::BackgroundRun run(QStringList{"batch"} + arguments, m_folder.path(),
+                                         Tests::withoutCounters());
                 usleep(static_cast<useconds_t>(wait(random)));
                 run.signal(SIGKILL);
                 last = run.wait();

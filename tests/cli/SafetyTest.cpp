@@ -62,6 +62,7 @@ using Milliseconds = std::chrono::duration<double, std::milli>;
 /// With `onWrite` the delay starts when the first new file appears.
 bool killMidway(const QString& folder, bool onWrite, Milliseconds wait) {
     QProcess process;
+    process.setProcessEnvironment(Tests::withoutCounters());
     process.setWorkingDirectory(folder);
     process.start(QString::fromStdString(Tests::program().string()), {"migrate", "film.xml", "--in-place"});
     process.waitForStarted();

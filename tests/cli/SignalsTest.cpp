@@ -34,6 +34,7 @@ protected:
     /// itself. With `onWrite` the while begins when the first new file or folder appears.
     int interrupt(const QStringList& arguments, int signal, bool onWrite, Milliseconds wait) const {
         QProcess process;
+        process.setProcessEnvironment(Tests::withoutCounters());
         process.setWorkingDirectory(m_folder.path());
         const int before = everything().size();
         process.start(QString::fromStdString(Tests::program().string()), arguments);

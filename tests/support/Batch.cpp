@@ -134,7 +134,9 @@ std::string BatchTest::query(const QString& state, const std::string& sql) const
     return all;
 }
 
-BackgroundRun::BackgroundRun(const QStringList& arguments, const QString& folder) {
+BackgroundRun::BackgroundRun(const QStringList& arguments, const QString& folder,
+                             const QProcessEnvironment& environment) {
+    m_process.setProcessEnvironment(environment);
     m_process.setWorkingDirectory(folder);
     m_process.start(QString::fromStdString(program().string()), arguments);
     m_process.waitForStarted();

@@ -50,7 +50,8 @@ protected:
 /// A run of the program that goes on beside the test. It is ended with this object.
 class BackgroundRun {
 public:
-    BackgroundRun(const QStringList& arguments, const QString& folder);
+    BackgroundRun(const QStringList& arguments, const QString& folder,
+                  const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment());
     ~BackgroundRun();
     BackgroundRun(const BackgroundRun&) = delete;
     BackgroundRun& operator=(const BackgroundRun&) = delete;

@@ -25,7 +25,9 @@ protected:
             QStringLiteral("/bin/sh"),
             QStringList{"-c", first + "exec \"$@\"", "sh", QString::fromStdString(program().string())} +
                 arguments,
-            m_folder.path());
+            m_folder.path(), {},
+            first.contains(QLatin1String("ulimit -f")) ? withoutCounters()
+                                                       : QProcessEnvironment::systemEnvironment());
     }
     QString path(const QString& name) const { return m_folder.filePath(name); }
     void write(const QString& name, const QByteArray& bytes) const {
