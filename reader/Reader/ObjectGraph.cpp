@@ -104,24 +104,24 @@ private:
              base = base.firstChildElement(Words::BaseOfObject))
             levels.push_back(base);
         for (const QDomElement& level : levels) {
-            std::set<std::string> ownNames;
+            std::map<QString, std::size_t> tasks; // by the names of the level's own fields
             for (QDomElement field = level.firstChildElement(); !field.isNull();
                  field = field.nextSiblingElement()) {
                 if (field.tagName() == Words::BaseOfObject)
                     continue;
-                const std::string name = nameFor(field, object, ownNames, level);
-                m_open.push_back({field, &object.fields[name]});
+                const auto [task, isNew] = tasks.emplace(field.tagName(), m_open.size());
+                if (isNew)
+                    m_open.push_back({field, &object.fields[nameFor(field, object, level)]});
+                else
+                    m_open[task->second].element = field; // the later counts, as in the conversion
             }
         }
     }
 
-    /// Of two fields of one name in a class part the later counts, as in the conversion.
     static std::string nameFor(const QDomElement& field, const GraphObject& object,
-                               std::set<std::string>& ownNames, const QDomElement& level) {
-        std::string name = field.tagName().toStdString();
-        if (ownNames.insert(name).second && object.fields.contains(name))
-            name = Archive::typeOf(level).toStdString() + '.' + name;
-        return name;
+                               const QDomElement& level) {
+        const std::string name = field.tagName().toStdString();
+        return object.fields.contains(name) ? Archive::typeOf(level).toStdString() + '.' + name : name;
     }
 
     void convert(const QDomElement& element, json& target) {
