@@ -265,6 +265,33 @@ TEST(LostBlock, OfATrackMakesItAnewUnderItsId) {
     expectMigrates(std::move(result), allClips);
 }
 
+/// A clip whose place names no track, in a file that is damaged elsewhere, comes to a track for clips like it.
+TEST(LostTrack, OfAClipInAnArchiveIsAnotherOne) {
+    QByteArray bytes = archive();
+    const QByteArray track = "<track type=\"ObjectRef\" value=\"15\"/>";
+    bytes.replace(placeOf(bytes, track.constData(), placeOf(bytes, track.constData()) + 1), track.size(),
+                  "<track type=\"ObjectRef\" value=\"0\"/>");
+    Recovered result = recovered(withNul(bytes, "<typeName", "<refs"));
+    EXPECT_EQ(result.report.clipsInPlace, 6U);
+    EXPECT_FALSE(result.document.xml().toByteArray().contains("<track type=\"ObjectRef\" value=\"0\"/>") ||
+                 result.document.xml().toByteArray().contains("<track value=\"0\" type=\"ObjectRef\"/>"));
+    expectMigrates(std::move(result), allClips);
+}
+
+TEST(LostTrack, OfAClipInJsonIsAnotherOne) {
+    QByteArray bytes = json();
+    const int place = placeOf(bytes, "\"track\"", placeOf(bytes, "\"track\"") + 1);
+    const int end = placeOf(bytes, "}", place);
+    bytes.replace(place, end + 1 - place, "\"track\": null");
+    Recovered result = recovered(bytes.left(bytes.lastIndexOf('}')));
+    EXPECT_EQ(result.report.clipsInPlace, 6U);
+    for (const auto& [id, object] : result.document.json().flat.objects) {
+        if (object["@meta"]["class_name"] == "Timeline::ClipTiming")
+            EXPECT_TRUE(object["track"].is_object()) << id;
+    }
+    expectMigrates(std::move(result), allClips);
+}
+
 TEST(LostBlock, OfAFileClearsTheReferenceToIt) {
     Recovered result = recovered(withNul(archive(), "media/harbour.jpg", "media/harbour.jpg"));
     EXPECT_EQ(result.report.referencesCleared, 1U);
@@ -424,6 +451,33 @@ TEST(Encoding, Utf16WithALostBlock) {
     ASSERT_EQ(result.report.findings.size(), 1U);
     EXPECT_NEAR(static_cast<double>(result.report.findings.front().byte), place, 64);
     expectMigrates(std::move(result), without("Boat"));
+}
+
+TEST(Encoding, Utf16WithCharactersOfTwoUnitsAndHalfOnes) {
+    QString text = QString::fromUtf8(archive());
+    text.replace("Boat", QString::fromUtf8("B\xF0\x9F\x8E\xAC") + QChar(0xD83C) + "t");
+    for (const bool isBigEndian : {false, true}) {
+        QByteArray bytes(isBigEndian ? "\xFE\xFF" : "\xFF\xFE");
+        for (const QChar unit : text) {
+            bytes += char(isBigEndian ? unit.row() : unit.cell());
+            bytes += char(isBigEndian ? unit.cell() : unit.row());
+        }
+        const Recovered result = recovered(bytes);
+        EXPECT_EQ(result.report.encoding, "UTF-16");
+        EXPECT_EQ(result.report.charactersReplaced, 1U);
+        EXPECT_THAT(clipsOf(result.document), Contains("B\xF0\x9F\x8E\xAC\xEF\xBF\xBDt"));
+    }
+}
+
+TEST(Encoding, OfADeclarationIsTaken) {
+    QByteArray bytes = archive();
+    bytes.replace(0, bytes.indexOf("?>"), "<?xml version=\"1.0\" encoding=\"windows-1251\"");
+    bytes.replace("Boat", "\xCB\xEE\xE4\xEA\xE0");
+    const Recovered result = recovered(bytes);
+    EXPECT_EQ(result.report.encoding, "windows-1251");
+    EXPECT_THAT(clipsOf(result.document),
+                Contains("\xD0\x9B\xD0\xBE\xD0\xB4\xD0\xBA\xD0\xB0")); // boat in Russian
+    EXPECT_TRUE(result.report.isComplete());
 }
 
 // Versions
