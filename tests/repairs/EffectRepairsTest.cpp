@@ -391,6 +391,43 @@ TEST(QuizLinks, EndWithTheQuizzes) {
     EXPECT_THAT(namesOf(repaired.repair("quiz-links").clips()), ElementsAre("Inset"));
 }
 
+std::string transition(long long id, long long from, long long to) {
+    return ref("Key", id) + list("Value", {ref("First", from) + ref("Second", to)});
+}
+
+TEST(QuizLinks, TransitionsEndWithTheQuizzes) {
+    OldProject project(62);
+    project.root(2).timeline(
+        2, "Film", {{3, 4, 20, 0, 5000}, {5, 6, 22, 1000, 1000}, {7, 8, 20, 5000, 1000}},
+        refs("tracks", {22, 20}) +
+            list("transitions", {transition(40, 3, 5), transition(41, 5, 7), transition(42, 3, 7)}));
+    project.tracks(2, {{22, 96}, {20, 16}});
+    project.clip(3, 1, "Beach").clip(5, 32, "Quiz").clip(7, 1, "Boat");
+    for (const long long id : {40, 41, 42})
+        project.object("Transition::Zoom", id, "");
+    const Migrated plain = migrateOld(project.bytes(), false);
+    ASSERT_FALSE(plain.error);
+    EXPECT_TRUE(plain.bytes.contains("\"Quiz\""));
+    const Migrated repaired = migrateOld(project.bytes(), true);
+    expectWhole(repaired);
+    const Project result = repaired.project();
+    const auto& transitions = result.timeline("Film").at("transitions");
+    ASSERT_EQ(transitions.size(), 3u);
+    const auto ends = [&](std::size_t place) {
+        std::vector<std::string> names;
+        for (const char* end : {"clipFrom", "clipTo"})
+            names.push_back(transitions[place].at(end).is_null()
+                                ? "none"
+                                : result.follow(transitions[place], end).at("name"));
+        return names;
+    };
+    EXPECT_THAT(ends(0), ElementsAre("Beach", "none"));
+    EXPECT_THAT(ends(1), ElementsAre("none", "Boat"));
+    EXPECT_THAT(ends(2), ElementsAre("Beach", "Boat"));
+    EXPECT_FALSE(repaired.bytes.contains("\"Quiz\""));
+    EXPECT_THAT(repaired.repairs(), ElementsAre("quiz-links"));
+}
+
 // JSON of versions 59 to 61
 
 QByteArray oldCollections() {
