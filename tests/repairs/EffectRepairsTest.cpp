@@ -7,7 +7,6 @@
 #include <limits>
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 using Tests::clipNames;
 using Tests::embedded;
 using Tests::expectWhole;
