@@ -162,10 +162,6 @@ void State::set(const std::string& key, const std::string& value) {
     Statement(m_database, "INSERT OR REPLACE INTO settings VALUES (?, ?)").with(key, value).run();
 }
 
-void State::removeSetting(const std::string& key) {
-    Statement(m_database, "DELETE FROM settings WHERE key = ?").with(key).run();
-}
-
 std::optional<Row> State::row(const QByteArray& path) {
     if (!m_row.with(path).next())
         return std::nullopt;
@@ -188,10 +184,6 @@ void State::put(const Row& row) {
               row.losses, orNull(row.repairs), row.seconds, row.outputSize, row.outputTime, row.backup,
               row.isFresh, row.isReplaceable, orNull(row.tool))
         .run();
-}
-
-void State::remove(const QByteArray& path) {
-    Statement(m_database, "DELETE FROM files WHERE path = ?").with(path).run();
 }
 
 std::vector<Row> State::first(FileState state, int limit) {

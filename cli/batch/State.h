@@ -69,13 +69,11 @@ public:
     /// Settings of the batch, such as the options that results depend on.
     std::optional<std::string> setting(const std::string& key);
     void set(const std::string& key, const std::string& value);
-    void removeSetting(const std::string& key);
 
     std::optional<Row> row(const QByteArray& path);
     /// The path of the row that has this output; empty for none.
     QByteArray pathWithOutput(const QByteArray& output);
     void put(const Row& row);
-    void remove(const QByteArray& path);
 
     /// The first rows of a state in the order of their paths.
     std::vector<Row> first(FileState state, int limit);

@@ -37,10 +37,7 @@ void use(Batch::State& state) {
         state.wish(row.path, "wanted", row.path + ".json");
     }
     state.assignOutputs();
-    if (!rows.empty())
-        state.remove(rows.front().path);
     state.set("options", "none");
-    state.removeSetting("options");
     transaction.commit();
 }
 
