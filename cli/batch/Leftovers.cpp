@@ -2,7 +2,9 @@
 
 #include "batch/Finder.h"
 
+#include <QDateTime>
 #include <QFile>
+#include <QFileInfo>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -90,6 +92,15 @@ qint64 changeOf(const struct stat& status) {
     return status.st_ctim.tv_sec * second + status.st_ctim.tv_nsec;
 }
 
+/// Whether the file is the result of the run that made the backup: it was written after the backup's file was made and
+/// before the backup got its name. Also false where the file system does not know when a file was made.
+bool isResult(const struct stat& file, const struct stat& backup, const QByteArray& backupPath) {
+    constexpr qint64 millisecond = 1000000;
+    const QDateTime made = QFileInfo(QFile::decodeName(backupPath)).birthTime();
+    return made.isValid() && timeOf(file) >= made.toMSecsSinceEpoch() * millisecond &&
+           timeOf(file) <= changeOf(backup);
+}
+
 void removeBackup(const Row& row) {
     const auto backup = statusOf(row.backup);
     const auto file = statusOf(row.path);
@@ -97,8 +108,9 @@ void removeBackup(const Row& row) {
         return;
     if (haveSameBytes(row.path, row.backup)) // the result was not put in place
         unlink(row.backup.constData());
-    else if (backup->st_size == row.size && timeOf(*backup) == row.time && timeOf(*file) <= changeOf(*backup))
-        rename(row.backup.constData(), row.path.constData()); // nobody has changed the result since
+    else if (backup->st_size == row.size && timeOf(*backup) == row.time &&
+             isResult(*file, *backup, row.backup))
+        rename(row.backup.constData(), row.path.constData()); // nobody has changed either since
 }
 
 } // namespace

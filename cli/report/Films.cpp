@@ -47,7 +47,7 @@ void stretch(Film& film, const Timeline& timeline) {
     }
 }
 
-/// "2 effects, reversed"
+/// Such as "2 effects" and "reversed", with dots between them.
 std::string marksOf(const TimelineClip& clip) {
     std::string text = clip.effects.empty() ? "" : Phrases::plural(clip.effects.size(), "effect");
     const auto add = [&text](const std::string& mark) { text += (text.empty() ? "" : " \u00b7 ") + mark; };

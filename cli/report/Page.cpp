@@ -647,6 +647,7 @@ private:
         return side.clip ? rangeText(*side.clip) : std::string("\u2013");
     }
 
+    /// The name of the timeline, as a link to its picture; empty where the page has none of it.
     std::string filmLink(unsigned long long id) const {
         for (std::size_t place = 0; place < m_films.size(); ++place) {
             for (const Reader::Timeline* timeline : {m_films[place].before, m_films[place].after}) {
@@ -664,8 +665,8 @@ private:
         List list;
         if (!facts.media.empty())
             list.add("file " + shown(facts.media));
-        if (facts.nested != 0)
-            list.add("shows " + filmLink(facts.nested));
+        if (const std::string film = facts.nested == 0 ? "" : filmLink(facts.nested); !film.empty())
+            list.add("shows " + film);
         if (facts.sourceStart != 0)
             list.add("from " + timeText(facts.sourceStart) + " of its source");
         std::string effects;

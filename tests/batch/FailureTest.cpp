@@ -212,6 +212,23 @@ TEST_F(FailureTest, AFullDiskIsReportedAndTheRunGoesOnAfterwards) {
     EXPECT_EQ(tree("out2"), tree("out"));
 }
 
+TEST_F(FailureTest, WorkersThatCannotBeStartedEndTheRunAndTheNextGoesOn) {
+    for (int number = 0; number < 8; ++number)
+        put("in/" + QByteArray::number(number) + ".xml", oldProject());
+    // Each worker takes an open file; how many others there are is not known here.
+    Tests::Outcome outcome = {};
+    for (int files = 24; files > 6 && outcome.exitCode == 0; --files) {
+        QDir(path("out")).removeRecursively();
+        outcome = runAfter(QStringLiteral("ulimit -n %1; ").arg(files),
+                           QStringList{"batch"} + toOut + QStringList{"-j8"});
+    }
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_TRUE(outcome.err.contains("no worker process can be started: Too many open files"))
+        << outcome.err.toStdString();
+    EXPECT_EQ(batch(toOut), 0) << m_outcome.err.toStdString();
+    EXPECT_EQ(names("out").size(), 8U); // the results, and nothing unfinished
+}
+
 TEST_F(FailureTest, ThousandsOfFiles) {
     // In memory where that is possible: the test is not about the disk.
     const QString memory = QStringLiteral("/dev/shm");

@@ -86,6 +86,67 @@ TEST_F(FindTest, TheContentSaysWhatAFileIs) {
         EXPECT_EQ(found[name], "skipped empty") << name;
 }
 
+TEST_F(FindTest, FilesThatAreCutOffEarlyAreFoundAndFail) {
+    const std::pair<const char*, const char*> files[] = {
+        {"<!-- no end", "broken-xml"},
+        {"<!-- no element -->", "broken-xml"},
+        {"<Archive", "broken-xml"},
+        {"<!DOCTYPE Archive [<!ENTITY a '>'>", "refused-xml"}, // as all that declares a type of documents
+        {"<!DOCTYPE Archive", "refused-xml"},
+        {"<!DOCTYPE Archive>", "refused-xml"},
+        {"{", "broken-json"},
+        {R"({"version")", "broken-json"},
+        {R"({"version":)", "broken-json"},
+        {R"({"version": "1.0")", "broken-json"},
+        {R"({"version": "1.0", )", "broken-json"},
+    };
+    for (const auto& [text, kind] : files) {
+        write("in/cut", text);
+        EXPECT_EQ(batch(toOut()), 20) << text;
+        EXPECT_EQ(column(state, "state || ' ' || kind")["cut"], std::string("failed ") + kind) << text;
+    }
+}
+
+TEST_F(FindTest, TextThatOnlyBeginsLikeADocumentIsNoProject) {
+    put("in/comment.xml", "<!-- a comment --> and words");
+    put("in/doctype.xml", "<!DOCTYPE html>\n<html/>");
+    put("in/style.css", "{ color: red }");
+    put("in/no-colon.json", "{\"schemaVersion\" 77}");
+    put("in/other-end.json", "{\"a\": 1], \"schemaVersion\": 77}");
+    EXPECT_EQ(batch(toOut()), 0) << m_outcome.out.toStdString();
+    for (const auto& [name, kind] : kinds())
+        EXPECT_EQ(kind, "no-project") << name;
+    EXPECT_EQ(kinds().size(), 5U);
+}
+
+TEST_F(FindTest, ADamagedCharacterDoesNotHideAProject) {
+    QByteArray wide("\xFF\xFE");
+    for (const char c : oldProject())
+        wide += QByteArray(1, c) + '\0';
+    const int name = wide.indexOf(QByteArray("B\0", 2));
+    wide[name + 1] = '\xDC'; // the second half of a character that has no first
+    put("in/damaged.xml", wide);
+    EXPECT_EQ(batch(toOut()), 20);
+    EXPECT_EQ(column(state, "state")["damaged.xml"], "failed");
+}
+
+TEST_F(FindTest, TheNamesOfSideFilesMeanNothingWithoutAProject) {
+    put("in/drawings/content_1.svg", "<svg xmlns='http://www.w3.org/2000/svg'/>");
+    put("in/films/content_1.xml", oldProject());
+    EXPECT_EQ(batch(toOut()), 0) << m_outcome.out.toStdString();
+    EXPECT_THAT(kinds(), UnorderedElementsAre(Pair("drawings/content_1.svg", "no-project"),
+                                              Pair("films/content_1.xml", "")));
+    EXPECT_THAT(names("out"), ElementsAre("films/content_1.v77.json"));
+}
+
+TEST_F(FindTest, AFileThatIsNamedMayBeExcludedAllTheSame) {
+    put("in/film.xml", oldProject());
+    put("in/other.xml", oldProject());
+    EXPECT_EQ(batch(toOut({"in/film.xml", "in/other.xml"}) + QStringList{"--exclude", "other.*"}), 0);
+    EXPECT_THAT(kinds(), UnorderedElementsAre(Pair("film.xml", ""), Pair("other.xml", "excluded")));
+    EXPECT_THAT(names("out"), ElementsAre("in/film.v77.json"));
+}
+
 TEST_F(FindTest, WhatIsNoRegularFileIsPassedOverAndCounted) {
     put("in/film.xml", oldProject());
     put("elsewhere/film.xml", oldProject());
@@ -270,6 +331,29 @@ TEST_F(FindTest, WhatIsMissingFails) {
     EXPECT_THAT(names("out"), ElementsAre("in/film.v77.json"));
 }
 
+TEST_F(FindTest, AListMayEndWithNul) {
+    put("in/film.xml", oldProject());
+    write("list", QByteArray("in/film.xml\0\0", 13)); // an empty name is none
+    EXPECT_EQ(batch({"--files0-from", "list", "--output-dir", "out"}), 0) << m_outcome.err.toStdString();
+    EXPECT_THAT(kinds(), UnorderedElementsAre(Pair("film.xml", "")));
+}
+
+TEST_F(FindTest, WhatIsExcludedLaterIsPassedOverUnlessItIsDone) {
+    put("in/fine.xml", oldProject());
+    put("in/cut.xml", oldProject().chopped(20));
+    EXPECT_EQ(batch(toOut()), 20);
+    EXPECT_EQ(batch(toOut() + QStringList{"--exclude", "*.xml"}), 0);
+    EXPECT_THAT(column(state, "state || ' ' || coalesce(kind, '')"),
+                UnorderedElementsAre(Pair("fine.xml", "done "), Pair("cut.xml", "skipped excluded")));
+}
+
+TEST_F(FindTest, StandardInputIsNotTheListAndAProject) {
+    EXPECT_EQ(batch({"-", "--files0-from", "-", "--output-dir", "out"}), 2);
+    EXPECT_TRUE(m_outcome.err.contains("standard input can't be the list and a project"))
+        << m_outcome.err.toStdString();
+    EXPECT_FALSE(exists("out"));
+}
+
 TEST_F(FindTest, WrongUse) {
     const std::vector<std::pair<QStringList, QByteArray>> calls = {
         {{}, "\"batch\" needs PATH"},
@@ -288,6 +372,8 @@ TEST_F(FindTest, WrongUse) {
         {{"in", "--output-dir", ""}, "is empty"},
         {{"in", "--status", "x"}, "take no PATH"},
         {{"in", "other", "--in-place"}, "--in-place needs --state"},
+        {{"in/film.xml", "--in-place"}, "--in-place needs --state"},
+        {{"--files0-from", "list", "--in-place"}, "--in-place needs --state"},
         {{"--merge", "a", "b"}, "--merge needs --state FILE or --output-dir DIR"},
     };
     for (const auto& [arguments, part] : calls) {

@@ -1,6 +1,8 @@
 // What a batch reports: tables, files of them, JSON; and states of shards that are merged.
 
+#include "repairs/OldProject.h"
 #include "support/Batch.h"
+#include "support/Sanitizers.h"
 #include "support/Schemas.h"
 
 #include <gmock/gmock.h>
@@ -13,6 +15,12 @@
 
 #include <nlohmann/json.hpp>
 
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
 #include <csignal>
 #include <set>
 #include <string>
@@ -41,6 +49,15 @@ protected:
         for (const QByteArray& line : text.trimmed().split('\n'))
             lines.push_back(json::parse(line.toStdString()));
         return lines;
+    }
+    /// A project that loses a clip without a schema version's intent.
+    static QByteArray losing() {
+        return oldProject().replace(
+            "</Archive>",
+            "<RootObject type='Timeline::Object' objectId='7'><clips type='Array' size='1'><Item>"
+            "<Key type='ObjectRef' value='8'/><Value type='int32_t' value='0'/></Item></clips></RootObject>"
+            "<RootObject type='Timeline::Clip' objectId='8'><name type='String' value='Harbour'/>"
+            "</RootObject></Archive>");
     }
     /// Holds lines of JSON against their schema.
     void expectSchema(const QByteArray& schema, const std::vector<json>& lines) const {
@@ -179,6 +196,13 @@ QStringList linksIn(const QByteArray& table) {
     return links;
 }
 
+TEST_F(ReportTest, TheTableInHtmlShowsEveryCharacterOfANameOrItsNumber) {
+    put("in/a\x01\xf0\x9f\x8e\xac.xml", oldProject());
+    EXPECT_EQ(batch(toOut + QStringList{"--report", "table.html"}), 20);
+    EXPECT_TRUE(read("table.html").contains("/in/a\\u0001\xf0\x9f\x8e\xac.xml</td>"))
+        << read("table.html").toStdString();
+}
+
 TEST_F(ReportTest, TheTableLinksToPagesOfWhatFailedOrLostSomething) {
     put("in/lost.xml", oldProject().replace("schemaVersion='62'", "schemaVersion='56'"));
     put("in/<b>&\"'.xml", oldProject().chopped(20));
@@ -234,6 +258,59 @@ TEST_F(ReportTest, PagesAreAboutTheResultsOfTheBatch) {
     const QStringList replaced = linksIn(read("there.html"));
     ASSERT_EQ(replaced.size(), 1);
     EXPECT_TRUE(read(replaced[0]).contains(hashOf(oldProject())));
+}
+
+TEST_F(ReportTest, TheFolderOfPagesMustBeOne) {
+    write("table-pages", "a file where a folder is to be");
+    EXPECT_EQ(batch(toOut + QStringList{"--report", "table.html"}), 15);
+    EXPECT_TRUE(m_outcome.err.contains("table-pages")) << m_outcome.err.toStdString();
+    EXPECT_EQ(read("table-pages"), "a file where a folder is to be");
+    EXPECT_EQ(column(state, "state")["film.xml"], "done"); // what was done stays recorded
+}
+
+TEST_F(ReportTest, APageSaysWhyThereIsNoMoreToSay) {
+    QFile::remove(path("in/cut.xml"));
+    put("in/losing.xml", losing());
+    EXPECT_EQ(batch(toOut + QStringList{"--strict"}), 20);
+    EXPECT_EQ(column(state, "state || ' ' || kind")["losing.xml"], "failed strict");
+    const QStringList withPages = {"--status", state, "--report", "table.html", "--pages", "all"};
+    // Files that are gone: the one that failed has its reason, the one that was done has that of its page.
+    for (const char* name : {"in/losing.xml", "in/film.xml", "in/newest.json"})
+        QFile::remove(path(name));
+    EXPECT_EQ(batch(withPages), 20) << m_outcome.err.toStdString();
+    const QStringList links = linksIn(read("table.html"));
+    EXPECT_EQ(links.size(), 3);
+    int strict = 0;
+    int gone = 0;
+    for (const QString& link : links) {
+        strict += read(link).contains("--strict");
+        gone += read(link).contains("film.xml: No such file or directory");
+    }
+    EXPECT_EQ(strict, 1);
+    EXPECT_EQ(gone, 1);
+}
+
+TEST_F(ReportTest, MemoryThatRunsOutCostsOnePage) {
+    if (Tests::isSanitized)
+        GTEST_SKIP() << "a sanitizer's own memory would not fit into the bound";
+    put("in/large.xml", largeProject());
+    EXPECT_EQ(batch({"in/large.xml", "--output-dir", "out"}), 0) << m_outcome.err.toStdString();
+    EXPECT_EQ(batch({"--status", state, "--report", "table.html", "--pages", "all", "--max-memory", "4M"}),
+              0);
+    const QStringList links = linksIn(read("table.html"));
+    ASSERT_EQ(links.size(), 1);
+    EXPECT_TRUE(read(links[0]).contains("the document needs more memory than --max-memory allows, 4 MiB"));
+}
+
+TEST_F(ReportTest, APageThatTakesTooLongIsGivenUp) {
+    EXPECT_EQ(batch(toOut), 20);
+    QFile::remove(path("in/film.xml"));
+    ASSERT_EQ(mkfifo(QFile::encodeName(path("in/film.xml")).constData(), 0600), 0);
+    EXPECT_EQ(batch({"--status", state, "--report", "table.html", "--pages", "all", "--timeout", "1"}), 20);
+    int ended = 0;
+    for (const QString& link : linksIn(read("table.html")))
+        ended += read(link).contains("the page of this file could not be made: its process was ended");
+    EXPECT_EQ(ended, 1);
 }
 
 TEST_F(ReportTest, TheStateIsWhatItsDescriptionSays) {
@@ -298,6 +375,37 @@ TEST_F(ReportTest, ShardsAreMerged) {
     EXPECT_TRUE(m_outcome.err.contains("run it to its end first")) << m_outcome.err.toStdString();
 }
 
+TEST_F(ReportTest, OfTwoStatesOfAFileTheBetterOneIsMerged) {
+    EXPECT_EQ(batch(toOut), 20);
+    const std::pair<const char*, const char*> pairs[] = {
+        {"done", "failed"}, {"current", "failed"}, {"failed", "skipped"}, {"skipped", "waiting"}};
+    for (const auto& [better, worse] : pairs) {
+        for (const auto& [name, value] : {std::pair("better", better), std::pair("worse", worse)}) {
+            QFile::remove(path(name));
+            ASSERT_TRUE(QFile::copy(path(state), path(name)));
+            query(name, "UPDATE files SET state = '" + std::string(value) + "' WHERE name = 'film.xml'");
+        }
+        for (const QStringList& order : {QStringList{"better", "worse"}, QStringList{"worse", "better"}}) {
+            QFile::remove(path("merged"));
+            EXPECT_NE(batch(QStringList{"--merge"} + order + QStringList{"--state", "merged"}), 2);
+            EXPECT_EQ(column("merged", "state")["film.xml"], better) << order[0].toStdString();
+            EXPECT_EQ(rows("merged").size(), rows(state).size());
+        }
+    }
+}
+
+TEST_F(ReportTest, StatesThatContradictEachOtherAreNotMerged) {
+    EXPECT_EQ(batch(toOut), 20);
+    ASSERT_TRUE(QFile::copy(path(state), path("other")));
+    query("other", "UPDATE files SET path = path || '.old'");
+    EXPECT_EQ(batch({"--merge", state, "other", "--state", "merged"}), 2);
+    EXPECT_TRUE(m_outcome.err.contains("have the same output")) << m_outcome.err.toStdString();
+    EXPECT_TRUE(rows("merged").empty()); // not even a part of them
+    query("other", "DELETE FROM settings");
+    EXPECT_EQ(batch({"--merge", "other", "--state", "merged"}), 2);
+    EXPECT_TRUE(m_outcome.err.contains("other: this state holds nothing")) << m_outcome.err.toStdString();
+}
+
 TEST_F(ReportTest, OptionsOfMigrateHoldForEachFile) {
     put("in/none.xml", oldProject().replace(" schemaVersion='62'", ""));
     EXPECT_EQ(
@@ -318,6 +426,103 @@ TEST_F(ReportTest, OptionsOfMigrateHoldForEachFile) {
         ASSERT_EQ(batch({"in/import.xml", "--output-dir", "out", "--packages-root", folder, "--force"}), 0);
         EXPECT_EQ(read("out/import.v77.json"), read("out/single.json"));
     }
+}
+
+TEST_F(ReportTest, RepairsAreRecordedByTheirNames) {
+    Tests::OldProject old(12);
+    old.root(2).timeline(2, "Film", {{3, 4, 16, 0, 5000}, {5, 6, 0, 1000, 2000}});
+    put("in/old.xml", old.clip(3, 1, "Beach").title(5, "Welcome", 7).bytes()); // a clip on no track
+    const QStringList onlyOld = {"in/old.xml", "--output-dir", "out"};
+    EXPECT_EQ(batch(onlyOld), 20);
+    EXPECT_EQ(query(state, "SELECT state, code, repairs FROM files"), "failed|13|");
+    EXPECT_EQ(batch(onlyOld + QStringList{"--repair", "--force"}), 0) << m_outcome.out.toStdString();
+    EXPECT_EQ(query(state, "SELECT state, code, repairs FROM files"), "done|0|clips-without-track");
+}
+
+/// What a worker answers to lines that it reads.
+class WorkerTest : public ReportTest {
+protected:
+    /// A request for the project film.xml.
+    json request() const {
+        return {{"input", path("in/film.xml").toStdString()},
+                {"output", path("out/film.v77.json").toStdString()},
+                {"bundle", false},
+                {"force", false},
+                {"report", false}};
+    }
+    Tests::Outcome answersTo(const std::string& lines) const {
+        return run({"batch-worker"}, QByteArray::fromStdString(lines));
+    }
+};
+
+TEST_F(WorkerTest, AnswersEachRequestWithALine) {
+    json again = request();
+    again["report"] = true;
+    const Tests::Outcome outcome = answersTo(request().dump() + '\n' + again.dump() + '\n');
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
+    const std::vector<json> answers = linesOf(outcome.out);
+    ASSERT_EQ(answers.size(), 2U);
+    EXPECT_EQ(answers[0]["state"], "done");
+    EXPECT_EQ(answers[0]["code"], 0);
+    EXPECT_EQ(answers[0].value("size", 0), oldProject().size());
+    EXPECT_EQ(answers[0].value("from", 0), 62);
+    EXPECT_EQ(answers[0].value("to", 0), 77);
+    EXPECT_EQ(answers[0].value("outputSize", 0), read("out/film.v77.json").size());
+    EXPECT_FALSE(answers[0].contains("report"));
+    // The output is there now.
+    EXPECT_EQ(answers[1]["state"], "failed");
+    EXPECT_EQ(answers[1]["code"], 16);
+    EXPECT_EQ(answers[1].value("report", json::object()).value("command", ""), "migrate");
+}
+
+TEST_F(WorkerTest, AnythingElseIsRefused) {
+    json without = request();
+    without.erase("bundle");
+    json other = request();
+    other["force"] = "yes";
+    json number = request();
+    number["input"] = 5;
+    for (const std::string& line : {std::string("film.xml"), std::string("[]"), std::string(), without.dump(),
+                                    other.dump(), number.dump()}) {
+        const Tests::Outcome outcome = answersTo(line + '\n' + request().dump() + '\n');
+        EXPECT_EQ(outcome.exitCode, 2) << line;
+        EXPECT_TRUE(outcome.err.contains("a line is no request of a batch")) << outcome.err.toStdString();
+        EXPECT_EQ(outcome.out, "") << line;
+    }
+    EXPECT_FALSE(exists("out"));
+}
+
+TEST_F(WorkerTest, WithoutItsBatchItDoesNothing) {
+    std::array<int, 2> ends = {};
+    ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()), 0);
+    const std::string line = request().dump() + '\n';
+    ASSERT_EQ(::write(ends[1], line.data(), line.size()), static_cast<ssize_t>(line.size()));
+    close(ends[1]); // the batch has ended
+    const std::string program = Tests::program().string();
+    const pid_t worker = fork();
+    if (worker == 0) {
+        dup2(ends[0], STDIN_FILENO);
+        execl(program.c_str(), "adaptors", "batch-worker", nullptr);
+        _exit(127);
+    }
+    close(ends[0]);
+    int status = 0;
+    ASSERT_EQ(waitpid(worker, &status, 0), worker);
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 1);
+    EXPECT_FALSE(exists("out"));
+}
+
+TEST_F(WorkerTest, EndsWhereNobodyReadsItsAnswers) {
+    write("requests", QByteArray::fromStdString(request().dump()) + '\n');
+    EXPECT_EQ(runAfter("exec <requests >/dev/full; ", {"batch-worker"}).exitCode, 15);
+}
+
+TEST_F(ReportTest, TheUsualFormsCanBeNamed) {
+    EXPECT_EQ(batch(toOut + QStringList{"--progress", "auto", "--report", "usual.html"}), 20);
+    EXPECT_EQ(m_outcome.err, "");
+    EXPECT_EQ(batch({"--status", state, "--report", "named.html", "--pages", "needed"}), 20);
+    EXPECT_EQ(linksIn(read("named.html")).size(), linksIn(read("usual.html")).size());
 }
 
 TEST_F(ReportTest, TheHelpNamesTheCommandButNotThatOfWorkers) {

@@ -6,10 +6,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QDateTime>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -168,6 +171,13 @@ TEST_F(ResumeTest, AStateBelongsToItsOptions) {
     EXPECT_TRUE(exists("out/a.v70.json"));
 }
 
+TEST_F(ResumeTest, AStateBelongsToItsShard) {
+    put("in/a.xml", oldProject());
+    EXPECT_EQ(batch(toOut + QStringList{"--shard", "1/3", "--state", "part"}), 0);
+    EXPECT_EQ(batch(toOut + QStringList{"--shard", "2/3", "--state", "part"}), 2);
+    EXPECT_TRUE(m_outcome.err.contains("--shard 1/3")) << m_outcome.err.toStdString();
+}
+
 TEST_F(ResumeTest, WhatIsNoStateIsRefused) {
     put("in/a.xml", oldProject());
     write("text", "hello");
@@ -243,6 +253,86 @@ TEST_F(ResumeTest, WhatAKilledRunLeftIsRemoved) {
     EXPECT_EQ(rows(state), expectedRows);
 }
 
+class KilledInPlaceTest : public ResumeTest {
+protected:
+    /// A file that is migrated and has a backup; but the run was killed before it recorded that.
+    void SetUp() override {
+        put("in/a.xml", oldProject());
+        ASSERT_EQ(batch(inPlace), 0);
+        m_tree = tree("in");
+        m_rows = rows(inPlaceState);
+        ASSERT_THAT(names("in"), ElementsAre("a.xml", "a.xml.bak"));
+        query(inPlaceState, "UPDATE files SET state = 'working'");
+    }
+    /// Gives a file a time of change that is so many seconds later than now.
+    void setTime(const QString& name, int seconds) const {
+        QFile file(path(name));
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        ASSERT_TRUE(
+            file.setFileTime(QDateTime::currentDateTime().addSecs(seconds), QFile::FileModificationTime));
+    }
+    /// A run after someone put another project of the same size in the place of the result.
+    void expectThatAnotherProjectStays(int seconds) {
+        put("in/a.xml", oldProject("Coast"));
+        setTime("in/a.xml", seconds);
+        EXPECT_EQ(batch(inPlace), 0);
+        EXPECT_EQ(read("in/a.xml.bak"), oldProject("Beach"));
+        EXPECT_EQ(read("in/a.xml.bak2"), oldProject("Coast"));
+        EXPECT_TRUE(read("in/a.xml").contains("Coast"));
+    }
+
+    const QStringList inPlace = {"in", "--in-place"};
+    const QString inPlaceState = QStringLiteral("in/adaptors-batch.sqlite");
+    std::map<std::string, std::string> m_tree = {};
+    std::vector<std::string> m_rows = {};
+};
+
+TEST_F(KilledInPlaceTest, AResultThatWasNotRecordedIsMadeAgain) {
+    EXPECT_EQ(batch(inPlace), 0);
+    EXPECT_EQ(tree("in"), m_tree); // no second backup, and the first is the old project
+    EXPECT_EQ(rows(inPlaceState), m_rows);
+}
+
+TEST_F(KilledInPlaceTest, ABackupOfAFileThatIsStillTheOldOneIsRemoved) {
+    put("in/a.xml", oldProject());
+    EXPECT_EQ(batch(inPlace), 0);
+    EXPECT_EQ(tree("in"), m_tree);
+    EXPECT_EQ(rows(inPlaceState), m_rows);
+}
+
+TEST_F(KilledInPlaceTest, AResultThatSomeoneChangedSinceStays) {
+    const QByteArray edited = newestProject();
+    write("in/a.xml", edited);
+    setTime("in/a.xml", 60);
+    EXPECT_EQ(batch(inPlace), 0);
+    EXPECT_EQ(read("in/a.xml"), edited);
+    EXPECT_EQ(read("in/a.xml.bak"), oldProject());
+}
+
+TEST_F(KilledInPlaceTest, ABackupThatSomeoneChangedSinceIsNotPutBack) {
+    const QByteArray result = read("in/a.xml");
+    write("in/a.xml.bak", "something else");
+    EXPECT_EQ(batch(inPlace), 0);
+    EXPECT_EQ(read("in/a.xml"), result);
+    EXPECT_EQ(read("in/a.xml.bak"), "something else");
+}
+
+TEST_F(KilledInPlaceTest, ANewerFileThatSomeonePutThereStays) {
+    expectThatAnotherProjectStays(60);
+}
+
+TEST_F(KilledInPlaceTest, AnOlderFileThatSomeonePutBackStays) {
+    expectThatAnotherProjectStays(-3600); // as with cp --preserve
+}
+
+TEST_F(KilledInPlaceTest, AFileThatIsGoneIsNotMadeOfItsBackup) {
+    QFile::remove(path("in/a.xml"));
+    EXPECT_EQ(batch(inPlace + QStringList{"--exclude", "*.bak"}), 20);
+    EXPECT_EQ(column(inPlaceState, "state || ' ' || kind")["a.xml"], "failed unreadable");
+    EXPECT_FALSE(exists("in/a.xml"));
+    EXPECT_EQ(read("in/a.xml.bak"), oldProject());
+}
+
 TEST_F(ResumeTest, OneRunWorksWithAState) {
     put("in/film.xml", largeProject());
     Tests::BackgroundRun first({"batch", "in", "--output-dir", "out"}, m_folder.path());
@@ -261,6 +351,20 @@ TEST_F(ResumeTest, OneRunWorksWithAState) {
     write(state + ".lock", "999999999\n");
     EXPECT_EQ(batch(toOut), 0);
     EXPECT_FALSE(exists(state + ".lock"));
+}
+
+TEST_F(ResumeTest, WorkersThatStillEndAreWaitedFor) {
+    put("in/a.xml", oldProject());
+    ASSERT_EQ(batch(toOut), 0);
+    // The run is gone, but something that it started has the lock still.
+    write(state + ".lock", "999999999\n");
+    const int lock = open(QFile::encodeName(path(state + ".lock")).constData(), O_RDWR | O_CLOEXEC);
+    ASSERT_EQ(flock(lock, LOCK_EX), 0);
+    Tests::BackgroundRun run(QStringList{"batch"} + toOut, m_folder.path());
+    usleep(500000);
+    EXPECT_TRUE(run.isRunning());
+    close(lock);
+    EXPECT_EQ(run.wait(), 0);
 }
 
 } // namespace

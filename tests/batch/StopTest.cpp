@@ -6,7 +6,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+
 #include <nlohmann/json.hpp>
+
+#include <sys/stat.h>
 
 #include <csignal>
 
@@ -85,6 +91,19 @@ TEST_F(StopTest, WorkersEndWithTheirBatch) {
     EXPECT_TRUE(Tests::waitUntil([&] { return kill(worker, 0) != 0; }));
 }
 
+TEST_F(StopTest, ASignalThatIsIgnoredStopsNothing) {
+    const auto before = std::signal(SIGHUP, SIG_IGN); // as for what is to outlive its terminal
+    Tests::BackgroundRun run(toOut + QStringList{"-j1"}, m_folder.path());
+    std::signal(SIGHUP, before);
+    const pid_t worker = run.aWorker();
+    ASSERT_GT(worker, 0);
+    kill(worker, SIGSTOP);
+    run.signal(SIGHUP);
+    kill(worker, SIGCONT);
+    EXPECT_EQ(run.wait(), 0);
+    EXPECT_EQ(names("out").size(), 4U);
+}
+
 TEST_F(StopTest, ATerminalShowsABar) {
     const Tests::Screen screen = Tests::runInTerminal(toOut, m_folder.path());
     EXPECT_EQ(screen.exitCode, 0);
@@ -105,6 +124,54 @@ TEST_F(StopTest, ElsewhereThereIsNoBar) {
     EXPECT_EQ(outcome.err, "");
     EXPECT_TRUE(outcome.out.startsWith("4 projects: 4 done, 0 current already, 0 failed\n"))
         << outcome.out.toStdString();
+}
+
+TEST_F(StopTest, ABarCountsWhatFailed) {
+    QDir(path("in")).removeRecursively();
+    constexpr int many = 400; // their work takes longer than the bar waits
+    for (int number = 0; number < many; ++number)
+        put("in/" + QByteArray::number(number) + ".xml", oldProject().chopped(20));
+    const Tests::Screen screen = Tests::runInTerminal(toOut + QStringList{"-j1"}, m_folder.path());
+    EXPECT_EQ(screen.exitCode, 20);
+    const QRegularExpression counts("([0-9]+) of 400, ([0-9]+) failed");
+    const auto found = counts.match(QString::fromUtf8(screen.text));
+    ASSERT_TRUE(found.hasMatch()) << screen.text.toStdString();
+    EXPECT_EQ(found.captured(1), found.captured(2));
+}
+
+TEST_F(StopTest, ASignalDuringTheSearchLeavesTheStateAsItWas) {
+    ASSERT_EQ(mkfifo(QFile::encodeName(path("list")).constData(), 0600), 0);
+    Tests::BackgroundRun run({"batch", "--files0-from", "list", "--output-dir", "out"}, m_folder.path());
+    QFile list(path("list"));
+    ASSERT_TRUE(list.open(QIODevice::WriteOnly)); // waits until the run reads it
+    list.write(QByteArray("in/b.xml\0", 9));
+    run.signal(SIGINT);
+    list.close();
+    const Tests::Outcome outcome = run.outcome();
+    EXPECT_EQ(outcome.exitCode, 130) << outcome.err.toStdString();
+    EXPECT_TRUE(outcome.err.contains("to go on, run the same command again")) << outcome.err.toStdString();
+    EXPECT_THAT(names("out"), ElementsAre());
+    EXPECT_EQ(query(state, "SELECT count(*) FROM files"), "0");
+}
+
+TEST_F(StopTest, EventsOfARunThatIsStopped) {
+    Tests::BackgroundRun run(toOut + QStringList{"-j1", "--progress", "json"}, m_folder.path());
+    const pid_t worker = run.aWorker();
+    ASSERT_GT(worker, 0);
+    kill(worker, SIGSTOP);
+    EXPECT_TRUE(run.hasSaid("\"event\":\"progress\"")); // each second
+    run.signal(SIGINT);
+    EXPECT_TRUE(run.hasSaid("\"event\":\"stopping\""));
+    kill(worker, SIGCONT);
+    const Tests::Outcome outcome = run.outcome();
+    EXPECT_EQ(outcome.exitCode, 130);
+    for (const QByteArray& line : outcome.err.trimmed().split('\n')) {
+        const json event = json::parse(line.toStdString(), nullptr, false);
+        if (event.is_object() && event["event"] != "file") {
+            EXPECT_EQ(event["total"], 4) << line.toStdString();
+        }
+    }
+    EXPECT_FALSE(outcome.err.contains("Ctrl-C")) << outcome.err.toStdString();
 }
 
 TEST_F(StopTest, EventsForPrograms) {

@@ -229,4 +229,9 @@ TEST_F(CommandLineTest, WhatGetsLostOnItsWayOutIsAnError) {
     }
 }
 
+TEST_F(ProgramTest, FlagsTakeNoOtherValues) {
+    expectFailure({"--version=x"}, 2, "--version");
+    expectFailure({"info", "--json=maybe", "film.xml"}, 2, "--json");
+}
+
 } // namespace

@@ -24,7 +24,33 @@ protected:
         EXPECT_EQ(outcome.err, "");
         return outcome.out.mid(outcome.out.indexOf('\n') + 1);
     }
+    /// What one edit of a sample in JSON gives.
+    QByteArray linesAfter(void (*edit)(json& timeline), const char* name = "holiday-v63.json") const {
+        json document = json::parse(sample(name).toStdString());
+        edit(document["data"]["content"]["timeline"]);
+        return linesOf(sample(name), QByteArray::fromStdString(document.dump()));
+    }
 };
+
+/// The entry of a timeline in JSON with the clip of that name.
+json& entryOf(json& timeline, const std::string& name) {
+    for (json& entry : timeline["clips"]) {
+        if (entry["clip"].value("name", "") == name)
+            return entry;
+    }
+    throw std::runtime_error("no entry of " + name);
+}
+
+/// Two tracks, of which the second has that type; the clip is on the track with that id.
+QByteArray withTwoTracks(const QByteArray& type, const QByteArray& trackOfClip) {
+    return archive("<RootObject type='Timeline::Track' objectId='7'><type type='int32_t' value='" + type +
+                   "'/><timeline type='ObjectRef' value='2'/></RootObject>")
+        .replace("<track type='ObjectRef' value='5'/>",
+                 "<track type='ObjectRef' value='" + trackOfClip + "'/>")
+        .replace("<tracks type='Array' size='1'>",
+                 "<tracks type='Array' size='2'><Item type='Item' index='2'><Data type='ObjectRef' "
+                 "value='7'/></Item>");
+}
 
 TEST_F(Diff, AProjectIsEqualToItsResult) {
     for (const char* name : {"holiday-v3.xml", "holiday-v27.xml", "holiday-v45.xml", "holiday-v60.json",
@@ -85,6 +111,94 @@ TEST_F(Diff, SaysWhatChangedInTheWordsOfTheProject) {
               "  relinked: clip \"Beach\" at 0:00:00.000: a.mp4 -> b.mp4\n  1 difference\n");
 }
 
+TEST_F(Diff, AClipOnAnotherTrack) {
+    EXPECT_EQ(linesOf(withTwoTracks("64", "5"), withTwoTracks("64", "7")),
+              "  moved: clip \"Beach\" at 0:00:00.000: track main -> overlay\n  1 difference\n");
+    EXPECT_EQ(linesOf(withTwoTracks("16", "5"), withTwoTracks("16", "7")),
+              "  moved: clip \"Beach\" at 0:00:00.000: to another track of its kind\n  1 difference\n");
+    EXPECT_EQ(linesOf(withTwoTracks("64", "5"),
+                      withTwoTracks("64", "7").replace("<timestamp type='int64_t' value='0'/>",
+                                                       "<timestamp type='int64_t' value='1500'/>")),
+              "  moved: clip \"Beach\" at 0:00:00.000: 0:00:00.000 -> 0:00:01.500, track main -> overlay\n"
+              "  1 difference\n");
+}
+
+TEST_F(Diff, AnotherPartOfTheSource) {
+    const auto from = [](const QByteArray& start, const QByteArray& duration) {
+        return archive().replace("<duration type='int64_t' value='40'/>",
+                                 "<duration type='int64_t' value='" + duration +
+                                     "'/><sourcePosition type='int64_t' value='" + start + "'/>");
+    };
+    EXPECT_EQ(linesOf(from("0", "40"), from("2000", "40")),
+              "  trimmed: clip \"Beach\" at 0:00:00.000: start in its source 0:00:00.000 -> 0:00:02.000\n"
+              "  1 difference\n");
+    EXPECT_EQ(linesOf(from("0", "40"), from("2000", "50")),
+              "  trimmed: clip \"Beach\" at 0:00:00.000: 0:00:00.040 -> 0:00:00.050 long, "
+              "start in its source 0:00:00.000 -> 0:00:02.000\n  1 difference\n");
+}
+
+TEST_F(Diff, AClipWithoutItsFile) {
+    const QByteArray with =
+        archive("<RootObject type='File' objectId='7'><path type='String' value='a.mp4'/></RootObject>")
+            .replace("<name ", "<file type='ObjectRef' value='7'/><name ");
+    EXPECT_TRUE(
+        linesOf(with, archive()).contains("  relinked: clip \"Beach\" at 0:00:00.000: a.mp4 -> none\n"));
+}
+
+TEST_F(Diff, TheWordsOfATitle) {
+    EXPECT_EQ(linesAfter([](json& timeline) {
+                  entryOf(timeline, "The old harbour")["clip"]["overlay"]["items"][0]["encodedText"] =
+                      "UGllcg==";
+              }),
+              "  text changed: clip \"The old harbour\" at 0:00:11.500: [\"The old harbour <1924>\"] -> "
+              "[\"Pier\"]\n  1 difference\n");
+}
+
+TEST_F(Diff, TheOrderOfEffects) {
+    EXPECT_EQ(linesAfter([](json& timeline) {
+                  json& effects = entryOf(timeline, "Beach")["clip"]["effects"];
+                  std::swap(effects[0], effects[1]);
+              }),
+              "  effects reordered: clip \"Beach\" at 0:00:04.000\n  1 difference\n");
+}
+
+TEST_F(Diff, ATransitionAtAnotherClip) {
+    const QByteArray lines = linesAfter([](json& timeline) {
+        json& transition = timeline["transitions"][0];
+        transition["clipFrom"] = transition["clipTo"];
+        transition["clipTo"] = nullptr;
+    });
+    EXPECT_EQ(lines, "  transition removed: Fade at clip \"Beach\" at 0:00:04.000\n"
+                     "  transition added: Fade at clip \"Harbour\" at 0:00:11.000\n  2 differences\n");
+}
+
+TEST_F(Diff, ATransitionWithoutClips) {
+    const QByteArray lines = linesAfter([](json& timeline) {
+        json& transition = timeline["transitions"][0];
+        transition["clipFrom"] = transition["clipTo"] = nullptr;
+    });
+    EXPECT_EQ(lines, "  transition removed: Fade at clip \"Beach\" at 0:00:04.000\n"
+                     "  transition added: Fade at no clip\n  2 differences\n");
+}
+
+TEST_F(Diff, ATimelineThatIsNew) {
+    const auto withoutScene = [](json& timeline) {
+        entryOf(timeline, "Village")["clip"]["nestedTimeline"] = nullptr;
+    };
+    EXPECT_TRUE(linesAfter(withoutScene, "holiday-v70.json").contains("  timeline removed: \"Village\"\n"));
+    const Outcome outcome = run({"diff", "new.xml", "old.xml"});
+    EXPECT_EQ(outcome.exitCode, 21) << outcome.err.toStdString();
+    EXPECT_TRUE(outcome.out.contains("  timeline added: \"Village\"\n")) << outcome.out.toStdString();
+}
+
+TEST_F(Diff, WhatBelongsToNoClip) {
+    EXPECT_EQ(linesAfter([](json& timeline) { timeline["frameRate"] = 30; }),
+              "  changed: Timeline::Object \"Holiday\" (id 3): frameRate: 25.0 -> 30\n  1 difference\n");
+    const QByteArray newest = Tests::jsonProject(R"({"@meta": {"class_name": "A", "object_id": 1}})");
+    EXPECT_EQ(linesOf(newest, QByteArray(newest).replace("{\"version\"", "{\"author\": \"me\", \"version\"")),
+              "  changed: the document: author: none -> \"me\"\n  1 difference\n");
+}
+
 TEST_F(Diff, TheOlderDocumentIsMigratedFirst) {
     write("old.xml", sample("holiday-v27.xml"));
     run({"migrate", "old.xml", "-o", "new.json"});
@@ -123,6 +237,10 @@ TEST_F(Diff, RawComparesDocumentsAsTheyAre) {
     write("one.xml", archive({}, {}));
     EXPECT_EQ(run({"diff", "one.xml", "one.xml", "--raw"}).exitCode, 0);
     expectFailure({"diff", "one.xml", "one.xml"}, 11, "one.xml");
+    write("two.xml", archive({}, {}).replace("Beach", "Coast"));
+    EXPECT_EQ(run({"diff", "one.xml", "two.xml", "--raw"}).out,
+              "one.xml (XML archive) and two.xml (XML archive)\n"
+              "  renamed: clip \"Beach\" at 0:00:00.000 is \"Coast\" now\n  1 difference\n");
 }
 
 TEST_F(Diff, ErrorsAreAsElsewhere) {

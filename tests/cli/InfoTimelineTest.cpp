@@ -2,6 +2,8 @@
 
 #include "Phrases.h"
 #include "TimelineDrawing.h"
+#include "TimelineLanes.h"
+#include "TimelineReport.h"
 #include "support/ProgramTest.h"
 #include "support/PseudoTerminal.h"
 
@@ -154,6 +156,69 @@ TEST(Drawing, ManyLanesAreCutOff) {
     EXPECT_NE(TimelineDrawing::draw(timeline, {51, false}).find("lines more"), std::string::npos);
 }
 
+TEST(Lanes, OfOneLevelThereAreNoMoreThan32) {
+    Timeline timeline = withTracks({});
+    for (unsigned long long id = 1; id <= 40; ++id)
+        timeline.clips.push_back(clip(id, "a", 0, 1000));
+    const auto lanes = TimelineLanes::lanesOf(timeline);
+    ASSERT_EQ(lanes.size(), 33U); // and the one of the other track
+    EXPECT_EQ(lanes[30].clips.size(), 1U);
+    EXPECT_EQ(lanes[31].clips.size(), 9U); // all others
+    EXPECT_EQ(lanes[32].label, "main");
+}
+
+/// What the report says of a timeline in its first line.
+std::string headingOf(const Timeline& timeline) {
+    const std::string text = TimelineReport::text({{timeline}, {}}, std::nullopt);
+    const std::string start = "  timelines: 1\n        ";
+    EXPECT_TRUE(text.starts_with(start)) << text;
+    return text.substr(start.size(), text.find('\n', start.size()) - start.size());
+}
+
+TEST(TimelineReport, TimelinesWithoutNameAndSize) {
+    Timeline timeline = withTracks({clip(1, "", 0, 1000)});
+    timeline.role = Timeline::Role::Main;
+    const std::string facts = ", main: 0:00:01.000, 2 tracks, 1 clip, 0 transitions";
+    EXPECT_EQ(headingOf(timeline), "timeline without a name" + facts);
+    timeline.frameRate = 25;
+    timeline.width = 1920; // says nothing without a height
+    EXPECT_EQ(headingOf(timeline), "timeline without a name" + facts + ", 25 frames per second");
+    timeline.name = "Holiday";
+    timeline.height = 1080;
+    timeline.frameRate.reset();
+    EXPECT_EQ(headingOf(timeline), "\"Holiday\"" + facts + ", 1920 x 1080");
+}
+
+TEST(TimelineReport, TracksThatAreMutedOrHidden) {
+    Timeline timeline = withTracks({clip(1, "a", 0, 1000)});
+    timeline.tracks[0].isMuted = timeline.tracks[1].isMuted = timeline.tracks[1].isHidden = true;
+    timeline.clips[0].kind = Reader::ClipKind::Video;
+    EXPECT_NE(TimelineReport::text({{timeline}, {}}, std::nullopt)
+                  .find("          overlay   1 video, muted\n          main      no clips, muted, hidden\n"),
+              std::string::npos);
+}
+
+TEST(TimelineReport, MoreFilesThanAreShown) {
+    Timeline timeline = withTracks({});
+    for (unsigned long long id = 10; id <= 61; ++id) {
+        timeline.clips.push_back(clip(id, "a", 0, 1000));
+        timeline.clips.back().media = "media/" + std::to_string(id) + ".mp4";
+    }
+    const std::string text = TimelineReport::text({{timeline}, {}}, std::nullopt);
+    EXPECT_NE(text.find("  media:   52 files\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("          unknown  media/59.mp4\n          and 2 files more; --json lists all\n"),
+              std::string::npos)
+        << text;
+}
+
+TEST(Words, WhatHasNoName) {
+    EXPECT_EQ(Phrases::effectText("", ""), "(no class)");
+    EXPECT_EQ(Phrases::effectText("Blur", "Soft"), "Blur \"Soft\"");
+    EXPECT_EQ(Phrases::clipText("", 1500), "a clip without a name at 0:00:01.500");
+    EXPECT_EQ(Phrases::valueText(json::parse(R"({"class":"A::B","name":5})")), "A::B");
+    EXPECT_EQ(Phrases::valueText(json::parse(R"({"class":5,"x":[]})")), "{class: 5, x: []}");
+}
+
 TEST(Words, LongTextsAreCutOff) {
     EXPECT_EQ(Phrases::shortText("Beach", 5), "Beach");
     EXPECT_EQ(Phrases::shortText("Beaches", 5), "Beach...");
@@ -224,6 +289,24 @@ TEST_F(ProgramTest, InfoDrawsTheTimelineAsWideAsTheTerminal) {
             EXPECT_GT(longest, columns - 4);
         }
     }
+}
+
+TEST_F(ProgramTest, InfoKnowsHowWideCharactersAre) {
+    // The length of the line with the clip of that name: bars have one character in each column.
+    const auto lengthWith = [&](const char* name) {
+        write("film.xml", archive().replace("Beach", name));
+        const Outcome outcome =
+            runAfter("export LC_ALL=C.UTF-8 COLUMNS=61; ", {"info", "film.xml", "--timeline"});
+        for (const QString& line : QString::fromUtf8(outcome.out).split('\n')) {
+            if (line.contains(QString::fromUtf8("├") + QString::fromUtf8(name)))
+                return line.size();
+        }
+        return -1;
+    };
+    const int length = lengthWith("Beach");
+    EXPECT_EQ(length, 60);
+    EXPECT_EQ(lengthWith("海岸"), length - 2);       // two columns each
+    EXPECT_EQ(lengthWith("Cafe\u0301"), length + 1); // an accent of its own has no column
 }
 
 TEST_F(ProgramTest, InfoDrawsNoEndlessLines) {

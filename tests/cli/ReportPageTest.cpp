@@ -420,4 +420,12 @@ TEST_F(ReportPageTest, ADamagedFileShowsWhatWasRecovered) {
     EXPECT_TRUE(page.contains("byte " + QByteArray::number(whole.size() * 9 / 10 / 1000)));
 }
 
+TEST_F(ReportPageTest, QuietSaysNothing) {
+    write("film", sample("holiday-v63.json"));
+    const Outcome outcome = run({"report", "film", "-o", "film.html", "--quiet"});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.out + outcome.err, "");
+    EXPECT_TRUE(exists("film.html"));
+}
+
 } // namespace

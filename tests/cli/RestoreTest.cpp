@@ -110,6 +110,14 @@ TEST_F(RestoreTest, WithoutABackupNothingHappens) {
     expectFailure({"restore", "film.xml"}, 3, "has no backup");
 }
 
+TEST_F(RestoreTest, QuietSaysNothing) {
+    migrateInPlace();
+    const Outcome outcome = run({"restore", "film.xml", "--quiet"});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.out + outcome.err, "");
+    EXPECT_EQ(read("film.xml"), archive());
+}
+
 TEST_F(RestoreTest, AFolderNamesItsProject) {
     migrateInPlace();
     restore(".");

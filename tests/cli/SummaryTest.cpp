@@ -122,6 +122,46 @@ TEST(Summary, OnlyErrorsAndLossesAreRed) {
         "\x1b[33mwarning\x1b[0m: XmlToJson: odd\\x1b value\n");
 }
 
+TEST(Summary, WhatHasNoNameAndNoTime) {
+    MigrationReport report = quiet();
+    const Reader::Part clip{Reader::PartKind::Clip, 8, "", "", 8};
+    report.log = {{"V42_SideBySideTransformAdaptor", "ERROR", "odd", "c.cpp:3",
+                   Reader::LoggedObject{"Effect::SideBySide", 4, clip}}};
+    report.losses = {{clip, "", "nothing leads to it"}, {clip, "XmlToJson", "nothing used it", false, false}};
+    EXPECT_EQ(Texts::errors({report, "film.xml"}, plain),
+              "film.xml: error: V42_SideBySideTransformAdaptor: odd (a clip without a name, "
+              "Effect::SideBySide, id 4)\n"
+              "film.xml: lost: clip without a name (id 8): nothing leads to it\n"
+              "film.xml: left out: clip without a name (id 8): nothing used it, XmlToJson\n");
+}
+
+TEST(Summary, RepairsNameTheFirstOfWhatTheyConcern) {
+    Reader::RepairMade repair;
+    repair.name = "some-repair";
+    repair.before = "V4_SomeAdaptor";
+    repair.text = "things were put right";
+    const std::string start = "repaired: some-repair, before V4_SomeAdaptor: things were put right";
+    EXPECT_EQ(Texts::repairs({repair}), start + '\n');
+    repair.objects = {{"File", 3}};
+    EXPECT_EQ(Texts::repairs({repair}), start + "; object File (id 3)\n");
+    const auto clip = [](unsigned long long id, const char* name) {
+        return Reader::LoggedObject{"Effect::Blur", id + 100,
+                                    Reader::Part{Reader::PartKind::Clip, id, "", name, id}};
+    };
+    repair.objects.push_back(clip(1, "Beach"));
+    repair.objects.push_back(clip(2, ""));
+    EXPECT_EQ(Texts::repairs({repair}), start + "; clips \"Beach\", id 2\n");
+    for (unsigned long long id = 3; id <= 7; ++id)
+        repair.objects.push_back(clip(id, "Boat"));
+    EXPECT_EQ(Texts::repairs({repair}),
+              start + "; clips \"Beach\", id 2, \"Boat\", \"Boat\", \"Boat\" and 2 more\n");
+    Reader::RepairMade ofText = repair;
+    ofText.objects.clear();
+    ofText.places = {{3, 14, "U+0001"}};
+    ofText.count = 3;
+    EXPECT_EQ(Texts::repairs({ofText}), start + "; places 3:14 U+0001 and 2 more\n");
+}
+
 TEST(Summary, FindingsNameTheirPlace) {
     using Reader::Fault;
     using Reader::Severity;

@@ -131,6 +131,39 @@ TEST(TimelineSvg, TextsOfDocumentsAreEscaped) {
     }
 }
 
+TEST(TimelineSvg, ClipsAndTimelinesWithoutNames) {
+    Timeline timeline;
+    timeline.role = Timeline::Role::Main;
+    timeline.tracks = {{0, Reader::TrackKind::Main}};
+    timeline.clips.emplace_back();
+    timeline.clips[0].duration = 1000;
+    timeline.clips[0].isEnabled = false;
+    const QByteArray svg = QByteArray::fromStdString(TimelineSvg::timelineSvg({timeline}, {}));
+    EXPECT_EQ(clipsIn(parsed(svg)),
+              QStringList("clip without a name, unknown, 0:00:00.000, 0:00:01.000 long, switched off"));
+    EXPECT_TRUE(svg.contains("<g class=\"clip unknown off\""));
+    EXPECT_TRUE(svg.contains("<tspan class=\"heading\">timeline without a name</tspan>"));
+}
+
+TEST(TimelineSvg, OnlyAClipThatIsWideEnoughHasTheSignOfEffects) {
+    Timeline timeline;
+    timeline.role = Timeline::Role::Main;
+    timeline.tracks = {{0, Reader::TrackKind::Main}};
+    timeline.clips.resize(2);
+    timeline.clips[0].duration = 1000;
+    timeline.clips[1].start = 1000;
+    timeline.clips[1].duration = 1;
+    const auto signsOf = [&] {
+        return QByteArray::fromStdString(TimelineSvg::timelineSvg({timeline}, {}))
+            .count("<circle class=\"effects\"");
+    };
+    EXPECT_EQ(signsOf(), 0);
+    timeline.clips[1].effects = {{5, "Effect::Blur", ""}};
+    EXPECT_EQ(signsOf(), 0);
+    timeline.clips[0].effects = {{6, "Effect::Blur", ""}};
+    EXPECT_EQ(signsOf(), 1);
+}
+
 TEST(TimelineSvg, UnusedTimelinesAreLeftOut) {
     Timeline timeline;
     timeline.name = "unused";
