@@ -170,17 +170,24 @@ void JsonSalvage::checkParts() {
             complete(object, trackFields);
             m_document.closed.insert(id);
         }
-        if (classOf(object) != timelineClassName || !member(object, "clips").is_array())
-            continue;
-        const std::size_t dropped =
-            std::erase_if(object["clips"].get_ref<json::array_t&>(), [this](const json& entry) {
-                const json* timing = find(refIn(entry, "timing"));
-                return !timing || lacksFields(*timing, placeFields);
-            });
-        m_report.entriesDropped += dropped;
-        if (dropped > 0)
-            m_document.closed.insert(id);
+        if (classOf(object) == timelineClassName)
+            checkEntries(id);
     }
+}
+
+/// Removes the entries of a timeline whose timing says no time.
+void JsonSalvage::checkEntries(ObjectId timeline) {
+    json& object = at(timeline);
+    if (!member(object, "clips").is_array())
+        return;
+    const std::size_t dropped =
+        std::erase_if(object["clips"].get_ref<json::array_t&>(), [this](const json& entry) {
+            const json* timing = find(refIn(entry, "timing"));
+            return !timing || lacksFields(*timing, placeFields);
+        });
+    m_report.entriesDropped += dropped;
+    if (dropped > 0)
+        m_document.closed.insert(timeline);
 }
 
 bool JsonSalvage::lacksFields(const json& object, std::span<const FieldRow> fields) const {
@@ -227,6 +234,8 @@ void JsonSalvage::placeLooseMembers() {
             if (!object.contains(field.key()))
                 object[field.key()] = field.value();
         }
+        if (className == timelineClassName)
+            checkEntries(id);
     }
 }
 
@@ -253,6 +262,8 @@ void JsonSalvage::placeLooseEntries() {
     for (json& item : m_document.looseItems) {
         if (collection != 0)
             listIn(collection, "items").push_back(std::move(item));
+        else
+            ++m_report.entriesDropped;
     }
 }
 

@@ -56,6 +56,7 @@ private:
     void complete(Object& object, std::span<const FieldRow> fields) const;
     Object& listIn(ObjectId id, const char* field);
     void checkParts();
+    void checkEntries(ObjectId timeline);
     bool lacksFields(const Object& object, std::span<const FieldRow> fields) const;
     void placeLooseMembers();
     void placeLooseEntries();

@@ -74,7 +74,8 @@ bool isEnvelope(const json& members) {
            (members.contains("version") || members.contains("schemaVersion"));
 }
 
-/// Values are copied and written with a stack frame for each level. No project is nested that deeply.
+/// Values are copied and written with a stack frame for each level. No project is nested that deeply. No value reaches
+/// across a loss, so the levels are those behind the last one.
 constexpr std::size_t mostLevels = 1000;
 
 class JsonScan {
@@ -92,6 +93,7 @@ private:
         json entries{};  ///< of a rest
         std::string key; ///< of the member that is being read; empty for none
         bool needsComma = false;
+        std::size_t levels = 0; ///< of values, with this one; a rest is none
     };
 
     void readNext();
@@ -281,12 +283,14 @@ void JsonScan::open(Kind kind) {
             return;
         }
     }
-    if (m_frames.size() == mostLevels) {
+    const std::size_t levels = m_frames.empty() ? 0 : m_frames.back().levels;
+    if (levels == mostLevels) {
         m_isTooDeep = true;
         m_position = m_text.size();
         return;
     }
-    m_frames.push_back({kind, kind == Kind::Array ? json::array() : json::object(), {}, {}});
+    m_frames.push_back(
+        {kind, kind == Kind::Array ? json::array() : json::object(), {}, {}, false, levels + 1});
     ++m_position;
 }
 
@@ -365,7 +369,8 @@ void JsonScan::beginDocument() {
     m_document.isDamaged = true;
     finishDocument();
     m_document.isDamaged = !isInEnvelope;
-    m_frames.push_back({Kind::Object, json::object(), {}, "data"});
+    m_frames.push_back({Kind::Object, json::object(), {}, "data", false, 1});
+    root.levels = 2;
     m_frames.push_back(std::move(root));
 }
 
@@ -522,8 +527,7 @@ std::string JsonScan::placeNow() const {
 /// Gives members that have lost their object to it.
 void JsonScan::attach(const json& members) {
     if (isEnvelope(members)) {
-        for (const auto& member : members.items())
-            m_document.envelope[member.key()] = member.value();
+        m_document.envelope.update(members);
         return;
     }
     const std::string className = classByMembers(members);
@@ -568,8 +572,6 @@ void JsonScan::closeCut(Frame frame) {
         return;
     }
     const auto give = [this](json value) {
-        if (m_frames.empty())
-            return;
         Frame& parent = m_frames.back();
         if (parent.kind == Kind::Array)
             parent.value.push_back(std::move(value));
@@ -580,8 +582,8 @@ void JsonScan::closeCut(Frame frame) {
         parent.key.clear();
     };
     if (m_frames.empty()) {
-        for (const auto& member : frame.value.items())
-            m_document.envelope[member.key()] = member.value();
+        if (frame.kind == Kind::Object)
+            m_document.envelope.update(frame.value);
         return;
     }
     if (frame.kind == Kind::Array)

@@ -28,7 +28,6 @@ struct ScannedJson {
     std::size_t wholeClips = 0;
     std::size_t wholeObjects = 0;
     std::size_t droppedObjects = 0;
-    std::size_t droppedEntries = 0;
     bool isDamaged = false;
     bool hasObjects = false; ///< whether there is anything of a project
 };

@@ -190,6 +190,14 @@ TEST(OpenTimeline, TheUppermostTrackComesLast) {
     expectAllObjects(document, result);
 }
 
+TEST(OpenTimeline, AHiddenTrackOfSoundIsListed) {
+    const auto result = exportTimeline(
+        project(timeline(2, 100, {clip("Song", 0, 1000, {{"type", 3}})},
+                         {{"tracks", {object("Timeline::Track", 10, {{"type", 4}, {"hidden", true}})}}})));
+    EXPECT_EQ(track(result)["enabled"], true); // it is heard
+    EXPECT_THAT(kinds(result), ElementsAre(std::pair(Kind::TrackHidden, 10ULL)));
+}
+
 // Times
 
 TEST(OpenTimeline, WholeFramesHaveTheFrameRate) {
@@ -204,6 +212,19 @@ TEST(OpenTimeline, OtherTimesAreMilliseconds) {
     EXPECT_EQ(items(result)[0]["source_range"], range(time(0, 1000), time(4001, 1000)));
     EXPECT_EQ(result.document["global_start_time"], time(0, 29.97));
     EXPECT_TRUE(exportTimeline(film({})).document["global_start_time"].is_null());
+}
+
+TEST(OpenTimeline, RatesThatNoTimelineHasAreNotTaken) {
+    for (const double rate : {0.0, -25.0, std::numeric_limits<double>::infinity()}) {
+        const auto result = exportTimeline(film({clip("A", 0, 4000)}, {{"frameRate", rate}}));
+        EXPECT_TRUE(result.document["global_start_time"].is_null()) << rate;
+        EXPECT_EQ(items(result)[0]["source_range"], range(time(0, 1000), time(4000, 1000))) << rate;
+    }
+    for (const double rate : {0.5, 2000.0}) {
+        const auto result = exportTimeline(film({clip("A", 0, 4000)}, {{"frameRate", rate}}));
+        EXPECT_EQ(result.document["global_start_time"], time(0, rate));
+        EXPECT_EQ(items(result)[0]["source_range"], range(time(0, 1000), time(4000, 1000))) << rate;
+    }
 }
 
 TEST(OpenTimeline, TimesThatNoNumberSaysAreListed) {
@@ -273,6 +294,48 @@ TEST(OpenTimeline, OtherTransitionsAreListedAndKept) {
                             std::pair(Kind::TransitionLength, 54ULL)));
     EXPECT_EQ(result.document["tracks"]["metadata"]["adaptors"]["timeline"]["transitions"].size(), 5U);
     expectAllObjects(document, result);
+}
+
+/// The entry of a clip whose timing says how much of it lies in transitions.
+Entry clipWithTransitions(const char* name, long long start, long long duration, long long in,
+                          long long out) {
+    return clip(name, start, duration, json::object(), {{"transitionIn", in}, {"transitionOut", out}});
+}
+
+TEST(OpenTimeline, TransitionsOfClipsThatDoNotFollowEachOtherAreListed) {
+    const auto document =
+        film({clip("A", 0, 5000), clip("Above", 5000, 1000, json::object(), {{"trackLevel", 1}}),
+              clip("Empty", 5000, 0), clip("Unplaced", -5, 5)},
+             {{"transitions",
+               {joined(50, 100, 101), joined(51, 100, 100), joined(52, 100, 102), joined(53, 103, 100),
+                joined(54, 100, 999), joined(55, 999, 0)}}});
+    const auto result = exportTimeline(document);
+    std::vector<unsigned long long> misplaced;
+    for (const auto& [kind, id] : kinds(result)) {
+        if (kind == Kind::TransitionPlace)
+            misplaced.push_back(id);
+    }
+    EXPECT_THAT(misplaced, ElementsAre(50, 51, 52, 53, 54, 55));
+    expectAllObjects(document, result);
+}
+
+TEST(OpenTimeline, AnEndOfAClipHasOneTransition) {
+    const auto result = exportTimeline(
+        film({clip("A", 0, 5000), clip("B", 5000, 5000)},
+             {{"transitions", {joined(50, 100, 101), joined(51, 100, 0), joined(52, 0, 101)}}}));
+    EXPECT_THAT(shape(items(result)), ElementsAre("Clip A 5", "Transition Blinds 0+0", "Clip B 5"));
+    EXPECT_THAT(kinds(result), ElementsAre(std::pair(Kind::TransitionPlace, 51ULL),
+                                           std::pair(Kind::TransitionPlace, 52ULL)));
+}
+
+TEST(OpenTimeline, TheTransitionsOfAClipAreNoLongerThanTheClip) {
+    const auto bothEnds = [](long long in, long long out) {
+        return kinds(exportTimeline(film({clip("A", 0, 5000), clipWithTransitions("B", 5000, 5000, in, out)},
+                                         {{"transitions", {joined(50, 100, 101), joined(51, 101, 0)}}})));
+    };
+    EXPECT_THAT(bothEnds(3000, 2000), IsEmpty());
+    EXPECT_THAT(bothEnds(3000, 2001), ElementsAre(std::pair(Kind::TransitionLength, 51ULL)));
+    EXPECT_THAT(bothEnds(5001, 0), ElementsAre(std::pair(Kind::TransitionLength, 50ULL)));
 }
 
 // Clips
@@ -516,6 +579,41 @@ TEST(OpenTimeline, MetadataHoldWhatReadersKeep) {
     EXPECT_NE(text.find("\"[[["), std::string::npos);
 }
 
+TEST(OpenTimeline, WideNumbersOfAFileAreTexts) {
+    const Reader::Document document = Reader::parse(
+        R"({"version":"1.0","schemaVersion":77,"data":{"@meta":{"class_name":"Project::Content","object_id":1},
+        "wide":123456789012345678901234567890}})",
+        QStringLiteral("film"));
+    EXPECT_EQ(exportTimeline(document).document["metadata"]["adaptors"]["project"]["wide"],
+              "123456789012345678901234567890");
+}
+
+TEST(OpenTimeline, KeysThatBecomeEqualAreToldApart) {
+    const std::string replaced = "a\xef\xbf\xbd";
+    const auto result = exportTimeline(film({clip("A", 0, 10, {{std::string("a\0", 2), 1}, {replaced, 2}})}));
+    const Json fields = items(result)[0]["metadata"]["adaptors"]["clip"];
+    EXPECT_EQ(fields[replaced], 1);
+    EXPECT_EQ(fields[replaced + '_'], 2);
+}
+
+TEST(OpenTimeline, ObjectsInTheTextOfADeepValueAreKept) {
+    json deep = object("Note", 95, {{"text", "kept"}});
+    for (int level = 0; level < 100; ++level)
+        deep = json::array({deep});
+    const auto document = film({clip("A", 0, 10, {{"deep", deep}})});
+    const auto result = exportTimeline(document);
+    const Json objects = result.document["metadata"]["adaptors"]["objects"];
+    ASSERT_EQ(objects.size(), 1U);
+    EXPECT_EQ(objects[0]["text"], "kept");
+    expectAllObjects(document, result);
+}
+
+TEST(OpenTimeline, AnEndlessNumberIsAText) {
+    const auto result =
+        exportTimeline(film({clip("A", 0, 10, {{"infinite", std::numeric_limits<double>::infinity()}})}));
+    EXPECT_EQ(items(result)[0]["metadata"]["adaptors"]["clip"]["infinite"], "Infinity");
+}
+
 TEST(OpenTimeline, EachNumberThatIsWrittenHasFewDigits) {
     using Reader::Exchange::isReadExactly;
     using Reader::Exchange::roundedForReaders;
@@ -540,6 +638,13 @@ TEST(OpenTimeline, PathsAreUrls) {
     EXPECT_EQ(urlOf("\\\\server\\films\\a.mp4"), "file://server/films/a.mp4");
     EXPECT_EQ(urlOf("media://beach.mp4"), "media://beach.mp4");
     EXPECT_EQ(urlOf("a\xff"), "a%FF");
+    EXPECT_EQ(urlOf("Ab+c-d.e1://beach.mp4"), "Ab+c-d.e1://beach.mp4");
+    EXPECT_EQ(urlOf("1ab://beach.mp4"), "./1ab://beach.mp4"); // the scheme of a URL begins with a letter
+    EXPECT_EQ(urlOf("a_b://beach.mp4"), "./a_b://beach.mp4"); // and has no such character
+    EXPECT_EQ(urlOf("z:/films/a.mp4"), "file:///z:/films/a.mp4");
+    EXPECT_EQ(urlOf("C:a.mp4"), "./C:a.mp4");
+    EXPECT_EQ(urlOf("1:/a.mp4"), "./1:/a.mp4");
+    EXPECT_EQ(urlOf("C:"), "./C:");
     EXPECT_EQ(urlOf(""), "");
 }
 

@@ -180,6 +180,139 @@ TEST(Comparison, AnObjectThatIsSharedInOneDocumentOnlyIsComparedByWhatItHolds) {
         Texts{"object-changed Pen color"});
 }
 
+// Objects, lists and links, in a project of a few notes
+
+/// A project whose root object is a note with these fields.
+QByteArray note(const std::string& fields) {
+    return QByteArray::fromStdString(
+        R"({"version":"1.0","data":{"@meta":{"class_name":"Note","object_id":2},)" + fields + "}}");
+}
+
+std::string object(const char* className, int id, const std::string& fields = {}) {
+    return R"({"@meta":{"class_name":")" + std::string(className) + R"(","object_id":)" + std::to_string(id) +
+           '}' + (fields.empty() ? "" : ',' + fields) + '}';
+}
+
+std::string linkTo(int id) {
+    return R"({"@meta_reference":)" + std::to_string(id) + '}';
+}
+
+TEST(ComparisonOfObjects, AnObjectThatIsSharedInOneDocumentIsReportedOnce) {
+    const QByteArray before =
+        note(R"("a":)" + object("Pen", 3, R"("color":1)") + R"(,"b":)" + linkTo(3) + R"(,"c":)" + linkTo(3));
+    const QByteArray after = note(R"("a":)" + object("Pen", 3, R"("color":1)") + R"(,"b":)" +
+                                  object("Pen", 4, R"("color":2)") + R"(,"c":)" + linkTo(4));
+    EXPECT_EQ(texts(differences(before, after)), Texts{"object-changed Pen color"});
+}
+
+TEST(ComparisonOfObjects, ThePartsOfTimelinesAreNeverSharedInOneDocument) {
+    const QByteArray before = note(R"("a":)" + object("Timeline::Marker", 3) + R"(,"b":)" + linkTo(3));
+    const QByteArray after =
+        note(R"("a":)" + object("Timeline::Marker", 3) + R"(,"b":)" + object("Timeline::Marker", 4));
+    EXPECT_EQ(texts(differences(before, after)), Texts{"object-changed Note b"});
+}
+
+TEST(ComparisonOfObjects, AnotherClassIsADifference) {
+    const auto found = differences(note(R"("a":)" + object("Pen", 3)), note(R"("a":)" + object("Brush", 3)));
+    ASSERT_EQ(texts(found), Texts{"object-changed Note a"});
+    EXPECT_EQ(found[0].before["class"], "Pen");
+    EXPECT_EQ(found[0].after["class"], "Brush");
+}
+
+TEST(ComparisonOfObjects, AnotherClassOfTheRootIsADifference) {
+    QByteArray after = note(R"("a":1)");
+    after.replace("Note", "Letter");
+    const auto found = differences(note(R"("a":1)"), after);
+    ASSERT_EQ(texts(found), Texts{"object-changed Note class"});
+    EXPECT_EQ(found[0].before, "Note");
+    EXPECT_EQ(found[0].after, "Letter");
+}
+
+TEST(ComparisonOfObjects, LinksThatLeadNowhereAreEqual) {
+    const QByteArray lost = note(R"("a":)" + linkTo(90));
+    EXPECT_EQ(texts(differences(lost, note(R"("a":)" + linkTo(91)))), Texts{});
+    const QByteArray whole = note(R"("a":)" + object("Pen", 3));
+    EXPECT_EQ(texts(differences(whole, lost)), Texts{"object-changed Note a"});
+    EXPECT_EQ(texts(differences(lost, whole)), Texts{"object-changed Note a"});
+    EXPECT_EQ(
+        texts(differences(note(R"("list":[)" + linkTo(90) + ']'), note(R"("list":[)" + linkTo(91) + ']'))),
+        Texts{});
+}
+
+TEST(ComparisonOfObjects, ALinkAndAValueAreDifferent) {
+    const QByteArray link = note(R"("a":)" + object("Pen", 3));
+    for (const char* value : {"null", "5", "{}", "[]", R"({"color":1})"}) {
+        const QByteArray other = note(R"("a":)" + std::string(value));
+        EXPECT_EQ(texts(differences(link, other)), Texts{"object-changed Note a"}) << value;
+        EXPECT_EQ(texts(differences(other, link)), Texts{"object-changed Note a"}) << value;
+    }
+}
+
+TEST(ComparisonOfObjects, NameTheObjectThatChanged) {
+    const auto named = differences(note(R"("name":"first","a":1)"), note(R"("name":"first","a":2)"));
+    ASSERT_EQ(named.size(), 1U);
+    EXPECT_EQ(named[0].name, "first");
+    const auto numbered = differences(note(R"("name":5,"a":1)"), note(R"("name":5,"a":2)"));
+    ASSERT_EQ(numbered.size(), 1U);
+    EXPECT_EQ(numbered[0].name, "");
+}
+
+TEST(ComparisonOfLists, AnObjectIsAddedOrRemoved) {
+    const QByteArray one = note(R"("list":[)" + object("Pen", 3, R"("color":1)") + ']');
+    const QByteArray two =
+        note(R"("list":[)" + object("Pen", 3, R"("color":1)") + ',' + object("Pen", 4, R"("color":2)") + ']');
+    const auto added = differences(one, two);
+    ASSERT_EQ(texts(added), Texts{"object-changed Note list/1"});
+    EXPECT_EQ(added[0].before, json());
+    EXPECT_EQ(added[0].after["class"], "Pen");
+    const auto removed = differences(two, one);
+    ASSERT_EQ(texts(removed), Texts{"object-changed Note list/1"});
+    EXPECT_EQ(removed[0].after, json());
+    EXPECT_EQ(texts(differences(note(R"("list":[])"), one)), Texts{"object-changed Note list/0"});
+}
+
+TEST(ComparisonOfLists, AnotherOrderIsOneDifference) {
+    const std::string red = object("Pen", 3, R"("color":1)");
+    const std::string blue = object("Pen", 4, R"("color":2)");
+    const auto found = differences(note(R"("list":[)" + red + ',' + blue + ']'),
+                                   note(R"("list":[)" + blue + ',' + red + ']'));
+    ASSERT_EQ(texts(found), Texts{"object-changed Note list"});
+    EXPECT_EQ(found[0].before, "in one order");
+    EXPECT_EQ(found[0].after, "in another order");
+}
+
+TEST(ComparisonOfLists, AnObjectOfAnotherClassIsAnotherOne) {
+    const auto found = differences(note(R"("list":[)" + object("Pen", 3) + ']'),
+                                   note(R"("list":[)" + object("Brush", 3) + ']'));
+    ASSERT_EQ(texts(found), (Texts{"object-changed Note list/0", "object-changed Note list/0"}));
+    EXPECT_EQ(found[0].after, json()); // the pen is removed
+    EXPECT_EQ(found[1].before, json());
+}
+
+TEST(ComparisonOfLists, ValuesAreComparedInTheirOrder) {
+    EXPECT_EQ(texts(differences(note(R"("list":[1,2])"), note(R"("list":[1,3])"))),
+              Texts{"object-changed Note list/1"});
+    const auto longer = differences(note(R"("list":[1,2])"), note(R"("list":[1,2,3])"));
+    ASSERT_EQ(texts(longer), Texts{"object-changed Note list"});
+    EXPECT_EQ(longer[0].after, json({1, 2, 3}));
+}
+
+/// Deep values are compared level by level down to a path of 17 names, and as a whole below it.
+TEST(ComparisonOfLists, DeepValuesAreOneDifference) {
+    const auto nested = [](const char* open, const char* value, const char* close) {
+        std::string text = value;
+        for (int level = 0; level < 30; ++level)
+            text = open + text + close;
+        return note(R"("a":)" + text);
+    };
+    for (const auto& [open, close] : {std::pair(R"({"b":)", "}"), std::pair("[", "]")}) {
+        EXPECT_EQ(texts(differences(nested(open, "1", close), nested(open, "1", close))), Texts{});
+        const auto found = differences(nested(open, "1", close), nested(open, "2", close));
+        ASSERT_EQ(found.size(), 1U);
+        EXPECT_EQ(std::count(found[0].field.begin(), found[0].field.end(), '/'), 16);
+    }
+}
+
 // One edit at a time
 
 TEST(Comparison, ARenamedClip) {
@@ -266,6 +399,34 @@ TEST(Comparison, PathsCountFromTheFoldersOfTheProjects) {
     EXPECT_EQ(compare("/elsewhere/other"), Texts{"media-relinked Beach"});
 }
 
+TEST(Comparison, PathsWithAMarkerHaveNoFolder) {
+    const auto compare = [](const char* before, const char* after) {
+        json one = holiday();
+        json other = holiday();
+        clipNamed(one, "Beach")["file"]["path"] = before;
+        clipNamed(other, "Beach")["file"]["path"] = after;
+        return texts(Reader::compare(projectOf(bytesOf(one), QStringLiteral("/home/film")),
+                                     projectOf(bytesOf(other), QStringLiteral("/home/other"))));
+    };
+    EXPECT_EQ(compare("#stock/beach.mp4", "#stock/beach.mp4"), Texts{});
+    EXPECT_EQ(compare("#stock/beach.mp4", "../film/#stock/beach.mp4"), Texts{"media-relinked Beach"});
+    EXPECT_EQ(compare("media/beach.mp4", ""), Texts{"media-relinked Beach"});
+}
+
+TEST(Comparison, PathsOfImportsCountFromTheFoldersToo) {
+    const auto compare = [](const char* field, const json& value) {
+        json edited = holiday();
+        edited["data"]["content"]["userCollection"]["items"][0]["payload"][field] = value;
+        return texts(Reader::compare(projectOf(bytesOf(holiday()), QStringLiteral("/home/film")),
+                                     projectOf(bytesOf(edited), QStringLiteral("/home/film/media"))));
+    };
+    EXPECT_EQ(compare("resourcePath", "beach.mp4"), Texts{});
+    EXPECT_EQ(compare("resourcePath", "pier.mp4"), Texts{"object-changed Import::Object resourcePath"});
+    EXPECT_EQ(compare("resourcePath", 5), Texts{"object-changed Import::Object resourcePath"});
+    EXPECT_EQ(compare("description", "../beach.mp4"), Texts{});
+    EXPECT_EQ(compare("descriptionUrl", "../"), Texts{"object-changed Import::Object descriptionUrl"});
+}
+
 TEST(Comparison, AnEffect) {
     const auto removed = afterEdit([](json& document) { clipNamed(document, "Beach")["effects"].erase(1); });
     ASSERT_EQ(texts(removed), Texts{"effect-removed Beach"});
@@ -341,6 +502,32 @@ TEST(Comparison, TheWordsOfATitle) {
     EXPECT_EQ(found[0].after, json({"Pier"}));
 }
 
+TEST(Comparison, ATitleThatHadNoWords) {
+    json without = holiday();
+    clipNamed(without, "The old harbour")["overlay"] = nullptr;
+    EXPECT_EQ(texts(differences(bytesOf(without), bytesOf(holiday()))),
+              (Texts{"text-changed The old harbour", "clip-changed The old harbour overlay"}));
+}
+
+TEST(Comparison, ATransitionOfNoClip) {
+    json project = holiday();
+    json& transition = timeline(project)["transitions"][0];
+    transition["clipFrom"] = {{"@meta_reference", 999998}};
+    transition["clipTo"] = {{"@meta_reference", 999999}};
+    EXPECT_EQ(texts(differences(bytesOf(project), bytesOf(project))), Texts{});
+}
+
+TEST(Comparison, ATrackThatNoClipIsOn) {
+    json without = holiday();
+    json& tracks = timeline(without)["tracks"];
+    ASSERT_EQ(tracks[4]["type"], 32);
+    tracks.erase(4);
+    EXPECT_EQ(texts(differences(bytesOf(holiday()), bytesOf(without))),
+              Texts{"object-changed Timeline::Object tracks/4"});
+    EXPECT_EQ(texts(differences(bytesOf(without), bytesOf(holiday()))),
+              Texts{"object-changed Timeline::Object tracks/4"});
+}
+
 TEST(Comparison, OtherFields) {
     EXPECT_EQ(texts(afterEdit([](json& document) { timeline(document)["frameRate"] = 30; })),
               Texts{"object-changed Timeline::Object frameRate"});
@@ -395,10 +582,37 @@ TEST(Comparison, ANestedTimeline) {
     EXPECT_EQ(texts(differences(bytes, bytesOf(edited))), Texts{"object-changed Timeline::Object name"});
 }
 
+TEST(Comparison, ANestedTimelineThatNoClipShowsAnyMore) {
+    const QByteArray bytes = Tests::bytesOf(Tests::sampleOf(70));
+    json edited = json::parse(bytes.toStdString());
+    unsigned long long scene = 0;
+    eachObject(edited["data"], [&](json& object) {
+        if (object["@meta"]["class_name"] == "Timeline::Object" && object["name"] == "Village")
+            scene = object["@meta"]["object_id"];
+    });
+    clipNamed(edited, "Village")["nestedTimeline"] = nullptr;
+    const auto removed = differences(bytes, bytesOf(edited));
+    ASSERT_FALSE(removed.empty());
+    EXPECT_EQ(texts(removed).back(), "timeline-removed Timeline::Object");
+    EXPECT_EQ(removed.back().name, "Village");
+    EXPECT_EQ(removed.back().idBefore, scene);
+    EXPECT_EQ(removed.back().idAfter, 0U);
+    const auto added = differences(bytesOf(edited), bytes);
+    ASSERT_FALSE(added.empty());
+    EXPECT_EQ(texts(added).back(), "timeline-added Timeline::Object");
+    EXPECT_EQ(added.back().idBefore, 0U);
+    EXPECT_EQ(added.back().idAfter, scene);
+}
+
 TEST(Comparison, AnArchiveWithoutItsRootObjectIsDifferent) {
     QByteArray broken = Tests::archive();
     broken.replace("<RootRef type='ObjectRef' value='2'/>", "<RootRef type='ObjectRef' value='77'/>");
-    EXPECT_FALSE(differences(Tests::archive(), broken).empty());
+    const auto lost = differences(Tests::archive(), broken);
+    ASSERT_FALSE(lost.empty());
+    EXPECT_EQ(lost.back().before, "Timeline::Object");
+    const auto found = differences(broken, Tests::archive());
+    ASSERT_FALSE(found.empty());
+    EXPECT_EQ(found.back().after, "Timeline::Object");
 }
 
 TEST(Comparison, ManyEqualClipsTakeLittleTime) {

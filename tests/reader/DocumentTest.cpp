@@ -126,6 +126,12 @@ TEST(Parse, TooGreatADepthIsRefused) {
     EXPECT_NO_THROW(Reader::parse("<Archive>" + QByteArray("<a/>").repeated(20000) + "</Archive>", name));
 }
 
+TEST(Parse, ADepthThatManyElementsAllowIsRefusedToo) {
+    // Each element allows the others to be a little deeper, but no file is deeper than 10000 levels.
+    expectFailure("<Archive>" + QByteArray("<b/>").repeated(500000) + QByteArray("<a>").repeated(10000),
+                  ErrorKind::RefusedXml, "elements are nested deeper than 10000 levels");
+}
+
 TEST(Parse, ExactlyOneArchive) {
     expectFailure("<Project/>", ErrorKind::NoArchive, "<Project>");
     expectFailure("<Archive><a><Archive/></a></Archive>", ErrorKind::NoArchive, "2 <Archive>");

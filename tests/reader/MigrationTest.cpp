@@ -1,5 +1,6 @@
 // The whole migration: which steps run, what they report, and that the result is always the same.
 
+#include "Reader/Error.h"
 #include "support/Compare.h"
 #include "support/Findings.h"
 #include "support/Holiday.h"
@@ -12,6 +13,7 @@
 
 #include <algorithm>
 #include <map>
+#include <optional>
 #include <set>
 #include <vector>
 
@@ -169,6 +171,37 @@ TEST(QuizMigrationTest, AnswersWithIdsOfTheProjectGetNoReferencesOfIt) {
 }
 
 // A theme has no schema version, and the version of the archive does not matter.
+TEST(MovedMigrationTest, RunsAsItWasMade) {
+    const QByteArray bytes = bytesOf(sampleOf(76));
+    const auto migrationOf = [](const QByteArray& project) {
+        return Reader::Migration(Reader::parse(project, QStringLiteral("holiday")),
+                                 Tests::optionsTo(Reader::currentVersion));
+    };
+    Reader::Migration first = migrationOf(bytes);
+    Reader::Migration moved = std::move(first);
+    Reader::Migration assigned = migrationOf(bytesOf(sampleOf(70)));
+    assigned = std::move(moved);
+    assigned.run();
+    EXPECT_EQ(assigned.report().from, 76);
+    EXPECT_EQ(assigned.save(), migrated(bytes).bytes);
+}
+
+TEST(SingleStepTest, OfNoOrOfTheOtherFormIsRefused) {
+    Reader::Migration migration(Reader::parse(bytesOf(sampleOf(76)), QStringLiteral("holiday")),
+                                Tests::optionsTo(Reader::currentVersion));
+    const auto kindOf = [&](const std::string& step) -> std::optional<Reader::ErrorKind> {
+        try {
+            migration.runOnly(step);
+        } catch (const Reader::Error& error) {
+            EXPECT_EQ(error.facts().step, step);
+            return error.kind();
+        }
+        return std::nullopt;
+    };
+    EXPECT_EQ(kindOf("V1_Nothing"), Reader::ErrorKind::UnknownStep);
+    EXPECT_EQ(kindOf("V4_TrackValueAdaptor"), Reader::ErrorKind::NoSuchForm);
+}
+
 TEST(ThemeMigrationTest, ThemesOfEveryArchiveAreUpdated) {
     for (const int version : {3, 62}) {
         const QByteArray archive =

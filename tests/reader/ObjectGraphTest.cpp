@@ -148,6 +148,54 @@ TEST(ObjectsOfJson, HaveTheFieldsOfTheirBaseParts) {
     EXPECT_EQ(graph.envelope.value("note", ""), "kept");
 }
 
+TEST(ObjectsOfJson, WhoseBasePartsHoldEachOtherAreRead) {
+    const ObjectGraph graph = Reader::readObjects(documentOf(
+        R"({"version":"1.0","schemaVersion":70,"data":{"@meta":{"class_name":"Project","object_id":1},
+        "Base::Part":{"@meta":{"class_name":"Base::Part","object_id":2},"size":5,
+        "Other::Part":{"@meta":{"class_name":"Other::Part","object_id":3},"color":6,
+        "Base::Part":{"@meta_reference":2}}}}})"));
+    ASSERT_NE(graph.find(1), nullptr);
+    EXPECT_EQ(graph.find(1)->fields, json({{"size", 5}, {"color", 6}}));
+}
+
+TEST(ObjectsOfJson, HaveLinksThatAreNoBaseParts) {
+    // A base part has the name of its class, and its class has one with a "::".
+    const ObjectGraph graph = Reader::readObjects(documentOf(
+        R"({"version":"1.0","schemaVersion":70,"data":{"@meta":{"class_name":"Project","object_id":1},
+        "Note":{"@meta":{"class_name":"Note","object_id":2},"size":5},
+        "Base::Part":{"@meta":{"class_name":"Base::Other","object_id":3},"size":6},
+        "Lost::Part":{"@meta_reference":90}}})"));
+    ASSERT_NE(graph.find(1), nullptr);
+    EXPECT_EQ(graph.find(1)->fields,
+              json({{"Note", link(2)}, {"Base::Part", link(3)}, {"Lost::Part", link(90)}}));
+}
+
+TEST(ObjectsOfClips, AreThoseBelowTheClipAndItsTiming) {
+    const ObjectGraph graph = Reader::readObjects(documentOf(
+        R"({"version":"1.0","schemaVersion":70,"data":{"@meta":{"class_name":"Timeline::Object","object_id":1},
+        "clips":[{"clip":{"@meta":{"class_name":"Timeline::Clip","object_id":2},
+                 "file":{"@meta":{"class_name":"File","object_id":3}},
+                 "collectionItemInfo":{"@meta":{"class_name":"Timeline::CollectionItemInfo","object_id":4}},
+                 "timeline":{"@meta_reference":1},"lost":{"@meta_reference":90}},
+         "timing":{"@meta":{"class_name":"Timeline::ClipTiming","object_id":5},
+                   "track":{"@meta":{"class_name":"Timeline::Track","object_id":6}}}},
+        {"clip":{"@meta":{"class_name":"Timeline::Clip","object_id":7}}},
+        {"timing":{"@meta":{"class_name":"Timeline::ClipTiming","object_id":8}}},
+        5]}})"));
+    const std::unordered_map<unsigned long long, unsigned long long> expected = {
+        {2, 2}, {3, 2}, {4, 2}, {5, 2}, {7, 7}};
+    EXPECT_EQ(Reader::clipsOfObjects(graph), expected);
+}
+
+TEST(ObjectsOfClips, AreNoneInATimelineWithoutAList) {
+    for (const char* fields : {"", R"(,"clips":null)", R"(,"clips":[])"}) {
+        const ObjectGraph graph = Reader::readObjects(documentOf(
+            R"({"version":"1.0","schemaVersion":70,"data":{"@meta":{"class_name":"Timeline::Object","object_id":1})" +
+            std::string(fields) + "}}"));
+        EXPECT_TRUE(Reader::clipsOfObjects(graph).empty()) << fields;
+    }
+}
+
 TEST(ShownValues, AreShort) {
     const ObjectGraph graph = Reader::readObjects(documentOf(archiveWith("")));
     EXPECT_EQ(shown(link(3), graph), json({{"class", "Timeline::Clip"}, {"id", 3}, {"name", "Beach"}}));
@@ -157,6 +205,14 @@ TEST(ShownValues, AreShort) {
     EXPECT_EQ(shown({1, 2, 3, 4, 5, 6, 7, 8, 9, 10}, graph), json({1, 2, 3, 4, 5, 6, 7, 8, "and 2 more"}));
     EXPECT_EQ(shown(json::parse("[[[[[1]]]],[[2]]]"), graph), json::parse(R"([[[["..."]]],[[2]]])"));
     EXPECT_EQ(shown(json::parse(R"({"a":{"b":1}})"), graph, 1), json({{"a", "..."}}));
+    EXPECT_EQ(shown(json::parse(R"({"a":1,"b":2,"c":3,"d":4,"e":5,"f":6,"g":7,"h":8,"i":9})"), graph),
+              json::parse(R"({"a":1,"b":2,"c":3,"d":4,"e":5,"f":6,"g":7,"h":8})"));
+}
+
+TEST(ShownValues, OfAnObjectWhoseNameIsNoTextHaveNone) {
+    const ObjectGraph graph = Reader::readObjects(documentOf(
+        R"({"version":"1.0","schemaVersion":70,"data":{"@meta":{"class_name":"Note","object_id":1},"name":5}})"));
+    EXPECT_EQ(shown(link(1), graph), json({{"class", "Note"}, {"id", 1}}));
 }
 
 } // namespace

@@ -55,6 +55,48 @@ QByteArray utf32(const char* text, bool isBig, bool hasMark) {
     return encoded(units, isBig, hasMark);
 }
 
+TEST(Encoding, IsSeenByMarksAndNulBytes) {
+    using Reader::Encoding;
+    const std::vector<std::pair<QByteArray, Encoding>> cases = {
+        {QByteArray("\xFF\xFE\0\0", 4), Encoding::Utf32Little},
+        {QByteArray("\0\0\xFE\xFF", 4), Encoding::Utf32Big},
+        {QByteArray("\xFF\xFE<\0", 4), Encoding::Utf16Little},
+        {QByteArray("\xFE\xFF\0<", 4), Encoding::Utf16Big},
+        {QByteArray("<\0", 2), Encoding::Utf16Little},
+        {QByteArray("<\0\0", 3), Encoding::Utf16Little}, // too short for a character of UTF-32
+        {QByteArray("<\0a\0", 4), Encoding::Utf16Little},
+        {QByteArray("<\0\0a", 4), Encoding::Utf16Little},
+        {QByteArray("<\0\0\0", 4), Encoding::Utf32Little},
+        {QByteArray("\0<", 2), Encoding::Utf16Big},
+        {QByteArray("\0\0\0<", 4), Encoding::Utf32Big},
+        {QByteArray("\0\0<\0", 4), Encoding::Bytes},
+        {QByteArray("\0\0\0", 3), Encoding::Bytes},
+        {QByteArray("\0\0\0\0", 4), Encoding::Bytes},
+        {QByteArray("\0", 1), Encoding::Bytes},
+        {"<a", Encoding::Bytes},
+        {"<", Encoding::Bytes},
+        {"", Encoding::Bytes},
+    };
+    for (const auto& [bytes, encoding] : cases)
+        EXPECT_EQ(Reader::encodingOf(bytes), encoding) << bytes.toHex().toStdString();
+}
+
+TEST(Encoding, HasAName) {
+    EXPECT_EQ(nameOf(Reader::Encoding::Bytes), "UTF-8");
+    EXPECT_EQ(nameOf(Reader::Encoding::Utf16Big), "UTF-16");
+    EXPECT_EQ(nameOf(Reader::Encoding::Utf32Little), "UTF-32");
+}
+
+TEST(FirstCharacter, IsBehindAMarkAndSpace) {
+    EXPECT_EQ(Reader::firstCharacter("\xEF\xBB\xBF \t\r\n<a"), U'<');
+    EXPECT_EQ(Reader::firstCharacter(utf16(u" <a", true, true)), U'<');
+    EXPECT_EQ(Reader::firstCharacter(utf32("\n{", false, true)), U'{');
+    EXPECT_EQ(Reader::firstCharacter(utf16(u"\uFEFF<", true, true)), 0xFEFF); // a second mark is none
+    EXPECT_EQ(Reader::firstCharacter(" \n"), std::nullopt);
+    EXPECT_EQ(Reader::firstCharacter("\xEF\xBB\xBF"), std::nullopt);
+    EXPECT_EQ(Reader::firstCharacter(""), std::nullopt);
+}
+
 TEST(Utf16, XmlIsRead) {
     for (const char16_t* declaration :
          {u"", u"<?xml version='1.0' encoding='UTF-16'?>\n", u"<?xml version='1.0' encoding=\"utf-16le\" ?>",
@@ -86,6 +128,15 @@ TEST(Utf16, ErrorsNameThePlace) {
         failure(utf16(u"<?xml version='1.0' encoding='UTF-16'?><Archive><a></b>", false, true));
     EXPECT_EQ(inFirstLine.facts().column,
               failure("<?xml version='1.0' encoding='UTF-8' ?><Archive><a></b>").facts().column);
+}
+
+TEST(Utf16, ADeclarationThatIsNoXmlIsAnError) {
+    for (const char16_t* declaration :
+         {u"<?xml version='1.0' encoding=UTF-16?>", u"<?xml version='1.0' encoding='UTF-16?>",
+          u"<?xml version='1.0' encoding?>", u"<?xml version='1.0' encoding"}) {
+        const std::u16string text = declaration + std::u16string(u"<Archive a='b'/>");
+        EXPECT_EQ(failure(utf16(text.c_str(), false, true)).kind(), ErrorKind::BrokenXml);
+    }
 }
 
 TEST(Utf16, HalfACharacterIsAnError) {

@@ -392,6 +392,54 @@ TEST(Timelines, BrokenDocumentsGiveWhatTheyHave) {
     EXPECT_FALSE(json[0].width.has_value());
 }
 
+/// A project in JSON whose timeline has these fields. It says no version.
+QByteArray jsonTimeline(const QByteArray& fields) {
+    return R"({"version":"1.0","data":{"@meta":{"class_name":"Project::Content","object_id":1},"timeline":
+        {"@meta":{"class_name":"Timeline::Object","object_id":2},)" +
+           fields + "}}}";
+}
+
+TEST(Timelines, WithoutAVersionTracksAreNumberedAsTheirTypesShow) {
+    const auto kindsOf = [](const std::vector<int>& types) {
+        QByteArray tracks;
+        int id = 10;
+        for (const int type : types)
+            tracks += (tracks.isEmpty() ? "" : ",") +
+                      QByteArray(R"({"@meta":{"class_name":"Timeline::Track","object_id":)") +
+                      QByteArray::number(id++) + R"(},"type":)" + QByteArray::number(type) + '}';
+        const auto timelines = timelinesOf(jsonTimeline("\"tracks\":[" + tracks + ']'));
+        std::vector<TrackKind> kinds;
+        for (const Reader::Track& track : timelines.at(0).tracks)
+            kinds.push_back(track.kind);
+        return kinds;
+    };
+    using Kinds = std::vector<TrackKind>;
+    // 48 is a number of the versions up to 71 only, and the small ones of those from 72 on.
+    EXPECT_EQ(kindsOf({16, 48}), (Kinds{TrackKind::Main, TrackKind::Audio}));
+    EXPECT_EQ(kindsOf({48, 16}), (Kinds{TrackKind::Audio, TrackKind::Main}));
+    for (const int type : {1, 2, 4, 8})
+        EXPECT_EQ(kindsOf({type, 16}).at(1), TrackKind::Titles) << type;
+    EXPECT_EQ(kindsOf({16}), Kinds{TrackKind::Titles});
+}
+
+TEST(Timelines, EffectsThatAreLostOrHoldThemselvesHaveNoTag) {
+    const auto timelines = timelinesOf(jsonTimeline(
+        R"("clips":[{"timing":{"@meta":{"class_name":"Timeline::ClipTiming","object_id":4}},"clip":
+        {"@meta":{"class_name":"Timeline::Clip","object_id":3},"effects":[{"@meta_reference":90},
+        {"@meta":{"class_name":"Effect::Blur","object_id":20},"Effect::Object":
+        {"@meta":{"class_name":"Effect::Object","object_id":21},"Effect::Object":{"@meta_reference":21}}},
+        {"@meta":{"class_name":"Effect::Blur","object_id":30},"Effect::VideoEffect":
+        {"@meta":{"class_name":"Effect::VideoEffect","object_id":31},"Effect::Base":
+        {"@meta":{"class_name":"Effect::Base","object_id":32},"Effect::VideoEffect":{"@meta_reference":31}}}}]}}])"));
+    ASSERT_EQ(timelines.at(0).clips.size(), 1u);
+    const std::vector<Reader::ClipEffect>& effects = timelines[0].clips[0].effects;
+    ASSERT_EQ(effects.size(), 3u);
+    EXPECT_EQ(effects[0].id, 90u);
+    EXPECT_EQ(effects[0].className, "");
+    for (const Reader::ClipEffect& effect : effects)
+        EXPECT_EQ(effect.name, "") << effect.id;
+}
+
 TEST(Timelines, FilesAreListedOnce) {
     Timeline timeline;
     for (const char* path : {"b.mp4", "a.mp4", "", "b.mp4"}) {

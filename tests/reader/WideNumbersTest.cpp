@@ -109,6 +109,31 @@ TEST(WideNumbers, ANumberInAnotherPlaceIsReported) {
     EXPECT_EQ(result.moved[0].digits, "18446744073709551617");
 }
 
+TEST(WideNumbers, OfALongPathTheInnermostPartsAreReported) {
+    constexpr int depth = 30;
+    const QByteArray lists =
+        QByteArray("[").repeated(depth) + "18446744073709551617" + QByteArray("]").repeated(depth);
+    const Reader::Serialized result = changed(",\"a\":" + lists, [](json& object) {
+        object["c"] = std::move(object["a"]);
+        object.erase("a");
+    });
+    ASSERT_EQ(result.moved.size(), 1u);
+    EXPECT_EQ(result.moved[0].path, "..." + QByteArray("/0").repeated(24).toStdString());
+}
+
+TEST(WideNumbers, InAPlaceThatIsNoListOrObjectAnyMoreAreNoLoss) {
+    for (const json& value : {json(3), json::array(), json::object({{"1", 5}})}) {
+        const Reader::Serialized result =
+            changed(R"(,"a":[0,18446744073709551617],"b":{"c":18446744073709551618})", [&](json& object) {
+                object["a"] = value;
+                object["b"] = json::array({1, 2});
+            });
+        EXPECT_EQ(result.bytes,
+                  project(",\"a\":" + QByteArray::fromStdString(value.dump()) + ",\"b\":[1,2]") + '\n');
+        EXPECT_TRUE(result.moved.empty());
+    }
+}
+
 TEST(WideNumbers, ALossIsALineOfTheLog) {
     const QByteArray before =
         R"(,"a":{"@meta":{"class_name":"Timeline::ClipTiming","object_id":3},"fadeInDuraion":)";

@@ -592,6 +592,14 @@ TEST(Recover, JsonThatIsNestedTooDeeplyIsRefused) {
     }
 }
 
+TEST(Recover, JsonThatIsNestedTooDeeplyBehindManyLossesIsRefused) {
+    constexpr int levels = 200000;
+    const QByteArray losses = QByteArray("1,\0", 3).repeated(1001);
+    const QByteArray deep = QByteArray("[").repeated(levels) + "1" + QByteArray("]").repeated(levels);
+    const QByteArray tracks = R"("tracks":[{"@meta":{"class_name":"Timeline::Track","object_id":2}}],)";
+    EXPECT_FALSE(Reader::recover(losses + tracks + "\"links\":[" + deep + "]}", QStringLiteral("film")));
+}
+
 TEST(Recover, ArchivesMayBeCutOffAtAnyDepth) {
     const QByteArray archive = "<?xml version='1.0'?><Archive schemaVersion='60'>";
     for (const int level : {1000, 200000}) {

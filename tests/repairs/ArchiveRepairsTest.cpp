@@ -203,6 +203,19 @@ TEST(RootReference, LeadsToTheTimelineThatIsNotNested) {
     EXPECT_EQ(result.follow(content, "timeline").at("name"), "Film");
 }
 
+TEST(RootReference, LeadsToTheFirstOfTimelinesThatAreNestedInEachOther) {
+    OldProject project(34);
+    project.timeline(2, "Film", {{3, 4, 20, 0, 5000}}, refs("tracks", {20}));
+    project.tracks(2, {{20, 16}}).clip(3, 64, "Village", ref("nestedTimeline", 10));
+    project.timeline(10, "Village", {{11, 12, 30, 0, 2000}}, refs("tracks", {30}));
+    project.tracks(10, {{30, 16}}).clip(11, 64, "Film again", ref("nestedTimeline", 2)).root(77);
+    const Migrated repaired = migrateOld(project.bytes(), true);
+    expectWhole(repaired);
+    const Project result = repaired.project();
+    const auto& content = result.follow(result.root(), "content");
+    EXPECT_EQ(result.follow(content, "timeline").at("name"), "Film");
+}
+
 // Ids
 
 TEST(SharedIds, AClipAndAFileWithOneId) {
@@ -226,6 +239,17 @@ TEST(SharedIds, EachReferenceLeadsToTheObjectOfItsClass) {
     expectFilm(repaired);
     const Project result = repaired.project();
     EXPECT_EQ(Project::classOf(result.follow(Tests::clipNamed(result, "Beach"), "file")), "File");
+}
+
+TEST(SharedIds, TheRootReferenceLeadsToTheLastObject) {
+    OldProject project(34);
+    project.object("File", 2, text("path", "boat.mp4"));
+    project.root(2).timeline(2, "Film", {{3, 4, 20, 0, 5000}}, refs("tracks", {20}));
+    project.tracks(2, {{20, 16}}).clip(3, 1, "Beach");
+    const Migrated repaired = migrateOld(project.bytes(), true);
+    expectWhole(repaired);
+    EXPECT_THAT(clipNames(repaired.project(), "Film"), ElementsAre("Beach"));
+    EXPECT_EQ(repaired.repair("shared-ids").count, 1u);
 }
 
 TEST(SharedIds, TwoClipsOfATimelineWithOneId) {
@@ -291,6 +315,23 @@ TEST(WideIds, ACompositionWithAWideIdStays) {
     ASSERT_FALSE(repaired.error);
     EXPECT_EQ(count(repaired), 0); // also their predeclarations
     expectFilm(migrateOld(bytes, true));
+}
+
+TEST(WideIds, GetUnusedOnesWhereNoneAreLeftAboveThoseInUse) {
+    OldProject project(7);
+    project.root(2).timeline(2, "Film", {{3, 4, 16, 0, 5000}});
+    project.object("File", 2147483647, text("path", "beach.mp4"));
+    project.object("File", wide, text("path", "boat.mp4"));
+    project.clip(3, 1, "Beach", ref("file", wide));
+    const Migrated repaired = migrateOld(project.bytes(), true);
+    expectWhole(repaired);
+    const Project result = repaired.project();
+    EXPECT_EQ(result.follow(Tests::clipNamed(result, "Beach"), "file").at("path"), "boat.mp4");
+    EXPECT_EQ(repaired.repair("wide-ids").count, 1u);
+    // No id is used twice, and none is wide.
+    const Migrated archive = migrateOld(project.bytes(), true, 24);
+    EXPECT_FALSE(archive.bytes.contains(QByteArray::number(wide)));
+    EXPECT_EQ(archive.bytes.count("objectId=\"2147483647\""), 1);
 }
 
 // References and lists

@@ -91,6 +91,24 @@ TEST(ForbiddenCharacters, AllowedOnesStay) {
     EXPECT_EQ(text.bytes, bytes);
 }
 
+TEST(ForbiddenCharacters, WhatIsNoReferenceStays) {
+    for (const char* text : {"&#;", "&#x;", "&#1", "&#x1", "&#G;", "&#xG;", "&#1a;", "&#X1;", "&#-1;",
+                             "&amp;", "&", "&#0000000000001;"}) {
+        const QByteArray bytes = film().replace("Beach", text);
+        const Repairs::RepairedText repaired = Repairs::repairText(bytes);
+        EXPECT_TRUE(repaired.repairs.empty()) << text;
+        EXPECT_EQ(repaired.bytes, bytes) << text;
+    }
+}
+
+TEST(ForbiddenCharacters, InTextThatCannotBeDecodedStay) {
+    // A second half of a character of UTF-16 without the first one.
+    const QByteArray bytes("<\0a\0\x01\0\x00\xDC>\0", 10);
+    const Repairs::RepairedText text = Repairs::repairText(bytes);
+    EXPECT_TRUE(text.repairs.empty());
+    EXPECT_EQ(text.bytes, bytes);
+}
+
 QByteArray jsonFilm(const QByteArray& name, const QByteArray& number) {
     return R"({"version":"1.0","schemaVersion":76,"data":{"@meta":{"class_name":"Timeline::Object","object_id":1},"name":")" +
            name + R"(","frameRate":)" + number + R"(,"clips":[],"tracks":[]}})";
@@ -138,6 +156,15 @@ TEST(ForbiddenCharacters, ControlCharactersInJsonTexts) {
     EXPECT_EQ(repaired.project().root().at("name"), "a\x01\"\tb");
     ASSERT_THAT(repaired.repairs(), ElementsAre("forbidden-characters"));
     EXPECT_EQ(repaired.report.repairs[0].count, 2u);
+}
+
+TEST(ForbiddenCharacters, ControlCharactersInTextsOfAJsonList) {
+    EXPECT_EQ(Repairs::repairText("[\"a\x02\", \x02]").bytes, "[\"a\\u0002\", \x02]");
+}
+
+TEST(ForbiddenCharacters, ControlCharactersInJsonOfUtf16Stay) {
+    const QByteArray bytes("{\0\"\0\x02\0\"\0}\0", 10);
+    EXPECT_EQ(Repairs::repairText(bytes).bytes, bytes);
 }
 
 TEST(TextRepairs, WhatIsNoProjectStays) {
