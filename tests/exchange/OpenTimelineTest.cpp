@@ -75,7 +75,7 @@ Reader::Document project(json main) {
 
 /// A project whose timeline has a main track, id 10, and these clips.
 Reader::Document film(const std::vector<Entry>& entries, json fields = json::object()) {
-    fields["tracks"] = {object("Timeline::Track", 10, {{"type", 1}})};
+    fields["tracks"] = json::array({object("Timeline::Track", 10, {{"type", 1}})});
     return project(timeline(2, 100, entries, std::move(fields)));
 }
 

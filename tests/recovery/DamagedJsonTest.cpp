@@ -348,7 +348,7 @@ TEST(DamagedObject, TwoClipsOnNoTrackComeToOne) {
     const Recovered result = recovered(bytes);
     const json& track = objectOf(result, "Timeline::Track");
     EXPECT_EQ(track["type"], 16); // the usual one of videos
-    for (const unsigned long long timing : {5, 8})
+    for (const unsigned long long timing : {5U, 8U})
         EXPECT_EQ(objectAt(result, timing)["track"]["@meta_reference"], track["@meta"]["object_id"]);
     EXPECT_EQ(result.report.clipsInPlace, 2U);
 }
