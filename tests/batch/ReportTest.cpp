@@ -28,8 +28,6 @@
 using nlohmann::json;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::Pair;
-using testing::UnorderedElementsAre;
 
 namespace {
 

@@ -18,7 +18,6 @@ using Reader::TimelineClip;
 using Reader::TrackKind;
 using ReportPage::Clips;
 using ReportPage::Facts;
-using ReportPage::Fate;
 using ReportPage::Film;
 using ReportPage::Moment;
 using testing::HasSubstr;

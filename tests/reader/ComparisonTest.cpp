@@ -28,6 +28,7 @@ std::vector<Difference> differences(const QByteArray& before, const QByteArray& 
 /// "clip-moved Beach" or "object-changed Timeline::Object frameRate", to be read in failures.
 std::vector<std::string> texts(const std::vector<Difference>& differences) {
     std::vector<std::string> result;
+    result.reserve(differences.size());
     for (const Difference& difference : differences)
         result.push_back(std::string(nameOf(difference.kind)) + ' ' +
                          (difference.clip ? difference.clip->name : difference.className) +
@@ -302,7 +303,7 @@ TEST(ComparisonOfLists, DeepValuesAreOneDifference) {
     const auto nested = [](const char* open, const char* value, const char* close) {
         std::string text = value;
         for (int level = 0; level < 30; ++level)
-            text = open + text + close;
+            text.insert(0, open).append(close);
         return note(R"("a":)" + text);
     };
     for (const auto& [open, close] : {std::pair(R"({"b":)", "}"), std::pair("[", "]")}) {
