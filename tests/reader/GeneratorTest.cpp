@@ -31,7 +31,7 @@ TEST_P(GeneratorTest, TheProjectHasNoMoreFaultsThanTheSample) {
         return faults;
     };
     const auto once = faultsOf(Bench::generateProject(GetParam(), {}));
-    for (const std::size_t effects : {1, 3}) {
+    for (const std::size_t effects : {1U, 3U}) {
         const auto often = faultsOf(Bench::generateProject(GetParam(), {20000, 0, 0, effects}));
         for (const auto& [fault, count] : often)
             EXPECT_TRUE(once.count(fault)) << Reader::nameOf(fault.first) << ' ' << fault.second;
@@ -64,7 +64,7 @@ INSTANTIATE_TEST_SUITE_P(Versions, GeneratorTest, testing::Values(3, 12, 27, 34,
 TEST(Generator, ProjectsHaveTheRequestedSize) {
     const std::size_t further =
         elementsOf(Bench::generateProject(3, {5000})) - elementsOf(Bench::generateProject(3, {}));
-    for (const std::size_t elements : {10000, 50000, 300000}) {
+    for (const std::size_t elements : {10000U, 50000U, 300000U}) {
         const std::size_t found = elementsOf(Bench::generateProject(3, {elements}));
         EXPECT_GE(found, elements);
         EXPECT_LT(found, elements + further);

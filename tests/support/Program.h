@@ -21,8 +21,7 @@ struct Outcome {
 /// all other runs.
 inline QProcessEnvironment withoutCounters() {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("GCOV_PREFIX"), QStringLiteral("/dev/null"));
-    environment.insert(QStringLiteral("GCOV_ERROR_FILE"), QStringLiteral("/dev/null"));
+    environment.insert(QStringLiteral("LLVM_PROFILE_FILE"), QStringLiteral("/dev/null"));
     return environment;
 }
 
