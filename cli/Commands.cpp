@@ -31,6 +31,7 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace Commands {
 namespace {
@@ -217,6 +218,13 @@ struct Job {
     Reader::FileInPlace* file; ///< null unless the file is replaced
 };
 
+/// Keeps a migration until the program ends. The system then frees its memory at once, node by node takes longer.
+void keep(std::unique_ptr<Reader::Migration> migration) {
+    static std::vector<std::unique_ptr<Reader::Migration>>& kept = *new std::vector<
+        std::unique_ptr<Reader::Migration>>; // never destroyed, but no leak: it can be reached
+    kept.push_back(std::move(migration));
+}
+
 int migrateRead(const Arguments& arguments, const Job& job, Output& output) {
     const QString name = nameOf(job.input);
     Repairs::Opened project = opened(job.bytes, name, arguments);
@@ -230,10 +238,10 @@ int migrateRead(const Arguments& arguments, const Job& job, Output& output) {
     options.opening = std::move(project.report);
     options.reread = [&] { return opened(job.bytes, name, arguments).document; };
     options.watch = [&](const Reader::MigrationPart& part, const Reader::Document&) { progress.note(part); };
-    Reader::Migration migration(std::move(project.document), std::move(options));
-    progress.expect(migration.document(), arguments.to);
-    migration.run();
-    const Reader::MigrationReport& report = migration.report();
+    auto migration = std::make_unique<Reader::Migration>(std::move(project.document), std::move(options));
+    progress.expect(migration->document(), arguments.to);
+    migration->run();
+    const Reader::MigrationReport& report = migration->report();
     const bool isWritten = !arguments.check && !isRefused(arguments, report);
     if (isWritten && arguments.beforeWriting)
         arguments.beforeWriting(job.target);
@@ -241,7 +249,7 @@ int migrateRead(const Arguments& arguments, const Job& job, Output& output) {
     const bool toBundle = !arguments.bundle.empty() && isWritten;
     if (toBundle)
         makeBundle(path(arguments.bundle), *job.made);
-    const QByteArray result = migration.save(toBundle);
+    const QByteArray result = migration->save(toBundle);
 
     Summary summary{report, name};
     if (!arguments.repair)
@@ -264,7 +272,10 @@ int migrateRead(const Arguments& arguments, const Job& job, Output& output) {
         return Messages::WouldMigrate;
     if (!isWritten)
         throw Messages::Failure(Messages::refusedByStrict(name));
-    return isWhole(report) ? Messages::Done : Messages::Incomplete;
+    const int code = isWhole(report) ? Messages::Done : Messages::Incomplete;
+    if (!arguments.moreFilesFollow)
+        keep(std::move(migration));
+    return code;
 }
 
 /// The work of `run` on a file that was read.

@@ -43,6 +43,7 @@ struct Arguments {
     /// Called before anything is written, with the target. Set by a worker of a batch, which chooses names itself and
     /// makes missing folders.
     std::function<void(const QString& target)> beforeWriting = {};
+    bool moreFilesFollow = false; ///< whether this process goes on after the command, as a worker does
 };
 
 /// What the program does, a function for each command. Each gives the exit code; all but steps() and repairs() throw Reader::Error

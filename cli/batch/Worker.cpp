@@ -56,6 +56,7 @@ Arguments argumentsFor(const Request& request, const Arguments& shared) {
     if (request.isBundle)
         arguments.bundle = QFile::encodeName(QFileInfo(Places::path(arguments.output)).path()).toStdString();
     arguments.force = request.force;
+    arguments.moreFilesFollow = true;
     return arguments;
 }
 

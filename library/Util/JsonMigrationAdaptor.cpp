@@ -21,9 +21,9 @@ std::pair<int, nlohmann::json> JsonMigrationAdaptor::convert(const QDomDocument&
     return {m_version, std::move(result)};
 }
 
-std::pair<int, nlohmann::json> JsonMigrationAdaptor::consume(Archive::Internal::ArchiveEditor archive,
+std::pair<int, nlohmann::json> JsonMigrationAdaptor::convert(Archive::Internal::ArchiveEditor& archive,
                                                              std::set<unsigned long long>& sharedIds) {
-    nlohmann::json result = XmlToJsonAdaptor().consume(std::move(archive), sharedIds);
+    nlohmann::json result = XmlToJsonAdaptor().adapt(archive, sharedIds);
     m_converted = true;
     return {m_version, std::move(result)};
 }

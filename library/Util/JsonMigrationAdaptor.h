@@ -24,11 +24,11 @@ public:
     bool canConvert(Bundle::Backend from, Bundle::Backend to) const override;
     std::pair<int, nlohmann::json> convert(const QDomDocument& document) override;
 
-    /// As convert(), for a document that is not needed afterwards; see XmlToJsonAdaptor::consume().
-    std::pair<int, nlohmann::json> consume(Archive::Internal::ArchiveEditor archive,
+    /// The same without ids that mean two objects; see XmlToJsonAdaptor::adapt().
+    std::pair<int, nlohmann::json> convert(Archive::Internal::ArchiveEditor& archive,
                                            std::set<unsigned long long>& sharedIds);
 
-    /// Whether convert() or consume() has been called.
+    /// Whether convert() has been called.
     bool converted() const { return m_converted; }
 
 private:

@@ -85,12 +85,10 @@ const QHash<QString, Scalar>& scalars() {
 // Containers: each is a frame in a list that replaces recursion, so that depth costs memory, not stack.
 
 /// An object element. `next` is the child to convert next, `key` the member that gets the current value.
-/// `spent` is the element if it is to be freed afterwards.
 struct ObjectFrame {
     json object;
     QDomElement next;
     std::string key;
-    QDomElement spent;
 };
 
 /// An array element; `item` is the current entry.
@@ -141,10 +139,9 @@ constexpr NamedMap namedMaps[] = {
 
 class Conversion {
 public:
-    /// With `sharedIds`, objects are freed after their conversion, and embedded objects that have the id of a
-    /// root object lose it.
+    /// With `sharedIds`, embedded objects that have the id of a root object lose it.
     Conversion(ArchiveEditor& archive, std::set<unsigned long long>* sharedIds)
-        : m_editor(archive), m_freesObjects(sharedIds != nullptr), m_sharedIds(sharedIds) {}
+        : m_editor(archive), m_sharedIds(sharedIds) {}
 
     json run();
 
@@ -176,7 +173,6 @@ private:
 
     ArchiveEditor& m_editor;
     QDomElement m_archive;
-    bool m_freesObjects;
     std::set<unsigned long long>* m_sharedIds; ///< null if embedded objects keep their ids
     QSet<unsigned long long> m_rootIds;
     QMap<qint64, QString> m_predeclaredTypes;
@@ -201,8 +197,6 @@ json Conversion::run() {
 void Conversion::collect() {
     Elements predeclarators;
     for (const auto& [object, type] : m_editor.rootObjectsBelow(m_archive)) {
-        if (object.parentNode() != m_archive)
-            m_freesObjects = false; // a nested object may be converted twice: where it is, and by a reference
         if (m_sharedIds)
             m_rootIds.insert(Archive::objectIdOf(object));
         if (type == Words::Predeclarator)
@@ -212,11 +206,6 @@ void Conversion::collect() {
     }
     for (const QDomElement& predeclarator : predeclarators)
         collectPredeclarations(predeclarator);
-    if (m_freesObjects) {
-        m_editor.invalidate(); // the index would keep objects alive
-        for (const QDomElement& predeclarator : predeclarators)
-            m_archive.removeChild(predeclarator);
-    }
     // Quirk: base class parts get ids above those of the predeclared objects only: an object without a
     // predeclaration may have the same id as a part.
     if (!m_predeclaredTypes.isEmpty())
@@ -277,9 +266,7 @@ std::optional<json> Conversion::beginObject(const QDomElement& element) {
     }
     json object = json::object();
     object[MetaDetails::s_meta] = std::move(meta);
-    const bool isSpent = m_freesObjects && element.tagName() == Words::RootObject;
-    m_frames.push_back(
-        ObjectFrame{std::move(object), element.firstChildElement(), {}, isSpent ? element : QDomElement()});
+    m_frames.push_back(ObjectFrame{std::move(object), element.firstChildElement(), {}});
     return std::nullopt;
 }
 
@@ -340,11 +327,8 @@ std::optional<json> Conversion::resume(ObjectFrame& frame, std::optional<json> v
     for (;;) {
         if (value)
             frame.object[std::move(frame.key)] = std::move(*value);
-        if (frame.next.isNull()) {
-            if (!frame.spent.isNull())
-                m_archive.removeChild(frame.spent);
+        if (frame.next.isNull())
             return complete(std::move(frame.object));
-        }
         const QDomElement child = frame.next;
         frame.next = child.nextSiblingElement();
         const QString tag = child.tagName();
@@ -421,7 +405,7 @@ json XmlToJsonAdaptor::adapt(const QDomDocument& document) {
     return Conversion(archive, nullptr).run();
 }
 
-json XmlToJsonAdaptor::consume(ArchiveEditor archive, std::set<unsigned long long>& sharedIds) {
+json XmlToJsonAdaptor::adapt(ArchiveEditor& archive, std::set<unsigned long long>& sharedIds) {
     return Conversion(archive, &sharedIds).run();
 }
 

@@ -18,15 +18,13 @@ namespace Util {
 /// run in different threads, on different documents.
 class XmlToJsonAdaptor {
 public:
-    /// Converts a document without changing it.
+    /// Does not change the document.
     nlohmann::json adapt(const QDomDocument& document);
 
-    /// The same, for a document that is not needed afterwards: objects are removed from it and freed as soon
-    /// as they are converted, so that the two forms are not in memory at the same time. The content of the
-    /// document is unspecified afterwards. In an archive a reference means a root object; in JSON it would
-    /// mean the first object of that id. So embedded objects that have the id of a root object get the id 0.
-    /// Such ids are added to `sharedIds`.
-    nlohmann::json consume(Archive::Internal::ArchiveEditor archive, std::set<unsigned long long>& sharedIds);
+    /// The same, but embedded objects that have the id of a root object get the id 0, and such ids are added to
+    /// `sharedIds`: in an archive a reference means a root object, in JSON it would mean the first object of that
+    /// id.
+    nlohmann::json adapt(Archive::Internal::ArchiveEditor& archive, std::set<unsigned long long>& sharedIds);
 };
 
 } // namespace Util

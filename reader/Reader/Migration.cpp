@@ -174,12 +174,11 @@ void Migration::convert() {
     // project uses, too.
     std::set<unsigned long long> sharedIds;
     runNamed(conversion.name().toStdString(), [&] {
-        m_document.xml() = QDomDocument(); // the conversion frees what it has converted
-        auto [version, json] = conversion.consume(std::move(*m_archive), sharedIds);
+        auto [version, json] = conversion.convert(*m_archive, sharedIds);
         m_document =
             Document(openEnvelope(std::move(json), m_options.name), std::max(*m_document.version(), version));
     });
-    m_archive.reset();
+    m_converted = std::move(m_archive);
     m_losses.noteTimelines(flat(), conversion.name().toStdString());
     auto& duplicateIds = m_document.json().notes.duplicateIds;
     sharedIds.insert(duplicateIds.begin(), duplicateIds.end());

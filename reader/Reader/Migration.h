@@ -95,6 +95,8 @@ private:
     MigrationOptions m_options;
     Document m_document;
     std::unique_ptr<Archive::Internal::ArchiveEditor> m_archive; ///< null unless the document is an archive
+    /// The archive after its conversion. Freeing it takes a tenth of the time of a migration.
+    std::unique_ptr<Archive::Internal::ArchiveEditor> m_converted;
     std::unique_ptr<Archive::Internal::FlatEditor> m_flat; ///< null until it is needed; of a JSON document
     MigrationReport m_report;
     LossTracker m_losses;

@@ -54,18 +54,19 @@ TEST(JsonMigrationAdaptor, GivesItsVersionAndRemembersThatItRan) {
     EXPECT_TRUE(adaptor.converted());
 }
 
-/// The rest of a document after consume(), and the result.
-struct Consumed {
-    explicit Consumed(const std::string& content) : document(Tests::archive(content)) {
-        value = Util::XmlToJsonAdaptor().consume(Archive::Internal::ArchiveEditor(document), idsTaken);
+/// A document and its conversion without shared ids.
+struct Unshared {
+    explicit Unshared(const std::string& content) : document(Tests::archive(content)) {
+        Archive::Internal::ArchiveEditor archive(document);
+        value = Util::XmlToJsonAdaptor().adapt(archive, sharedIds);
     }
 
     QDomDocument document;
     json value;
-    std::set<unsigned long long> idsTaken;
+    std::set<unsigned long long> sharedIds;
 };
 
-TEST(ConsumingConversion, GivesTheSameAsTheOther) {
+TEST(SharedIds, AreNoneInMostDocuments) {
     const std::string pair =
         "<Value type='Array' size='1'>" + item(ref("First", 4) + ref("Second", 5)) + "</Value>";
     const std::vector<std::string> contents = {
@@ -82,48 +83,49 @@ TEST(ConsumingConversion, GivesTheSameAsTheOther) {
     };
     for (const std::string& content : contents) {
         SCOPED_TRACE(content);
-        const Consumed consumed(content);
-        expectSame(Tests::convert(Tests::archive(content)), consumed.value);
-        EXPECT_TRUE(consumed.idsTaken.empty());
+        const Unshared unshared(content);
+        expectSame(Tests::convert(Tests::archive(content)), unshared.value);
+        EXPECT_TRUE(unshared.sharedIds.empty());
     }
 }
 
 // An object inside another is converted where it is, and once more at the first reference.
-TEST(ConsumingConversion, ConvertsNestedRootObjectsTwice) {
+TEST(SharedIds, ConvertsNestedRootObjectsTwice) {
     const std::string content =
         ref("RootRef", 2) +
         object("A", 2, "<in type='B' objectId='7'>" + object("N", 3, ref("c", 4)) + "</in>" + ref("n", 3)) +
         object("C", 4, "<x type='int32_t' value='5'/>");
-    const Consumed consumed(content);
-    const json data = consumed.value["data"];
-    expectSame(Tests::convert(Tests::archive(content)), consumed.value);
+    const Unshared unshared(content);
+    const json data = unshared.value["data"];
+    expectSame(Tests::convert(Tests::archive(content)), unshared.value);
     EXPECT_EQ(data["in"]["RootObject"]["c"]["x"], 5);
     EXPECT_EQ(data["n"]["c"]["@meta_reference"], 4);
 }
 
-TEST(ConsumingConversion, FreesWhatItConverts) {
-    const Consumed consumed(predeclarator({{"A", 2}}) + ref("RootRef", 2) + object("A", 2, ref("b", 3)) +
-                            object("B", 3) + object("Unreached", 4));
-    const QDomElement left = consumed.document.documentElement().firstChildElement("RootObject");
-    EXPECT_EQ(left.attribute("type"), "Unreached");
-    EXPECT_TRUE(left.nextSiblingElement("RootObject").isNull());
+TEST(SharedIds, LeaveTheDocumentAsItIs) {
+    const std::string content = ref("RootRef", 2) +
+                                object("A", 2, "<e type='E' objectId='3'/>" + ref("b", 3)) + object("B", 3) +
+                                object("Unreached", 4);
+    const Unshared unshared(content);
+    EXPECT_EQ(unshared.document.toString(), Tests::archive(content).toString());
+    EXPECT_EQ(unshared.sharedIds, std::set<unsigned long long>{3});
 }
 
-TEST(ConsumingConversion, RemovesIdsOfRootObjectsFromEmbeddedObjects) {
+TEST(SharedIds, RemovesIdsOfRootObjectsFromEmbeddedObjects) {
     const std::string content = ref("RootRef", 2) +
                                 object("A", 2,
                                        "<own type='E' objectId='8'/><other type='E' objectId='3'/>"
                                        "<none type='E'/>" +
                                            ref("b", 3)) +
                                 object("B", 3, "<BaseOfObject type='C' objectId='3'/>");
-    const Consumed consumed(content);
-    const json data = consumed.value["data"];
+    const Unshared unshared(content);
+    const json data = unshared.value["data"];
     EXPECT_EQ(data["own"]["@meta"]["object_id"], 8);
     EXPECT_EQ(data["other"]["@meta"]["object_id"], 0);
     EXPECT_EQ(data["none"]["@meta"]["object_id"], 0);
     EXPECT_EQ(data["b"]["@meta"]["object_id"], 3);
     EXPECT_EQ(data["b"]["C"]["@meta"]["object_id"], 1);
-    EXPECT_EQ(consumed.idsTaken, std::set<unsigned long long>{3});
+    EXPECT_EQ(unshared.sharedIds, std::set<unsigned long long>{3});
     EXPECT_EQ(Tests::convert(Tests::archive(content))["data"]["other"]["@meta"]["object_id"], 3);
 }
 
