@@ -21,6 +21,8 @@ json figuresOf(const MigrationTimes& times) {
             {"load", times.load},
             {"write", times.write},
             {"create", times.create},
+            {"freeLoaded", times.freeLoaded},
+            {"freeMigrated", times.freeMigrated},
             {"convert", times.convert},
             {"floor", times.floor()},
             {"bound", times.bound()},

@@ -6,6 +6,7 @@
 #include "bench/Measure.h"
 
 #include <algorithm>
+#include <memory>
 #include <string_view>
 
 namespace Bench {
@@ -75,6 +76,7 @@ public:
     std::vector<Part> steps;
     std::vector<Part> others;
     double migration = 0;
+    double freeing = 0;
     std::size_t logLines = 0;
     QByteArray result;
 
@@ -85,12 +87,13 @@ public:
         options.watch = [this](const Reader::MigrationPart& part, const Reader::Document&) { add(part); };
         Reader::Document document = Reader::parse(text, name);
         add("parse");
-        Reader::Migration pipeline(std::move(document), std::move(options));
-        pipeline.run();
-        result = pipeline.save();
+        auto pipeline = std::make_unique<Reader::Migration>(std::move(document), std::move(options));
+        pipeline->run();
+        result = pipeline->save();
         add("write");
         migration = processorTime() - start;
-        logLines = pipeline.report().log.size();
+        logLines = pipeline->report().log.size();
+        freeing = millisecondsOf([&] { pipeline.reset(); });
     }
 
     /// 0 if there is no such part.
@@ -152,6 +155,7 @@ MigrationTimes measureMigration(const Size& size, int runs) {
     for (int number = 0; number < runs; ++number) {
         Run& run = all.emplace_back(text);
         times.migration = run.migration;
+        times.freeMigrated = run.freeing;
         times.convert = run.timeOf("XmlToJson");
         times.bytesWritten = static_cast<std::size_t>(run.result.size());
         times.logLines = run.logLines;
@@ -164,6 +168,7 @@ MigrationTimes measureMigration(const Size& size, int runs) {
         times.create = millisecondsOf([&] { created = createNodes(added); });
         QDomDocument document;
         times.load = millisecondsOf([&] { document = Reader::parseXml(text, name); });
+        times.freeLoaded = millisecondsOf([&] { document = QDomDocument(); });
         measured.push_back(times);
         ratios.push_back(times.migration / times.floor());
     }

@@ -30,6 +30,8 @@ struct MigrationTimes {
     double create = 0;          ///< as many elements and attributes as the archive has more after all steps
     double convert = 0;         ///< the conversion to JSON, as in the migration
     double migration = 0;       ///< parse, migrate and save, as in the program
+    double freeLoaded = 0;      ///< freeing the loaded archive; not part of `load`
+    double freeMigrated = 0;    ///< freeing what is left of a migration; not part of `migration`
     std::vector<Part> steps;    ///< each measured in the migration itself
     std::vector<Part> others;   ///< all other parts of the migration
     std::size_t loadMemory = 0; ///< peak of loading alone

@@ -157,8 +157,25 @@ Document::Document(const QDomDocument& xml, std::optional<int> version, std::opt
 Document::Document(JsonDocument json, std::optional<int> version, std::optional<int> statedVersion)
     : m_content(std::move(json)), m_version(version), m_statedVersion(statedVersion) {}
 Document::~Document() = default;
-Document::Document(Document&& other) noexcept = default;
-Document& Document::operator=(Document&& other) noexcept = default;
+/// A QDomDocument can't be moved: the one that was copied would keep the tree alive.
+Document::Content Document::take(Content& content) noexcept {
+    Content taken = std::move(content);
+    if (QDomDocument* tree = std::get_if<QDomDocument>(&content))
+        *tree = QDomDocument();
+    return taken;
+}
+
+Document::Document(Document&& other) noexcept
+    : m_content(take(other.m_content)), m_version(other.m_version), m_statedVersion(other.m_statedVersion),
+      m_facts(std::move(other.m_facts)) {}
+
+Document& Document::operator=(Document&& other) noexcept {
+    m_content = take(other.m_content);
+    m_version = other.m_version;
+    m_statedVersion = other.m_statedVersion;
+    m_facts = std::move(other.m_facts);
+    return *this;
+}
 
 Backend Document::form() const {
     return m_content.index() == 0 ? Bundle::Backend::Xml : Bundle::Backend::Json;

@@ -70,7 +70,10 @@ private:
     friend ObjectCounts countObjects(const Document&);
     friend class Migration;
 
-    std::variant<QDomDocument, JsonDocument> m_content;
+    using Content = std::variant<QDomDocument, JsonDocument>;
+    static Content take(Content& content) noexcept;
+
+    Content m_content;
     std::optional<int> m_version;
     std::optional<int> m_statedVersion;
     /// What the parser saw of the tree; null for JSON, and once the tree was handed out to be changed.

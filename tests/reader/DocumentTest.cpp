@@ -316,4 +316,18 @@ TEST(Contents, OfJson) {
     EXPECT_EQ(Reader::findReachable(document), (std::unordered_set<unsigned long long>{2, 3, 10}));
 }
 
+TEST(MovedDocument, LetsGoOfTheTree) {
+    Reader::Document first = Reader::parse("<Archive/>", name, 27);
+    Reader::Document second = std::move(first);
+    EXPECT_TRUE(first.xml().isNull()); // NOLINT(bugprone-use-after-move)
+    EXPECT_FALSE(second.xml().isNull());
+    EXPECT_EQ(second.version(), 27);
+    Reader::Document third =
+        Reader::parse(R"({"version":"1.0","data":{"@meta":{"class_name":"A","object_id":2}}})", name);
+    third = std::move(second);
+    EXPECT_TRUE(second.xml().isNull()); // NOLINT(bugprone-use-after-move)
+    EXPECT_EQ(third.xml().documentElement().tagName(), "Archive");
+    EXPECT_EQ(third.version(), 27);
+}
+
 } // namespace
