@@ -253,7 +253,7 @@ int migrateRead(const Arguments& arguments, const Job& job, Output& output) {
 
     Summary summary{report, name};
     if (!arguments.repair)
-        summary.advice = Reader::Report::betterRepairs(report, {job.bytes, arguments.from, job.options});
+        summary.advice = Reader::Report::betterRepairs(*migration, {job.bytes, arguments.from, job.options});
     if (isWritten) {
         if (job.file) {
             const Reader::Replacement replacement = job.file->replace(result);
@@ -451,7 +451,7 @@ int exportRead(const Arguments& arguments, const Job& job, Output& output) {
     const Reader::MigrationReport& report = migration.report();
     Summary summary{report, name};
     if (!arguments.repair)
-        summary.advice = Reader::Report::betterRepairs(report, {job.bytes, arguments.from, job.options});
+        summary.advice = Reader::Report::betterRepairs(migration, {job.bytes, arguments.from, job.options});
     const bool isWritten = !isRefused(arguments, report);
     // Saved and read again: paths count from the target then, as in a project that is written there.
     const Reader::TimelineExport result =

@@ -140,7 +140,7 @@ Migrated migrate(const Source& source, const Options& options, Strictness strict
         QByteArray data = work.save();
         MigrationFacts facts{work.report()};
         if (!options.repair)
-            facts.advice = betterRepairs(work.report(), {input.bytes, options.from, shared});
+            facts.advice = betterRepairs(work, {input.bytes, options.from, shared});
         Json report = input.reported("migrate", migration(facts));
         if (isRefusedResult)
             throw Refusal{std::move(report)};
@@ -161,7 +161,7 @@ Migrated exportOtio(const Source& source, const Options& options, Strictness str
         work.run();
         MigrationFacts facts{work.report()};
         if (!options.repair)
-            facts.advice = betterRepairs(work.report(), {input.bytes, options.from, shared});
+            facts.advice = betterRepairs(work, {input.bytes, options.from, shared});
         const bool isRefusedResult = isRefused(strictness, work.report());
         // Saved and read again: paths count from the target then, as in a project that is written there.
         const Reader::TimelineExport result =

@@ -185,6 +185,10 @@ void Migration::convert() {
     duplicateIds.assign(sharedIds.begin(), sharedIds.end());
 }
 
+void Migration::freeConverted() {
+    m_converted.reset();
+}
+
 /// The stages on a JSON document.
 void Migration::migrateJson() {
     for (const AdaptorRow* step : stepsFor(Backend::Json, *m_document.version(), m_options.to)) {

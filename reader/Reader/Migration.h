@@ -65,6 +65,10 @@ public:
     /// Gives the bytes of the document as it is. The document can't be used afterwards.
     QByteArray write();
 
+    /// Frees the archive behind its conversion, which the migration keeps until it is destroyed: freeing takes a tenth
+    /// of the time of a migration.
+    void freeConverted();
+
     /// Must not be called after save() or write().
     const Document& document() const { return m_document; }
     const MigrationReport& report() const { return m_report; }
@@ -94,9 +98,8 @@ private:
 
     MigrationOptions m_options;
     Document m_document;
-    std::unique_ptr<Archive::Internal::ArchiveEditor> m_archive; ///< null unless the document is an archive
-    /// The archive after its conversion. Freeing it takes a tenth of the time of a migration.
-    std::unique_ptr<Archive::Internal::ArchiveEditor> m_converted;
+    std::unique_ptr<Archive::Internal::ArchiveEditor> m_archive;   ///< null unless the document is an archive
+    std::unique_ptr<Archive::Internal::ArchiveEditor> m_converted; ///< the archive behind its conversion
     std::unique_ptr<Archive::Internal::FlatEditor> m_flat; ///< null until it is needed; of a JSON document
     MigrationReport m_report;
     LossTracker m_losses;

@@ -35,9 +35,11 @@ std::optional<MigrationReport> helpfulRepairs(const Error& error, const Subject&
     return std::move(trial.report);
 }
 
-std::vector<RepairMade> betterRepairs(const MigrationReport& report, const Subject& subject) {
+std::vector<RepairMade> betterRepairs(Migration& migration, const Subject& subject) {
+    const MigrationReport& report = migration.report();
     if (!report.hasErrors() && !report.hasUnintendedLosses())
         return {};
+    migration.freeConverted();
     Repairs::Trial trial = tryRepairs(subject);
     return Repairs::isBetter(trial, report) ? std::move(trial.report.repairs) : std::vector<RepairMade>();
 }

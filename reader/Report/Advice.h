@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Reader/Error.h"
+#include "Reader/Migration.h"
 #include "Reader/MigrationOptions.h"
 #include "Reader/MigrationReport.h"
 
@@ -26,7 +27,8 @@ struct Subject {
 /// The report of a second try with repairs, where it succeeds; none otherwise, and for an error that repairs can't help.
 std::optional<MigrationReport> helpfulRepairs(const Error& error, const Subject& subject);
 
-/// The repairs that a second try makes, if its result loses less or has fewer errors than that report says.
-std::vector<RepairMade> betterRepairs(const MigrationReport& report, const Subject& subject);
+/// The repairs that a second try makes, if its result loses less or has fewer errors than the migration, which has run.
+/// What the migration does not need any more is freed before.
+std::vector<RepairMade> betterRepairs(Migration& migration, const Subject& subject);
 
 } // namespace Reader::Report
