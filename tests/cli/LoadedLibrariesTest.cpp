@@ -79,7 +79,9 @@ TEST_F(LoadedLibrariesTest, OnlyADrawingNeedsTheLargeOnes) {
 TEST_F(LoadedLibrariesTest, AProgramWithoutItsModuleSaysSoAtADrawing) {
     write("drawn.xml", projectWith(drawing));
     write("plain.xml", archive());
-    const QString alone = path("adaptors-alone");
+    // In a folder of its own, since the program looks for the module in "../lib" as well.
+    const QString alone = path("bin/adaptors-alone");
+    std::filesystem::create_directory(path("bin").toStdString());
     std::filesystem::copy(Tests::program(), alone.toStdString());
 
     const Outcome drawn = Tests::runCommand(alone, {"migrate", "drawn.xml"}, m_folder.path());
