@@ -155,6 +155,8 @@ void Builder::note(const QDomElement& element, const QString& tag, const QString
         m_facts->baseParts->push_back({element, type});
     else if (tag == Words::Archive)
         ++m_facts->archives;
+    if (Archive::Internal::isListedType(type))
+        m_facts->elementsByType[type].push_back(element);
     if (!objectId)
         return;
     ++m_facts->objectsByType[type];

@@ -316,6 +316,125 @@ TEST_F(ArchiveEditorTest, UpdatesTheRecords) {
     expectSameAfter([&](ArchiveEditor& archive) { archive.remove(m_array); });
 }
 
+TEST_F(ArchiveEditorTest, ListsElementsOfTypes) {
+    expectSameAfter([&](ArchiveEditor& archive) {
+        archive.fields(m_first)
+            .stringPtr("name", "a")
+            .typed("timing", Words::ClipTiming, "")
+            .string("tag", "b");
+        archive.appendObject(m_last, Words::Value, Words::ClipTiming, 20);
+        archive.newObject(Words::Value, Words::ClipTiming, 21); // never inserted
+    });
+    const QDomElement name = m_first.firstChildElement("name");
+    const QDomElement timing = m_last.firstChildElement(Words::Value);
+    expectSameAfter([&](ArchiveEditor& archive) {
+        archive.append(m_last, name); // moved
+        archive.setType(timing, "A");
+        archive.setType(m_array, Words::StringPtr);
+        archive.setType(m_array.attributeNode(Words::type), Words::ClipTiming);
+    });
+    expectSameAfter([&](ArchiveEditor& archive) {
+        archive.setType(timing, Words::ClipTiming);
+        archive.setType(timing, "A");
+        archive.setType(timing, Words::ClipTiming); // listed twice
+        archive.remove(name);
+        EXPECT_EQ(archive.ofListedType(Words::StringPtr).size(), 0);
+        archive.append(m_first, name); // again
+    });
+    expectSameAfter([&](ArchiveEditor& archive) { archive.remove(m_last); });
+    expectSameAfter([&](ArchiveEditor& archive) {
+        QDomDocument other;
+        ASSERT_TRUE(
+            other.setContent(QStringLiteral("<x type='StringPtr'><y type='Timeline::ClipTiming'/></x>")));
+        archive.append(m_first, other.documentElement());
+    });
+    expectSameAfter(
+        [&](ArchiveEditor& archive) { archive.parse("<Archive type='StringPtr'><x/></Archive>"); });
+}
+
+TEST_F(ArchiveEditorTest, FindsRecordsAtAnyDepth) {
+    const auto refsOfFirst = [&](ArchiveEditor& archive) {
+        const QDomElement data = archive.records().begin()->data;
+        if (data.firstChildElement(Words::refs).isNull())
+            archive.fields(data).array(Words::refs);
+        return data.firstChildElement(Words::refs);
+    };
+    const auto countOf = [&](ArchiveEditor& archive) {
+        const RecordList records = archive.recordsAtAnyDepth(m_array);
+        return std::distance(records.begin(), records.end());
+    };
+    // What is below records and declares nothing is left out.
+    expectSameAfter([&](ArchiveEditor& archive) { archive.appendReference(refsOfFirst(archive), 7); });
+    expectSameAfter([&](ArchiveEditor& archive) {
+        EXPECT_EQ(countOf(archive), 2);
+        archive.appendReference(refsOfFirst(archive), 7);
+        EXPECT_EQ(countOf(archive), 2);
+        archive.declare("A", 0, {1, 7});
+        archive.declareAs(-9, "A");
+        EXPECT_EQ(countOf(archive), 4);
+        archive.undeclare(7);
+        archive.records();
+        EXPECT_EQ(countOf(archive), 3);
+    });
+    const QDomElement nested = firstDescendant(m_array, Words::refs).firstChildElement(Words::Item);
+    const QDomElement data = nested.firstChildElement(Words::Data);
+    const QDomElement refs = nested.parentNode().toElement();
+    // A reference becomes a record,
+    expectSameAfter([&](ArchiveEditor& archive) { archive.fields(data).int64(Words::oid, 8); });
+    // gets another id,
+    expectSameAfter([&](ArchiveEditor& archive) { archive.removeField(data, Words::oid); });
+    expectSameAfter([&](ArchiveEditor& archive) { archive.fields(data).int64("x", 8); });
+    expectSameAfter([&](ArchiveEditor& archive) { archive.rename(data.firstChildElement("x"), Words::oid); });
+    expectSameAfter([&](ArchiveEditor& archive) { archive.remove(data.firstChildElement(Words::oid)); });
+    // another `Data`,
+    QDomElement record;
+    expectSameAfter([&](ArchiveEditor& archive) {
+        record = archive.newObject(Words::Data, Words::Predeclare, 40);
+        archive.fields(record).int64(Words::oid, 9);
+        archive.append(nested, record);
+    });
+    expectSameAfter([&](ArchiveEditor& archive) { archive.placeBefore(nested, record, data); });
+    expectSameAfter([&](ArchiveEditor& archive) { archive.append(nested, record); });
+    expectSameAfter([&](ArchiveEditor& archive) { archive.remove(data); });
+    expectSameAfter([&](ArchiveEditor& archive) { archive.rename(record, "x"); });
+    expectSameAfter([&](ArchiveEditor& archive) { archive.rename(record, Words::Data); });
+    // or leaves; and others come that hold records.
+    expectSameAfter([&](ArchiveEditor& archive) {
+        archive.remove(nested);
+        EXPECT_EQ(countOf(archive), elements(m_array, Words::Item).size()); // a search
+        EXPECT_EQ(countOf(archive), 3);
+        archive.append(refs, nested);
+        EXPECT_EQ(countOf(archive), elements(m_array, Words::Item).size());
+    });
+    expectSameAfter([&](ArchiveEditor& archive) {
+        archive.remove(nested);
+        countOf(archive);
+        EXPECT_EQ(countOf(archive), 3);
+        const QDomElement list = archive.newArray("list");
+        archive.append(list, nested);
+        archive.append(refs, list);
+        EXPECT_EQ(countOf(archive), elements(m_array, Words::Item).size());
+    });
+    expectSameAfter([&](ArchiveEditor& archive) { archive.remove(nested); });
+    // An object 0 counts as the same as what declares nothing.
+    expectSameAfter([&](ArchiveEditor& archive) {
+        archive.appendReference(refs, 7);
+        countOf(archive);
+        EXPECT_EQ(countOf(archive), 3);
+        archive.remove(archive.appendItem(m_array));
+        EXPECT_EQ(countOf(archive), elements(m_array, Words::Item).size());
+        EXPECT_EQ(countOf(archive), 3);
+        archive.appendItem(m_array);
+    });
+    expectSameAfter([&](ArchiveEditor& archive) { archive.remove(m_array.lastChildElement()); });
+    expectSameAfter([&](ArchiveEditor& archive) {
+        archive.appendReference(refs, 7);
+        archive.removeField(archive.records().begin()->data, Words::oid);
+    });
+    expectSameAfter(
+        [&](ArchiveEditor& archive) { EXPECT_EQ(countOf(archive), elements(m_array, Words::Item).size()); });
+}
+
 TEST_F(ArchiveEditorTest, UndeclaresAsIfOneByOne) {
     // Two equal documents: one is changed by the editor, the other by the plain functions, call by call.
     QDomDocument plain = m_document.cloneNode().toDocument();

@@ -39,11 +39,16 @@ inline std::string difference(const Archive::Internal::TreeFacts& facts, const Q
     if (facts.showsTypes && !showsTypes(document))
         return "types that the text does not show";
     QHash<QString, std::size_t> objects;
+    Archive::Internal::ElementsByType ofListedTypes = {{Words::StringPtr, {}}, {Words::ClipTiming, {}}};
     const auto count = [&](const QDomElement& e) {
         if (e.hasAttribute(Words::objectId))
             ++objects[Archive::typeOf(e)];
+        if (const auto list = ofListedTypes.find(Archive::typeOf(e)); list != ofListedTypes.end())
+            list->push_back(e);
     };
     Archive::Internal::walkElements(document, count, [](const QDomElement&) {});
+    if (facts.elementsByType != ofListedTypes)
+        return "other elements of a type";
     return facts.objectsByType == objects ? std::string() : "other objects";
 }
 

@@ -6,9 +6,52 @@
 #include <QDomDocument>
 
 #include <algorithm>
+#include <set>
 #include <string>
 
 namespace Tests {
+
+/// Whether the editor gives the same elements of a listed type as a search, in any order.
+inline bool hasAllOfType(Archive::Internal::ArchiveEditor& archive, const QString& type) {
+    using namespace Archive::Internal;
+    const auto keysOf = [](const Elements& elements) {
+        std::multiset<const void*> keys;
+        for (const QDomElement& e : elements)
+            keys.insert(identityOf(e));
+        return keys;
+    };
+    Elements found;
+    const auto enter = [&](const QDomElement& e) {
+        if (e.attribute(Words::type) == type)
+            found.push_back(e);
+    };
+    walkElements(archive.document(), enter, [](const QDomElement&) {});
+    return keysOf(archive.ofListedType(type)) == keysOf(found);
+}
+
+/// Whether the editor gives the same records at any depth as a search, apart from those that declare nothing. If it
+/// leaves some out, no other record is of the object 0.
+inline bool hasAllRecords(Archive::Internal::ArchiveEditor& archive, const QDomElement& array) {
+    using namespace Archive::Internal;
+    const RecordList records = archive.recordsAtAnyDepth(array);
+    auto record = records.begin();
+    bool isOneOfNone = false;
+    bool isOneMissing = false;
+    for (const QDomElement& item : elements(array, Words::Item)) {
+        const Record fresh = recordIn(item);
+        if (record != records.end() && record->item == item) {
+            if (record->data != fresh.data || record->id != fresh.id)
+                return false;
+            isOneOfNone = isOneOfNone || record->id == 0;
+            ++record;
+            continue;
+        }
+        if (fresh.data.hasChildNodes())
+            return false;
+        isOneMissing = true;
+    }
+    return record == records.end() && !(isOneMissing && isOneOfNone);
+}
 
 /// The first difference between the index of an editor and a search of its document; empty if there is none.
 /// Updates the index.
@@ -37,6 +80,12 @@ inline std::string indexDifference(Archive::Internal::ArchiveEditor& archive) {
     for (std::size_t place = 0; place < archive.numberedRecords(); ++place) {
         if (items.at(place).attribute(Words::index) != QString::number(place + 1))
             return "records with another index";
+    }
+    if (!hasAllRecords(archive, array))
+        return "other records at any depth";
+    for (const QString& type : {Words::StringPtr, Words::ClipTiming}) {
+        if (!hasAllOfType(archive, type))
+            return "other elements of the type " + type.toStdString();
     }
     if (archive.showsTypes() && !showsTypes(document))
         return "types that the text does not show";

@@ -2,7 +2,6 @@
 
 #include "Archive/Internal/ArchiveEditor.h"
 #include "Archive/Internal/StringPtr.h"
-#include "Archive/Xml.h"
 
 #include <QRegularExpression>
 
@@ -20,12 +19,8 @@ constexpr const char* newType = "String";
 
 /// For a document whose text has matches only in attributes `type`.
 void convertTypes(ArchiveEditor& archive) {
-    const QDomDocument& document = archive.document();
-    for (QDomNode node = document.firstChild(); !node.isNull(); node = nextInDocument(node, document)) {
-        const QDomElement e = node.toElement();
-        if (Archive::typeOf(e) == Words::StringPtr)
-            archive.setType(e, newType);
-    }
+    for (const QDomElement& e : archive.ofListedType(Words::StringPtr))
+        archive.setType(e, newType);
 }
 
 void convertText(ArchiveEditor& archive) {

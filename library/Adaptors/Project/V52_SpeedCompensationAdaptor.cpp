@@ -9,8 +9,10 @@ namespace Project {
 void V52_SpeedCompensationAdaptor::convert(ArchiveEditor& archive) {
     // Quirk: only timings that are values of a map are found, and a timing that has the flag gets a second
     // one.
-    for (const QDomElement& timing : elements(archive.document(), Words::Value, "Timeline::ClipTiming"))
-        archive.fields(timing).boolean("speedCompensated", false);
+    for (const QDomElement& timing : archive.ofListedType(Words::ClipTiming)) {
+        if (timing.tagName() == Words::Value)
+            archive.fields(timing).boolean("speedCompensated", false);
+    }
 }
 
 } // namespace Project

@@ -18,10 +18,9 @@ QDomElement newTable(ArchiveEditor& archive) {
 /// Sets the parent in the records of these objects.
 void setParent(ArchiveEditor& archive, const QList<long long>& ids, long long parent) {
     // Quirk: entries of `refs` are searched as well. They count as records of the object 0.
-    for (const QDomElement& item : elements(archive.predeclarations(), Words::Item)) {
-        const QDomElement record = item.firstChildElement(Words::Data);
-        if (ids.contains(declaredId(record)))
-            archive.setField(record, Words::poid, parent);
+    for (const Record& record : archive.recordsAtAnyDepth(archive.predeclarations())) {
+        if (ids.contains(record.id))
+            archive.setField(record.data, Words::poid, parent);
     }
 }
 

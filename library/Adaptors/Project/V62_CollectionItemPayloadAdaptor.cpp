@@ -70,11 +70,10 @@ private:
     }
 
     void renameRecords(const QDomElement& predeclarations) {
-        for (const QDomElement& item : elements(predeclarations, Words::Item)) {
-            const QDomElement record = item.firstChildElement(Words::Data);
-            if (Archive::typeOf(record) == Words::Predeclare &&
-                isPersistentItem(Archive::valueOf(record, Words::typeName)))
-                m_archive.setField(record, Words::typeName, itemClass);
+        for (const Record& record : m_archive.recordsAtAnyDepth(predeclarations)) {
+            if (isPersistentItem(Archive::valueOf(record.data, Words::typeName)) &&
+                Archive::typeOf(record.data) == Words::Predeclare)
+                m_archive.setField(record.data, Words::typeName, itemClass);
         }
     }
 

@@ -110,6 +110,7 @@ long long ArchiveEditor::nextId() {
 QDomElement ArchiveEditor::newObject(const QString& tag, const QString& type, long long id) {
     const QDomElement object = createObject(m_document, tag, type, id);
     m_index.created(object, id);
+    m_index.typed(object, type);
     return object;
 }
 
@@ -353,11 +354,13 @@ void ArchiveEditor::rename(QDomElement e, const QString& tag) {
 void ArchiveEditor::setType(QDomElement e, const QString& type) {
     e.setAttribute(Words::type, type);
     m_index.retyped(e);
+    m_index.typed(e, type);
 }
 
 void ArchiveEditor::setType(QDomAttr attribute, const QString& type) {
     attribute.setValue(type);
     m_index.retyped(attribute.ownerElement());
+    m_index.typed(attribute.ownerElement(), type);
 }
 
 void ArchiveEditor::setObjectId(QDomElement e, long long id) {

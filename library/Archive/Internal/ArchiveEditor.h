@@ -75,6 +75,9 @@ public:
     TypedElements baseParts();
     TypedElements baseParts(Scope scope);
 
+    /// All elements of a type that isListedType(), in the whole document, in no particular order.
+    Elements ofListedType(const QString& type) { return m_index.ofListedType(type); }
+
     /// The array of records that declare() and undeclare() change. Null if there is none: then new records
     /// are dropped, but still use up ids.
     QDomElement predeclarations();
@@ -87,6 +90,9 @@ public:
     std::size_t numberedRecords() { return m_index.numberedRecords(predeclarations()); }
     /// The entries of an array of records.
     RecordList recordsIn(const QDomElement& array) { return m_index.records(array); }
+    /// The same with all further `Item` elements below them, which some steps take for records as well. Those may be
+    /// missing that declare nothing and have an empty `Data` or none.
+    RecordList recordsAtAnyDepth(const QDomElement& array) { return m_index.recordsAtAnyDepth(array); }
 
     // Create.
 

@@ -44,6 +44,7 @@ ArchiveIndex::ArchiveIndex(const QDomDocument& document, TreeFacts facts) : m_do
     m_archive = top;
     m_rootObjects = std::move(facts.rootObjects);
     m_baseParts = std::move(facts.baseParts);
+    m_byType = std::move(facts.elementsByType);
     m_isPlain = m_greatest.has_value();
 }
 
@@ -72,11 +73,43 @@ TypedElements ArchiveIndex::elements(const QDomNode& below, const QString& tag) 
     return TypedElements(list);
 }
 
+Elements ArchiveIndex::ofListedType(const QString& type) {
+    if (const auto listed = m_byType.constFind(type); listed != m_byType.constEnd()) {
+        Elements current;
+        std::unordered_set<const void*> seen;
+        std::size_t steps = mostSteps(listed->size());
+        for (const QDomElement& e : *listed) {
+            if (e.attribute(Words::type) == type && isInTree(e, steps) && seen.insert(identityOf(e)).second)
+                current.push_back(e);
+        }
+        if (steps > 0)
+            return current;
+    }
+    Elements& list = m_byType[type];
+    list.clear();
+    forEachNode(m_document, [&](const QDomNode& node) {
+        if (const QDomElement e = node.toElement(); e.attribute(Words::type) == type)
+            list.push_back(e);
+    });
+    return list;
+}
+
 // Lists.
+
+void ArchiveIndex::typed(const QDomElement& e, const QString& type) {
+    if (!isListedType(type))
+        return;
+    if (const auto list = m_byType.find(type); list != m_byType.end())
+        list->push_back(e);
+}
 
 void ArchiveIndex::inserted(const QDomElement& parent, const QDomNode& child, bool isLast) {
     const QString tag = child.nodeName();
     invalidateRecordsAt(parent, tag);
+    const bool mayHoldRecords =
+        child.hasChildNodes() || parent.tagName() == Words::Data || parent == m_plainArray;
+    if (mayHoldRecords && isInPlainArray(parent))
+        m_plainArray = QDomElement();
     if (!m_rootObjects && !m_baseParts)
         return;
     if (tag == Words::RootObject && isLast && m_archive && parent == *m_archive) {
@@ -119,6 +152,9 @@ bool ArchiveIndex::isInNewRootObject(const QDomNode& node) const {
 
 void ArchiveIndex::removed(const QDomNode& parent, const QDomNode& child) {
     invalidateRecordsAt(parent, child.nodeName());
+    // Another `Data` may remain in an entry, and another `oid` in a `Data`.
+    if ((child.nodeName() == Words::Data || parent.nodeName() == Words::Data) && isInPlainArray(parent))
+        m_plainArray = QDomElement();
     if (m_archive && m_archive->isNull())
         m_archive.reset(); // one of several may remain
     forEachNode(child, [this](const QDomNode& node) {
@@ -137,6 +173,8 @@ void ArchiveIndex::removed(const QDomNode& parent, const QDomNode& child) {
 
 void ArchiveIndex::renamed(const QDomElement& e, const QString& newTag) {
     invalidateRecordsAt(e.parentNode(), e.tagName());
+    if (isInPlainArray(e))
+        m_plainArray = QDomElement();
     if (isIndexedTag(e.tagName()) && (m_rootObjects || m_baseParts))
         m_removed.emplace(identityOf(e), e);
     if (isIndexedTag(newTag))
@@ -155,6 +193,7 @@ void ArchiveIndex::imported(const QDomElement& e) {
         const QDomElement element = node.toElement();
         if (element.hasAttribute(Words::objectId))
             created(element, element.attribute(Words::objectId).toLongLong());
+        typed(element, element.attribute(Words::type));
     });
 }
 
@@ -251,6 +290,24 @@ RecordList ArchiveIndex::records(const QDomElement& array) {
     return RecordList(m_records->list);
 }
 
+/// What declares nothing counts as a record of the object 0. It can be left out if there is no other of that object.
+RecordList ArchiveIndex::recordsAtAnyDepth(const QDomElement& array) {
+    const RecordList direct = records(array);
+    if (!array.isNull() && array == m_plainArray)
+        return direct;
+    const auto all = std::make_shared<Records>();
+    bool isPlain = true;
+    auto next = direct.begin();
+    for (const QDomElement& item : Internal::elements(array, Words::Item)) {
+        const bool isDirect = next != direct.end() && next->item == item;
+        const Record& record = all->emplace_back(isDirect ? *next++ : recordIn(item));
+        isPlain = isPlain && (isDirect ? record.id != 0 : !record.data.hasChildNodes());
+    }
+    if (isPlain)
+        m_plainArray = array;
+    return RecordList(all);
+}
+
 std::size_t ArchiveIndex::numberedRecords(const QDomElement& array) const {
     return m_records && m_records->array == array ? m_records->numbered : 0;
 }
@@ -287,6 +344,21 @@ void ArchiveIndex::invalidateRecordsAt(const QDomNode& parent, const QString& ch
                         (childTag == Words::oid && parent.parentNode().parentNode() == array);
     if (isPart)
         m_records.reset();
+}
+
+/// Whether the node is `m_plainArray` or below it. May give true for a deep node, which costs time only.
+bool ArchiveIndex::isInPlainArray(QDomNode node) const {
+    if (m_plainArray.isNull())
+        return false;
+    constexpr int mostSteps = 64;
+    for (int steps = 0; steps < mostSteps; ++steps) {
+        if (node.isNull())
+            return false;
+        if (node == m_plainArray)
+            return true;
+        node = node.parentNode();
+    }
+    return true;
 }
 
 // Ids and texts.
@@ -364,7 +436,9 @@ void ArchiveIndex::invalidate() {
     m_lastAppended = QDomElement();
     m_isOneInserted = false;
     m_retyped.clear();
+    m_byType.clear();
     m_records.reset();
+    m_plainArray = QDomElement();
     invalidateTexts();
     m_created.clear();
 }

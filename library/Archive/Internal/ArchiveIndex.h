@@ -33,8 +33,15 @@ public:
     /// All descendants of the tag `RootObject` or `BaseOfObject`, in document order, with their types.
     TypedElements elements(const QDomNode& below, const QString& tag);
 
+    /// All elements of a listed type, in no particular order.
+    Elements ofListedType(const QString& type);
+
     /// The entries of an array of predeclarations.
     RecordList records(const QDomElement& array);
+
+    /// The same with all further `Item` elements below them, which some steps take for records as well. Those may be
+    /// missing that declare nothing and have an empty `Data` or none.
+    RecordList recordsAtAnyDepth(const QDomElement& array);
 
     /// The number of leading entries of the array whose `index` is known to be their position.
     std::size_t numberedRecords(const QDomElement& array) const;
@@ -59,6 +66,8 @@ public:
         return std::exchange(m_removedRootObjects, {});
     }
 
+    /// An element was created with that type, or got it. It may be inserted later.
+    void typed(const QDomElement& e, const QString& type);
     /// A text was written to an attribute.
     void wrote(const QString& text);
     /// `child` became a child of `parent`; `isLast`: as its last child.
@@ -109,6 +118,7 @@ private:
     bool isInTree(const QDomNode& node, std::size_t& steps);
     void countCreated();
     void invalidateRecordsAt(const QDomNode& parent, const QString& childTag);
+    bool isInPlainArray(QDomNode node) const;
 
     QDomDocument m_document;
     std::optional<QDomElement> m_archive;
@@ -122,7 +132,14 @@ private:
     bool m_isOneInserted = false; ///< a root object was inserted into the archive, not as its last child
     std::unordered_set<const void*> m_retyped; ///< by identity
 
+    /// The lists may also contain elements that left the tree or have another type by now, and the same one twice. A
+    /// list that is missing has to be searched for.
+    ElementsByType m_byType;
+
     std::optional<KnownRecords> m_records;
+    /// An array of predeclarations of which recordsAtAnyDepth() can leave out what is below its entries; null if none is
+    /// known.
+    QDomElement m_plainArray;
 
     std::optional<GreatestId> m_greatest;
     bool m_isGreatestFromText = false;

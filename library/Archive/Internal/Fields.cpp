@@ -30,7 +30,9 @@ Fields& Fields::typed(const FieldName& name, const QString& type, const QString&
     if (m_object.isNull())
         return *this;
     m_archive.m_index.wrote(value);
-    return add(createTypeValue(m_archive.m_document, textOf(name), type, value));
+    const QDomElement field = createTypeValue(m_archive.m_document, textOf(name), type, value);
+    m_archive.m_index.typed(field, type);
+    return add(field);
 }
 
 Fields& Fields::boolean(const FieldName& name, bool value) {

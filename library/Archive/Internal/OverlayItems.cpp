@@ -21,7 +21,10 @@ OverlayItems::OverlayItems(ArchiveEditor& archive) {
     for (const QDomElement& predeclarator : ofType(objects, Words::Predeclarator))
         predeclarations = firstDescendant(predeclarator, Words::predeclarations);
     archive.setPredeclarations(predeclarations);
-    collectRecords(predeclarations);
+    // Quirk: entries of `refs` are collected as well, as records of the object 0. An item without an id may
+    // find one of them.
+    for (const Record& record : archive.recordsAtAnyDepth(predeclarations))
+        m_records.insert(record.id, record.item);
 }
 
 void OverlayItems::collectItems(const QDomElement& preset) {
@@ -30,13 +33,6 @@ void OverlayItems::collectItems(const QDomElement& preset) {
         const QDomElement data = item.firstChildElement(Words::Data);
         m_items.push_back({data, idOf(data), presetType});
     }
-}
-
-void OverlayItems::collectRecords(const QDomElement& predeclarations) {
-    // Quirk: entries of `refs` are collected as well, as records of the object 0. An item without an id may
-    // find one of them.
-    for (const QDomElement& item : elements(predeclarations, Words::Item))
-        m_records.insert(declaredId(item.firstChildElement(Words::Data)), item);
 }
 
 QDomElement OverlayItems::refsOf(long long id) const {

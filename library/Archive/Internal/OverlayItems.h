@@ -31,7 +31,6 @@ public:
 
 private:
     void collectItems(const QDomElement& preset);
-    void collectRecords(const QDomElement& predeclarations);
 
     std::vector<OverlayItem> m_items;
     QHash<long long, QDomElement> m_records; ///< entries of the predeclarations by the id that they declare

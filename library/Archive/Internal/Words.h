@@ -37,6 +37,7 @@ inline const QString refs = QStringLiteral("refs");
 inline const QString Array = QStringLiteral("Array");
 inline const QString ObjectRef = QStringLiteral("ObjectRef");
 inline const QString StringPtr = QStringLiteral("StringPtr");
+inline const QString ClipTiming = QStringLiteral("Timeline::ClipTiming");
 
 } // namespace Archive::Words
 
