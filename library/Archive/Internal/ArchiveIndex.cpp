@@ -292,7 +292,7 @@ RecordList ArchiveIndex::records(const QDomElement& array) {
 
 /// What declares nothing counts as a record of the object 0. It can be left out if there is no other of that object.
 RecordList ArchiveIndex::recordsAtAnyDepth(const QDomElement& array) {
-    const RecordList direct = records(array);
+    RecordList direct = records(array);
     if (!array.isNull() && array == m_plainArray)
         return direct;
     const auto all = std::make_shared<Records>();
