@@ -28,7 +28,6 @@ SOURCES = pathlib.Path(__file__).resolve().parent.parent
 SIZES = [10000, 30000, 100000, 300000, 1000000]
 FLAT_SIZES = [10000, 100000]
 PEER_SIZES = [10000, 30000, 100000]
-ROUNDS = 3  # of migrations, spread over the whole measurement: a machine that others share changes its speed
 RATIO_WANTED = 3.9
 FLAT_RATIO_WANTED = 1.8
 
@@ -97,6 +96,7 @@ def measure(build, quick):
     figures = {"machine": machine(build), "load average at the start": os.getloadavg()[0]}
     archives, documents = [], []
 
+    # Called again between the other parts: a machine that others share changes its speed within minutes.
     def measure_round():
         archives.append(of_program("migration", sizes))
         documents.append(of_program("flat", FLAT_SIZES[:1] if quick else FLAT_SIZES))
@@ -109,7 +109,6 @@ def measure(build, quick):
     measure_round()
     figures["threads"] = of_script("python_threads.py", *projects)
     figures["dask"] = of_script("dask.py", program, *projects)
-    assert len(archives) == ROUNDS
     figures["migration"] = [{**middle(rows), "once": row} for rows, row in zip(zip(*archives), once)]
     figures["flat"] = [{**rounds[0], "versions": [middle(rows) for rows in zip(*(each["versions"] for each in rounds))]}
                        for rounds in zip(*documents)]
@@ -174,7 +173,7 @@ def migration_part(figures, folder):
              "Parse, all steps, conversion to JSON, save, in one process; milliseconds of processor time. Of 15 runs (7 above",
              "20,000 elements, 3 above 200,000) the one whose migration costs the median of what its floor costs. This is done in",
              "%d rounds, minutes apart, since a machine that others share changes its speed: the row is that of the round with the"
-             % ROUNDS, "median ratio, and `rounds` gives the ratios of all.", "",
+             % len(rows[0]["ratios"]), "median ratio, and `rounds` gives the ratios of all.", "",
              "- *Floor*: load the archive into the DOM and write the result. No program that uses the DOM can be faster.",
              "- *Bound*: the floor, and create as many nodes as the archive has more after all steps, and convert it to JSON.",
              "", *table(["elements", "text", "load", "write", "create", "convert", "floor", "bound", "migration", "of the floor",

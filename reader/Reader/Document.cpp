@@ -157,6 +157,7 @@ Document::Document(const QDomDocument& xml, std::optional<int> version, std::opt
 Document::Document(JsonDocument json, std::optional<int> version, std::optional<int> statedVersion)
     : m_content(std::move(json)), m_version(version), m_statedVersion(statedVersion) {}
 Document::~Document() = default;
+
 /// A QDomDocument can't be moved: the one that was copied would keep the tree alive.
 Document::Content Document::take(Content& content) noexcept {
     Content taken = std::move(content);
